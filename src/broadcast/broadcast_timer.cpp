@@ -1,0 +1,100 @@
+#include "broadcast/broadcast_timer.h"
+
+#include "broadcast/placeholders.h"
+#include "platform/conversions.h"
+#include "platform/text.h"
+#include "store/message_file.h"
+
+namespace rotacasts {
+namespace {
+
+// What the memory component is told of every chat message besides its text: a message kind and a
+// mode. Their meaning is the component's.
+constexpr const char* kChatKind = "MSG";
+constexpr std::int16_t kChatMode = 3;
+
+}  // namespace
+
+void BroadcastTimer::tmrRT_Timer(std::int16_t Index) {
+  Guard(reporter_, {"tmrRT", tables_.currentWindowProfile}, [&](Step& at) {
+    while (RunPass(Index, at) == Pass::TriesNextMessage) {
+    }
+  });
+}
+
+BroadcastTimer::Pass BroadcastTimer::RunPass(std::int16_t index, Step& at) {
+  if (!IsDue(index, at)) return Pass::Ended;
+
+  at(5);
+  std::string file = tables_.MessageFiles(index);
+  const std::vector<std::string> lines = services_.Utility().GetIniSection(kMessagesSection, file);
+  const auto count = static_cast<std::int32_t>(lines.size()) - 1;  // the last element is no line
+  if (count < 1) {
+    tables_.ElapsedTicks(index) = 0;
+    return Pass::Ended;
+  }
+  at(6);
+  if (tables_.NextMessage(index) > count - 1) tables_.NextMessage(index) = 0;
+  at(7);
+  const std::int32_t position = tables_.NextMessage(index);
+  at(8);
+  const std::string& line = lines.at(static_cast<std::size_t>(position));
+  const std::string message = ToText(services_.Utility().ParseIniKey(line, false));
+  at(9);
+  std::string text = LiveText(index, message);
+  at(11);
+  tables_.NextMessage(index) = position + 1;
+  if (text.empty()) {
+    at(13);
+    if (tables_.NextMessage(index) > 1) return Pass::TriesNextMessage;
+    // The list has come round to its first message: the tick ends without one.
+  } else {
+    at(12);
+    Send(index, std::move(text));
+  }
+  tables_.ElapsedTicks(index) = 0;
+  return Pass::Ended;
+}
+
+bool BroadcastTimer::IsDue(std::int32_t index, Step& at) {
+  at(1);
+  if (!game_.HasMemoryMap(index)) return false;
+  at(2);
+  if (!game_.IsGameRunning(index)) return false;
+  at(3);
+  if (window_.chkAuto().Value() != 1) return false;
+  at(4);
+  const Checked interval = ToLong(TrimSpaces(window_.txtInterval().Text()));
+  std::int32_t& elapsed = tables_.ElapsedTicks(index);
+  if (elapsed >= (interval - 1).Value()) return true;
+  ++elapsed;
+  return false;
+}
+
+std::string BroadcastTimer::LiveText(std::int32_t profileIndex, const std::string& message) {
+  const bool isDfbhd = tables_.Profiles(profileIndex).GameCode == kDfbhd;
+  std::string text = message;
+  if (message == kShowNextMap) {
+    text = isDfbhd ? game_.GetNextMap(profileIndex) : game_.GetNextMapJO(profileIndex);
+  } else if (const auto category = PlaceholderCategory(message)) {
+    const std::string name(*category);
+    text =
+        isDfbhd ? infoTexts_.GetStat(profileIndex, name) : infoTexts_.GetStat2(profileIndex, name);
+  }
+  return std::string(TrimSpaces(ReplaceAll(text, "\r\n", "")));
+}
+
+void BroadcastTimer::Send(std::int16_t index, std::string text) {
+  ProfileRecord& record = tables_.Profiles(index);
+  MemoryComponent& memory = services_.Memory();
+  std::int16_t profileIndex = index;
+  if (record.GameCode == kDfbhd) {
+    memory.AddMsg(profileIndex, record.MessageTarget, text, record.IsAffiliate, kChatKind,
+                  kChatMode);
+  } else {
+    memory.AddMsgB(profileIndex, record.MessageTarget, text, record.IsAffiliate, kChatKind,
+                   kChatMode, record.GameCode);
+  }
+}
+
+}  // namespace rotacasts

@@ -1,0 +1,39 @@
+// Whether a game is running on a profile's server, and which map comes next.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "plugin/guard.h"
+
+namespace rotacasts {
+
+/// Reads a profile's game server afresh on every call; keeps nothing.
+class GameReader {
+ public:
+  GameReader(const HostServices& services, ProfileTables& tables, ErrorReporter& reporter)
+      : services_(services), tables_(tables), reporter_(reporter) {}
+
+  /// Replaces the profile's memory map by a new one for its game build: the record's game code and
+  /// affiliate flags must be in place. Errors are reported under "SetMemory".
+  void SetMemory(std::int32_t profileIndex, bool isAffiliate);
+
+  /// Whether the profile's game build is known. Never raises: any error means no.
+  bool HasMemoryMap(std::int32_t profileIndex) const;
+  /// Whether the server is running a game. Only for a profile that has a memory map; a failed read
+  /// is the caller's error.
+  bool IsGameRunning(std::int32_t profileIndex) const;
+
+  /// "[Next Map] " and the name of the map that a "DFBHD" server loads next; after an error, which
+  /// is reported, the empty text.
+  std::string GetNextMap(std::int32_t profileIndex);
+  /// The same for every other build; after an error, reported without a box, "Unknown!!!".
+  std::string GetNextMapJO(std::int32_t profileIndex);
+
+ private:
+  const HostServices& services_;
+  ProfileTables& tables_;
+  ErrorReporter& reporter_;
+};
+
+}  // namespace rotacasts

@@ -1,0 +1,94 @@
+// The two sibling components of the host suite: the operations that the plugin calls, in the
+// argument order of the component contract.
+//
+// A reference parameter that is not const is passed by reference across the component boundary: the
+// component may write it back, and the plugin never relies on such a write. Every operation raises
+// the component's own error as a RuntimeError. All calls are made on the user-interface thread.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "platform/variant.h"
+
+namespace rotacasts {
+
+/// Reads a game server's memory, sends chat to it, encodes and decodes texts.
+class MemoryComponent {
+ public:
+  static constexpr const char* kProgId = "tvxQMR.clsMemory";
+  virtual ~MemoryComponent() = default;
+
+  /// The 32-bit value at `address` in the process.
+  virtual std::int32_t ReadLong(std::int32_t& processHandle, std::int32_t address) = 0;
+  /// The text at `address`; where it ends is the component's decision.
+  virtual std::string ReadStr(std::int32_t& processHandle, std::int32_t address) = 0;
+
+  /// Sends `text` as a chat message to the game server of a profile whose game code is "DFBHD".
+  virtual void AddMsg(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
+                      bool& isAffiliate, const std::string& kind, std::int16_t mode) = 0;
+  /// The same for every other game code.
+  virtual void AddMsgB(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
+                       bool& isAffiliate, const std::string& kind, std::int16_t mode,
+                       std::string& gameCode) = 0;
+
+  /// Base64 of the text; holds no "|".
+  virtual std::string Enc64(const std::string& text) = 0;
+  /// The inverse of Enc64.
+  virtual std::string Dec64(const std::string& text) = 0;
+};
+
+/// Reads and writes INI and text files, logs and reports errors.
+class UtilityComponent {
+ public:
+  static constexpr const char* kProgId = "tvxZDL.clsZDF";
+  virtual ~UtilityComponent() = default;
+
+  /// A key to write: a text, a number that is written as its decimal text, or null.
+  using Key = std::variant<std::monostate, std::string, std::int32_t>;
+  static constexpr std::monostate kNullKey{};
+
+  /// The key's value; empty when the file, the section or the key is missing.
+  virtual std::string GetIniKey(const std::string& section, const std::string& key,
+                                std::string& file) = 0;
+  /// Writes the key, creating the file and the section; a new key goes to the section's end. A null
+  /// value (not an empty one) removes the key, a null key with a null value the whole section.
+  virtual void WriteIniKey(const std::string& section, const Key& key,
+                           const std::optional<std::string>& value, std::string& file) = 0;
+  /// Every line of the section as "key=value" in file order, then one element that is no line. With
+  /// no line the upper bound is below 1.
+  virtual std::vector<std::string> GetIniSection(const std::string& section, std::string& file) = 0;
+  /// Splits such a line at its first "=": the array of key and value, or the value alone.
+  virtual Variant ParseIniKey(const std::string& line, bool asPair) = 0;
+
+  /// The lines of a text file.
+  virtual std::vector<std::string> ReadFile(std::string& file) = 0;
+  /// Appends `text` as one line at the end of an existing file.
+  virtual void AppendFile(const std::string& file, const std::string& text) = 0;
+
+  /// Records an error in the host suite's error log.
+  virtual void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
+                        std::int32_t& line) = 0;
+  /// Sends a six-element error report on; true when it was delivered.
+  virtual bool SendErrorReport(Variant& report) = 0;
+};
+
+/// The platform's file-system object. Paths are full ones with backslashes.
+class FileSystemObject {
+ public:
+  static constexpr const char* kProgId = "Scripting.FileSystemObject";
+  virtual ~FileSystemObject() = default;
+
+  virtual bool FileExists(const std::string& path) = 0;
+  virtual bool FolderExists(const std::string& path) = 0;
+  /// Creates one folder. Errors: 76 without its parent, 58 when it exists, 70 when not allowed.
+  virtual void CreateFolder(const std::string& path) = 0;
+  /// Creates an empty text file in the system's single-byte character set and closes it; an
+  /// existing file is emptied. Errors: 76 without its folder, 70 when not allowed.
+  virtual void CreateTextFile(const std::string& path) = 0;
+};
+
+}  // namespace rotacasts

@@ -1,0 +1,63 @@
+// What the plugin asks of the platform it runs on, in one bundle.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/components.h"
+#include "platform/forms/toolkit.h"
+
+namespace rotacasts {
+
+/// Version numbers of the plugin's module; the build number is nobody's business.
+struct ModuleVersion {
+  int majorNumber = 0;
+  int minorNumber = 0;
+  int revision = 0;
+};
+
+/// The module that the plugin was loaded from.
+class Module {
+ public:
+  virtual ~Module() = default;
+  /// Its folder, without a trailing backslash.
+  virtual std::string Folder() const = 0;
+  virtual ModuleVersion Version() const = 0;
+};
+
+/// Creates components by their programmatic identifiers (kProgId of each class). Every method
+/// raises error 429 when the component cannot be created; the caller owns the result.
+class ComponentFactory {
+ public:
+  virtual ~ComponentFactory() = default;
+  virtual std::unique_ptr<UtilityComponent> CreateUtility() = 0;
+  virtual std::unique_ptr<MemoryComponent> CreateMemory() = 0;
+  virtual std::unique_ptr<FileSystemObject> CreateFileSystem() = 0;
+};
+
+/// A moment by the machine's local time.
+struct LocalTime {
+  int year = 0;
+  int month = 0;  // 1 to 12
+  int day = 0;    // 1 to 31
+  int hour = 0;   // 0 to 23
+  int minute = 0;
+  int second = 0;
+};
+
+class LocalClock {
+ public:
+  virtual ~LocalClock() = default;
+  virtual LocalTime Now() const = 0;
+};
+
+/// The bundle. Its members are owned by whoever composes the plugin and outlive it.
+struct Platform {
+  Module& module;
+  ComponentFactory& components;
+  LocalClock& clock;
+  forms::Toolkit& toolkit;
+};
+
+}  // namespace rotacasts

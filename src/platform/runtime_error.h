@@ -1,0 +1,60 @@
+// The one exception type of the core, with the platform's error numbers.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <string_view>
+
+namespace rotacasts {
+
+/// The platform's run-time error numbers that this system raises or tells apart.
+enum class ErrorNumber : std::int32_t {
+  InvalidProcedureCall = 5,
+  Overflow = 6,
+  OutOfMemory = 7,
+  SubscriptOutOfRange = 9,
+  TypeMismatch = 13,
+  InternalError = 51,
+  FileNotFound = 53,
+  DeviceIoError = 57,
+  FileAlreadyExists = 58,
+  PermissionDenied = 70,
+  PathFileAccessError = 75,
+  PathNotFound = 76,
+  ObjectVariableNotSet = 91,
+  InvalidUseOfNull = 94,
+  InvalidFileFormat = 321,
+  NoSuchArrayElement = 340,
+  ObjectAlreadyLoaded = 360,
+  CannotUnloadDesignTimeControl = 362,
+  InvalidPropertyValue = 380,
+  CannotShowModeless = 401,
+  CannotCreateComponent = 429,
+  NoSuchMember = 438,
+  InvalidPicture = 481,
+};
+
+/// A run-time error: the platform's number and a description for the administrator (UTF-8).
+/// Components may raise numbers of their own, so the number is a plain integer.
+class RuntimeError : public std::exception {
+ public:
+  RuntimeError(std::int32_t errorNumber, std::string errorDescription)
+      : number(errorNumber), description(std::move(errorDescription)) {}
+  /// An error with the platform's own description, followed by ": " and `detail` if there is one.
+  explicit RuntimeError(ErrorNumber errorNumber, std::string_view detail = {});
+
+  bool Is(ErrorNumber errorNumber) const {
+    return number == static_cast<std::int32_t>(errorNumber);
+  }
+  const char* what() const noexcept override { return description.c_str(); }
+
+  std::int32_t number;
+  std::string description;
+};
+
+/// The exception now being handled, as a run-time error: itself if it is one, error 7 for exhausted
+/// memory, error 51 with its text for any other. Call only inside a catch clause.
+RuntimeError CurrentRuntimeError();
+
+}  // namespace rotacasts

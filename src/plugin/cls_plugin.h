@@ -1,0 +1,48 @@
+// The class that the host creates and calls.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "plugin/descriptor.h"
+#include "plugin/plugin_state.h"
+
+namespace rotacasts {
+
+/// The members of the dispatch interface _clsPlugin, called by the host on its user-interface
+/// thread once PluginState exists. Every object shares that one state. Errors are reported, not
+/// passed to the host; only HideInterface lets them through. Arguments named fName are accepted and
+/// not used.
+class clsPlugin {
+ public:
+  explicit clsPlugin(PluginState& state) : state_(state) {}
+
+  /// The plugin's descriptor; needs nothing set up, like GetPrivis.
+  PLUGIN GetData() const { return DescribePlugin(state_.services.Version()); }
+  /// The privileges that an administrator can be granted.
+  Variant GetPrivis() const { return DescribePrivileges(); }
+
+  /// Shows the profile's settings inside the host window `PHWND` and starts its broadcasts.
+  void LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, const Variant& PDAT,
+                     const std::string& fName = {}) {
+    static_cast<void>(fName);
+    state_.embedding.LoadInterface(Index, PHWND, PDAT);
+  }
+  /// Hides the settings window; broadcasts go on.
+  void HideInterface(const std::string& fName = {}) {
+    static_cast<void>(fName);
+    state_.embedding.HideInterface();
+  }
+  /// Closes the settings window and stops every profile.
+  void UnLoadInterface(const std::string& fName) {
+    static_cast<void>(fName);
+    state_.embedding.UnLoadInterface();
+  }
+  /// Stops one profile.
+  void DisableProfile(std::int32_t Index) { state_.profiles.DisableProfile(Index); }
+
+ private:
+  PluginState& state_;
+};
+
+}  // namespace rotacasts

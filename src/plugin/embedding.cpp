@@ -1,0 +1,69 @@
+#include "plugin/embedding.h"
+
+#include "platform/arithmetic.h"
+#include "platform/conversions.h"
+
+namespace rotacasts {
+namespace {
+
+// Where the settings window lies in the host's window, in pixels: below the host's own heading, and
+// that much less high than the host's area.
+constexpr std::int32_t kLeft = 2;
+constexpr std::int32_t kTop = 30;
+constexpr std::int32_t kHeightTaken = 28;
+
+/// Whole pixels in a length of twips, both taken as whole numbers first.
+std::int32_t WholePixels(const Variant& twips, double twipsPerPixel) {
+  return ToLong(twips) / RoundToLong(twipsPerPixel);
+}
+
+}  // namespace
+
+void Embedding::LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, const Variant& PDAT) {
+  if (Index == 0) return;
+  Guard(reporter_, {"LoadInterface", Index}, [&](Step& at) {
+    at(2);
+    profiles_.SetProfileData(Index, PDAT);
+    at(3);
+    tables_.currentWindowProfile = Index;
+    at(4);
+    forms::Toolkit& toolkit = services_.Toolkit();
+    const std::shared_ptr<frmRT> window = window_.Get();
+    at(5);
+    const forms::TwipsPerPixel screen = toolkit.ScreenTwipsPerPixel();
+    const std::int32_t width = WholePixels(PDAT.At(pdat::kAreaWidth), screen.horizontal);
+    const Checked height = WholePixels(PDAT.At(pdat::kAreaHeight), screen.vertical);
+    toolkit.MoveWindow(window->Handle(), kLeft, kTop, width, (height - kHeightTaken).Value(), true);
+    at(6);
+    toolkit.SetParent(window->Handle(), PHWND);
+    at(7);
+    window->Form_Reload();
+    at(8);
+    if (!ResumeNext({ErrorNumber::CannotShowModeless}, [&] { window->Show(); })) return;
+    at(9);
+    StartTimer(Index, *window);
+  });
+}
+
+void Embedding::StartTimer(std::int32_t index, frmRT& window) {
+  const std::int16_t element = ToInteger(index);
+  ResumeNext({ErrorNumber::ObjectAlreadyLoaded}, [&] { window.Timers().Load(element); });
+  window.Timers().SetInterval(element, kTimerInterval);
+  window.Timers().SetEnabled(element, true);
+}
+
+void Embedding::HideInterface() {
+  window_.Get()->Hide();
+}
+
+void Embedding::UnLoadInterface() {
+  constexpr std::int32_t kNoProfile = 0;
+  Guard(reporter_, {"UnLoadInterface", kNoProfile}, [&](Step& at) {
+    at(1);
+    profiles_.ResetRunTimeTables();
+    at(2);
+    window_.Unload();
+  });
+}
+
+}  // namespace rotacasts

@@ -1,0 +1,47 @@
+#include "plugin/host_services.h"
+
+#include "platform/text.h"
+
+namespace rotacasts {
+namespace {
+
+constexpr const char* kPluginFolders[] = {"\\Plugins", "\\plugins", "\\dlls\\Rotacasts"};
+
+template <class Component>
+Component& Required(const std::unique_ptr<Component>& component) {
+  if (!component) throw RuntimeError(ErrorNumber::ObjectVariableNotSet);
+  return *component;
+}
+
+}  // namespace
+
+std::string HostFolderOf(const std::string& moduleFolder) {
+  std::string folder = moduleFolder;
+  for (const char* part : kPluginFolders) folder = ReplaceAll(folder, part, "");
+  return folder;
+}
+
+std::string FormatVersion(const ModuleVersion& version) {
+  return std::to_string(version.majorNumber) + "." + std::to_string(version.minorNumber) + "." +
+         std::to_string(version.revision);
+}
+
+void HostServices::Start() {
+  hostFolder_ = HostFolderOf(platform_.module.Folder());
+  utility_ = platform_.components.CreateUtility();
+  memory_ = platform_.components.CreateMemory();
+}
+
+UtilityComponent& HostServices::Utility() const {
+  return Required(utility_);
+}
+MemoryComponent& HostServices::Memory() const {
+  return Required(memory_);
+}
+
+FileSystemObject& HostServices::FileSystem() {
+  if (!fileSystem_) fileSystem_ = platform_.components.CreateFileSystem();
+  return *fileSystem_;
+}
+
+}  // namespace rotacasts

@@ -1,0 +1,32 @@
+#include "plugin/plugin_state.h"
+
+namespace rotacasts {
+
+PluginState::PluginState(Platform platform)
+    : services(platform),
+      reporter(services, tables),
+      game(services, tables, reporter),
+      infoTexts(services, tables, reporter),
+      window([this] {
+        return SettingsWindowContext{services, tables, reporter, store,
+                                     [this](std::int16_t index) { broadcast.tmrRT_Timer(index); }};
+      }),
+      store(services, tables, reporter, window),
+      broadcast(services, tables, reporter, game, infoTexts, window),
+      profiles(services, tables, reporter, game, window),
+      embedding(services, tables, reporter, profiles, window) {
+  Main();
+}
+
+PluginState::~PluginState() {
+  window.Unload();
+}
+
+void PluginState::Main() {
+  Guard(reporter, {"Main", tables.currentWindowProfile}, [&](Step& at) {
+    at(1);
+    services.Start();
+  });
+}
+
+}  // namespace rotacasts

@@ -1,0 +1,36 @@
+// The composition root: the process-wide state that every clsPlugin object shares.
+#pragma once
+
+#include "broadcast/broadcast_timer.h"
+#include "plugin/embedding.h"
+
+namespace rotacasts {
+
+/// Everything the plugin consists of, wired together. One for the process, made when the plugin is
+/// loaded and kept until it is unloaded; each test makes its own. What the platform bundle refers
+/// to outlives it.
+class PluginState {
+ public:
+  /// Runs start-up. An error is reported under "Main"; the plugin then lives on without what
+  /// failed.
+  explicit PluginState(Platform platform);
+  ~PluginState();
+  PluginState(const PluginState&) = delete;
+  PluginState& operator=(const PluginState&) = delete;
+
+  ProfileTables tables;
+  HostServices services;
+  ErrorReporter reporter;
+  GameReader game;
+  InfoTexts infoTexts;
+  SettingsWindow window;
+  MessageFile store;
+  BroadcastTimer broadcast;
+  Profiles profiles;
+  Embedding embedding;
+
+ private:
+  void Main();
+};
+
+}  // namespace rotacasts

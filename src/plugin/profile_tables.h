@@ -1,0 +1,59 @@
+// What the plugin keeps of every profile, in process memory only.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "game/memory_map.h"
+#include "plugin/table.h"
+
+namespace rotacasts {
+
+/// What the plugin keeps of a host's profile data array.
+struct ProfileRecord {
+  std::string Data5;
+  std::string GameCode;
+  std::int32_t ProcessHandle = 0;
+  std::string Data0;
+  std::string Data3;
+  std::string Data4;
+  std::int32_t MessageTarget = 0;
+  std::string ProfileFolder;
+  bool IsAffiliate = false;   // the game code ends in _AFF
+  bool IsAffiliate2 = false;  // the game code ends in _AFF2
+};
+
+/// The per-profile tables, indexed by profile index, and the current window profile. Access beyond
+/// a table's bounds raises error 9.
+struct ProfileTables {
+  Table<ProfileRecord> Profiles;
+  /// Full paths of the message files; empty for a profile that is not set up.
+  Table<std::string> MessageFiles;
+  Table<MemoryMap> MemoryMaps;
+  /// Zero-based position, in the message list, of the next message to send.
+  Table<std::int32_t> NextMessage;
+  /// Timer ticks counted since the last send.
+  Table<std::int32_t> ElapsedTicks;
+
+  /// The profile that the settings window shows and edits; 0 before the first.
+  std::int32_t currentWindowProfile = 0;
+};
+
+/// The elements of a host's profile data array that are read.
+namespace pdat {
+inline constexpr std::size_t kData0 = 0;
+inline constexpr std::size_t kGameCode = 1;
+inline constexpr std::size_t kProcessHandle = 2;
+inline constexpr std::size_t kData3 = 3;
+inline constexpr std::size_t kData4 = 4;
+inline constexpr std::size_t kData5 = 5;
+inline constexpr std::size_t kMessageTarget = 6;
+inline constexpr std::size_t kProfileFolder = 7;
+inline constexpr std::size_t kAdministrator = 10;  // name of the remote administrator
+inline constexpr std::size_t kSharedLog = 11;      // True: log below the host folder
+inline constexpr std::size_t kAreaHeight = 12;     // of the host's plugin area, twips
+inline constexpr std::size_t kAreaWidth = 13;
+inline constexpr std::size_t kSize = 14;
+}  // namespace pdat
+
+}  // namespace rotacasts

@@ -1,0 +1,80 @@
+#include "plugin/profiles.h"
+
+#include "platform/conversions.h"
+
+namespace rotacasts {
+namespace {
+
+template <class Element>
+void GrowToReach(Table<Element>& table, std::int32_t index) {
+  if (!ArrayInit(table)) table.Resize(0);
+  if (table.UpperBound() < index) table.GrowTo(index);
+}
+
+}  // namespace
+
+void Profiles::GrowTables(std::int32_t index) {
+  GrowToReach(tables_.Profiles, index);
+  GrowToReach(tables_.MemoryMaps, index);
+  GrowToReach(tables_.MessageFiles, index);
+  GrowToReach(tables_.NextMessage, index);
+  GrowToReach(tables_.ElapsedTicks, index);
+}
+
+void Profiles::SetProfileData(std::int32_t Index, const Variant& PDAT) {
+  Guard(reporter_, {"SetProfileData", Index}, [&](Step& at) {
+    at(1);
+    GrowTables(Index);
+    at(2);
+    ProfileRecord& record = tables_.Profiles(Index);
+    FillRecord(record, PDAT);
+    at(3);
+    game_.SetMemory(Index, record.IsAffiliate);
+    at(4);
+    tables_.MessageFiles(Index) = MessageFilePath(services_.HostFolder(), record.ProfileFolder);
+  });
+}
+
+void Profiles::FillRecord(ProfileRecord& record, const Variant& PDAT) {
+  record.Data0 = ToText(PDAT.At(pdat::kData0));
+  record.GameCode = ToText(PDAT.At(pdat::kGameCode));
+  record.ProcessHandle = ToLong(PDAT.At(pdat::kProcessHandle));
+  record.Data3 = ToText(PDAT.At(pdat::kData3));
+  record.Data4 = ToText(PDAT.At(pdat::kData4));
+  record.Data5 = ToText(PDAT.At(pdat::kData5));
+  record.MessageTarget = ToLong(PDAT.At(pdat::kMessageTarget));
+  record.ProfileFolder = ToText(PDAT.At(pdat::kProfileFolder));
+  record.IsAffiliate = record.GameCode.ends_with(kAffiliateEnding);
+  record.IsAffiliate2 = record.GameCode.ends_with(kAffiliate2Ending);
+}
+
+void Profiles::DisableProfile(std::int32_t Index) {
+  const auto ifThere = [](auto&& statement) {
+    ResumeNext({ErrorNumber::SubscriptOutOfRange, ErrorNumber::NoSuchArrayElement}, statement);
+  };
+  Guard(reporter_, {"DisableProfile", Index}, [&](Step& at) {
+    at(1);
+    ifThere([&] { tables_.MemoryMaps(Index) = MemoryMap(); });
+    at(2);
+    const std::int16_t element = ToInteger(Index);
+    if (const auto window = window_.IfLoaded()) {  // no window, no timer: none is made for this
+      ifThere([&] { window->Timers().SetEnabled(element, false); });
+      ifThere([&] { window->Timers().SetInterval(element, 0); });
+      ifThere([&] { window->Timers().Unload(element); });
+    }
+    at(3);
+    ifThere([&] { tables_.MessageFiles(Index).clear(); });
+    at(4);
+    ifThere([&] { tables_.NextMessage(Index) = 0; });
+    ifThere([&] { tables_.ElapsedTicks(Index) = 0; });
+  });
+}
+
+void Profiles::ResetRunTimeTables() {
+  tables_.MemoryMaps.Resize(0);
+  tables_.MessageFiles.Resize(0);
+  tables_.NextMessage.Resize(0);
+  tables_.ElapsedTicks.Resize(0);
+}
+
+}  // namespace rotacasts

@@ -1,0 +1,41 @@
+// Setting up and stopping profiles.
+#pragma once
+
+#include <cstdint>
+
+#include "game/game_reader.h"
+#include "plugin/guard.h"
+#include "ui/settings_window.h"
+
+namespace rotacasts {
+
+class Profiles {
+ public:
+  Profiles(HostServices& services, ProfileTables& tables, ErrorReporter& reporter, GameReader& game,
+           SettingsWindow& window)
+      : services_(services), tables_(tables), reporter_(reporter), game_(game), window_(window) {}
+
+  /// Stores a profile's data: grows the tables to `Index`, fills the record, builds the memory map
+  /// and the message file's path. Position and tick count of a running profile stay. Reported under
+  /// "SetProfileData"; fields filled before an error keep their new values.
+  void SetProfileData(std::int32_t Index, const Variant& PDAT);
+
+  /// Stops a profile: no memory map, no timer, no path, counters 0; whatever of that does not exist
+  /// is passed over. Reported under "DisableProfile".
+  void DisableProfile(std::int32_t Index);
+
+  /// Drops every profile's memory map, path and counters.
+  void ResetRunTimeTables();
+
+ private:
+  void GrowTables(std::int32_t index);
+  void FillRecord(ProfileRecord& record, const Variant& PDAT);
+
+  HostServices& services_;
+  ProfileTables& tables_;
+  ErrorReporter& reporter_;
+  GameReader& game_;
+  SettingsWindow& window_;
+};
+
+}  // namespace rotacasts

@@ -1,0 +1,53 @@
+// A per-profile table: a zero-based array indexed by profile index, grown on demand.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+
+#include "platform/runtime_error.h"
+
+namespace rotacasts {
+
+/// An array from 0 to an upper bound, or without bounds until it is sized. An element comes into
+/// being, empty, when it is first touched, so that a profile index of a billion costs no more than
+/// one of 1; and it keeps its address until the table drops it.
+template <class Element>
+class Table {
+ public:
+  /// The highest index. Error 9 while the table has no bounds.
+  std::int32_t UpperBound() const {
+    if (!upperBound_) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    return *upperBound_;
+  }
+  /// Sizes the table to 0 to `upperBound`, dropping every element.
+  void Resize(std::int32_t upperBound) {
+    elements_.clear();
+    upperBound_ = upperBound;
+  }
+  /// Raises the upper bound, keeping every element.
+  void GrowTo(std::int32_t upperBound) { upperBound_ = upperBound; }
+
+  /// Error 9 beyond the bounds.
+  Element& operator()(std::int32_t index) {
+    if (index < 0 || index > UpperBound()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    return elements_[index];
+  }
+
+ private:
+  std::optional<std::int32_t> upperBound_;
+  std::map<std::int32_t, Element> elements_;
+};
+
+/// Whether a table has bounds, whatever they are.
+template <class Element>
+bool ArrayInit(const Table<Element>& table) {
+  try {
+    table.UpperBound();
+    return true;
+  } catch (const RuntimeError&) {
+    return false;
+  }
+}
+
+}  // namespace rotacasts

@@ -1,0 +1,265 @@
+#include "store/message_file.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "platform/arithmetic.h"
+#include "platform/conversions.h"
+#include "platform/forms/form.h"
+#include "platform/text.h"
+
+namespace rotacasts {
+namespace {
+
+/// One line of the section "Messages".
+struct Entry {
+  std::string key;
+  std::string text;
+};
+
+Entry SplitLine(UtilityComponent& utility, const std::string& line) {
+  const Variant pair = utility.ParseIniKey(line, true);
+  return {ToText(pair.At(0)), ToText(pair.At(1))};
+}
+
+bool IsBlank(std::string_view text) {
+  return TrimSpaces(text).empty();
+}
+
+/// The lines among the elements that GetIniSection answers: all but the last and blank ones.
+std::vector<Entry> ReadEntries(UtilityComponent& utility, std::string& file) {
+  std::vector<Entry> entries;
+  for (const std::string& line : utility.GetIniSection(kMessagesSection, file)) {
+    if (!IsBlank(line)) entries.push_back(SplitLine(utility, line));
+  }
+  return entries;
+}
+
+/// The key as a number; nothing for one that a hand has edited into something else.
+std::optional<std::int32_t> KeyNumber(const std::string& key) {
+  try {
+    return ToLong(key);
+  } catch (const RuntimeError&) {
+    return std::nullopt;
+  }
+}
+
+/// The key as the INI writer finds it: the number, or a hand-edited key as it is spelled.
+UtilityComponent::Key KeyToRemove(const std::string& key) {
+  const std::optional<std::int32_t> number = KeyNumber(key);
+  if (number && std::to_string(*number) == key) return *number;
+  return key;
+}
+
+/// The key of a new message, behind `lines` as GetIniSection answers them: one more than the number
+/// of lines or, in a hand-edited section, than the highest key, so that no text is overwritten.
+std::string NextKey(const std::vector<std::string>& lines) {
+  std::int32_t highest = static_cast<std::int32_t>(lines.size()) - 1;
+  for (const std::string& line : lines) {
+    highest = std::max(highest, KeyNumber(line.substr(0, line.find('='))).value_or(0));
+  }
+  return std::to_string((Checked(std::max(highest, 0)) + 1).Value());
+}
+
+std::string KeyAt(std::size_t position) {
+  return std::to_string(position + 1);
+}
+
+bool HasDenseKeys(const std::vector<Entry>& entries) {
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (entries[i].key != KeyAt(i)) return false;
+  }
+  return true;
+}
+
+/// Replaces the entries of a section so that every text stands in the file at every moment: what
+/// changes is written under spare keys first, then in its place; the spare keys go last.
+class Replacement {
+ public:
+  Replacement(UtilityComponent& utility, std::string& file, const std::vector<std::string>& texts)
+      : utility_(utility),
+        file_(file),
+        texts_(texts),
+        old_(ReadEntries(utility, file)),
+        dense_(HasDenseKeys(old_) && old_.size() == texts.size()) {
+    for (std::size_t i = 0; i < texts_.size(); ++i) {
+      if (!dense_ || texts_[i] != old_[i].text) changed_.push_back(i);
+    }
+    for (const Entry& entry : old_) spare_ = std::max(spare_, KeyNumber(entry.key).value_or(0));
+    spare_ = std::max(spare_, static_cast<std::int32_t>(texts_.size()));
+  }
+
+  void Run() {
+    try {
+      Stage();
+      if (!dense_) RemoveOld();
+      for (const std::size_t i : changed_) Write(KeyAt(i), texts_[i]);
+      RemoveSpares();
+    } catch (...) {
+      PutBack();
+      throw;
+    }
+  }
+
+ private:
+  std::string Spare(std::size_t position) const {
+    return std::to_string((Checked(spare_) + static_cast<std::int32_t>(position) + 1).Value());
+  }
+  void Write(const std::string& key, const std::optional<std::string>& text) {
+    utility_.WriteIniKey(kMessagesSection, key, text, file_);
+  }
+  void RemoveOld() {
+    for (const Entry& entry : old_) {
+      utility_.WriteIniKey(kMessagesSection, KeyToRemove(entry.key), std::nullopt, file_);
+    }
+  }
+  void Stage() {
+    for (const std::size_t i : changed_) Write(Spare(i), texts_[i]);
+  }
+  void RemoveSpares() {
+    for (const std::size_t i : changed_) Write(Spare(i), std::nullopt);
+  }
+
+  /// After a failure: the old texts in their old places. The spare copies stay in the file unless
+  /// every text is back.
+  void PutBack() noexcept {
+    try {
+      if (!dense_) return;
+      Stage();  // anew: some of the copies may be gone already
+      for (const std::size_t i : changed_) Write(KeyAt(i), old_[i].text);
+      RemoveSpares();
+    } catch (...) {  // NOLINT: the first error is the one to report
+    }
+  }
+
+  UtilityComponent& utility_;
+  std::string& file_;
+  const std::vector<std::string>& texts_;
+  const std::vector<Entry> old_;
+  const bool dense_;  // the keys are 1 to n already: the lines stay where they are
+  std::vector<std::size_t> changed_;
+  std::int32_t spare_ = 0;
+};
+
+}  // namespace
+
+std::string MessageFilePath(const std::string& hostFolder, const std::string& profileFolder) {
+  return hostFolder + "\\profiles\\" + profileFolder + "\\settings\\Rotacasts.ini";
+}
+
+void MessageFile::LoadMessages(std::int32_t profileIndex) {
+  Guard(reporter_, {"LoadMessages", profileIndex}, [&](Step& at) {
+    at(1);
+    std::string file = tables_.MessageFiles(profileIndex);
+    UtilityComponent& utility = services_.Utility();
+    forms::ListBox& list = window_.lstMessages();
+    const auto keepAlive = list.GetForm().KeepAlive();
+    if (!services_.FileSystem().FileExists(file)) return list.Clear();
+    at(2);
+    const std::vector<std::string> lines = utility.GetIniSection(kMessagesSection, file);
+    at(3);
+    list.Clear();
+    at(4);
+    if (lines.size() < 2) return;
+    at(5);
+    struct Hidden {  // drawn once, not once per item
+      explicit Hidden(forms::ListBox& listBox) : box(listBox) { box.SetVisible(false); }
+      ~Hidden() { box.SetVisible(true); }
+      forms::ListBox& box;
+    } hidden(list);
+    for (const std::string& line : lines) {
+      at(6);
+      if (IsBlank(line)) continue;
+      Entry entry;
+      CompleteErrors([&] { entry = SplitLine(utility, line); },
+                     [&](RuntimeError& error) { error.description += " [" + line + "]"; });
+      const std::int32_t key = ToLong(entry.key);
+      if (key <= 0) continue;
+      list.Add(std::string(FirstCharacters(entry.text, kMessageCharacters)));
+      list.SetItemData(list.Count() - 1, key);
+    }
+  });
+}
+
+bool MessageFile::AddEntry(std::int32_t profileIndex, const std::string& text) {
+  try {
+    if (HasLineBreak(text)) return false;
+    std::string file = tables_.MessageFiles(profileIndex);
+    UtilityComponent& utility = services_.Utility();
+    const std::string key = NextKey(utility.GetIniSection(kMessagesSection, file));
+    utility.WriteIniKey(kMessagesSection, key, text, file);
+    return utility.GetIniKey(kMessagesSection, key, file) == text;
+  } catch (...) {
+    return false;
+  }
+}
+
+bool MessageFile::DeleteEntry(std::int32_t profileIndex, const std::string& key) {
+  try {
+    std::string file = tables_.MessageFiles(profileIndex);
+    services_.Utility().WriteIniKey(kMessagesSection, key, std::nullopt, file);
+  } catch (...) {
+    return false;
+  }
+  RewriteEntries(profileIndex);
+  return true;
+}
+
+void MessageFile::RewriteEntries(std::int32_t profileIndex) {
+  Guard(reporter_, {"RewriteEntries", profileIndex}, [&](Step& at) {
+    at(1);
+    std::string file = tables_.MessageFiles(profileIndex);
+    UtilityComponent& utility = services_.Utility();
+    const std::vector<std::string> lines = utility.GetIniSection(kMessagesSection, file);
+    at(2);
+    std::vector<std::string> texts;
+    texts.reserve(lines.size());
+    at(3);
+    for (const std::string& line : lines) {
+      if (IsBlank(line)) continue;
+      Entry entry = SplitLine(utility, line);
+      texts.push_back(std::move(entry.text));
+      utility.WriteIniKey(kMessagesSection, KeyToRemove(entry.key), std::nullopt, file);
+    }
+    at(4);
+    std::int32_t key = 1;
+    for (const std::string& text : texts) {
+      if (IsBlank(text)) continue;
+      utility.WriteIniKey(kMessagesSection, std::to_string(key++), text, file);
+    }
+  });
+}
+
+MessageFile::Exchanged MessageFile::ExchangeEntries(std::int32_t profileIndex,
+                                                    const std::string& firstKey,
+                                                    const std::string& secondKey) {
+  std::string file = tables_.MessageFiles(profileIndex);
+  UtilityComponent& utility = services_.Utility();
+  Exchanged texts{utility.GetIniKey(kMessagesSection, firstKey, file),
+                  utility.GetIniKey(kMessagesSection, secondKey, file)};
+  utility.WriteIniKey(kMessagesSection, firstKey, texts.second, file);
+  utility.WriteIniKey(kMessagesSection, secondKey, texts.first, file);
+  return texts;
+}
+
+void MessageFile::ReplaceEntries(std::int32_t profileIndex, const std::vector<std::string>& texts) {
+  std::string file = tables_.MessageFiles(profileIndex);
+  Replacement(services_.Utility(), file, texts).Run();
+}
+
+void MessageFile::SetOption(std::int32_t profileIndex, const char* key, const std::string& value) {
+  if (HasLineBreak(value)) {
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                       std::string(key) + " cannot hold a line break");
+  }
+  std::string file = tables_.MessageFiles(profileIndex);
+  services_.Utility().WriteIniKey(kOptionsSection, key, value, file);
+}
+
+std::string MessageFile::ReadOption(std::int32_t profileIndex, const char* key) {
+  std::string file = tables_.MessageFiles(profileIndex);
+  return services_.Utility().GetIniKey(kOptionsSection, key, file);
+}
+
+}  // namespace rotacasts

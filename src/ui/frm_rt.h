@@ -1,0 +1,58 @@
+// The settings window: its handlers, and filling it from a profile's message file.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "platform/forms/form.h"
+#include "plugin/guard.h"
+#include "store/message_file.h"
+
+namespace rotacasts {
+
+/// What the settings window works with.
+struct SettingsWindowContext {
+  HostServices& services;
+  ProfileTables& tables;
+  ErrorReporter& reporter;
+  MessageFile& store;
+  /// The tick of a profile's timer element.
+  std::function<void(std::int16_t)> onTick;
+};
+
+/// The plugin's only window. It keeps no copy of messages or options: its controls show them, the
+/// message file of the current window profile stores them. Each handler runs under its own name and
+/// hands its errors to the reporter, so none leaves an event.
+class frmRT final : public forms::Form {
+ public:
+  explicit frmRT(const SettingsWindowContext& context);
+
+  /// Refills the window from the current window profile's message file and writes both options
+  /// back. Reported under "Form_Reload".
+  void Form_Reload();
+
+  forms::ListBox& lstMessages() const { return Get<forms::ListBox>("lstMessages"); }
+  forms::CheckBox& chkAuto() const { return Get<forms::CheckBox>("chkAuto"); }
+  forms::TextBox& txtInterval() const { return Get<forms::TextBox>("txtInterval"); }
+  forms::TextBox& txtMessage() const { return Get<forms::TextBox>("txtMessage"); }
+
+ protected:
+  void OnLoad() override;
+
+ private:
+  struct EventRow;
+  static const EventRow kEvents[];
+  void WireEvents();
+  void chkAuto_Click(Step& at);
+  void txtInterval_Change(Step& at);
+
+  std::int32_t CurrentProfile() const { return context_.tables.currentWindowProfile; }
+  void WriteOption(const char* key, const std::string& value);
+  /// The stored option as the window shows it: the default for an empty one and for one outside 0
+  /// to `highest`. Error 13 for one that is no number.
+  std::string OptionToShow(const char* key, double highest, const char* defaultText);
+
+  const SettingsWindowContext context_;
+};
+
+}  // namespace rotacasts

@@ -1,0 +1,231 @@
+// The broadcast timer: which message goes out when, and what is asked of the components.
+
+#include "broadcast/broadcast_timer.h"
+
+#include "broadcast/placeholders.h"
+#include "support/fake_host.h"
+
+namespace rotacasts {
+namespace {
+
+using testing::MessageFileBytes;
+using testing::PathOf;
+using testing::PluginTest;
+
+constexpr int kJoState = 0x00C87598;
+constexpr int kDfbhdState = 0x009E4748;
+
+class BroadcastTest : public PluginTest {
+ protected:
+  /// Starts profile 2 with these messages on a running server.
+  void Start(const std::vector<std::string>& messages, const std::string& interval = "1",
+             const std::string& code = "JO") {
+    host.MessageFile(2) = MessageFileBytes(messages, "1", interval);
+    Load(2, code);
+    host.longs[kJoState] = host.longs[kDfbhdState] = host.longs[0x011E1408] = 2;
+    host.calls.clear();
+  }
+  /// What the next `count` ticks send, "-" for a tick that sends nothing.
+  std::string Ticks(int count) {
+    std::string texts;
+    for (int i = 0; i < count; ++i) {
+      host.sent.clear();
+      Tick(2);
+      EXPECT_LE(host.sent.size(), 1U);
+      texts += host.sent.empty() ? "-" : host.sent[0];
+    }
+    return texts;
+  }
+  std::int32_t& Elapsed() { return State().tables.ElapsedTicks(2); }
+};
+
+TEST_F(BroadcastTest, MessagesGoRoundAndRound) {
+  Start({"A", "B", "C"});
+  EXPECT_EQ(Ticks(5), "ABCAB");
+  host.MessageFile(2) = MessageFileBytes({"A", "B"});  // the next one, C, is gone
+  EXPECT_EQ(Ticks(2), "AB");
+}
+
+TEST_F(BroadcastTest, EveryNthTickIsDue) {
+  struct Row {
+    const char* interval;
+    const char* sent;
+  };
+  for (const Row& row : std::initializer_list<Row>{
+           {"3", "--A--A--A"}, {"1", "AAAAAAAAA"}, {"0", "AAAAAAAAA"}, {" 2 ", "-A-A-A-A-"}}) {
+    Plugin().UnLoadInterface("");
+    Start({"A"}, row.interval);
+    EXPECT_EQ(Ticks(9), row.sent) << row.interval;
+  }
+  Window().txtInterval().SetText("-5");
+  EXPECT_EQ(Ticks(2), "AA");
+  Window().txtInterval().SetText("10");
+  EXPECT_EQ(Ticks(5), "-----");
+  Window().txtInterval().SetText("2");
+  EXPECT_EQ(Ticks(1), "A");
+}
+
+TEST_F(BroadcastTest, EmptyMessagesAreSkippedUntilTheListComesRound) {
+  Start({"", "B"});
+  EXPECT_EQ(Ticks(5), "-B-B-");
+  Start({"A", "", "C"});
+  State().tables.NextMessage(2) = 1;
+  EXPECT_EQ(Ticks(3), "CAC");
+  Start({"  ", "", " "});
+  State().tables.NextMessage(2) = 1;
+  EXPECT_EQ(Ticks(2), "--");  // ends although nothing is ever sent
+  Start({});
+  Elapsed() = 7;
+  EXPECT_EQ(Ticks(1), "-");
+  EXPECT_EQ(Elapsed(), 0);
+}
+
+TEST_F(BroadcastTest, NothingMovesWhileTheGameOrTheSwitchIsOff) {
+  Start({"A"}, "3");
+  EXPECT_EQ(Ticks(1), "-");
+  host.longs[kJoState] = 4;
+  EXPECT_EQ(Ticks(5), "-----");
+  host.longs[kJoState] = 3;
+  Window().chkAuto().SetValue(0);
+  EXPECT_EQ(Ticks(5), "-----");
+  Window().chkAuto().SetValue(2);
+  EXPECT_EQ(Ticks(5), "-----");
+  EXPECT_EQ(Elapsed(), 1);
+  Window().chkAuto().SetValue(1);
+  EXPECT_EQ(Ticks(2), "-A");
+}
+
+TEST_F(BroadcastTest, OneTickAsksTheComponentsThisInThisOrder) {
+  Start({"Welcome", "{ShowNextMap}"}, "1", "JO_AFF");
+  const std::vector<std::string> head = {"ReadLong(102, 0x011E1408)",
+                                         "GetIniSection(Messages, " + PathOf(2) + ")"};
+  Tick(2);
+  std::vector<std::string> expected = head;
+  expected.insert(expected.end(), {"ParseIniKey(1=Welcome, False)",
+                                   "AddMsgB(2, 4002, Welcome, True, MSG, 3, JO_AFF)"});
+  EXPECT_EQ(host.calls, expected);
+
+  host.calls.clear();
+  host.longs[0x01166174] = 0x5000;
+  host.longs[0x5004] = 2;
+  host.longs[0x500C] = 0;
+  host.longs[0x501C] = 1;
+  host.longs[0x01166384] = 0x900000;
+  host.texts[0x900000 + 4584 + 1044] = "Rio ";
+  Tick(2);
+  expected = head;
+  expected.insert(expected.end(), {"ParseIniKey(2={ShowNextMap}, False)",
+                                   "ReadLong(102, 0x01166174)", "ReadLong(102, 0x00005004)",
+                                   "ReadLong(102, 0x0000500C)", "ReadLong(102, 0x0000501C)",
+                                   "ReadLong(102, 0x01166384)", "ReadStr(102, 0x009015FC)",
+                                   "AddMsgB(2, 4002, [Next Map] Rio, True, MSG, 3, JO_AFF)"});
+  EXPECT_EQ(host.calls, expected);
+}
+
+TEST_F(BroadcastTest, DfbhdHasItsOwnReadersAndItsOwnSend) {
+  Start({"Hi", "{ShowNextMap}", "{ShowMostKills}"}, "1", "DFBHD");
+  Tick(2);
+  EXPECT_EQ(host.calls.back(), "AddMsg(2, 4002, Hi, False, MSG, 3)");
+  host.calls.clear();
+  host.failAtCall = 4;
+  Tick(2);
+  EXPECT_EQ(host.logged.front().find("GetNextMap: 57"), 0U);
+  host.longs[0x009DDA2C] = 0;
+  host.longs[0x00A03430] = host.longs[0x00A0342C] = 0;
+  host.calls.clear();
+  State().tables.NextMessage(2) = 2;
+  Tick(2);
+  EXPECT_EQ(host.calls[3], "ReadLong(102, 0x009DDA2C)");
+}
+
+TEST_F(BroadcastTest, RecordFieldsArePassedByReference) {
+  Start({"A"});
+  host.writesBack = true;
+  Tick(2);
+  const ProfileRecord& record = State().tables.Profiles(2);
+  EXPECT_EQ(record.ProcessHandle, 999);
+  EXPECT_EQ(record.MessageTarget, 888);
+  EXPECT_EQ(record.GameCode, "JO_2");
+}
+
+TEST_F(BroadcastTest, OnlyAWholeMessageIsAPlaceholder) {
+  Start({"{shownextmap}", "Next: {ShowNextMap}", " {ShowNextMap}", "{Show}", "{ShowAssists}",
+         "a\r\nb"});
+  for (const char* text :
+       {"{shownextmap}", "Next: {ShowNextMap}", "{ShowNextMap}", "{Show}", "{ShowAssists}"}) {
+    EXPECT_EQ(Ticks(1), text);
+  }
+  EXPECT_EQ(AllPlaceholders().size(), 18U);
+  for (const std::string& placeholder : AllPlaceholders()) EXPECT_TRUE(IsPlaceholder(placeholder));
+}
+
+TEST_F(BroadcastTest, ALiveTextOfSeveralLinesGoesOutAsOne) {
+  Start({"{ShowNextMap}"});
+  host.longs.insert({{0x00C86FDC, 0x5000}, {0x5004, 1}, {0x500C, 0}, {0x5014, 0}, {0x02551118, 0}});
+  host.texts[1044] = "Rio\r\nNorte \r\n ";
+  EXPECT_EQ(Ticks(1), "[Next Map] RioNorte");
+  host.longs.erase(0x5004);
+  EXPECT_EQ(Ticks(1), "Unknown!!!");
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(BroadcastTest, AnErrorEndsTheTickWhereItIsAndKeepsTheCounters) {
+  Start({"A", "B"}, "2");
+  Elapsed() = 1;
+  for (int call = 1; call <= 4; ++call) {
+    host.failAtCall = call;
+    host.fired = false;
+    EXPECT_EQ(Ticks(1), "-");
+    EXPECT_TRUE(host.fired);
+    EXPECT_EQ(host.logged.back().find("tmrRT: 57"), 0U) << host.logged.back();
+    EXPECT_EQ(Elapsed(), 1);
+    EXPECT_EQ(State().tables.NextMessage(2), call < 4 ? 0 : 1);
+  }
+  EXPECT_EQ(Ticks(1), "B");  // due at once, with the message after the one that failed
+  EXPECT_EQ(host.boxes.size(), 4U);
+}
+
+TEST_F(BroadcastTest, AnIntervalThatIsNoNumberIsReportedForTheCurrentWindowProfile) {
+  Start({"A"});
+  Load(5);
+  host.files["C:\\Host\\settings\\config.ini"] = "[Settings]\r\nReportErrors=1\r\n";
+  State().profiles.SetProfileData(5, Data(5, "JO_AFF"));
+  host.MessageFile(5) = MessageFileBytes({}, "1", "");
+  Window().txtInterval().SetText("");
+  EXPECT_EQ(Ticks(1), "-");
+  EXPECT_EQ(host.logged.back(), "tmrRT: 13 Type mismatch");
+  EXPECT_EQ(host.reports.back().At(4), Variant(true));  // profile 5's flag, not profile 2's
+}
+
+TEST_F(BroadcastTest, AnUnknownGameBuildIsSilent) {
+  Start({"A"}, "1", "QUAKE");
+  EXPECT_EQ(Ticks(3), "---");
+  EXPECT_TRUE(host.calls.empty() && host.boxes.empty());
+}
+
+TEST_F(BroadcastTest, EveryProfileGoesByTheOptionsOfTheWindow) {
+  Start({"A"}, "1");
+  host.MessageFile(5) = MessageFileBytes({"X"}, "1", "3");
+  Load(5);
+  EXPECT_EQ(Ticks(3), "--A");
+}
+
+TEST_F(BroadcastTest, HostCallsInsideAnErrorBoxDoNoHarm) {
+  Start({"{ShowMostKills}", "{ShowMostKills}", "B"}, "1", "DFBHD");
+  State().tables.NextMessage(2) = 1;
+  int boxes = 0;
+  toolkit.onMessageBox = [&](const std::string&, const std::string&) {
+    if (++boxes > 1) return;
+    Plugin().GetData();
+    Plugin().DisableProfile(2);
+    Plugin().UnLoadInterface("");
+  };
+  Tick(2);  // the failing live text opens the box; the profile is gone when it closes
+  EXPECT_GE(boxes, 1);
+  EXPECT_TRUE(host.sent.empty());
+  Start({"A"});
+  EXPECT_EQ(Ticks(1), "A");
+}
+
+}  // namespace
+}  // namespace rotacasts

@@ -1,0 +1,153 @@
+// Start-up, the descriptor and error reporting.
+
+#include "plugin/error_reporter.h"
+
+#include "support/fake_host.h"
+
+namespace rotacasts {
+namespace {
+
+using testing::PluginTest;
+
+constexpr const char* kConfig = "C:\\Host\\settings\\config.ini";
+
+TEST(HostFolder, IsTheModulesFolderWithoutThePluginFolders) {
+  struct Row {
+    const char* module;
+    const char* host;
+  };
+  for (const Row& row : std::initializer_list<Row>{
+           {"C:\\Games\\Host\\Plugins", "C:\\Games\\Host"},
+           {"C:\\Games\\Host\\plugins", "C:\\Games\\Host"},
+           {"C:\\Games\\Host\\PLUGINS", "C:\\Games\\Host\\PLUGINS"},
+           {"C:\\Plugins\\Host\\Plugins", "C:\\Host"},
+           {"C:\\Host\\PluginsOld", "C:\\HostOld"},
+           {"C:\\Src\\dlls\\Rotacasts", "C:\\Src"},
+           {"C:\\Src\\dlls\\Plugins\\Rotacasts", "C:\\Src"},
+           {"C:\\a\\Plug\\pluginsins", "C:\\a\\Plugins"}}) {  // each kind is taken out once over
+    EXPECT_EQ(HostFolderOf(row.module), row.host);
+  }
+}
+
+class ErrorReporterTest : public PluginTest {
+ protected:
+  void Report(bool quiet = false, std::int32_t profile = 2) {
+    const RuntimeError error(ErrorNumber::TypeMismatch);
+    State().reporter.ReportError(ReportKind::Error, "tmrRT", &error, profile, 0, quiet);
+  }
+  static constexpr const char* kText =
+      "DLL Error!|Error Line: 0\r\nError 13: Type mismatch\r\nDLL: tvxRT.dll\r\n"
+      "Function/Sub: tmrRT\r\n\r\nError Report Sent: ";
+};
+
+TEST_F(ErrorReporterTest, SendsAReportWhenTheConfigurationSaysOne) {
+  struct Row {
+    const char* setting;
+    bool delivers;
+    const char* outcome;
+  };
+  for (const Row& row : std::initializer_list<Row>{{"1", true, "Yes"},
+                                                   {"1", false, "Failed!"},
+                                                   {" 1.0 ", true, "Yes"},
+                                                   {"0", true, "No"},
+                                                   {"2", true, "No"},
+                                                   {"1.5", true, "No"}}) {
+    host.files[kConfig] = std::string("[Settings]\r\nReportErrors=") + row.setting + "\r\n";
+    host.delivers = row.delivers;
+    host.reports.clear();
+    Report();
+    EXPECT_EQ(TakeBoxes(), std::vector<std::string>{std::string(kText) + row.outcome})
+        << row.setting;
+    EXPECT_EQ(host.reports.size(), std::string(row.outcome) == "No" ? 0U : 1U) << row.setting;
+  }
+  EXPECT_EQ(host.logged.size(), 6U);
+}
+
+TEST_F(ErrorReporterTest, TheReportNamesTheAffiliateFlagOfAKnownProfile) {
+  host.files[kConfig] = "[Settings]\r\nReportErrors=1\r\n";
+  State().profiles.SetProfileData(2, Data(2, "JO_AFF"));
+  Report();
+  Report(false, 99);
+  const Variant::Array known{"13", "Type mismatch", "tvxRT.dll 1.2.9", "tmrRT", true, 0};
+  Variant::Array unknown = known;
+  unknown[4] = Variant();
+  EXPECT_EQ(host.reports, (std::vector<Variant>{known, unknown}));
+}
+
+TEST_F(ErrorReporterTest, QuietLogsAndShowsNothing) {
+  Report(true);
+  EXPECT_EQ(host.logged.size(), 1U);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(ErrorReporterTest, AnErrorWhileReportingReplacesTheBox) {
+  for (const char* bytes : {"", "[Settings]\r\nReportErrors=yes\r\n"}) {
+    host.files[kConfig] = bytes;
+    Report(true);
+    EXPECT_EQ(TakeBoxes(), std::vector<std::string>{"tvxRT.dll Error|13: Type mismatch"});
+  }
+}
+
+TEST_F(ErrorReporterTest, WithoutALogTheAdministratorStillGetsTheText) {
+  State();
+  host.failAtCall = 1;
+  Report();
+  EXPECT_TRUE(host.fired);
+  EXPECT_EQ(TakeBoxes(), std::vector<std::string>{std::string(kText) + "No"});
+  host.failAtCall = 1;
+  Report(true);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(ErrorReporterTest, NoticesAreBoxesAndNothingElse) {
+  State().reporter.Notify(ReportKind::Success, "done");
+  State().reporter.Notify(ReportKind::Failure, "not done");
+  EXPECT_EQ(host.boxes, (std::vector<std::string>{"Success|done", "Failed!|not done"}));
+  EXPECT_TRUE(host.logged.empty());
+}
+
+TEST_F(ErrorReporterTest, AFaultThatComesBackInsideItsOwnBoxDoesNotPileUpForEver) {
+  int deepest = 0;
+  toolkit.onMessageBox = [&](const std::string&, const std::string&) {
+    deepest = std::max(deepest, toolkit.OpenMessageBoxes());
+    if (host.logged.size() < 100) Report();
+  };
+  Report();
+  EXPECT_EQ(host.logged.size(), 9U);  // the ninth box is not opened, so nothing comes after it
+  EXPECT_EQ(deepest, 8);
+}
+
+TEST_F(ErrorReporterTest, StartUpGoesOnWithoutTheComponentsThatFail) {
+  host.hasUtility = false;
+  Load(2);
+  EXPECT_EQ(std::count(host.calls.begin(), host.calls.end(), "create memory component"), 0);
+  ASSERT_FALSE(host.boxes.empty());
+  EXPECT_EQ(host.boxes.front(),
+            "DLL Error!|Error Line: 1\r\nError 429: ActiveX component can't create object\r\n"
+            "DLL: tvxRT.dll\r\nFunction/Sub: Main\r\n\r\nError Report Sent: No");
+  EXPECT_NE(host.boxes.back().find("Error 91: "), std::string::npos) << host.boxes.back();
+}
+
+TEST_F(ErrorReporterTest, StartUpWithoutTheMemoryComponentIsReported) {
+  host.hasMemory = false;
+  host.files[kConfig] = "[Settings]\r\nReportErrors=1\r\n";
+  State();
+  EXPECT_EQ(host.logged,
+            std::vector<std::string>{"Main: 429 ActiveX component can't create object"});
+  ASSERT_EQ(host.reports.size(), 1U);
+  EXPECT_TRUE(host.reports[0].At(4).IsEmpty());
+}
+
+TEST_F(ErrorReporterTest, TheDescriptorIsBuiltFreshAndTouchesNothing) {
+  PLUGIN data = Plugin().GetData();
+  EXPECT_EQ(data.Version, "1.2.9");
+  EXPECT_EQ(data.Game.At(0), Variant("Delta Force,  V1.5.0.5"));
+  EXPECT_EQ(data.Game.AsArray()->size(), 6U);
+  EXPECT_TRUE(data.ProfileMenuItems.IsEmpty() && data.MainMenuItems.IsEmpty());
+  EXPECT_EQ(Plugin().GetPrivis(),
+            Variant::Texts({"Rotacasts", "Add/Remove Rotacasts|1", "Change Rotacasts Settings|1"}));
+  EXPECT_EQ(host.calls, std::vector<std::string>{"create memory component"});
+}
+
+}  // namespace
+}  // namespace rotacasts

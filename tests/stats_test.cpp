@@ -1,0 +1,232 @@
+// The player table scan and the info texts.
+
+#include <cmath>
+#include <random>
+
+#include "stats/info_texts.h"
+#include "support/fake_host.h"
+
+namespace rotacasts {
+namespace {
+
+using testing::PluginTest;
+
+constexpr int kTable = 0x01000000;
+
+class StatsTest : public PluginTest {
+ protected:
+  /// Sets up profile 1 with an empty server of the build.
+  void SetUpServer(const std::string& code, int lastSlot, int gameType = 0, int players = 1) {
+    dfbhd_ = code == "DFBHD";
+    State().profiles.SetProfileData(1, Data(1, code));
+    host.longs = dfbhd_ ? std::map<int, int>{{0x009DDA2C, players},
+                                             {0x00A03430, lastSlot},
+                                             {0x00A0342C, gameType},
+                                             {0x009ED600, kTable}}
+                        : std::map<int, int>{{0x00B5DA1C, players},
+                                             {0x00C8761C, lastSlot},
+                                             {0x024E3EF0, gameType},
+                                             {0x024C0CC4, kTable}};
+    host.texts.clear();
+    host.calls.clear();
+  }
+  void AddPlayer(int slot, const std::string& name, const PlayerStats& stats) {
+    const int start = kTable + slot * (dfbhd_ ? 717628 : 100584);
+    host.texts[start + (dfbhd_ ? 60 : 40)] = name;
+    for (const CounterRow& row : kCounters) {
+      host.longs[start + (dfbhd_ ? 711340 + row.dfbhdOffset : 80 + row.commonOffset)] =
+          stats.*row.counter;
+    }
+  }
+  std::string Text(const std::string& category) {
+    return dfbhd_ ? State().infoTexts.GetStat(1, category)
+                  : State().infoTexts.GetStat2(1, category);
+  }
+  bool dfbhd_ = false;
+};
+
+TEST_F(StatsTest, TheScanReadsNamedSlotsInOrder) {
+  SetUpServer("JO", 2);
+  AddPlayer(1, "Rex", {.Kills = 3});
+  EXPECT_EQ(Text("MostKills"), "[Most Kills] Rex: 3 Kills");
+  std::vector<std::string> expected = {
+      "ReadLong(101, 0x00B5DA1C)", "ReadLong(101, 0x00C8761C)", "ReadLong(101, 0x024E3EF0)",
+      "ReadLong(101, 0x024C0CC4)", "ReadStr(101, 0x01000028)",   // slot 0 is empty
+      "ReadLong(101, 0x024C0CC4)", "ReadStr(101, 0x01018910)"};  // slot 1: + 100624
+  ASSERT_EQ(host.calls.size(), expected.size() + 18 + 2);
+  EXPECT_EQ(std::vector<std::string>(host.calls.begin(), host.calls.begin() + 7), expected);
+  EXPECT_EQ(host.calls[7], "ReadLong(101, 0x01018948)");   // suicides: + 100584 + 80 + 16
+  EXPECT_EQ(host.calls[24], "ReadLong(101, 0x010189A4)");  // score: + 100772
+}
+
+TEST_F(StatsTest, TheDfbhdLayoutHasItsOwnAddresses) {
+  SetUpServer("DFBHD", 2);
+  AddPlayer(2, "Rex", {.Kills = 3});
+  EXPECT_EQ(host.texts.count(kTable + 1435316), 1U);
+  EXPECT_EQ(host.longs.count(kTable + 2146604), 1U);
+  EXPECT_EQ(Text("MostKills"), "[Most Kills] Rex: 3 Kills");
+}
+
+TEST_F(StatsTest, CountersAreTheRowsOfTheTable) {
+  // A number of its own for every counter: reading the wrong one shows.
+  for (const char* code : {"DFBHD", "JO"}) {
+    for (const CategoryRow& row : Categories()) {
+      if (row.counter == nullptr) continue;
+      int type = 0;
+      while ((row.gameTypes >> type & 1) == 0) ++type;
+      SetUpServer(code, 0, type);
+      PlayerStats stats;
+      int number = 100;
+      for (const CounterRow& counter : kCounters) stats.*counter.counter = ++number;
+      AddPlayer(0, "Rex", stats);
+      const std::string value = row.format == ValueFormat::Duration
+                                    ? FormatSeconds(stats.*row.counter)
+                                    : std::to_string(stats.*row.counter) + std::string(row.unit);
+      EXPECT_EQ(Text(std::string(row.category)), std::string(row.label) + "Rex: " + value);
+    }
+  }
+}
+
+TEST_F(StatsTest, TheScanVisitsTheSlotsUpToTheLimitInclusive) {
+  const auto slotsRead = [&] {
+    return std::count_if(host.calls.begin(), host.calls.end(),
+                         [](const std::string& call) { return call.starts_with("ReadStr"); });
+  };
+  for (const auto& [lastSlot, players, visited] : std::vector<std::array<int, 3>>{
+           {32, 1, 33}, {0, 1, 1}, {-1, 5, 0}, {32, 0, 0}, {32, -1, 0}}) {
+    SetUpServer("JO", lastSlot, 0, players);
+    AddPlayer(0, "left over", {.Kills = 9});
+    EXPECT_EQ(Text("MostKills").empty(), visited == 0);
+    EXPECT_EQ(slotsRead(), visited);
+  }
+}
+
+TEST_F(StatsTest, AnAbsurdLimitEndsInAnOverflow) {
+  SetUpServer("DFBHD", 2147483647);
+  AddPlayer(0, "Rex", {.Kills = 7, .Deaths = 2});
+  EXPECT_EQ(Text("BestKillDeathRatio"), "");
+  ASSERT_EQ(host.logged.size(), 1U);
+  EXPECT_EQ(host.logged[0], "GetStat: 6 Overflow [BestKillDeathRatio - 3.5]");
+  EXPECT_LE(host.calls.size(), 2992U * 2 + 25);
+  EXPECT_EQ(host.boxes.size(), 1U);
+  SetUpServer("JO", 2147483647);
+  EXPECT_EQ(Text("MostKills"), "");
+  EXPECT_EQ(host.logged[1], "GetStat2: 6 Overflow");
+}
+
+TEST_F(StatsTest, AServerThatDiesBetweenAnyTwoReadsAnnouncesNothing) {
+  for (int call = 1;; ++call) {
+    SetUpServer("JO", 1);
+    AddPlayer(0, "Rex", {.Kills = 7});
+    host.failAtCall = call;
+    host.fired = false;
+    const std::string text = Text("MostKills");
+    if (!host.fired) break;
+    EXPECT_EQ(text, "") << call;
+    EXPECT_EQ(host.logged.back().find("GetStat2: 57"), 0U) << host.logged.back();
+  }
+  EXPECT_EQ(host.boxes.size(), 25U);  // three numbers, two slots, eighteen counters
+}
+
+TEST_F(StatsTest, WordsEveryKindOfValue) {
+  struct Row {
+    const char* category;
+    int gameType;
+    PlayerStats stats;
+    const char* text;
+  };
+  for (const Row& row : std::initializer_list<Row>{
+           {"HighScorer", 0, {.Score = 1250}, "[Highest Scorer] Rex: 1250 Exp Pts"},
+           {"LowScorer", 0, {.Score = -5}, "[Lowest Scorer] Rex: -5 Exp Pts"},
+           {"LeastDeaths", 0, {}, "[Least Deaths] Rex: 0 Deaths"},
+           {"MostSuicides", 0, {}, ""},
+           {"BestHeadshotKillRatio",
+            0,
+            {.Kills = 3, .Headshots = 1},
+            "[Best Headshot/Kill %] Rex: 33.33 %"},
+           {"BestHeadshotKillRatio", 0, {.Headshots = 1}, "[Best Headshot/Kill %] Rex: 100.00 %"},
+           {"BestKillDeathRatio", 0, {.Kills = 7}, "[Best Kill/Death Ratio] Rex: 7.00 Ratio"},
+           {"BestKillDeathRatio",
+            0,
+            {.Kills = 1, .Deaths = 8},
+            "[Best Kill/Death Ratio] Rex: 0.12 Ratio"},
+           {"BestKillDeathRatio", 0, {.Kills = 1, .Deaths = 201}, ""},  // rounds to nothing
+           {"WorstKillDeathRatio", 0, {}, ""},
+           {"BestGametypeStat1", 4, {.ZoneTime = 3725}, "[Most Zone Time] Rex: 01:02:05"},
+           {"BestGametypeStat2", 9, {.Kills = 4, .FlagsCaptured = 4}, ""},
+           {"BestGametypeStat2", -1, {.Kills = 4}, ""},
+           {"BestGametypeStat3", 0, {.Kills = 4}, "[Best Kill/Death Ratio] Rex: 4.00 Ratio"},
+           {"BestGametypeStat3", 1, {.PspTakeovers = 4}, "[Most PSP's] Rex: 4 Takeovers"},
+           {"MostAssists", 0, {.Kills = 4}, ""},
+           {"mostkills", 0, {.Kills = 4}, ""}}) {
+    SetUpServer("JO", 0, row.gameType);
+    AddPlayer(0, "Rex", row.stats);
+    EXPECT_EQ(Text(row.category), row.text) << row.category;
+  }
+  EXPECT_TRUE(host.logged.empty());
+}
+
+TEST(FormatSeconds, PadsToTwoDigits) {
+  for (const auto& [seconds, text] :
+       std::vector<std::pair<int, std::string>>{{-1, "00:00:00"},
+                                                {0, "00:00:00"},
+                                                {59, "00:00:59"},
+                                                {60, "00:01:00"},
+                                                {3600, "01:00:00"},
+                                                {5400, "01:30:00"},
+                                                {360000, "100:00:00"}}) {
+    EXPECT_EQ(FormatSeconds(seconds), text);
+  }
+}
+
+/// The rules once more, the slow way: sort out who may be named, then take the best of them.
+std::string Model(const std::string& category, const std::vector<PlayerStats>& players) {
+  const bool lowest = category == "LeastKills" || category == "WorstKillDeathRatio";
+  const bool ratio = category.ends_with("Ratio");
+  std::vector<std::pair<double, int>> candidates;  // rank, slot
+  for (int slot = 0; slot < static_cast<int>(players.size()); ++slot) {
+    const PlayerStats& p = players[static_cast<std::size_t>(slot)];
+    double value = p.Kills;
+    if (category == "BestHeadshotKillRatio")
+      value = p.Headshots / (p.Kills ? p.Kills * 1.0 : 1.0) * 100;
+    if (category.ends_with("DeathRatio")) value = p.Kills / (p.Deaths ? p.Deaths * 1.0 : 1.0);
+    if (ratio) {  // to two decimals by hand: up above the half, to the even digit at it
+      const double scaled = value * 100;
+      const double floor = std::floor(scaled);
+      const double rest = scaled - floor;
+      const bool up = rest > 0.5 || (rest == 0.5 && std::fmod(floor, 2) != 0);
+      value = (floor + (up ? 1 : 0)) / 100;
+    }
+    if (value > 0 || category == "LeastKills")
+      candidates.emplace_back(lowest ? value : -value, slot);
+  }
+  if (candidates.empty()) return "";
+  const auto [rank, slot] = *std::min_element(candidates.begin(), candidates.end());
+  char value[40];
+  std::snprintf(value, sizeof value, ratio ? "%.2f" : "%.0f", std::abs(rank));
+  return "P" + std::to_string(slot) + ": " + value;
+}
+
+TEST_F(StatsTest, ThePickAgreesWithAModelUnderRandomPlayers) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 300; ++round) {
+    SetUpServer(round % 2 ? "JO" : "DFBHD", 7);
+    std::vector<PlayerStats> players(8);
+    for (int slot = 0; slot < 8; ++slot) {
+      PlayerStats& stats = players[static_cast<std::size_t>(slot)];
+      const auto below = [&](unsigned limit) { return static_cast<int>(random() % limit); };
+      stats = {.Kills = below(12), .Deaths = below(17), .Headshots = below(6)};
+      AddPlayer(slot, "P" + std::to_string(slot), stats);
+    }
+    for (const char* category : {"MostKills", "LeastKills", "BestHeadshotKillRatio",
+                                 "BestKillDeathRatio", "WorstKillDeathRatio"}) {
+      std::string text = Text(category);
+      if (!text.empty()) text.erase(0, text.find("] ") + 2);
+      if (!text.empty()) text.erase(text.rfind(' '));
+      EXPECT_EQ(text, Model(category, players)) << category << " in round " << round;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace rotacasts

@@ -1,0 +1,245 @@
+#include "support/fake_host.h"
+
+#include <cstdio>
+
+#include "host/ini_text.h"
+#include "platform/text.h"
+
+namespace rotacasts::testing {
+namespace {
+
+using host::IniText;
+
+std::string Hex(std::int32_t address) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(address));
+  return text;
+}
+
+std::string Text(const UtilityComponent::Key& key) {
+  if (const auto* number = std::get_if<std::int32_t>(&key)) return "#" + std::to_string(*number);
+  if (const auto* text = std::get_if<std::string>(&key)) return *text;
+  return "null";
+}
+
+class FakeMemory final : public MemoryComponent {
+ public:
+  explicit FakeMemory(FakeHost& host) : host_(host) {}
+  std::int32_t ReadLong(std::int32_t& handle, std::int32_t address) override {
+    host_.Called("ReadLong(" + std::to_string(handle) + ", " + Hex(address) + ")");
+    if (host_.writesBack) handle = 999;
+    const auto found = host_.longs.find(address);
+    if (found == host_.longs.end()) throw RuntimeError(57, "not mapped " + Hex(address));
+    return found->second;
+  }
+  std::string ReadStr(std::int32_t& handle, std::int32_t address) override {
+    host_.Called("ReadStr(" + std::to_string(handle) + ", " + Hex(address) + ")");
+    return host_.texts[address];
+  }
+  void AddMsg(std::int16_t& index, std::int32_t& target, std::string& text, bool& affiliate,
+              const std::string& kind, std::int16_t mode) override {
+    Add("AddMsg", index, target, text, affiliate, kind, mode, "");
+  }
+  void AddMsgB(std::int16_t& index, std::int32_t& target, std::string& text, bool& affiliate,
+               const std::string& kind, std::int16_t mode, std::string& gameCode) override {
+    Add("AddMsgB", index, target, text, affiliate, kind, mode, ", " + gameCode);
+    if (host_.writesBack) gameCode = "JO_2";
+  }
+  std::string Enc64(const std::string& text) override {
+    host_.Called("Enc64(" + text + ")");
+    return "<" + text + ">";
+  }
+  std::string Dec64(const std::string& text) override {
+    host_.Called("Dec64(" + text + ")");
+    if (text.size() < 2 || text.front() != '<') throw RuntimeError(5, "not encoded");
+    return text.substr(1, text.size() - 2);
+  }
+
+ private:
+  void Add(const char* name, std::int16_t& index, std::int32_t& target, std::string& text,
+           bool& affiliate, const std::string& kind, std::int16_t mode, const std::string& more) {
+    host_.Called(std::string(name) + "(" + std::to_string(index) + ", " + std::to_string(target) +
+                 ", " + text + ", " + (affiliate ? "True" : "False") + ", " + kind + ", " +
+                 std::to_string(mode) + more + ")");
+    host_.sent.push_back(text);
+    if (host_.writesBack) target = 888;
+  }
+  FakeHost& host_;
+};
+
+class FakeUtility final : public UtilityComponent {
+ public:
+  explicit FakeUtility(FakeHost& host) : host_(host) {}
+  std::string GetIniKey(const std::string& section, const std::string& key,
+                        std::string& file) override {
+    host_.Called("GetIniKey(" + section + ", " + key + ", " + file + ")");
+    return FromWindows1252(Ini(file).Value(section, key).value_or(""));
+  }
+  void WriteIniKey(const std::string& section, const Key& key,
+                   const std::optional<std::string>& value, std::string& file) override {
+    host_.Called("WriteIniKey(" + section + ", " + Text(key) + ", " + value.value_or("null") +
+                 ", " + file + ")");
+    if (file.empty()) throw RuntimeError(ErrorNumber::PathNotFound);
+    IniText ini = Ini(file);
+    std::string keyText = Text(key);
+    if (std::holds_alternative<std::int32_t>(key)) keyText.erase(0, 1);
+    if (std::holds_alternative<std::monostate>(key)) {
+      ini.RemoveSection(section);
+    } else if (value) {
+      ini.SetValue(section, keyText, ToWindows1252(*value));
+    } else {
+      ini.RemoveKey(section, keyText);
+    }
+    host_.files[file] = ini.Bytes();
+  }
+  std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override {
+    host_.Called("GetIniSection(" + section + ", " + file + ")");
+    std::vector<std::string> lines;
+    const IniText ini = Ini(file);
+    for (const auto& line : ini.Lines(section)) {
+      lines.push_back(std::string(line.key) + "=" + FromWindows1252(line.value));
+    }
+    lines.emplace_back();
+    return lines;
+  }
+  Variant ParseIniKey(const std::string& line, bool asPair) override {
+    host_.Called("ParseIniKey(" + line + (asPair ? ", True)" : ", False)"));
+    const auto equals = line.find('=');
+    if (line.find("unsplittable") != line.npos) throw RuntimeError(ErrorNumber::TypeMismatch);
+    if (!asPair) return line.substr(equals + 1);
+    return Variant::Array{line.substr(0, equals), line.substr(equals + 1)};
+  }
+  std::vector<std::string> ReadFile(std::string& file) override {
+    host_.Called("ReadFile(" + file + ")");
+    if (!host_.files.contains(file)) throw RuntimeError(ErrorNumber::FileNotFound, file);
+    return {ReplaceAll(host_.files[file], "\r\n", "~")};
+  }
+  void AppendFile(const std::string& file, const std::string& text) override {
+    host_.Called("AppendFile(" + file + ", " + text + ")");
+    host_.files.at(file) += text + "\r\n";
+  }
+  void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
+                std::int32_t& line) override {
+    host_.Called("LogError(" + module + ", " + procedure + ", " + std::to_string(error.number) +
+                 ", " + std::to_string(line) + ")");
+    host_.logged.push_back(procedure + ": " + std::to_string(error.number) + " " +
+                           error.description);
+  }
+  bool SendErrorReport(Variant& report) override {
+    host_.Called("SendErrorReport");
+    host_.reports.push_back(report);
+    return host_.delivers;
+  }
+
+ private:
+  IniText Ini(const std::string& file) const {
+    const auto found = host_.files.find(file);
+    return IniText(found != host_.files.end() ? found->second : "");
+  }
+  FakeHost& host_;
+};
+
+class FakeFileSystem final : public FileSystemObject {
+ public:
+  explicit FakeFileSystem(FakeHost& host) : host_(host) {}
+  bool FileExists(const std::string& path) override { return host_.files.contains(path); }
+  bool FolderExists(const std::string& path) override { return host_.folders.contains(path); }
+  void CreateFolder(const std::string& path) override {
+    host_.Called("CreateFolder(" + path + ")");
+    if (!host_.folders.contains(path.substr(0, path.rfind('\\')))) {
+      throw RuntimeError(ErrorNumber::PathNotFound, path);
+    }
+    host_.folders.insert(path);
+  }
+  void CreateTextFile(const std::string& path) override {
+    host_.Called("CreateTextFile(" + path + ")");
+    host_.files[path] = "";
+  }
+
+ private:
+  FakeHost& host_;
+};
+
+}  // namespace
+
+void FakeHost::Called(const std::string& call) {
+  calls.push_back(call);
+  if (insideCall) insideCall();
+  if (failAtCall == 0 || --failAtCall > 0) return;
+  fired = true;
+  throw RuntimeError(ErrorNumber::DeviceIoError, "injected into " + call);
+}
+
+std::string& FakeHost::MessageFile(int index) {
+  return files[PathOf(index)];
+}
+
+struct PluginTest::Fakes final : public ComponentFactory, public Module, public LocalClock {
+  explicit Fakes(FakeHost& fakeHost) : host(fakeHost) {}
+  std::unique_ptr<UtilityComponent> CreateUtility() override {
+    if (!host.hasUtility) throw RuntimeError(ErrorNumber::CannotCreateComponent);
+    return std::make_unique<FakeUtility>(host);
+  }
+  std::unique_ptr<MemoryComponent> CreateMemory() override {
+    host.calls.emplace_back("create memory component");
+    if (!host.hasMemory) throw RuntimeError(ErrorNumber::CannotCreateComponent);
+    return std::make_unique<FakeMemory>(host);
+  }
+  std::unique_ptr<FileSystemObject> CreateFileSystem() override {
+    return std::make_unique<FakeFileSystem>(host);
+  }
+  std::string Folder() const override { return host.moduleFolder; }
+  ModuleVersion Version() const override { return {1, 2, 9}; }
+  LocalTime Now() const override { return host.now; }
+  FakeHost& host;
+};
+
+PluginTest::PluginTest() : fakes_(std::make_shared<Fakes>(host)) {
+  host.files["C:\\Host\\settings\\config.ini"] = "[Settings]\r\nReportErrors=0\r\n";
+  toolkit.onMessageBox = [this](const std::string& text, const std::string& title) {
+    host.boxes.push_back(title + "|" + text);
+  };
+}
+
+PluginState& PluginTest::State() {
+  if (!state_) {
+    state_ = std::make_unique<PluginState>(Platform{*fakes_, *fakes_, *fakes_, toolkit});
+    plugin_ = std::make_unique<clsPlugin>(*state_);
+  }
+  return *state_;
+}
+
+clsPlugin& PluginTest::Plugin() {
+  State();
+  return *plugin_;
+}
+
+Variant PluginTest::Data(std::int32_t index, const std::string& gameCode) {
+  Variant::Array data(pdat::kSize);
+  data[pdat::kGameCode] = gameCode;
+  data[pdat::kProcessHandle] = 100 + index % 1000;
+  data[pdat::kMessageTarget] = 4000 + index % 1000;
+  data[pdat::kProfileFolder] = "srv" + std::to_string(index);
+  data[pdat::kAdministrator] = "admin";
+  data[pdat::kSharedLog] = true;
+  data[pdat::kAreaHeight] = 6000;
+  data[pdat::kAreaWidth] = 9000;
+  return data;
+}
+
+std::vector<std::string> PluginTest::Rows() {
+  std::vector<std::string> rows;
+  for (const auto& item : Window().lstMessages().Items()) rows.push_back(item.text);
+  return rows;
+}
+
+std::string MessageFileBytes(const std::vector<std::string>& messages, const std::string& enable,
+                             const std::string& interval) {
+  std::string bytes = "[Messages]\r\n";
+  for (std::size_t i = 0; i < messages.size(); ++i) {
+    bytes += std::to_string(i + 1) + "=" + ToWindows1252(messages[i]) + "\r\n";
+  }
+  return bytes + "[Options]\r\nEnable=" + enable + "\r\nInterval=" + interval + "\r\n";
+}
+
+}  // namespace rotacasts::testing

@@ -1,0 +1,96 @@
+// A host of fakes: both sibling components, the file system, the clock and the module, in memory.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/headless/headless_toolkit.h"
+#include "plugin/cls_plugin.h"
+
+namespace rotacasts::testing {
+
+/// What the fakes hold and what was asked of them.
+struct FakeHost {
+  /// Every component call in order, arguments and all: "ReadLong(7, 0x00C87598)".
+  std::vector<std::string> calls;
+  /// Makes the call of this number (from 1) raise error 57, once; 0 for never.
+  int failAtCall = 0;
+  bool fired = false;
+  /// Runs inside every component call, before it does anything: a component may run a message loop.
+  std::function<void()> insideCall;
+
+  std::map<std::int32_t, std::int32_t> longs;  // address to value; a missing one fails the read
+  std::map<std::int32_t, std::string> texts;
+  std::map<std::string, std::string> files;  // path to bytes
+  std::set<std::string> folders;
+  LocalTime now{2010, 3, 7, 14, 5, 9};
+  std::string moduleFolder = "C:\\Host\\Plugins";
+  bool hasUtility = true;
+  bool hasMemory = true;
+  bool delivers = true;     // SendErrorReport's answer
+  bool writesBack = false;  // the memory component changes what it is passed by reference
+
+  std::vector<std::string> sent;    // chat texts
+  std::vector<std::string> logged;  // "procedure line: number description"
+  std::vector<Variant> reports;
+  std::vector<std::string> boxes;  // "title|text"
+
+  void Called(const std::string& call);
+  std::string& MessageFile(int index);
+};
+
+/// A plugin composed on the fakes, with the forms of the headless toolkit.
+class PluginTest : public ::testing::Test {
+ protected:
+  PluginTest();
+
+  /// Composes the plugin; the first use does.
+  PluginState& State();
+  clsPlugin& Plugin();
+
+  /// A profile data array: folder "srvN", process handle 100 + N, message target 4000 + N.
+  static Variant Data(std::int32_t index, const std::string& gameCode);
+  void Load(std::int32_t index, const std::string& gameCode = "JO") {
+    Plugin().LoadInterface(index, 77, Data(index, gameCode));
+  }
+  void Tick(std::int16_t index) { State().window.Get()->Timers().Tick(index); }
+  frmRT& Window() { return *State().window.Get(); }
+  /// What the list shows.
+  std::vector<std::string> Rows();
+  /// Takes the boxes shown so far.
+  std::vector<std::string> TakeBoxes() { return std::exchange(host.boxes, {}); }
+
+  FakeHost host;
+  headless::TimerLoop timers;
+  headless::HeadlessToolkit toolkit{timers};
+
+ private:
+  struct Fakes;
+  std::shared_ptr<Fakes> fakes_;
+  std::unique_ptr<PluginState> state_;
+  std::unique_ptr<clsPlugin> plugin_;
+};
+
+/// The bytes of a message file with these messages and, unless empty, these options.
+std::string MessageFileBytes(const std::vector<std::string>& messages,
+                             const std::string& enable = "1", const std::string& interval = "1");
+inline std::string PathOf(int index) {
+  return "C:\\Host\\profiles\\srv" + std::to_string(index) + "\\settings\\Rotacasts.ini";
+}
+
+/// The number of the run-time error that the statement raises; 0 when it raises none.
+template <class Statement>
+int ErrorOf(Statement&& statement) {
+  try {
+    statement();
+    return 0;
+  } catch (const RuntimeError& error) {
+    return error.number;
+  }
+}
+
+}  // namespace rotacasts::testing

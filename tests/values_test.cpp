@@ -1,0 +1,142 @@
+// Texts, values and their conversions.
+
+#include <gtest/gtest.h>
+
+#include "platform/arithmetic.h"
+#include "platform/conversions.h"
+#include "platform/text.h"
+#include "support/fake_host.h"
+
+namespace rotacasts {
+namespace {
+
+using testing::ErrorOf;
+
+TEST(Windows1252, EveryByteSurvivesTheWayThereAndBack) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string bytes(1, static_cast<char>(byte));
+    const std::string text = FromWindows1252(bytes);
+    EXPECT_TRUE(IsValidUtf8(text)) << byte;
+    EXPECT_EQ(ToWindows1252(text), bytes) << byte;
+  }
+  EXPECT_EQ(FromWindows1252("\x80 Gr\xFC\xDF"), "€ Grüß");
+}
+
+TEST(Windows1252, NamesTheCharacterThatItLacks) {
+  for (const char* text : {"Łódź", "\xC3", "\xE2\x82", "a\xFFz", "\xED\xA0\x80", "\xC0\x80"}) {
+    EXPECT_EQ(ErrorOf([&] { ToWindows1252(text); }), 5) << text;
+  }
+  try {
+    ToWindows1252("Łódź");
+  } catch (const RuntimeError& error) {
+    EXPECT_NE(error.description.find("Ł (U+0141)"), std::string::npos) << error.description;
+  }
+}
+
+TEST(Text, CountsAndCutsCharactersNotBytes) {
+  const std::string text = "äö€😀x";
+  EXPECT_EQ(CountCharacters(text), 5U);
+  EXPECT_EQ(FirstCharacters(text, 3), "äö€");
+  EXPECT_EQ(FirstCharacters(text, 4), "äö€😀");
+  EXPECT_EQ(FirstCharacters(text, 0), "");
+  EXPECT_EQ(FirstCharacters(text, 99), text);
+  EXPECT_EQ(TrimSpaces("  \ta b \t "), "\ta b \t");  // blanks only, no tabs
+  EXPECT_EQ(TrimSpaces("   "), "");
+  EXPECT_EQ(ReplaceAll("aaa", "aa", "b"), "ba");
+}
+
+TEST(Conversions, TextsToWholeNumbers) {
+  struct Row {
+    const char* text;
+    int value;
+  };
+  for (const Row& row : std::initializer_list<Row>{{"0", 0},
+                                                   {" 15 ", 15},
+                                                   {"-7", -7},
+                                                   {"+7", 7},
+                                                   {"2.5", 2},
+                                                   {"3.5", 4},
+                                                   {"-2.5", -2},
+                                                   {"0.6", 1},
+                                                   {".5", 0},
+                                                   {"5.", 5},
+                                                   {"1e3", 1000},
+                                                   {"1D+2", 100},
+                                                   {"1e-400", 0},
+                                                   {"2147483647.4", 2147483647},
+                                                   {"-2147483648", -2147483647 - 1}}) {
+    EXPECT_EQ(ToLong(row.text), row.value) << row.text;
+    EXPECT_TRUE(IsNumeric(row.text)) << row.text;
+  }
+  for (const char* text : {"2147483648", "-2147483649", "2147483647.5", "1e300"}) {
+    EXPECT_EQ(ErrorOf([&] { ToLong(text); }), 6) << text;
+    EXPECT_TRUE(IsNumeric(text)) << text;
+  }
+  for (const char* text : {"", " ", "abc", "1 2", "1,5", "inf", "nan", "0x10", "-", ".", "1e",
+                           "--1", "1\n", "1e+", "+"}) {
+    EXPECT_EQ(ErrorOf([&] { ToLong(text); }), 13) << text;
+    EXPECT_FALSE(IsNumeric(text)) << text;
+  }
+  EXPECT_EQ(ErrorOf([] { ToDouble("1e999"); }), 6);
+}
+
+TEST(Conversions, KindsToKinds) {
+  EXPECT_EQ(ToText(Variant()), "");
+  EXPECT_EQ(ToText(Variant(true)), "True");
+  EXPECT_EQ(ToText(Variant(0.5)), "0.5");
+  EXPECT_EQ(ToText(Variant(std::int16_t{-3})), "-3");
+  EXPECT_EQ(ToLong(Variant(true)), -1);
+  EXPECT_EQ(ToLong(Variant()), 0);
+  EXPECT_EQ(ToLong(Variant(1.5)), 2);
+  EXPECT_EQ(ErrorOf([] { ToInteger(Variant(32768)); }), 6);
+  EXPECT_EQ(ToBoolean(Variant("false")), false);
+  EXPECT_EQ(ToBoolean(Variant("2")), true);
+  for (const Variant& none :
+       {Variant(Variant::Missing{}), Variant(Variant::Foreign{}), Variant(Variant::Array{})}) {
+    EXPECT_EQ(ErrorOf([&] { ToText(none); }), 13);
+    EXPECT_EQ(ErrorOf([&] { ToLong(none); }), 13);
+  }
+  EXPECT_EQ(ErrorOf([] { ToText(Variant(Variant::Null{})); }), 94);
+  EXPECT_EQ(ErrorOf([] { Variant("text").At(0); }), 13);
+  EXPECT_EQ(ErrorOf([] { Variant(Variant::Array(2)).At(2); }), 9);
+  EXPECT_TRUE(EqualsTrue(Variant(true)) && EqualsTrue(Variant(-1)));
+  EXPECT_FALSE(EqualsTrue(Variant(1)) || EqualsTrue(Variant("yes")) || EqualsTrue(Variant()));
+}
+
+TEST(Conversions, NumbersToTexts) {
+  EXPECT_EQ(FormatNumber(33.33), "33.33");
+  EXPECT_EQ(FormatNumber(-2), "-2");
+  EXPECT_EQ(FormatNumber(1e20), "1E+20");
+  EXPECT_EQ(FormatTwoDecimals(2), "2.00");
+  EXPECT_EQ(FormatTwoDecimals(1.5), "1.50");
+  EXPECT_EQ(RoundToTwoDecimals(0.125), 0.12);  // halfway: to the even digit
+  EXPECT_EQ(RoundToTwoDecimals(0.375), 0.38);
+  EXPECT_EQ(RoundToTwoDecimals(-0.125), -0.12);
+}
+
+TEST(Checked, RaisesWhereTheResultLeavesTheRange) {
+  const Checked top = 2147483647;
+  const Checked bottom = -2147483647 - 1;
+  EXPECT_EQ((top - 1).Value(), 2147483646);
+  EXPECT_EQ(ErrorOf([&] { top + 1; }), 6);
+  EXPECT_EQ(ErrorOf([&] { bottom - 1; }), 6);
+  EXPECT_EQ(ErrorOf([&] { Checked(65536) * 32768; }), 6);
+  EXPECT_EQ((bottom + top).Value(), -1);
+}
+
+TEST(CurrentRuntimeError, TranslatesWhateverIsThrown) {
+  const auto number = [](auto thrown) {
+    try {
+      throw thrown;
+    } catch (...) {
+      return CurrentRuntimeError().number;
+    }
+  };
+  EXPECT_EQ(number(RuntimeError(ErrorNumber::TypeMismatch)), 13);
+  EXPECT_EQ(number(std::bad_alloc()), 7);
+  EXPECT_EQ(number(std::runtime_error("x")), 51);
+  EXPECT_EQ(number(42), 51);
+}
+
+}  // namespace
+}  // namespace rotacasts
