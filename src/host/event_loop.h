@@ -1,0 +1,17 @@
+// Waiting for timers and for the person at the console. One implementation per platform.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/headless/timer_loop.h"
+
+namespace rotacasts::host {
+
+/// Runs timers as they fall due and hands every line of the standard input to `onLine`, until that
+/// answers false or the program is asked to end (Ctrl-C, SIGTERM). The end of the input leaves the
+/// timers running.
+void RunEventLoop(headless::TimerLoop& timers,
+                  const std::function<bool(const std::string&)>& onLine);
+
+}  // namespace rotacasts::host

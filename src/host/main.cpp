@@ -1,0 +1,118 @@
+// rotacasts-host: the stand-alone host's command line.
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+
+#include "host/check.h"
+#include "host/console.h"
+#include "host/event_loop.h"
+#include "host/native_files.h"
+#include "host/version.h"
+
+namespace {
+
+using namespace rotacasts;
+using namespace rotacasts::host;
+
+/// What the command line says.
+struct CommandLine {
+  std::string folder;
+  std::int64_t minute = 60000;  // milliseconds
+  std::vector<std::int32_t> profiles;
+};
+
+HostOptions OptionsOf(const CommandLine& line) {
+  return {std::filesystem::absolute(line.folder).lexically_normal().string(),
+          std::chrono::milliseconds(line.minute)};
+}
+
+int Run(const CommandLine& line) {
+  ServerHost host(OptionsOf(line), std::cout);
+  if (host.Profiles().empty()) {
+    std::cerr << line.folder
+              << " has no usable profile; each needs a file profiles/NAME/profile.ini "
+              << "with the section [Profile] and the keys Index, GameCode, Process and Target\n";
+    return 2;
+  }
+  host.LoadEveryProfile();
+  std::cout << "profiles started: " << host.Profiles().size() << "; \"help\" lists the commands\n"
+            << std::flush;
+  Console console(host, std::cout);
+  RunEventLoop(host.Timers(), [&](const std::string& text) { return console.Execute(text); });
+  return 0;
+}
+
+/// The profiles that the person named, or all of them.
+std::vector<std::int32_t> Chosen(const CommandLine& line, const ServerHost& host) {
+  if (!line.profiles.empty()) return line.profiles;
+  std::vector<std::int32_t> all;
+  for (const auto& [index, profile] : host.Profiles()) all.push_back(index);
+  return all;
+}
+
+int Preview(const CommandLine& line) {
+  ServerHost host(OptionsOf(line), std::cout);
+  for (const std::int32_t index : Chosen(line, host)) host.PrintPreview(index);
+  return 0;
+}
+
+/// 0 when every file is in order, 1 when there is a warning.
+int Check(const CommandLine& line) {
+  const std::string folder = OptionsOf(line).folder;
+  LoadedProfiles loaded = LoadProfiles(folder);
+  std::size_t warnings = loaded.problems.size();
+  for (const std::string& problem : loaded.problems) std::cout << problem << "\n";
+  for (const ProfileSettings& profile : loaded.profiles) {
+    const std::string path = MessageFilePath(folder, profile.folder);
+    std::vector<std::string> found;
+    try {
+      found = CheckMessageFile(path);
+    } catch (const RuntimeError& error) {
+      found.push_back(error.description);
+    }
+    for (const std::string& warning : found) {
+      std::cout << NativePath(path).string() << ": " << warning << "\n";
+    }
+    warnings += found.size();
+  }
+  std::cout << loaded.profiles.size() << " message files checked, " << warnings << " warnings\n";
+  return warnings == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app("Posts chat messages to game servers, round and round.");
+  app.set_version_flag("--version", std::to_string(ROTACASTS_VERSION_MAJOR) + "." +
+                                        std::to_string(ROTACASTS_VERSION_MINOR) + "." +
+                                        std::to_string(ROTACASTS_VERSION_PATCH));
+  app.require_subcommand(1);
+  const std::map<std::string, std::int64_t> units = {{"ms", 1}, {"s", 1000}, {"m", 60000}};
+  CommandLine line;
+  int status = 0;
+  const auto add = [&](const char* name, const char* help, int (*command)(const CommandLine&)) {
+    CLI::App* added = app.add_subcommand(name, help);
+    added->add_option("--host-folder", line.folder, "folder with profiles/ and settings/")
+        ->required();
+    added->callback([&line, &status, command] { status = command(line); });
+    return added;
+  };
+  add("run", "Start every profile and listen to the console", Run)
+      ->add_option("--minute", line.minute, "how long a minute lasts, such as 1s or 300ms")
+      ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
+      ->check(CLI::PositiveNumber)
+      ->default_str("60s");
+  add("preview", "Print what every message would say at this moment", Preview)
+      ->add_option("--profile", line.profiles, "only these profiles");
+  add("check", "Look over the message files and warn", Check);
+  try {
+    app.parse(argc, argv);
+    return status;
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error);
+  } catch (...) {
+    std::cerr << "rotacasts-host: " << CurrentRuntimeError().description << "\n";
+    return 2;
+  }
+}

@@ -1,0 +1,96 @@
+#include "host/profile_settings.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+
+#include "host/host_file_system.h"
+#include "host/native_files.h"
+#include "host/utility_component.h"
+#include "platform/conversions.h"
+#include "platform/text.h"
+
+namespace rotacasts::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string ProfileFile(const std::string& hostFolder, const std::string& folder) {
+  return hostFolder + "\\profiles\\" + folder + "\\profile.ini";
+}
+
+/// Reads the keys of one file; every complaint names the file.
+class Reader {
+ public:
+  explicit Reader(const std::string& file) : file_(file), ini_(ReadIni(file)) {}
+
+  std::string Text(const char* key, const char* wanted) const {
+    const std::string raw = FromWindows1252(ini_.Value("Profile", key).value_or(""));
+    std::string text(TrimSpaces(raw));
+    if (text.empty()) Complain(std::string(key) + " is missing; give " + wanted);
+    return text;
+  }
+
+  std::int32_t Number(const char* key, std::int32_t highest, const char* wanted) const {
+    const std::string text = Text(key, wanted);
+    const double number = IsNumeric(text) ? ToDouble(text) : 0;
+    if (number < 1 || number > highest || number != RoundToLong(number)) {
+      Complain(std::string(key) + " is \"" + text + "\"; give " + wanted);
+    }
+    return RoundToLong(number);
+  }
+
+ private:
+  [[noreturn]] void Complain(const std::string& what) const {
+    throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::InvalidProcedureCall),
+                       NativePath(file_).string() + ": " + what);
+  }
+
+  const std::string file_;
+  const IniText ini_;
+};
+
+}  // namespace
+
+ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder) {
+  const Reader reader(ProfileFile(hostFolder, folder));
+  constexpr std::int32_t kHighestIndex = 32767;  // the timers' indexes have 16 bits
+  constexpr std::int32_t kHighestPort = 65535;
+  ProfileSettings profile;
+  profile.folder = folder;
+  profile.index = reader.Number("Index", kHighestIndex, "a whole number from 1 to 32767");
+  profile.gameCode = reader.Text("GameCode", "the game code, such as JO or DFBHD");
+  profile.process = reader.Text("Process", "the game server's process id or program name");
+  profile.target = reader.Number("Target", kHighestPort, "its chat port, from 1 to 65535");
+  return profile;
+}
+
+LoadedProfiles LoadProfiles(const std::string& hostFolder) {
+  LoadedProfiles loaded;
+  HostFileSystem files;
+  std::map<std::int32_t, ProfileSettings> byIndex;
+  std::vector<std::string> folders;
+  std::error_code problem;
+  const fs::path root = NativePath(hostFolder + "\\profiles");
+  for (const fs::directory_entry& entry : fs::directory_iterator(root, problem)) {
+    folders.push_back(entry.path().filename().string());
+  }
+  std::sort(folders.begin(), folders.end());
+  for (const std::string& folder : folders) {
+    if (!files.FileExists(ProfileFile(hostFolder, folder))) continue;
+    try {
+      const ProfileSettings profile = ReadProfile(hostFolder, folder);
+      const auto [other, added] = byIndex.try_emplace(profile.index, profile);
+      if (!added) {
+        loaded.problems.push_back(profile.Label() + ": the index is taken by " +
+                                  other->second.Label() + "; give it another one");
+      }
+    } catch (const RuntimeError& error) {
+      loaded.problems.push_back(error.description);
+    }
+  }
+  for (auto& [index, profile] : byIndex) loaded.profiles.push_back(std::move(profile));
+  return loaded;
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,34 @@
+// The profiles of a host folder, as their profile.ini files describe them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace rotacasts::host {
+
+/// One `profiles/<folder>/profile.ini`, section "Profile".
+struct ProfileSettings {
+  std::int32_t index = 0;  // 1 to 32767
+  std::string folder;      // below `profiles`
+  std::string gameCode;
+  std::string process;      // process id or program name
+  std::int32_t target = 0;  // UDP port of the game server's chat on 127.0.0.1
+
+  /// The profile as errors and listings name it.
+  std::string Label() const { return "profile " + std::to_string(index) + " (" + folder + ")"; }
+};
+
+/// The usable profiles in the order of their indexes, and what is wrong with the others: one line
+/// each that names the file and what to do.
+struct LoadedProfiles {
+  std::vector<ProfileSettings> profiles;
+  std::vector<std::string> problems;
+};
+
+LoadedProfiles LoadProfiles(const std::string& hostFolder);
+
+/// Reads one profile. Error 5, naming the file and what to do, for nonsense in it.
+ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder);
+
+}  // namespace rotacasts::host

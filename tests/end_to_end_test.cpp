@@ -1,0 +1,93 @@
+// The programs themselves: a simulated game server, the host that serves it, and the end of either.
+
+#include <gtest/gtest.h>
+
+#include "support/child_process.h"
+#include "support/fake_host.h"
+#include "support/host_folder.h"
+
+namespace rotacasts {
+namespace {
+
+using testing::ChildProcess;
+using testing::HostFolder;
+using testing::MessageFileBytes;
+
+/// A simulator, and where it listens.
+struct Server {
+  explicit Server(const std::string& code, const std::string& program = SIMULATOR_PROGRAM)
+      : process({program, "--game-code", code, "--seed", "3", "--step", "20"}) {
+    const std::string line = process.ReadUntil("chat on").value_or("chat on :0");
+    port = line.substr(line.rfind(':') + 1);
+  }
+  std::string Id() const { return std::to_string(process.Id()); }
+  ChildProcess process;
+  std::string port;
+};
+
+ChildProcess StartHost(const HostFolder& folder) {
+  return ChildProcess(
+      {ROTACASTS_HOST_PROGRAM, "run", "--host-folder", folder.Path(), "--minute", "50ms"});
+}
+
+TEST(EndToEnd, MessagesReachTheServersUntilOneDies) {
+  HostFolder folder;
+  Server joint("JO");
+  Server hawk("DFBHD");
+  const std::string messages =
+      MessageFileBytes({"Grüße €", "{ShowNextMap}", "{ShowMostKills}", "", "{ShowLeastDeaths}"});
+  folder.AddProfile(1, "DFBHD", hawk.Id(), hawk.port, messages);
+  folder.AddProfile(2, "JO", joint.Id(), joint.port, messages);
+  ChildProcess host = StartHost(folder);
+  for (Server* server : {&joint, &hawk}) {
+    for (const char* text :
+         {"Grüße €", "[Next Map] ", "[Most Kills] ", "[Least Deaths] ", "Grüße €"}) {
+      EXPECT_TRUE(server->process.ReadUntil(text)) << text;
+    }
+  }
+  host.WriteLine("status");
+  EXPECT_TRUE(host.ReadUntil("1        srv1    DFBHD  running"));
+  const std::string id = joint.Id();
+  EXPECT_EQ(joint.process.Wait(SIGKILL), -SIGKILL);
+  EXPECT_TRUE(host.ReadUntil("profile 2 (srv2): process " + id + " has ended"));
+  EXPECT_TRUE(hawk.process.ReadUntil("Grüße €"));  // the other profile keeps going
+  host.WriteLine("quit");
+  EXPECT_EQ(host.Wait(), 0);
+  EXPECT_EQ(hawk.process.Wait(SIGTERM), 0);
+  EXPECT_NE(folder.Read("logs/errors.log").find("tmrRT"), std::string::npos);
+  EXPECT_EQ(folder.Read("profiles/srv2/settings/Rotacasts.ini"), messages);
+}
+
+TEST(EndToEnd, AServerStartedAnewUnderItsProgramNameIsFoundAgain) {
+  HostFolder folder;
+  const std::string program = folder.File("server-of-" + std::to_string(::getpid()));
+  std::filesystem::copy_file(SIMULATOR_PROGRAM, program);
+  auto first = std::make_unique<Server>("JO_2", program);
+  folder.AddProfile(1, "JO_2", std::filesystem::path(program).filename().string(), first->port,
+                    MessageFileBytes({"Hello"}));
+  ChildProcess host = StartHost(folder);
+  EXPECT_TRUE(first->process.ReadUntil("Hello"));
+  const std::string port = first->port;
+  first.reset();
+  EXPECT_TRUE(host.ReadUntil("has ended; start the game server"));
+  ChildProcess second({program, "--game-code", "JO_2", "--port", port});
+  EXPECT_TRUE(second.ReadUntil("Hello"));
+  EXPECT_EQ(host.Wait(SIGTERM), 0);
+}
+
+TEST(EndToEnd, AWrongCallSaysWhatIsWrong) {
+  const auto run = [](std::vector<std::string> words, const char* says) {
+    words.insert(words.begin(), ROTACASTS_HOST_PROGRAM);
+    ChildProcess host(words);
+    EXPECT_TRUE(host.ReadUntil(says)) << says;
+    EXPECT_NE(host.Wait(), 0);
+  };
+  HostFolder empty;
+  run({"run", "--host-folder", "/nowhere/at/all"}, "make it, or name another folder");
+  run({"run", "--host-folder", empty.Path()}, "has no usable profile");
+  run({"run", "--host-folder", empty.Path(), "--minute", "soon"}, "--minute");
+  run({"preview", "--host-folder", empty.Path(), "--profile", "4"}, "there is no profile 4");
+}
+
+}  // namespace
+}  // namespace rotacasts

@@ -1,0 +1,235 @@
+// The stand-alone host's files: INI files, logs, reports, and what goes wrong with them.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "host/base64.h"
+#include "host/check.h"
+#include "host/host_file_system.h"
+#include "host/native_files.h"
+#include "host/profile_settings.h"
+#include "host/utility_component.h"
+#include "support/fake_host.h"
+#include "support/host_folder.h"
+
+namespace rotacasts::host {
+namespace {
+
+using testing::ErrorOf;
+using testing::HostFolder;
+
+struct FixedClock final : public LocalClock {
+  LocalTime Now() const override { return {2010, 3, 7, 14, 5, 9}; }
+};
+
+class HostFilesTest : public ::testing::Test {
+ protected:
+  void Set(const char* section, const UtilityComponent::Key& key,
+           const std::optional<std::string>& value) {
+    utility.WriteIniKey(section, key, value, file);
+  }
+  HostFolder folder;
+  FixedClock clock;
+  HostUtilityComponent utility{folder.Path(), clock};
+  std::string file = folder.Path() + "\\a.ini";  // the host suite's spelling
+};
+
+TEST_F(HostFilesTest, IniKeysAreWrittenAsWindows1252AndReadBack) {
+  Set("S", "Key", " Grüße € = 1 ");
+  EXPECT_EQ(folder.Read("a.ini"),
+            "[S]\r\nKey= Gr\xFC\xDF"
+            "e \x80 = 1 \r\n");
+  EXPECT_EQ(utility.GetIniKey("s", "KEY", file), " Grüße € = 1 ");
+  Set("S", 7, "seven");
+  EXPECT_EQ(utility.GetIniSection("S", file),
+            (std::vector<std::string>{"Key= Grüße € = 1 ", "7=seven", ""}));
+  Set("S", "Key", std::nullopt);
+  Set("S", UtilityComponent::kNullKey, std::nullopt);
+  EXPECT_EQ(folder.Read("a.ini"), "");
+  std::string missing = folder.Path() + "\\none\\b.ini";
+  EXPECT_EQ(utility.GetIniKey("S", "k", missing), "");
+  EXPECT_EQ(utility.GetIniSection("S", missing).size(), 1U);
+}
+
+TEST_F(HostFilesTest, WhatAnIniFileCannotHoldIsRefusedBeforeAnythingIsWritten) {
+  Set("S", "1", "a");
+  const std::string before = folder.Read("a.ini");
+  const std::string nul("a\0b", 3);
+  for (const std::string& bad :
+       {std::string("a\r\nb"), std::string("a\n"), nul, std::string("Ł"), std::string("\xFF")}) {
+    EXPECT_EQ(ErrorOf([&] { Set("S", "2", bad); }), 5);
+    EXPECT_EQ(ErrorOf([&] { Set("S", bad, "text"); }), 5);
+  }
+  for (const char* key : {"", "a=b", ";a", "#a", "[a", " a", "a "}) {
+    EXPECT_EQ(ErrorOf([&] { Set("S", key, "text"); }), 5) << key;
+  }
+  EXPECT_EQ(folder.Read("a.ini"), before);
+  file.clear();
+  EXPECT_EQ(ErrorOf([&] { Set("S", "1", "a"); }), 76);
+  EXPECT_EQ(ErrorOf([&] { utility.GetIniSection("S", file); }), 76);
+}
+
+TEST_F(HostFilesTest, AFileThatCannotBeUsedIsNamedAndStaysAsItIs) {
+  struct Row {
+    std::string bytes;
+    const char* says;
+  };
+  for (const Row& row : {Row{std::string("[S]\r\n1=a\0b", 11), "NUL"},
+                         Row{"\xEF\xBB\xBF[S]", "UTF-8"}, Row{"\xFF\xFE[\0S\0", "UTF-16"}}) {
+    folder.Write("a.ini", row.bytes);
+    try {
+      Set("S", "1", "x");
+      ADD_FAILURE() << row.says;
+    } catch (const RuntimeError& error) {
+      EXPECT_EQ(error.number, 321);
+      EXPECT_NE(error.description.find(folder.File("a.ini")), std::string::npos);
+      EXPECT_NE(error.description.find(row.says), std::string::npos) << error.description;
+    }
+    EXPECT_EQ(folder.Read("a.ini"), row.bytes);
+  }
+  folder.Write("a.ini", "[S]\r\n1=a\r\n");
+  ::chmod(folder.File("a.ini").c_str(), 0444);
+  EXPECT_EQ(ErrorOf([&] { Set("S", "1", "x"); }), 70);
+  EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=a\r\n");
+  Set("S", "1", "a");  // nothing to change, nothing to complain about
+  file = folder.Path() + "\\none\\a.ini";
+  EXPECT_EQ(ErrorOf([&] { Set("S", "1", "x"); }), 76);
+  file = folder.Path();
+  EXPECT_NE(ErrorOf([&] { Set("S", "1", "x"); }), 0);
+}
+
+TEST_F(HostFilesTest, ReplacingKeepsPermissionsAndLinksAndLeavesNothingBeside) {
+  folder.Write("real.ini", "[S]\r\n");
+  ::chmod(folder.File("real.ini").c_str(), 0640);
+  std::filesystem::create_symlink("real.ini", folder.File("a.ini"));
+  Set("S", "1", "x");
+  EXPECT_EQ(folder.Read("real.ini"), "[S]\r\n1=x\r\n");
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("a.ini")));
+  struct stat status {};
+  ::stat(folder.File("real.ini").c_str(), &status);
+  EXPECT_EQ(status.st_mode & 0777, 0640U);
+  int files = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+    ++files;
+  }
+  EXPECT_EQ(files, 2);
+}
+
+TEST_F(HostFilesTest, AReaderSeesTheOldFileWhileANewOneIsWritten) {
+  Set("S", "1", "old");
+  std::ifstream reader(folder.File("a.ini"));
+  Set("S", "1", std::string(100000, 'n'));
+  std::string line;
+  std::getline(reader, line);
+  std::getline(reader, line);
+  EXPECT_EQ(line, "1=old\r");
+}
+
+TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {
+  std::string procedure = "tmrRT";
+  RuntimeError error(13, "Type\r\nmismatch ü");
+  std::int32_t line = 4;
+  utility.LogError("tvxRT.dll", procedure, error, line);
+  utility.LogError("tvxRT.dll", procedure, error, line);
+  const std::string entry =
+      "2010-03-07 14:05:09 tvxRT.dll tmrRT line 4: error 13: Type  mismatch ü\r\n";
+  EXPECT_EQ(folder.Read("logs/errors.log"), entry + entry);
+  Variant report(Variant::Array{"13", "Type mismatch", "tvxRT.dll 1.0.0", "tmrRT", Variant(), 4});
+  EXPECT_TRUE(utility.SendErrorReport(report));
+  EXPECT_TRUE(utility.SendErrorReport(report));
+  EXPECT_EQ(folder.Read("reports/2010-03-07 14-05-09 2.txt"),
+            "Date: 2010-03-07 14:05:09\r\nError number: 13\r\nDescription: Type mismatch\r\n"
+            "Module: tvxRT.dll 1.0.0\r\nProcedure: tmrRT\r\nAffiliate: \r\nLine: 4\r\n");
+}
+
+TEST_F(HostFilesTest, TextFilesAreReadAndAppendedByTheLine) {
+  HostFileSystem files;
+  const std::string log = folder.Path() + "\\new\\a.txt";
+  EXPECT_EQ(ErrorOf([&] { files.CreateTextFile(log); }), 76);
+  EXPECT_EQ(ErrorOf([&] { files.CreateFolder(folder.Path() + "\\x\\y"); }), 76);
+  files.CreateFolder(folder.Path() + "\\new");
+  EXPECT_EQ(ErrorOf([&] { files.CreateFolder(folder.Path() + "\\new"); }), 58);
+  EXPECT_EQ(ErrorOf([&] { utility.AppendFile(log, "x"); }), 53);
+  files.CreateTextFile(log);
+  utility.AppendFile(log, "Grüße");
+  EXPECT_EQ(ErrorOf([&] { utility.AppendFile(log, "two\nlines"); }), 5);
+  utility.AppendFile(log, "");
+  EXPECT_EQ(folder.Read("new/a.txt"),
+            "Gr\xFC\xDF"
+            "e\r\n\r\n");
+  std::string path = log;
+  EXPECT_EQ(utility.ReadFile(path), (std::vector<std::string>{"Grüße", ""}));
+  EXPECT_TRUE(files.FileExists(log) && files.FolderExists(folder.Path() + "\\new"));
+  EXPECT_FALSE(files.FileExists(folder.Path() + "\\new") || files.FolderExists(log));
+}
+
+TEST(Base64, DecodesItsOwnAndRefusesTheRest) {
+  for (const std::string& text : {std::string(), std::string("a"), std::string("ab"),
+                                  std::string("Grüße"), std::string("\0\xFF|", 3)}) {
+    EXPECT_EQ(DecodeBase64(EncodeBase64(text)), text);
+  }
+  EXPECT_EQ(EncodeBase64(std::string(100, '\xFF')).find_first_of("|\r\n"), std::string::npos);
+  for (const char* bad : {"A", "QQ", "QQ=", "QQ===", "Q=Q=", "QQ==\n", " QQ==", "Q!==", "===="}) {
+    EXPECT_EQ(ErrorOf([&] { DecodeBase64(bad); }), 5) << bad;
+  }
+}
+
+TEST(ProfileSettings, NonsenseIsSkippedAndSaysWhatToDo) {
+  HostFolder folder;
+  folder.AddProfile(5, "JO", "1234", "4005");
+  folder.AddProfile(2, "DFBHD", "server.exe", " 65535 ");
+  folder.AddProfile(0, "JO", "1", "1");
+  folder.AddProfile(7, "JO", "1", "65536");
+  folder.AddProfile(8, "", "1", "1");
+  folder.AddProfile(32768, "JO", "1", "1");
+  folder.Write("profiles/twin/profile.ini",
+               "[Profile]\nIndex=5\nGameCode=JO\nProcess=1\nTarget=1\n");
+  folder.Write("profiles/half/profile.ini", "[Profile]\nIndex=1.5\n");
+  folder.Write("profiles/utf/profile.ini", "\xEF\xBB\xBF[Profile]\n");
+  folder.Write("profiles/empty/readme.txt", "no profile");
+  const LoadedProfiles loaded = LoadProfiles(folder.Path());
+  ASSERT_EQ(loaded.profiles.size(), 2U);
+  EXPECT_EQ(loaded.profiles[0].Label(), "profile 2 (srv2)");
+  EXPECT_EQ(loaded.profiles[0].target, 65535);
+  EXPECT_EQ(loaded.profiles[1].process, "1234");
+  EXPECT_EQ(loaded.problems.size(), 7U);
+  for (const std::string& problem : loaded.problems) {
+    EXPECT_NE(problem.find("give"), problem.find("save")) << problem;  // each names the way out
+  }
+  EXPECT_TRUE(LoadProfiles("/nowhere").profiles.empty());
+}
+
+TEST(Check, WarnsOfWhatWouldSurprise) {
+  HostFolder folder;
+  const auto warnings = [&](const std::string& bytes) {
+    folder.Write("a.ini", bytes);
+    return CheckMessageFile(folder.Path() + "\\a.ini");
+  };
+  EXPECT_TRUE(warnings("[Messages]\r\n1={ShowNextMap}\r\n2=\r\n3=Gr\xFC\xDF"
+                       "e (50%)\r\n"
+                       "[Options]\r\nEnable=1\r\nInterval=30\r\n")
+                  .empty());
+  struct Row {
+    const char* line;
+    const char* says;
+  };
+  for (const Row& row : std::initializer_list<Row>{
+           {"1={shownextmap}", "write {ShowNextMap}"},
+           {"1=Next: {ShowMostKills}", "must be the whole message"},
+           {"1={ShowMostAssists}", "no placeholder's name"},
+           {"2=a", "has the key 2 and not 1"},
+           {"x=a", "has the key x"},
+           {"1=a\tb", "cannot show"},
+           {"1=a\x81", "cannot show"},
+           {"1=1234567890123456789012345678901234567890123456789012345678901", "61 characters"},
+           {"1=a\r\n[Options]\r\nEnable=2", "Enable is \"2\", outside 0 to 1"},
+           {"1=a\r\n[Options]\r\nInterval=31", "outside 0 to 30; the window takes 3"},
+           {"1=a\r\n[Options]\r\nInterval=abc", "no number"}}) {
+    const auto found = warnings(std::string("[Messages]\r\n") + row.line + "\r\n");
+    ASSERT_EQ(found.size(), 1U) << row.line;
+    EXPECT_NE(found[0].find(row.says), std::string::npos) << found[0];
+  }
+}
+
+}  // namespace
+}  // namespace rotacasts::host

@@ -1,0 +1,233 @@
+// The stand-alone host at work: reading processes, the simulator's memory, the console.
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <set>
+#include <sstream>
+
+#include "host/console.h"
+#include "host/game_processes.h"
+#include "host/simulator/game_image.h"
+#include "platform/text.h"
+#include "support/fake_host.h"
+#include "support/host_folder.h"
+
+namespace rotacasts::host {
+namespace {
+
+using testing::ErrorOf;
+using testing::HostFolder;
+using testing::MessageFileBytes;
+
+/// Two pages at an address that 32 bits hold; the second one is taken away again.
+class LowPage {
+ public:
+  LowPage() {
+    void* const wanted = reinterpret_cast<void*>(std::uintptr_t{0x30000000});
+    bytes_ = static_cast<char*>(::mmap(wanted, 2 * kPage, PROT_READ | PROT_WRITE,
+                                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0));
+    ::munmap(bytes_ + kPage, kPage);
+  }
+  ~LowPage() { ::munmap(bytes_, kPage); }
+  char* At(std::size_t offset) { return bytes_ + offset; }
+  static std::int32_t Address(std::size_t offset) {
+    return 0x30000000 + static_cast<std::int32_t>(offset);
+  }
+  static constexpr std::size_t kPage = 4096;
+
+ private:
+  char* bytes_;
+};
+
+TEST(GameProcesses, ReadsNumbersAndTextsUpToTheEndOfTheMap) {
+  LowPage page;
+  GameProcesses processes;
+  const std::int32_t self = processes.Register(std::to_string(::getpid()), "profile 1 (self)");
+  const std::int32_t value = -123456;
+  std::memcpy(page.At(8), &value, sizeof value);
+  EXPECT_EQ(processes.ReadLong(self, LowPage::Address(8)), value);
+  std::memset(page.At(1000), 'x', 300);
+  EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(1000)), std::string(255, 'x'));
+  EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(1290)), std::string(10, 'x'));
+  EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(0)), "");
+  std::memcpy(page.At(LowPage::kPage - 3), "end", 3);
+  EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(LowPage::kPage - 3)), "end");
+  for (const std::int32_t address :
+       {LowPage::Address(LowPage::kPage), LowPage::Address(LowPage::kPage - 2), 0, -4}) {
+    EXPECT_EQ(ErrorOf([&] { processes.ReadLong(self, address); }), 57) << address;
+  }
+  EXPECT_EQ(ErrorOf([&] { processes.ReadBytes(self, LowPage::Address(LowPage::kPage)); }), 57);
+  EXPECT_EQ(ErrorOf([&] { processes.ReadLong(99, 0); }), 57);
+}
+
+TEST(GameProcesses, ErrorsNameTheProfileAndTheWayOut) {
+  GameProcesses processes;
+  const std::int32_t none = processes.Register("no-such-program", "profile 3 (srv3)");
+  try {
+    processes.ReadLong(none, 0);
+    ADD_FAILURE();
+  } catch (const RuntimeError& error) {
+    EXPECT_NE(error.description.find("profile 3 (srv3): no program no-such-program is running; "
+                                     "start it"),
+              std::string::npos)
+        << error.description;
+  }
+}
+
+TEST(HostMemoryComponent, RefusesTargetsThatAreNoPort) {
+  GameProcesses processes;
+  HostMemoryComponent memory(processes);
+  std::int16_t index = 2;
+  std::string text = "x";
+  bool affiliate = false;
+  for (std::int32_t target : {0, -1, 65536}) {
+    EXPECT_EQ(ErrorOf([&] { memory.AddMsg(index, target, text, affiliate, "MSG", 3); }), 5);
+  }
+  EXPECT_EQ(memory.Dec64(memory.Enc64("Grüße|")), "Grüße|");
+  EXPECT_EQ(ErrorOf([&] { memory.Dec64("/w=="); }), 5);  // no UTF-8
+}
+
+/// A simulator's memory that the fakes of the plugin read.
+class FakeGameMemory final : public simulator::GameMemory {
+ public:
+  explicit FakeGameMemory(testing::FakeHost& host) : host_(host) {}
+  void Reserve(std::int32_t, std::uint32_t) override {}
+  void WriteLong(std::int32_t address, std::int32_t value) override {
+    host_.longs[address] = value;
+  }
+  void WriteText(std::int32_t address, std::string_view bytes) override {
+    host_.texts[address] = FromWindows1252(bytes);
+  }
+
+ private:
+  testing::FakeHost& host_;
+};
+
+class SimulatorTest : public testing::PluginTest {};
+
+TEST_F(SimulatorTest, ThePluginReadsTheWorldThatTheSimulatorLives) {
+  for (const char* code : {"JO", "JO_2", "DFX2", "DFBHD", "JO_AFF", "DFX2_AFF2"}) {
+    host.longs.clear();
+    host.texts.clear();
+    simulator::GameLife life({.players = 30, .seed = 5});
+    FakeGameMemory memory(host);
+    simulator::GameImage image(memory, code, life.Now());
+    State().profiles.SetProfileData(1, Data(1, code));
+    for (int step = 0; step < 60; ++step) life.Step();
+    image.Write(life.Now());
+    const simulator::World& world = life.Now();
+    const auto best = [&](auto counter) {
+      const simulator::Player* leader = nullptr;
+      for (const auto& player : world.slots) {
+        if (player && (leader == nullptr || player->stats.*counter > leader->stats.*counter)) {
+          leader = &*player;
+        }
+      }
+      return leader->name + ": " + std::to_string(leader->stats.*counter);
+    };
+    const auto next = static_cast<std::size_t>(world.position + 1) % world.maps.size();
+    BroadcastTimer& broadcast = State().broadcast;
+    EXPECT_EQ(broadcast.LiveText(1, "{ShowMostKills}"),
+              "[Most Kills] " + best(&PlayerStats::Kills) + " Kills")
+        << code;
+    EXPECT_EQ(broadcast.LiveText(1, "{ShowHighScorer}"),
+              "[Highest Scorer] " + best(&PlayerStats::Score) + " Exp Pts")
+        << code;
+    EXPECT_EQ(broadcast.LiveText(1, "{ShowNextMap}"), "[Next Map] " + world.maps[next]) << code;
+    EXPECT_TRUE(State().game.IsGameRunning(1)) << code;
+  }
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(SimulatorTest, TheSameSeedLivesTheSameLifeAndMapsChange) {
+  const auto live = [&](std::uint32_t seed, int steps) {
+    host.longs.clear();
+    host.texts.clear();
+    simulator::GameLife life({.players = 250, .seed = seed, .mapSteps = 20, .pauseSteps = 4});
+    FakeGameMemory memory(host);
+    simulator::GameImage image(memory, "JO", life.Now());
+    for (int i = 0; i < steps; ++i) life.Step();
+    image.Write(life.Now());
+    return std::pair(host.longs, host.texts);
+  };
+  EXPECT_EQ(live(1, 50), live(1, 50));
+  EXPECT_NE(live(1, 50), live(2, 50));
+  simulator::GameLife life({.players = 250, .mapSteps = 20, .pauseSteps = 4});
+  std::set<std::int32_t> states;
+  std::set<std::int32_t> positions;
+  std::set<std::int32_t> counts;
+  for (int i = 0; i < 60; ++i) {
+    life.Step();
+    states.insert(life.Now().state);
+    positions.insert(life.Now().position);
+    counts.insert(life.Now().PlayerCount());
+    EXPECT_LT(static_cast<std::size_t>(life.Now().PlayerCount()), life.Now().slots.size());
+  }
+  EXPECT_EQ(states, (std::set<std::int32_t>{1, 2, 3, 4}));
+  EXPECT_GE(positions.size(), 3U);
+  EXPECT_GE(counts.size(), 2U);
+  EXPECT_EQ(ErrorOf([&] {
+              FakeGameMemory memory(host);
+              simulator::GameImage(memory, "QUAKE", life.Now());
+            }),
+            5);
+}
+
+class ConsoleTest : public ::testing::Test {
+ protected:
+  /// Runs console lines on a host of the folder and answers what was printed since.
+  std::string Execute(std::initializer_list<const char*> lines) {
+    if (!host_) {
+      host_ =
+          std::make_unique<ServerHost>(HostOptions{folder.Path(), std::chrono::minutes(1)}, out_);
+      host_->LoadEveryProfile();
+    }
+    Console console(*host_, out_);
+    for (const char* line : lines) console.Execute(line);
+    return std::exchange(out_, std::ostringstream()).str();
+  }
+  HostFolder folder;
+
+ private:
+  std::ostringstream out_;
+  std::unique_ptr<ServerHost> host_;
+};
+
+TEST_F(ConsoleTest, OneBadProfileLeavesTheOthersGoing) {
+  folder.AddProfile(1, "JO", "1", "4001", "[Messages]\r\n1=ok\r\n[Options]\r\nInterval=abc\r\n");
+  folder.AddProfile(2, "NOPE", "1", "4002", MessageFileBytes({"{ShowNextMap}", "plain", ""}));
+  folder.AddProfile(3, "JO", "no-such-program", "4003", std::string("\0\0", 2));
+  folder.AddProfile(4, "JO", "1", "x");
+  std::string text = Execute({"status"});
+  EXPECT_NE(text.find("Target is \"x\"; give its chat port"), std::string::npos) << text;
+  EXPECT_NE(text.find("Function/Sub: Form_Reload"), std::string::npos) << text;
+  EXPECT_NE(text.find("holds NUL bytes; save it as plain ANSI text"), std::string::npos) << text;
+  EXPECT_NE(text.find("unknown build"), std::string::npos) << text;
+  EXPECT_EQ(folder.Read("profiles/srv3/settings/Rotacasts.ini"), std::string("\0\0", 2));
+  text = Execute({"messages 2"});
+  EXPECT_NE(text.find("0         {ShowNextMap}  (cannot tell: no such game build)"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find("2                        (nothing: it is skipped)"), std::string::npos)
+      << text;
+}
+
+TEST_F(ConsoleTest, CommandsDoWhatTheySayOrSayWhatIsWrong) {
+  folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"a"}, "0", "7"));
+  EXPECT_NE(Execute({"help"}).find("disable PROFILE"), std::string::npos);
+  EXPECT_NE(Execute({"show"}).find("usage: show PROFILE"), std::string::npos);
+  EXPECT_NE(Execute({"show 9"}).find("there is no profile 9"), std::string::npos);
+  EXPECT_NE(Execute({"fly"}).find("\"fly\" is no command"), std::string::npos);
+  EXPECT_EQ(Execute({"", "   "}), "");
+  EXPECT_NE(Execute({"status"}).find("off     7 min  0"), std::string::npos);
+  EXPECT_NE(Execute({"disable 2", "status"}).find("stopped"), std::string::npos);
+  folder.AddProfile(2, "DFX2", "1", "4002");
+  EXPECT_NE(Execute({"show 2", "status"}).find("DFX2"), std::string::npos);
+  EXPECT_NE(Execute({"hide", "unload", "status"}).find("stopped"), std::string::npos);
+  EXPECT_EQ(folder.Read("settings/config.ini"), "[Settings]\r\nReportErrors=0\r\n");
+}
+
+}  // namespace
+}  // namespace rotacasts::host

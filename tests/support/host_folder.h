@@ -1,0 +1,43 @@
+// A host folder of a test's own, gone with the test.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace rotacasts::testing {
+
+class HostFolder {
+ public:
+  HostFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "rotacasts-XXXXXX").string();
+    path_ = ::mkdtemp(pattern.data());
+  }
+  ~HostFolder() { std::filesystem::remove_all(path_); }
+
+  std::string Path() const { return path_.string(); }
+  std::string File(const std::string& name) const { return (path_ / name).string(); }
+  void Write(const std::string& name, const std::string& bytes) const {
+    std::filesystem::create_directories((path_ / name).parent_path());
+    std::ofstream(path_ / name, std::ios::binary) << bytes;
+  }
+  std::string Read(const std::string& name) const {
+    std::ostringstream bytes;
+    bytes << std::ifstream(path_ / name, std::ios::binary).rdbuf();
+    return bytes.str();
+  }
+  /// Writes a profile and, unless empty, its message file.
+  void AddProfile(int index, const std::string& code, const std::string& process,
+                  const std::string& target, const std::string& messageFile = {}) const {
+    const std::string folder = "profiles/srv" + std::to_string(index) + "/";
+    Write(folder + "profile.ini", "[Profile]\r\nIndex=" + std::to_string(index) + "\r\nGameCode=" +
+                                      code + "\r\nProcess=" + process + "\r\nTarget=" + target);
+    if (!messageFile.empty()) Write(folder + "settings/Rotacasts.ini", messageFile);
+  }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace rotacasts::testing
