@@ -1,0 +1,37 @@
+# The front door: every target installs what it needs and sets itself up.
+
+.PHONY: help demo test bench format lint clean
+
+help: ## this list
+	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 18
+
+demo: ## six simulated game servers, one host: see what the program is for
+	@scripts/bootstrap build
+	@scripts/quietly cmake --preset release
+	@scripts/quietly cmake --build --preset release
+	@scripts/demo build/release/src/host
+
+test: ## build and run every test
+	@scripts/bootstrap build test
+	cmake --preset sanitized
+	cmake --build --preset sanitized
+	ctest --preset sanitized
+
+bench: ## measure, each thing against a named opponent
+	@scripts/bootstrap build bench
+	@scripts/quietly cmake --preset bench
+	@scripts/quietly cmake --build --preset bench
+	build/bench/benchmarks/rotacasts-bench
+
+format: ## bring every source file into shape
+	@scripts/bootstrap lint
+	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+lint: ## check the shape and let clang-tidy read the code
+	@scripts/bootstrap build test lint
+	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+	cmake --preset sanitized
+	git ls-files 'src/*.cpp' | xargs -P 2 -n 8 clang-tidy --quiet -p build/sanitized
+
+clean: ## remove what was built
+	rm -rf build
