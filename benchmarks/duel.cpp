@@ -1,0 +1,85 @@
+#include "duel.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <iostream>
+#include <map>
+
+#include "host/text_table.h"
+
+namespace rotacasts::bench {
+namespace {
+
+/// Keeps the median of every benchmark instead of printing it; says what is running meanwhile.
+class Medians : public benchmark::BenchmarkReporter {
+ public:
+  bool ReportContext(const Context&) override { return true; }
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& run : runs) {
+      if (run.aggregate_name != "median") continue;
+      nanoseconds[run.run_name.function_name] = run.GetAdjustedRealTime();
+      std::cerr << "." << std::flush;
+    }
+  }
+  std::map<std::string, double> nanoseconds;
+};
+
+std::string FormatTime(double nanoseconds) {
+  char text[40];
+  if (nanoseconds < 1e4) {
+    std::snprintf(text, sizeof text, "%.0f ns", nanoseconds);
+  } else if (nanoseconds < 1e7) {
+    std::snprintf(text, sizeof text, "%.1f us", nanoseconds / 1e3);
+  } else {
+    std::snprintf(text, sizeof text, "%.1f ms", nanoseconds / 1e6);
+  }
+  return text;
+}
+
+void Register(const std::string& name, const std::function<void()>& job) {
+  benchmark::RegisterBenchmark(name.c_str(), [job](benchmark::State& state) {
+    for ([[maybe_unused]] auto _ : state) job();
+  });
+}
+
+}  // namespace
+
+std::vector<Result> RunDuels(const std::vector<Duel>& duels, int argc, char** argv) {
+  std::string repetitions = "--benchmark_repetitions=9";
+  std::string interleave = "--benchmark_enable_random_interleaving=true";
+  std::string shortly = "--benchmark_min_time=0.05";
+  std::vector<char*> arguments = {argv[0], repetitions.data(), interleave.data(), shortly.data()};
+  arguments.insert(arguments.end(), argv + 1, argv + argc);  // what the person asks for wins
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  for (const Duel& duel : duels) {
+    Register(duel.job + "/ours", duel.ours);
+    Register(duel.job + "/theirs", duel.theirs);
+  }
+  Medians medians;
+  benchmark::RunSpecifiedBenchmarks(&medians);
+  std::cerr << "\n";
+  std::vector<Result> results;
+  for (const Duel& duel : duels) {
+    const double ours = medians.nanoseconds[duel.job + "/ours"];
+    const double theirs = medians.nanoseconds[duel.job + "/theirs"];
+    results.push_back({duel.job, FormatTime(ours), duel.opponent, FormatTime(theirs), duel.target,
+                       ours / theirs});
+  }
+  return results;
+}
+
+void PrintTable(const std::vector<Result>& results) {
+  host::TextTable table({"| What", "| Rotacasts", "| Opponent", "|", "| Target", "| Ratio |"});
+  table.Add({"|---", "|---", "|---", "|---", "|---", "|---|"});
+  for (const Result& result : results) {
+    char ratio[32];
+    std::snprintf(ratio, sizeof ratio, "| %.2f |", result.ratio);
+    table.Add({"| " + result.job, "| " + result.ours, "| " + result.opponent, "| " + result.theirs,
+               "| " + result.target, ratio});
+  }
+  table.Print(std::cout);
+}
+
+}  // namespace rotacasts::bench

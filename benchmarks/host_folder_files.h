@@ -1,0 +1,17 @@
+// A temporary folder with what a benchmark reads.
+#pragma once
+
+#include "support/host_folder.h"
+
+namespace rotacasts::bench {
+
+/// A message file of so many messages, and both options behind them.
+inline std::string MessageFileOf(int messages) {
+  std::string bytes = "[Messages]\r\n";
+  for (int i = 1; i <= messages; ++i) {
+    bytes += std::to_string(i) + "=Message number " + std::to_string(i) + " of the list\r\n";
+  }
+  return bytes + "[Options]\r\nEnable=1\r\nInterval=1\r\n";
+}
+
+}  // namespace rotacasts::bench

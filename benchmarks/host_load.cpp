@@ -1,0 +1,106 @@
+// A whole host program: peak memory and processor time for 100 ticks of every profile.
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <stdexcept>
+
+#include "duel.h"
+#include "host_folder_files.h"
+#include "support/child_process.h"
+
+namespace rotacasts::bench {
+namespace {
+
+using testing::ChildProcess;
+using testing::HostFolder;
+
+constexpr int kTicks = 100;
+
+/// The chat port of every profile: counts what arrives.
+class Listener {
+ public:
+  Listener() {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    const int room = 1 << 24;
+    ::setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &room, sizeof room);
+    ::bind(socket_, reinterpret_cast<sockaddr*>(&address), size);
+    ::getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size);
+    port = ntohs(address.sin_port);
+  }
+  ~Listener() { ::close(socket_); }
+  void Receive(int messages) {
+    char bytes[2048];
+    pollfd source{socket_, POLLIN, 0};
+    for (int i = 0; i < messages; ++i) {
+      if (::poll(&source, 1, 10000) <= 0) throw std::runtime_error("the host fell silent");
+      if (::recv(socket_, bytes, sizeof bytes, 0) < 0) throw std::runtime_error("no message");
+    }
+  }
+  int port = 0;
+
+ private:
+  int socket_ = ::socket(AF_INET, SOCK_DGRAM, 0);
+};
+
+struct Usage {
+  double peakMiB = 0;
+  double processorMs = 0;
+};
+
+/// Runs a host until every profile has had its ticks; each sends a message.
+Usage RunHost(int profiles, const std::string& process) {
+  const HostFolder folder;
+  Listener listener;
+  for (int i = 1; i <= profiles; ++i) {
+    folder.AddProfile(i, "JO", process, std::to_string(listener.port), MessageFileOf(20));
+  }
+  rusage before{};
+  rusage after{};
+  ::getrusage(RUSAGE_CHILDREN, &before);
+  ChildProcess host(
+      {ROTACASTS_HOST_PROGRAM, "run", "--host-folder", folder.Path(), "--minute", "30ms"});
+  listener.Receive(profiles * kTicks);
+  host.WriteLine("quit");
+  host.Wait();
+  ::getrusage(RUSAGE_CHILDREN, &after);
+  const auto milliseconds = [](const rusage& usage) {
+    const auto of = [](const timeval& time) {
+      return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+    };
+    return of(usage.ru_utime) + of(usage.ru_stime);
+  };
+  return {static_cast<double>(after.ru_maxrss) / 1024, milliseconds(after) - milliseconds(before)};
+}
+
+std::string Format(const char* format, double number) {
+  char text[40];
+  std::snprintf(text, sizeof text, format, number);
+  return text;
+}
+
+}  // namespace
+
+std::vector<Result> MeasureHostLoad() {
+  ChildProcess server({SIMULATOR_PROGRAM, "--game-code", "JO", "--step", "86400000"});
+  server.ReadUntil("chat on");
+  const std::string process = std::to_string(server.Id());
+  const Usage one = RunHost(1, process);  // first: the peak of all children only ever rises
+  const Usage many = RunHost(200, process);
+  return {
+      {"host, 200 profiles, 100 ticks: peak memory", Format("%.1f MiB", many.peakMiB),
+       "the same host, 1 profile", Format("%.1f MiB", one.peakMiB), "", many.peakMiB / one.peakMiB},
+      {"host, 200 profiles, 100 ticks: processor time", Format("%.0f ms", many.processorMs),
+       "the same host, 1 profile", Format("%.0f ms", one.processorMs), "",
+       many.processorMs / one.processorMs}};
+}
+
+}  // namespace rotacasts::bench

@@ -1,0 +1,173 @@
+// Reading a living process: the player scan and the timer tick against the bare system calls.
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+
+#include "duel.h"
+#include "host/server_host.h"
+#include "host_folder_files.h"
+#include "stats/player_scan.h"
+#include "support/child_process.h"
+
+namespace rotacasts::bench {
+namespace {
+
+using testing::ChildProcess;
+using testing::HostFolder;
+
+/// A game server that stands still: the same values in every read.
+struct Server {
+  explicit Server(int players)
+      : process({SIMULATOR_PROGRAM, "--game-code", "JO", "--players", std::to_string(players),
+                 "--step", "86400000"}) {
+    const std::string line = process.ReadUntil("chat on").value_or(":0");
+    port = line.substr(line.rfind(':') + 1);
+  }
+  ChildProcess process;
+  std::string port;
+};
+
+/// The system calls and nothing around them.
+class BareReader {
+ public:
+  explicit BareReader(std::int64_t process) : process_(static_cast<pid_t>(process)) {}
+  std::int32_t Long(std::int32_t address) const {
+    std::int32_t value = 0;
+    const iovec local{&value, sizeof value};
+    const iovec remote{reinterpret_cast<void*>(static_cast<std::uintptr_t>(address)), sizeof value};
+    if (::process_vm_readv(process_, &local, 1, &remote, 1, 0) != sizeof value) std::abort();
+    return value;
+  }
+  /// As a name is read: 255 bytes in one call, in two pieces where they cross a page.
+  bool HasText(std::int32_t address) const {
+    char text[255];
+    const auto begin = static_cast<std::uintptr_t>(address);
+    const std::size_t first = std::min<std::size_t>(sizeof text, 4096 - begin % 4096);
+    const iovec local{text, sizeof text};
+    const iovec remote[] = {{reinterpret_cast<void*>(begin), first},
+                            {reinterpret_cast<void*>(begin + first), sizeof text - first}};
+    const int pieces = first < sizeof text ? 2 : 1;
+    if (::process_vm_readv(process_, &local, 1, remote, pieces, 0) <= 0) std::abort();
+    return text[0] != '\0';
+  }
+
+ private:
+  pid_t process_;
+};
+
+/// The very calls of a scan of the common layout, in their order.
+std::int32_t BareScan(const BareReader& reader) {
+  std::int32_t sum = 0;
+  reader.Long(0x00B5DA1C);
+  const std::int32_t last = reader.Long(0x00C8761C);
+  reader.Long(0x024E3EF0);
+  for (std::int32_t slot = 0; slot <= last; ++slot) {
+    const std::int32_t start = reader.Long(0x024C0CC4) + slot * 100584;
+    if (!reader.HasText(start + 40)) continue;
+    for (const CounterRow& row : kCounters) sum += reader.Long(start + 80 + row.commonOffset);
+  }
+  return sum;
+}
+
+/// The plugin with the stand-alone host's components, set up for one profile.
+struct Plugin {
+  Plugin(const Server& server, const HostFolder& folder)
+      : platform(folder.Path()), state(platform.Bundle(toolkit)) {
+    Variant::Array data(pdat::kSize);
+    data[pdat::kGameCode] = "JO";
+    data[pdat::kProcessHandle] =
+        platform.Processes().Register(std::to_string(server.process.Id()), "profile 1");
+    data[pdat::kMessageTarget] = server.port;
+    data[pdat::kProfileFolder] = "srv1";
+    data[pdat::kAreaHeight] = data[pdat::kAreaWidth] = 9000;
+    clsPlugin(state).LoadInterface(1, 1, data);
+    toolkit.onMessageBox = [](const std::string& text, const std::string&) {
+      std::cerr << text << "\n";
+      std::abort();
+    };
+  }
+  void Tick() { state.window.IfLoaded()->Timers().Tick(1); }
+
+  headless::TimerLoop timers;
+  headless::HeadlessToolkit toolkit{timers};
+  host::HostPlatform platform;
+  PluginState state;
+};
+
+/// What a send costs at the least: the game state read, the file read, the datagram sent.
+class BareTick {
+ public:
+  BareTick(const Server& server, std::string file)
+      : reader_(server.process.Id()), file_(std::move(file)) {
+    target_.sin_family = AF_INET;
+    target_.sin_port = htons(static_cast<std::uint16_t>(std::stoi(server.port)));
+    target_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  }
+  void ReadState() const { reader_.Long(0x00C87598); }
+  void Send() const {
+    ReadState();
+    char bytes[4096];
+    const int file = ::open(file_.c_str(), O_RDONLY);
+    if (::read(file, bytes, sizeof bytes) <= 0) std::abort();
+    ::close(file);
+    ::sendto(socket_, bytes, 30, 0, reinterpret_cast<const sockaddr*>(&target_), sizeof target_);
+  }
+
+ private:
+  BareReader reader_;
+  std::string file_;
+  sockaddr_in target_{};
+  int socket_ = ::socket(AF_INET, SOCK_DGRAM, 0);
+};
+
+/// Everything that the duels work on lives as long as the program.
+struct Arena {
+  HostFolder folder;
+  Server small{25};   // 33 slots
+  Server large{250};  // 251 slots
+};
+
+Duel ScanDuel(const std::string& slots, const Server& server, const std::shared_ptr<Arena>& arena) {
+  const auto plugin = std::make_shared<Plugin>(server, arena->folder);
+  const BareReader reader(server.process.Id());
+  return {"player scan, " + slots + " slots", "bare process_vm_readv loop", "1.10",
+          [plugin, arena] {
+            ScanPlayers({plugin->state.services, plugin->state.tables, 1}, kCommonLayout,
+                        [](std::int32_t, const PlayerSlot&) {});
+          },
+          [reader] { BareScan(reader); }};
+}
+
+}  // namespace
+
+std::vector<Duel> ProcessDuels() {
+  const auto arena = std::make_shared<Arena>();
+  const std::string file = "profiles/srv1/settings/Rotacasts.ini";
+  arena->folder.Write(file, MessageFileOf(10));
+  arena->folder.Write("settings/config.ini", "[Settings]\r\nReportErrors=0\r\n");
+  const auto plugin = std::make_shared<Plugin>(arena->small, arena->folder);
+  const auto bare = std::make_shared<BareTick>(arena->small, arena->folder.File(file));
+  return {ScanDuel("33", arena->small, arena),
+          ScanDuel("251", arena->large, arena),
+          {"tick that is not due", "bare read of the game state", "",
+           [plugin, arena] {
+             plugin->state.tables.ElapsedTicks(1) = -2;  // far from the interval of 1
+             plugin->Tick();
+           },
+           [bare] { bare->ReadState(); }},
+          {"tick that sends a plain text", "bare read, file read and sendto", "",
+           [plugin, arena] {
+             plugin->state.tables.ElapsedTicks(1) = 0;
+             plugin->Tick();
+           },
+           [bare] { bare->Send(); }}};
+}
+
+}  // namespace rotacasts::bench
