@@ -1,6 +1,6 @@
 // Start-up, the descriptor and error reporting.
 
-#include "plugin/error_reporter.h"
+#include "services/error_reporter.h"
 
 #include "support/fake_host.h"
 

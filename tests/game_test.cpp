@@ -1,5 +1,6 @@
 // The memory map, the game state and the next map.
 
+#include "game/address_table.h"
 #include "game/game_reader.h"
 
 #include "support/fake_host.h"

@@ -1,6 +1,7 @@
 #include "broadcast/broadcast_timer.h"
 
 #include "broadcast/placeholders.h"
+#include "game/address_table.h"
 #include "platform/conversions.h"
 #include "platform/text.h"
 #include "store/message_file.h"

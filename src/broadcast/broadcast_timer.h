@@ -5,8 +5,8 @@
 #include <string>
 
 #include "game/game_reader.h"
+#include "services/window_controls.h"
 #include "stats/info_texts.h"
-#include "ui/window_controls.h"
 
 namespace rotacasts {
 

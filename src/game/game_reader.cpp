@@ -1,5 +1,6 @@
 #include "game/game_reader.h"
 
+#include "game/address_table.h"
 #include "game/process_view.h"
 
 namespace rotacasts {

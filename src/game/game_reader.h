@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "plugin/guard.h"
+#include "services/guard.h"
 
 namespace rotacasts {
 

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "platform/arithmetic.h"
-#include "plugin/host_services.h"
-#include "plugin/profile_tables.h"
+#include "services/host_services.h"
+#include "services/profile_tables.h"
 
 namespace rotacasts {
 

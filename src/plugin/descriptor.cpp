@@ -1,6 +1,6 @@
 #include "plugin/descriptor.h"
 
-#include "plugin/host_services.h"
+#include "services/host_services.h"
 
 namespace rotacasts {
 namespace {

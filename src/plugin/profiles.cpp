@@ -1,5 +1,6 @@
 #include "plugin/profiles.h"
 
+#include "game/address_table.h"
 #include "platform/conversions.h"
 
 namespace rotacasts {

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "game/game_reader.h"
-#include "plugin/guard.h"
+#include "services/guard.h"
 #include "ui/settings_window.h"
 
 namespace rotacasts {

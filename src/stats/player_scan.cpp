@@ -1,5 +1,7 @@
 #include "stats/player_scan.h"
 
+#include "game/address_table.h"
+
 namespace rotacasts {
 
 void ScanPlayers(const ProcessView& process, const SlotLayout& layout, const SlotVisitor& visit) {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "plugin/guard.h"
-#include "ui/window_controls.h"
+#include "services/guard.h"
+#include "services/window_controls.h"
 
 namespace rotacasts {
 

@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "platform/forms/form.h"
-#include "plugin/guard.h"
+#include "services/guard.h"
 #include "store/message_file.h"
 
 namespace rotacasts {

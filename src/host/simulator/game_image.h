@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "game/memory_map.h"
+#include "game/address_table.h"
 #include "host/simulator/game_life.h"
 
 namespace rotacasts::simulator {

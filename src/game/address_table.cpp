@@ -1,11 +1,9 @@
-#include "game/memory_map.h"
+#include "game/address_table.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <string>
-
-#include "platform/runtime_error.h"
+#include <cstdint>
+#include <span>
 
 namespace rotacasts {
 namespace {
@@ -70,21 +68,6 @@ MemoryMap MapOf(Build build) {
 }
 
 }  // namespace
-
-const Location* MemoryMap::Find(std::string_view name) const {
-  const auto found = std::find_if(locations_.begin(), locations_.end(),
-                                  [&](const Location& row) { return row.name == name; });
-  return found != locations_.end() ? &*found : nullptr;
-}
-
-std::int32_t MemoryMap::Address(std::string_view name) const {
-  const Location* found = Find(name);
-  if (found == nullptr) {
-    throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                       "the game build has no memory location " + std::string(name));
-  }
-  return found->address;
-}
 
 MemoryMap MemoryMapFor(bool isAffiliate, bool isAffiliate2, std::string_view gameCode) {
   if (isAffiliate) return MapOf(kAff);

@@ -1,4 +1,4 @@
-#include "plugin/host_services.h"
+#include "services/host_services.h"
 
 #include "platform/text.h"
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "plugin/error_reporter.h"
+#include "services/error_reporter.h"
 
 namespace rotacasts {
 

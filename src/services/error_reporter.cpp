@@ -1,7 +1,7 @@
-#include "plugin/error_reporter.h"
+#include "services/error_reporter.h"
 
 #include "platform/conversions.h"
-#include "plugin/guard.h"
+#include "services/guard.h"
 
 namespace rotacasts {
 namespace {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "plugin/host_services.h"
-#include "plugin/profile_tables.h"
+#include "services/host_services.h"
+#include "services/profile_tables.h"
 
 namespace rotacasts {
 

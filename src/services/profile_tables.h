@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "game/memory_map.h"
-#include "plugin/table.h"
+#include "services/memory_map.h"
+#include "services/table.h"
 
 namespace rotacasts {
 
