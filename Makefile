@@ -1,6 +1,6 @@
 # The front door: every target installs what it needs and sets itself up.
 
-.PHONY: help demo test bench format lint clean
+.PHONY: help demo test fuzz bench format lint clean
 
 help: ## this list
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 18
@@ -16,6 +16,16 @@ test: ## build and run every test
 	cmake --preset sanitized
 	cmake --build --preset sanitized
 	ctest --preset sanitized
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	ctest --preset fuzz
+
+fuzz: ## a minute of arbitrary input for the remote operations and the INI reader
+	@scripts/bootstrap build test
+	@scripts/quietly cmake --preset fuzz
+	@scripts/quietly cmake --build --preset fuzz
+	build/fuzz/fuzz/remote-fuzz -max_total_time=60 -timeout=20 -max_len=1500 \
+	  -artifact_prefix=build/fuzz/ build/fuzz/fuzz/found fuzz/seeds
 
 bench: ## measure, each thing against a named opponent
 	@scripts/bootstrap build bench

@@ -9,6 +9,7 @@
 #include "host/event_loop.h"
 #include "host/native_files.h"
 #include "host/version.h"
+#include "store/profile_paths.h"
 
 namespace {
 
@@ -19,12 +20,14 @@ using namespace rotacasts::host;
 struct CommandLine {
   std::string folder;
   std::int64_t minute = 60000;  // milliseconds
+  std::string administrator = "console";
+  bool sharedLog = false;
   std::vector<std::int32_t> profiles;
 };
 
 HostOptions OptionsOf(const CommandLine& line) {
   return {std::filesystem::absolute(line.folder).lexically_normal().string(),
-          std::chrono::milliseconds(line.minute)};
+          std::chrono::milliseconds(line.minute), line.administrator, line.sharedLog};
 }
 
 int Run(const CommandLine& line) {
@@ -98,8 +101,11 @@ int main(int argc, char** argv) {
     added->callback([&line, &status, command] { status = command(line); });
     return added;
   };
-  add("run", "Start every profile and listen to the console", Run)
-      ->add_option("--minute", line.minute, "how long a minute lasts, such as 1s or 300ms")
+  CLI::App* run = add("run", "Start every profile and listen to the console", Run);
+  run->add_option("--admin", line.administrator, "who the console's changes are logged under")
+      ->capture_default_str();
+  run->add_flag("--shared-log", line.sharedLog, "log changes for the whole host");
+  run->add_option("--minute", line.minute, "how long a minute lasts, such as 1s or 300ms")
       ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
       ->check(CLI::PositiveNumber)
       ->default_str("60s");

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <map>
 
+#include "host/complaint.h"
 #include "host/host_file_system.h"
 #include "host/native_files.h"
 #include "host/utility_component.h"
@@ -42,8 +43,7 @@ class Reader {
 
  private:
   [[noreturn]] void Complain(const std::string& what) const {
-    throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::InvalidProcedureCall),
-                       NativePath(file_).string() + ": " + what);
+    throw Complaint(NativePath(file_).string() + ": " + what);
   }
 
   const std::string file_;

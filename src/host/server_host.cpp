@@ -4,10 +4,13 @@
 #include <sstream>
 
 #include "broadcast/placeholders.h"
+#include "host/base64.h"
+#include "host/complaint.h"
 #include "host/host_file_system.h"
 #include "host/native_files.h"
 #include "host/text_table.h"
 #include "platform/text.h"
+#include "store/profile_paths.h"
 #include "ui/layout.h"
 
 namespace rotacasts::host {
@@ -48,6 +51,7 @@ void PrintBox(std::ostream& out, const std::string& text, const std::string& tit
 
 ServerHost::ServerHost(const HostOptions& options, std::ostream& out)
     : out_(out),
+      options_(options),
       folder_(Prepared(options.folder)),
       timers_(options.minute),
       toolkit_(timers_),
@@ -83,6 +87,8 @@ Variant ServerHost::DataOf(const ProfileSettings& profile) {
   data[pdat::kProcessHandle] = handles_.at(profile.index);
   data[pdat::kMessageTarget] = profile.target;
   data[pdat::kProfileFolder] = profile.folder;
+  data[pdat::kAdministrator] = options_.administrator;
+  data[pdat::kSharedLog] = options_.sharedLog;
   data[pdat::kAreaHeight] = kAreaHeight;
   data[pdat::kAreaWidth] = kAreaWidth;
   return data;
@@ -98,9 +104,8 @@ void ServerHost::Show(std::int32_t index) {
   const ProfileSettings known = Profile(index);
   ProfileSettings fresh = ReadProfile(folder_, known.folder);
   if (fresh.index != index) {
-    throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                       known.Label() + " has the index " + std::to_string(fresh.index) +
-                           " now; start the host anew to use it");
+    throw Complaint(known.Label() + " has the index " + std::to_string(fresh.index) +
+                    " now; start the host anew to use it");
   }
   platform_.Processes().Change(handles_.at(index), fresh.process, fresh.Label());
   profiles_[index] = std::move(fresh);
@@ -110,6 +115,70 @@ void ServerHost::Show(std::int32_t index) {
 void ServerHost::Disable(std::int32_t index) {
   Profile(index);
   plugin_.DisableProfile(index);
+}
+
+std::string ServerHost::Remote(std::int32_t index, const std::string& operation,
+                               const Variant& data) {
+  struct Row {
+    const char* name;
+    std::string (clsPlugin::*call)(std::int32_t, const Variant&, const Variant&);
+  };
+  static constexpr Row kOperations[] = {
+      {"GetMessagesRem", &clsPlugin::GetMessagesRem},
+      {"AddMessageRem", &clsPlugin::AddMessageRem},
+      {"EnableRTRem", &clsPlugin::EnableRTRem},
+      {"ChangeIntervalRem", &clsPlugin::ChangeIntervalRem},
+      {"MoveMessageDownRem", &clsPlugin::MoveMessageDownRem},
+      {"MoveMessageUpRem", &clsPlugin::MoveMessageUpRem},
+      {"DeleteMessageRem", &clsPlugin::DeleteMessageRem},
+  };
+  std::string names;
+  for (const Row& row : kOperations) {
+    if (operation == row.name) return (plugin_.*row.call)(index, DataOf(Profile(index)), data);
+    names += std::string(" ") + row.name;
+  }
+  throw Complaint(operation + " is no remote operation; there are" + names);
+}
+
+void ServerHost::AddMessage(std::int32_t index, const std::string& text) {
+  const std::string reply = Remote(index, "AddMessageRem", EncodeBase64(text));
+  if (reply == "1") {
+    out_ << "added at position " << MessagesOf(Profile(index)).size() - 1 << "\n";
+  } else if (reply == "0") {
+    out_ << "not stored: a message is one line of Windows-1252 letters, in a file that can be "
+            "written\n";
+  }
+}
+
+void ServerHost::DeleteMessage(std::int32_t index, std::int32_t position) {
+  const std::string text = RequireMessage(index, position);
+  const std::string reply = Remote(index, "DeleteMessageRem", position);
+  if (reply == "1") out_ << "deleted: " << text << "\n";
+}
+
+void ServerHost::MoveMessage(std::int32_t index, std::int32_t position, bool up) {
+  const std::string text = RequireMessage(index, position);
+  const std::string reply = Remote(index, up ? "MoveMessageUpRem" : "MoveMessageDownRem", position);
+  if (reply == "1") out_ << "moved " << (up ? "up: " : "down: ") << text << "\n";
+  if (reply == "0") out_ << "not moved: it is the " << (up ? "first" : "last") << " message\n";
+}
+
+void ServerHost::SetOption(std::int32_t index, const char* key, const std::string& value) {
+  Remote(index, key == std::string(kEnableKey) ? "EnableRTRem" : "ChangeIntervalRem", value);
+  out_ << key << " is " << StoredOption(Profile(index), key) << "\n";
+}
+
+std::string ServerHost::RequireMessage(std::int32_t index, std::int32_t position) {
+  const std::vector<std::string> messages = MessagesOf(Profile(index));
+  if (position >= 0 && static_cast<std::size_t>(position) < messages.size()) {
+    return messages[static_cast<std::size_t>(position)];
+  }
+  throw Complaint("there is no message at position " + std::to_string(position) + "; \"messages " +
+                  std::to_string(index) + "\" lists those there are");
+}
+
+std::string ServerHost::StoredOption(const ProfileSettings& profile, const char* key) const {
+  return FromWindows1252(ReadIni(MessageFileOf(profile)).Value(kOptionsSection, key).value_or(""));
 }
 
 std::string ServerHost::MessageFileOf(const ProfileSettings& profile) const {
@@ -159,7 +228,10 @@ void ServerHost::PrintMessageTable(const ProfileSettings& profile) {
 }
 
 void ServerHost::PrintMessages(std::int32_t index) {
-  PrintMessageTable(Profile(index));
+  const ProfileSettings& profile = Profile(index);
+  PrintMessageTable(profile);
+  out_ << kEnableKey << " " << StoredOption(profile, kEnableKey) << ", " << kIntervalKey << " "
+       << StoredOption(profile, kIntervalKey) << "\n";
 }
 
 void ServerHost::PrintPreview(std::int32_t index) {
@@ -181,13 +253,9 @@ std::string ServerHost::NextMessageOf(const ProfileSettings& profile, Game game)
 
 std::vector<std::string> ServerHost::StatusRow(const ProfileSettings& profile) {
   constexpr const char* kGames[] = {"unknown build", "unreachable", "idle", "running"};
-  const IniText ini = ReadIni(MessageFileOf(profile));
-  const auto option = [&](const char* key) {
-    return FromWindows1252(ini.Value(kOptionsSection, key).value_or(""));
-  };
   std::vector<std::string> row = {std::to_string(profile.index), profile.folder, profile.gameCode};
-  const auto options = {std::string(option(kEnableKey) == "1" ? "on" : "off"),
-                        option(kIntervalKey) + " min"};
+  const auto options = {std::string(StoredOption(profile, kEnableKey) == "1" ? "on" : "off"),
+                        StoredOption(profile, kIntervalKey) + " min"};
   const auto window = state_.window.IfLoaded();
   const auto element = static_cast<std::int16_t>(profile.index);
   if (!window || !window->Timers().Elements().contains(element)) {

@@ -18,6 +18,8 @@ namespace rotacasts::host {
 struct HostOptions {
   std::string folder;  // the host folder, absolute, in the machine's spelling
   std::chrono::nanoseconds minute = std::chrono::minutes(1);  // how long a minute lasts
+  std::string administrator = "console";  // who the remote commands come from, for the log
+  bool sharedLog = false;                 // log them for the whole host, not for each profile
 };
 
 /// Plays the administration host for the plugin, in one process and without a window system. What
@@ -41,7 +43,16 @@ class ServerHost {
   void Unload() { plugin_.UnLoadInterface(""); }
   void Disable(std::int32_t index);
 
-  /// Prints the profile's messages with their positions, and what each placeholder says now.
+  /// Passes a remote operation to the plugin, `data` as it stands; the raw reply. Error 5 for an
+  /// operation that there is not.
+  std::string Remote(std::int32_t index, const std::string& operation, const Variant& data);
+  // The same for people: texts as they are read, positions that must exist, the outcome in words.
+  void AddMessage(std::int32_t index, const std::string& text);
+  void DeleteMessage(std::int32_t index, std::int32_t position);
+  void MoveMessage(std::int32_t index, std::int32_t position, bool up);
+  void SetOption(std::int32_t index, const char* key, const std::string& value);
+
+  /// Prints the profile's messages with their positions, what each says now, and its options.
   void PrintMessages(std::int32_t index);
   /// Prints what every message of the profile would say at this moment. Touches no file and loads
   /// no window.
@@ -64,7 +75,11 @@ class ServerHost {
   std::string NextMessageOf(const ProfileSettings& profile, Game game);
   std::vector<std::string> StatusRow(const ProfileSettings& profile);
 
+  std::string RequireMessage(std::int32_t index, std::int32_t position);
+  std::string StoredOption(const ProfileSettings& profile, const char* key) const;
+
   std::ostream& out_;
+  const HostOptions options_;
   const std::string folder_;
   headless::TimerLoop timers_;
   headless::HeadlessToolkit toolkit_;

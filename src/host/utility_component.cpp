@@ -1,7 +1,6 @@
 #include "host/utility_component.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "host/host_file_system.h"
 #include "host/native_files.h"
@@ -24,12 +23,16 @@ void RefuseNonText(const std::string& path, std::string_view bytes) {
   if (bytes.find('\0') != bytes.npos) RaiseNoText(path, "holds NUL bytes");
 }
 
-/// Windows-1252 bytes for one line of a file.
-std::string LineBytes(std::string_view text, const char* what) {
+void RefuseLineBreaks(std::string_view text, const char* what) {
   if (HasLineBreak(text) || text.find('\0') != text.npos) {
     throw RuntimeError(ErrorNumber::InvalidProcedureCall,
                        std::string(what) + " cannot hold a line break or a NUL character");
   }
+}
+
+/// Windows-1252 bytes for one line of a file.
+std::string LineBytes(std::string_view text, const char* what) {
+  RefuseLineBreaks(text, what);
   return ToWindows1252(text);
 }
 
@@ -50,18 +53,6 @@ std::string KeyBytes(const UtilityComponent::Key& key) {
 }
 
 }  // namespace
-
-std::string FormatDate(const LocalTime& time) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d", time.year, time.month, time.day);
-  return text;
-}
-
-std::string FormatTime(const LocalTime& time) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%02d:%02d:%02d", time.hour, time.minute, time.second);
-  return text;
-}
 
 IniText ReadIni(const std::string& path) {
   std::string bytes = ReadWholeFile(path).value_or("");
@@ -130,7 +121,8 @@ std::vector<std::string> HostUtilityComponent::ReadFile(std::string& file) {
 }
 
 void HostUtilityComponent::AppendFile(const std::string& file, const std::string& text) {
-  AppendToFile(file, LineBytes(text, "a line") + "\r\n");
+  RefuseLineBreaks(text, "a line");
+  AppendToFile(file, ToWindows1252(text, '?') + "\r\n");  // a log is for people to read
 }
 
 void HostUtilityComponent::LogError(const std::string& module, std::string& procedure,

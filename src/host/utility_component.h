@@ -36,8 +36,4 @@ class HostUtilityComponent final : public UtilityComponent {
   const LocalClock& clock_;
 };
 
-/// "yyyy-mm-dd" and "hh:mm:ss".
-std::string FormatDate(const LocalTime& time);
-std::string FormatTime(const LocalTime& time);
-
 }  // namespace rotacasts::host

@@ -7,6 +7,7 @@
 
 #include "platform/components.h"
 #include "platform/forms/toolkit.h"
+#include "platform/local_time.h"
 
 namespace rotacasts {
 
@@ -34,22 +35,6 @@ class ComponentFactory {
   virtual std::unique_ptr<UtilityComponent> CreateUtility() = 0;
   virtual std::unique_ptr<MemoryComponent> CreateMemory() = 0;
   virtual std::unique_ptr<FileSystemObject> CreateFileSystem() = 0;
-};
-
-/// A moment by the machine's local time.
-struct LocalTime {
-  int year = 0;
-  int month = 0;  // 1 to 12
-  int day = 0;    // 1 to 31
-  int hour = 0;   // 0 to 23
-  int minute = 0;
-  int second = 0;
-};
-
-class LocalClock {
- public:
-  virtual ~LocalClock() = default;
-  virtual LocalTime Now() const = 0;
 };
 
 /// The bundle. Its members are owned by whoever composes the plugin and outlive it.

@@ -52,6 +52,20 @@ int Windows1252Byte(char32_t codePoint) {
                      detail + " " + name + " is not in Windows-1252; use another one");
 }
 
+/// UTF-8 to Windows-1252; `otherwise(codePoint)` gives the byte for what the code page lacks.
+template <class Otherwise>
+std::string Encode(std::string_view text, Otherwise otherwise) {
+  if (IsAscii(text)) return std::string(text);
+  std::string bytes;
+  bytes.reserve(text.size());
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t codePoint = NextCodePoint(text, at);
+    const int byte = codePoint == kInvalidCodePoint ? -1 : Windows1252Byte(codePoint);
+    bytes += byte < 0 ? otherwise(codePoint) : static_cast<char>(byte);
+  }
+  return bytes;
+}
+
 }  // namespace
 
 std::string_view TrimSpaces(std::string_view text) {
@@ -148,16 +162,11 @@ std::string FromWindows1252(std::string_view bytes) {
 }
 
 std::string ToWindows1252(std::string_view text) {
-  if (IsAscii(text)) return std::string(text);
-  std::string bytes;
-  bytes.reserve(text.size());
-  for (std::size_t at = 0; at < text.size();) {
-    const char32_t codePoint = NextCodePoint(text, at);
-    const int byte = codePoint == kInvalidCodePoint ? -1 : Windows1252Byte(codePoint);
-    if (byte < 0) RaiseNotInCodePage(codePoint);
-    bytes += static_cast<char>(byte);
-  }
-  return bytes;
+  return Encode(text, [](char32_t codePoint) -> char { RaiseNotInCodePage(codePoint); });
+}
+
+std::string ToWindows1252(std::string_view text, char substitute) {
+  return Encode(text, [substitute](char32_t) { return substitute; });
 }
 
 }  // namespace rotacasts

@@ -33,5 +33,7 @@ std::string FromWindows1252(std::string_view bytes);
 /// UTF-8 to Windows-1252. Error 5, naming the character, for one that the code page does not hold
 /// and for malformed UTF-8.
 std::string ToWindows1252(std::string_view text);
+/// The same with `substitute` for every character that cannot be converted.
+std::string ToWindows1252(std::string_view text, char substitute);
 
 }  // namespace rotacasts

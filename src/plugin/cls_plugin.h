@@ -11,8 +11,8 @@ namespace rotacasts {
 
 /// The members of the dispatch interface _clsPlugin, called by the host on its user-interface
 /// thread once PluginState exists. Every object shares that one state. Errors are reported, not
-/// passed to the host; only HideInterface lets them through. Arguments named fName are accepted and
-/// not used.
+/// passed to the host; only HideInterface, and GetMessagesRem where it says so, let them through.
+/// Arguments named fName are accepted and not used.
 class clsPlugin {
  public:
   explicit clsPlugin(PluginState& state) : state_(state) {}
@@ -40,6 +40,39 @@ class clsPlugin {
   }
   /// Stops one profile.
   void DisableProfile(std::int32_t Index) { state_.profiles.DisableProfile(Index); }
+
+  // What a remote administrator asks for, through the host: RemoteCommands says what each takes and
+  // answers. `Data` is omitted where it is not read.
+  std::string GetMessagesRem(std::int32_t Index, const Variant& PDAT,
+                             const Variant& Data = kOmitted) {
+    static_cast<void>(Data);
+    return state_.remote.GetMessagesRem(Index, PDAT);
+  }
+  std::string AddMessageRem(std::int32_t Index, const Variant& PDAT,
+                            const Variant& Data = kOmitted) {
+    return state_.remote.AddMessageRem(Index, PDAT, Data);
+  }
+  std::string EnableRTRem(std::int32_t Index, const Variant& PDAT, const Variant& Data = kOmitted) {
+    return state_.remote.EnableRTRem(Index, PDAT, Data);
+  }
+  std::string ChangeIntervalRem(std::int32_t Index, const Variant& PDAT,
+                                const Variant& Data = kOmitted) {
+    return state_.remote.ChangeIntervalRem(Index, PDAT, Data);
+  }
+  std::string MoveMessageDownRem(std::int32_t Index, const Variant& PDAT,
+                                 const Variant& Data = kOmitted) {
+    return state_.remote.MoveMessageDownRem(Index, PDAT, Data);
+  }
+  std::string MoveMessageUpRem(std::int32_t Index, const Variant& PDAT,
+                               const Variant& Data = kOmitted) {
+    return state_.remote.MoveMessageUpRem(Index, PDAT, Data);
+  }
+  std::string DeleteMessageRem(std::int32_t Index, const Variant& PDAT,
+                               const Variant& Data = kOmitted) {
+    return state_.remote.DeleteMessageRem(Index, PDAT, Data);
+  }
+
+  static inline const Variant kOmitted{Variant::Missing{}};
 
  private:
   PluginState& state_;

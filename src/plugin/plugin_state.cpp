@@ -14,7 +14,11 @@ PluginState::PluginState(Platform platform)
       store(services, tables, reporter, window),
       broadcast(services, tables, reporter, game, infoTexts, window),
       profiles(services, tables, reporter, game, window),
-      embedding(services, tables, reporter, profiles, window) {
+      embedding(services, tables, reporter, profiles, window),
+      remote(services, tables, reporter, store, window,
+             [this](std::int32_t index, const Variant& PDAT) {
+               profiles.SetProfileData(index, PDAT);
+             }) {
   Main();
 }
 

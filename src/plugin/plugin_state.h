@@ -3,6 +3,7 @@
 
 #include "broadcast/broadcast_timer.h"
 #include "plugin/embedding.h"
+#include "store/remote_commands.h"
 
 namespace rotacasts {
 
@@ -28,6 +29,7 @@ class PluginState {
   BroadcastTimer broadcast;
   Profiles profiles;
   Embedding embedding;
+  RemoteCommands remote;
 
  private:
   void Main();

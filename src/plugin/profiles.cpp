@@ -2,6 +2,7 @@
 
 #include "game/address_table.h"
 #include "platform/conversions.h"
+#include "store/profile_paths.h"
 
 namespace rotacasts {
 namespace {

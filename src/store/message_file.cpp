@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "platform/arithmetic.h"
@@ -12,11 +13,7 @@
 namespace rotacasts {
 namespace {
 
-/// One line of the section "Messages".
-struct Entry {
-  std::string key;
-  std::string text;
-};
+using Entry = MessageFile::Entry;
 
 Entry SplitLine(UtilityComponent& utility, const std::string& line) {
   const Variant pair = utility.ParseIniKey(line, true);
@@ -27,13 +24,23 @@ bool IsBlank(std::string_view text) {
   return TrimSpaces(text).empty();
 }
 
-/// The lines among the elements that GetIniSection answers: all but the last and blank ones.
-std::vector<Entry> ReadEntries(UtilityComponent& utility, std::string& file) {
-  std::vector<Entry> entries;
+/// Visits the lines among the elements that GetIniSection answers: all but the last and blank ones.
+template <class Visit>
+void VisitEntries(UtilityComponent& utility, std::string& file, Visit&& visit) {
   for (const std::string& line : utility.GetIniSection(kMessagesSection, file)) {
-    if (!IsBlank(line)) entries.push_back(SplitLine(utility, line));
+    if (!IsBlank(line)) visit(SplitLine(utility, line));
   }
+}
+
+std::vector<Entry> AllEntries(UtilityComponent& utility, std::string& file) {
+  std::vector<Entry> entries;
+  VisitEntries(utility, file, [&](Entry entry) { entries.push_back(std::move(entry)); });
   return entries;
+}
+
+/// The key of a "key=value" line, without asking the component for every line of a long list.
+std::string KeyOf(const std::string& line) {
+  return line.substr(0, line.find('='));
 }
 
 /// The key as a number; nothing for one that a hand has edited into something else.
@@ -57,7 +64,7 @@ UtilityComponent::Key KeyToRemove(const std::string& key) {
 std::string NextKey(const std::vector<std::string>& lines) {
   std::int32_t highest = static_cast<std::int32_t>(lines.size()) - 1;
   for (const std::string& line : lines) {
-    highest = std::max(highest, KeyNumber(line.substr(0, line.find('='))).value_or(0));
+    highest = std::max(highest, KeyNumber(KeyOf(line)).value_or(0));
   }
   return std::to_string((Checked(std::max(highest, 0)) + 1).Value());
 }
@@ -73,6 +80,21 @@ bool HasDenseKeys(const std::vector<Entry>& entries) {
   return true;
 }
 
+/// How many entries at the head of a section need no renumbering: they have the key of their
+/// position and a text that stays, and no later line has one of their keys.
+std::size_t CountInPlace(const std::vector<Entry>& entries) {
+  std::size_t count = 0;
+  std::set<std::string> keys;
+  while (count < entries.size() && entries[count].key == KeyAt(count) &&
+         !IsBlank(entries[count].text)) {
+    keys.insert(entries[count++].key);
+  }
+  const bool repeated =
+      std::any_of(entries.begin() + static_cast<std::ptrdiff_t>(count), entries.end(),
+                  [&](const Entry& entry) { return keys.contains(entry.key); });
+  return repeated ? 0 : count;
+}
+
 /// Replaces the entries of a section so that every text stands in the file at every moment: what
 /// changes is written under spare keys first, then in its place; the spare keys go last.
 class Replacement {
@@ -81,7 +103,7 @@ class Replacement {
       : utility_(utility),
         file_(file),
         texts_(texts),
-        old_(ReadEntries(utility, file)),
+        old_(AllEntries(utility, file)),
         dense_(HasDenseKeys(old_) && old_.size() == texts.size()) {
     for (std::size_t i = 0; i < texts_.size(); ++i) {
       if (!dense_ || texts_[i] != old_[i].text) changed_.push_back(i);
@@ -143,10 +165,6 @@ class Replacement {
 };
 
 }  // namespace
-
-std::string MessageFilePath(const std::string& hostFolder, const std::string& profileFolder) {
-  return hostFolder + "\\profiles\\" + profileFolder + "\\settings\\Rotacasts.ini";
-}
 
 void MessageFile::LoadMessages(std::int32_t profileIndex) {
   Guard(reporter_, {"LoadMessages", profileIndex}, [&](Step& at) {
@@ -211,24 +229,44 @@ void MessageFile::RewriteEntries(std::int32_t profileIndex) {
     at(1);
     std::string file = tables_.MessageFiles(profileIndex);
     UtilityComponent& utility = services_.Utility();
-    const std::vector<std::string> lines = utility.GetIniSection(kMessagesSection, file);
+    const std::vector<Entry> entries = AllEntries(utility, file);
     at(2);
-    std::vector<std::string> texts;
-    texts.reserve(lines.size());
+    std::size_t position = CountInPlace(entries);
+    const std::vector<Entry> others(entries.begin() + static_cast<std::ptrdiff_t>(position),
+                                    entries.end());
     at(3);
-    for (const std::string& line : lines) {
-      if (IsBlank(line)) continue;
-      Entry entry = SplitLine(utility, line);
-      texts.push_back(std::move(entry.text));
+    for (const Entry& entry : others) {
       utility.WriteIniKey(kMessagesSection, KeyToRemove(entry.key), std::nullopt, file);
     }
-    at(4);
-    std::int32_t key = 1;
-    for (const std::string& text : texts) {
-      if (IsBlank(text)) continue;
-      utility.WriteIniKey(kMessagesSection, std::to_string(key++), text, file);
+    at(4);  // new keys go to the section's end, so line order and key order agree again
+    for (const Entry& entry : others) {
+      if (IsBlank(entry.text)) continue;
+      utility.WriteIniKey(kMessagesSection, KeyAt(position++), entry.text, file);
     }
   });
+}
+
+std::vector<Entry> MessageFile::ReadEntries(std::int32_t profileIndex) {
+  std::string file = tables_.MessageFiles(profileIndex);
+  return AllEntries(services_.Utility(), file);
+}
+
+void MessageFile::ForEachEntry(std::int32_t profileIndex,
+                               const std::function<void(const Entry&)>& visit) {
+  std::string file = tables_.MessageFiles(profileIndex);
+  VisitEntries(services_.Utility(), file, visit);
+}
+
+std::string MessageFile::ReadText(std::int32_t profileIndex, const std::string& key) {
+  std::string file = tables_.MessageFiles(profileIndex);
+  return services_.Utility().GetIniKey(kMessagesSection, key, file);
+}
+
+bool MessageFile::HoldsKey(std::int32_t profileIndex, const std::string& key) {
+  std::string file = tables_.MessageFiles(profileIndex);
+  const std::vector<std::string> lines = services_.Utility().GetIniSection(kMessagesSection, file);
+  return std::any_of(lines.begin(), lines.end(),
+                     [&](const std::string& line) { return KeyOf(line) == key; });
 }
 
 MessageFile::Exchanged MessageFile::ExchangeEntries(std::int32_t profileIndex,

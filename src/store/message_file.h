@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,9 +23,6 @@ inline constexpr const char* kIntervalKey = "Interval";
 /// Characters of a message that the settings window adds at most, and that its list shows.
 inline constexpr std::size_t kMessageCharacters = 60;
 
-/// The path of a profile's message file.
-std::string MessageFilePath(const std::string& hostFolder, const std::string& profileFolder);
-
 class MessageFile {
  public:
   MessageFile(HostServices& services, ProfileTables& tables, ErrorReporter& reporter,
@@ -38,6 +36,20 @@ class MessageFile {
   bool AddEntry(std::int32_t profileIndex, const std::string& text);
   /// Removes the entry under the key and renumbers the rest; false after an error of the removal.
   bool DeleteEntry(std::int32_t profileIndex, const std::string& key);
+
+  /// One line of the section "Messages".
+  struct Entry {
+    std::string key;
+    std::string text;
+  };
+  /// Every message, in line order. Raises what fails.
+  std::vector<Entry> ReadEntries(std::int32_t profileIndex);
+  /// The same, handed on line by line as each is split.
+  void ForEachEntry(std::int32_t profileIndex, const std::function<void(const Entry&)>& visit);
+  /// The text under a key; empty when there is none. Raises what fails.
+  std::string ReadText(std::int32_t profileIndex, const std::string& key);
+  /// Whether the section holds the key. Raises what fails.
+  bool HoldsKey(std::int32_t profileIndex, const std::string& key);
 
   /// Exchanges the texts under two keys and answers them as they stood before; nothing tests that
   /// either key exists. Raises what fails, and undoes nothing.

@@ -1,13 +1,17 @@
 #include "ui/frm_rt.h"
 
-#include <variant>
-
 #include "platform/conversions.h"
+#include "platform/forms/window_messages.h"
 #include "platform/text.h"
 #include "ui/layout.h"
+#include "ui/list_rows.h"
 
 namespace rotacasts {
 namespace {
+
+using forms::Control;
+using forms::ListBox;
+using forms::MouseEvent;
 
 // The options as the window shows them where the message file has no usable value, and for a
 // profile that has no message file yet.
@@ -17,49 +21,130 @@ constexpr const char* kDefaultInterval = "3";  // minutes
 constexpr double kHighestEnable = 1;
 constexpr double kHighestInterval = 30;  // minutes
 
-enum class Event { Click, Change };
+constexpr const char* kAddButton = "cmdAdd";
+constexpr const char* kAddPicture = "cmdAddImg";
 
 }  // namespace
 
-/// A handled event: the control or menu item, and the name under which its errors are reported.
-struct frmRT::EventRow {
-  std::string_view control;
-  Event event;
+/// A handled event that has no arguments: a check box's click, a text box's change, a menu item's
+/// click. Its errors are reported under the procedure's name.
+struct frmRT::PlainEvent {
+  std::string_view source;
   std::string_view procedure;
   void (frmRT::*handler)(Step&);
 };
 
-const frmRT::EventRow frmRT::kEvents[] = {
-    {"chkAuto", Event::Click, "chkAuto_Click", &frmRT::chkAuto_Click},
-    {"txtInterval", Event::Change, "txtInterval_Change", &frmRT::txtInterval_Change},
+const frmRT::PlainEvent frmRT::kPlainEvents[] = {
+    {"chkAuto", "chkAuto_Click", &frmRT::chkAuto_Click},
+    {"txtInterval", "txtInterval_Change", &frmRT::txtInterval_Change},
+    {"mnuUp", "mnuUp", &frmRT::mnuUp_Click},
+    {"mnuDown", "mnuDown", &frmRT::mnuDown_Click},
+    {"mnuDelete", "mnuDelete_Click", &frmRT::mnuDelete_Click},
+};
+
+struct frmRT::MouseEventRow {
+  std::string_view control;
+  std::function<void(const MouseEvent&)> Control::*event;
+  std::string_view procedure;
+  void (frmRT::*handler)(Step&, const MouseEvent&);
+};
+
+// The picture's margin acts exactly like the caption on it.
+const frmRT::MouseEventRow frmRT::kMouseEvents[] = {
+    {"cmdAdd", &Control::onMouseDown, "cmdAdd_MouseDown", &frmRT::cmdAdd_MouseDown},
+    {"cmdAdd", &Control::onMouseUp, "cmdAdd_MouseUp", &frmRT::cmdAdd_MouseUp},
+    {"cmdAddImg", &Control::onMouseDown, "cmdAddImg_MouseDown", &frmRT::cmdAdd_MouseDown},
+    {"cmdAddImg", &Control::onMouseUp, "cmdAddImg_MouseUp", &frmRT::cmdAdd_MouseUp},
+    {"lstMessages", &Control::onMouseDown, "lstMessagesClick", &frmRT::lstMessages_MouseDown},
+    {"txtMessage", &Control::onMouseDown, "txtMessage_MouseDown", &frmRT::txtMessage_MouseDown},
+};
+
+/// An item of the entry box's menu that is carried out by a window message to the box.
+struct frmRT::EditingItem {
+  std::string_view item;
+  bool needsSelection;
+  std::uint32_t message;
+  std::uintptr_t wParam;
+  std::intptr_t lParam;
+};
+
+const frmRT::EditingItem frmRT::kEditingItems[] = {
+    {"mnuCut", true, forms::kWmCut, 0, 0},
+    {"mnuCopy", true, forms::kWmCopy, 0, 0},
+    {"mnuPaste", false, forms::kWmPaste, 0, 0},
+    {"mnuDelete2", false, forms::kEmReplaceSel, 0, reinterpret_cast<std::intptr_t>("")},
+    {"mnuSelectAll", false, forms::kEmSetSel, 0, -1},
 };
 
 frmRT::frmRT(const SettingsWindowContext& context)
     : Form(context.services.Toolkit(), "frmRT",
            {layout::kClientWidth, layout::kClientHeight, layout::kFace, layout::kFontFace,
             layout::kFontSize}),
-      context_(context) {
+      context_(context),
+      buttons_(context.services.HostFolder()) {
   layout::Build(*this);
 }
 
+void frmRT::Run(std::string_view procedure, const std::function<void(Step&)>& body) {
+  Guard(context_.reporter, {procedure, context_.tables.currentWindowProfile}, body);
+}
+
 void frmRT::OnLoad() {
-  WireEvents();
+  Run("Form_Load", [this](Step& at) { Form_Load(at); });
   Timers().onTimer = context_.onTick;
+  WireEvents();
+  WireMenuTables();
 }
 
 void frmRT::WireEvents() {
-  for (const EventRow& row : kEvents) {
+  for (const PlainEvent& row : kPlainEvents) {
     const auto handle = [this, &row] {
-      Guard(context_.reporter, {row.procedure, context_.tables.currentWindowProfile},
-            [&](Step& at) { (this->*row.handler)(at); });
+      Run(row.procedure, [&](Step& at) { (this->*row.handler)(at); });
     };
-    if (row.event == Event::Click) Get<forms::CheckBox>(row.control).onClick = handle;
-    if (row.event == Event::Change) Get<forms::TextBox>(row.control).onChange = handle;
+    if (auto* box = dynamic_cast<forms::CheckBox*>(Find(row.source))) {
+      box->onClick = handle;
+    } else if (auto* text = dynamic_cast<forms::TextBox*>(Find(row.source))) {
+      text->onChange = handle;
+    } else {
+      Menu(row.source).onClick = handle;
+    }
+  }
+  for (const MouseEventRow& row : kMouseEvents) {
+    Control* control = Find(row.control);
+    if (control == nullptr) continue;  // the button's, where building it failed
+    control->*row.event = [this, &row](const MouseEvent& event) {
+      Run(row.procedure, [&](Step& at) { (this->*row.handler)(at, event); });
+    };
   }
 }
 
+void frmRT::WireMenuTables() {
+  for (const layout::MenuRow& row : layout::Menus()) {
+    if (row.token.empty()) continue;
+    Menu(row.name).onClick = [this, &row] {
+      Run(row.name, [&](Step&) { txtMessage().SetText(std::string(row.token)); });
+    };
+  }
+  for (const EditingItem& item : kEditingItems) {
+    Menu(item.item).onClick = [this, &item] { Run(item.item, [&](Step&) { Edit(item); }); };
+  }
+}
+
+void frmRT::Form_Load(Step& at) {
+  ImageButtonArguments arguments{.bounds = layout::kAddButton,
+                                 .caption = "Add",
+                                 .window = *this,
+                                 .name = kAddPicture,
+                                 .container = Find("Frame2")};
+  at(1);
+  buttons_.CreateButtonImage(arguments);
+  at(2);
+  arguments.name = kAddButton;
+  buttons_.CreateButtonLabel(arguments);
+}
+
 void frmRT::Form_Reload() {
-  Guard(context_.reporter, {"Form_Reload", context_.tables.currentWindowProfile}, [&](Step& at) {
+  Run("Form_Reload", [&](Step& at) {
     at(1);
     context_.store.LoadMessages(CurrentProfile());
     at(2);
@@ -104,6 +189,116 @@ void frmRT::txtInterval_Change(Step& at) {
     at(2);
     txtInterval().SetText(context_.store.ReadOption(CurrentProfile(), kIntervalKey));
   }
+}
+
+void frmRT::cmdAdd_MouseDown(Step& at, const MouseEvent& event) {
+  at(1);
+  if (event.button == MouseEvent::kLeft) buttons_.SetButtonState(*this, kAddPicture, "Down");
+}
+
+void frmRT::cmdAdd_MouseUp(Step& at, const MouseEvent& event) {
+  at(1);
+  if (event.button == MouseEvent::kLeft) buttons_.SetButtonState(*this, kAddPicture, "Up");
+  Add(at);
+}
+
+void frmRT::Add(Step& at) {
+  at(2);
+  const std::string text = txtMessage().Text();
+  if (TrimSpaces(text).empty()) {
+    return context_.reporter.Notify(ReportKind::Failure, "Message Box is empty!");
+  }
+  at(3);
+  const std::string message(FirstCharacters(text, kMessageCharacters));
+  if (!context_.store.AddEntry(CurrentProfile(), message)) {
+    at(5);
+    return context_.reporter.Notify(ReportKind::Failure, "Could not add message!");
+  }
+  at(4);
+  context_.reporter.Notify(ReportKind::Success, "Message added successfully!");
+  if (!IsLoaded()) return;  // the window went while the box was open
+  txtMessage().SetText("");
+  context_.store.LoadMessages(CurrentProfile());
+}
+
+void frmRT::lstMessages_MouseDown(Step& at, const MouseEvent& event) {
+  at(1);
+  const bool isRight = event.button == MouseEvent::kRight;
+  if (isRight) {
+    const std::int32_t row = ListIndexFromPoint(event.x, event.y);
+    if (row != ListBox::kNone) lstMessages().Select(row);
+  }
+  at(2);
+  EnableListMenu();
+  at(3);
+  if (isRight && lstMessages().SelectedRow() >= 0) PopUp(Menu("mnuMain"));
+}
+
+std::int32_t frmRT::ListIndexFromPoint(float X, float Y) {
+  const forms::TwipsPerPixel screen = GetToolkit().ScreenTwipsPerPixel();
+  const std::int32_t x = RoundToLong(X) / RoundToLong(screen.horizontal);
+  const std::int32_t y = RoundToLong(Y) / RoundToLong(screen.vertical);
+  const std::intptr_t answer =
+      Send(lstMessages(), forms::kLbItemFromPoint, 0, std::intptr_t{y} * 65536 + x);
+  return (answer & forms::kLbOutsideItems) != 0 ? ListBox::kNone
+                                                : static_cast<std::int32_t>(answer);
+}
+
+void frmRT::EnableListMenu() {
+  const std::int16_t rows = ToInteger(lstMessages().Count());
+  const std::int16_t selected = ToInteger(lstMessages().SelectedRow());
+  Menu("mnuUp").enabled = rows > 1 && selected != 0;
+  Menu("mnuDown").enabled = rows > 1 && selected != rows - 1;
+}
+
+void frmRT::MoveSelected(Step& at, std::int16_t by) {
+  at(1);
+  const std::int32_t row = ToInteger(lstMessages().SelectedRow());
+  const std::int32_t neighbour = row + by;
+  std::vector<ListBox::Item> rows = lstMessages().Items();
+  std::swap(rows[lstMessages().Checked(row)], rows[lstMessages().Checked(neighbour)]);
+  // The file first: should that fail, the list still shows what the file holds.
+  at(2);
+  context_.store.ReplaceEntries(CurrentProfile(),
+                                WholeMessages(rows, context_.store.ReadEntries(CurrentProfile())));
+  if (!IsLoaded()) return;
+  for (const std::int32_t moved : {row, neighbour}) {
+    const ListBox::Item& item = rows[static_cast<std::size_t>(moved)];
+    lstMessages().SetText(moved, item.text);
+    lstMessages().SetItemData(moved, item.data);
+  }
+}
+
+void frmRT::mnuDelete_Click(Step& at) {
+  at(1);
+  const std::int16_t row = ToInteger(lstMessages().SelectedRow());
+  if (row < 0) return;
+  // What goes is the message that the row shows, also when the list is behind the file.
+  const std::vector<MessageFile::Entry> entries = context_.store.ReadEntries(CurrentProfile());
+  const auto match = MatchRows(lstMessages().Items(), entries)[static_cast<std::size_t>(row)];
+  if (match) context_.store.DeleteEntry(CurrentProfile(), entries[*match].key);
+  at(2);
+  context_.store.LoadMessages(CurrentProfile());
+}
+
+void frmRT::txtMessage_MouseDown(Step& at, const MouseEvent& event) {
+  if (event.button != MouseEvent::kRight) return;
+  at(1);
+  struct Disabled {  // keeps the box from showing a menu of its own
+    explicit Disabled(forms::TextBox& textBox) : box(textBox) { box.SetEnabled(false); }
+    ~Disabled() {
+      box.SetEnabled(true);
+      box.SetFocus();
+    }
+    forms::TextBox& box;
+  } disabled(txtMessage());
+  at(2);
+  PopUp(Menu("mnuMessages"));
+}
+
+void frmRT::Edit(const EditingItem& item) {
+  if (item.needsSelection && txtMessage().Selection().length == 0) return;
+  Send(txtMessage(), item.message, item.wParam, item.lParam);
 }
 
 }  // namespace rotacasts

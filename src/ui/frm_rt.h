@@ -7,6 +7,7 @@
 #include "platform/forms/form.h"
 #include "services/guard.h"
 #include "store/message_file.h"
+#include "ui/image_button.h"
 
 namespace rotacasts {
 
@@ -21,8 +22,9 @@ struct SettingsWindowContext {
 };
 
 /// The plugin's only window. It keeps no copy of messages or options: its controls show them, the
-/// message file of the current window profile stores them. Each handler runs under its own name and
-/// hands its errors to the reporter, so none leaves an event.
+/// message file of the current window profile stores them, and every change is written at once.
+/// Each handler runs under its own name and hands its errors to the reporter, so none leaves an
+/// event.
 class frmRT final : public forms::Form {
  public:
   explicit frmRT(const SettingsWindowContext& context);
@@ -40,11 +42,34 @@ class frmRT final : public forms::Form {
   void OnLoad() override;
 
  private:
-  struct EventRow;
-  static const EventRow kEvents[];
+  struct PlainEvent;
+  struct MouseEventRow;
+  struct EditingItem;
+  static const PlainEvent kPlainEvents[];
+  static const MouseEventRow kMouseEvents[];
+  static const EditingItem kEditingItems[];
   void WireEvents();
+  void WireMenuTables();
+  /// Runs a handler under its name for the current window profile.
+  void Run(std::string_view procedure, const std::function<void(Step&)>& body);
+
+  void Form_Load(Step& at);
   void chkAuto_Click(Step& at);
   void txtInterval_Change(Step& at);
+  void cmdAdd_MouseDown(Step& at, const forms::MouseEvent& event);
+  void cmdAdd_MouseUp(Step& at, const forms::MouseEvent& event);
+  void lstMessages_MouseDown(Step& at, const forms::MouseEvent& event);
+  void txtMessage_MouseDown(Step& at, const forms::MouseEvent& event);
+  void mnuUp_Click(Step& at) { MoveSelected(at, -1); }
+  void mnuDown_Click(Step& at) { MoveSelected(at, 1); }
+  void mnuDelete_Click(Step& at);
+
+  /// The row of the list under a point in twips, or -1.
+  std::int32_t ListIndexFromPoint(float X, float Y);
+  void EnableListMenu();
+  void MoveSelected(Step& at, std::int16_t by);
+  void Edit(const EditingItem& item);
+  void Add(Step& at);
 
   std::int32_t CurrentProfile() const { return context_.tables.currentWindowProfile; }
   void WriteOption(const char* key, const std::string& value);
@@ -53,6 +78,7 @@ class frmRT final : public forms::Form {
   std::string OptionToShow(const char* key, double highest, const char* defaultText);
 
   const SettingsWindowContext context_;
+  const ImageButtons buttons_;
 };
 
 }  // namespace rotacasts

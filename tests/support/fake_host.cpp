@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "host/ini_text.h"
+#include "platform/forms/window_messages.h"
 #include "platform/text.h"
 
 namespace rotacasts::testing {
@@ -174,7 +175,7 @@ std::string& FakeHost::MessageFile(int index) {
   return files[PathOf(index)];
 }
 
-struct PluginTest::Fakes final : public ComponentFactory, public Module, public LocalClock {
+struct PluginHarness::Fakes final : public ComponentFactory, public Module, public LocalClock {
   explicit Fakes(FakeHost& fakeHost) : host(fakeHost) {}
   std::unique_ptr<UtilityComponent> CreateUtility() override {
     if (!host.hasUtility) throw RuntimeError(ErrorNumber::CannotCreateComponent);
@@ -194,14 +195,14 @@ struct PluginTest::Fakes final : public ComponentFactory, public Module, public 
   FakeHost& host;
 };
 
-PluginTest::PluginTest() : fakes_(std::make_shared<Fakes>(host)) {
+PluginHarness::PluginHarness() : fakes_(std::make_shared<Fakes>(host)) {
   host.files["C:\\Host\\settings\\config.ini"] = "[Settings]\r\nReportErrors=0\r\n";
   toolkit.onMessageBox = [this](const std::string& text, const std::string& title) {
     host.boxes.push_back(title + "|" + text);
   };
 }
 
-PluginState& PluginTest::State() {
+PluginState& PluginHarness::State() {
   if (!state_) {
     state_ = std::make_unique<PluginState>(Platform{*fakes_, *fakes_, *fakes_, toolkit});
     plugin_ = std::make_unique<clsPlugin>(*state_);
@@ -209,12 +210,12 @@ PluginState& PluginTest::State() {
   return *state_;
 }
 
-clsPlugin& PluginTest::Plugin() {
+clsPlugin& PluginHarness::Plugin() {
   State();
   return *plugin_;
 }
 
-Variant PluginTest::Data(std::int32_t index, const std::string& gameCode) {
+Variant PluginHarness::Data(std::int32_t index, const std::string& gameCode) {
   Variant::Array data(pdat::kSize);
   data[pdat::kGameCode] = gameCode;
   data[pdat::kProcessHandle] = 100 + index % 1000;
@@ -227,10 +228,36 @@ Variant PluginTest::Data(std::int32_t index, const std::string& gameCode) {
   return data;
 }
 
-std::vector<std::string> PluginTest::Rows() {
+std::vector<std::string> PluginHarness::Rows() {
   std::vector<std::string> rows;
   for (const auto& item : Window().lstMessages().Items()) rows.push_back(item.text);
   return rows;
+}
+
+void PluginHarness::Press(const char* control, std::int16_t button, float x, float y) {
+  Window().Find(control)->UserPressed({button, 0, x, y});
+}
+
+void PluginHarness::Click(const char* control, std::int16_t button, float x, float y) {
+  Press(control, button, x, y);
+  Window().Find(control)->UserReleased({button, 0, x, y});
+}
+
+void PluginHarness::Type(forms::TextBox& box, const std::string& text) {
+  const std::string ansi = ToWindows1252(text);
+  box.GetForm().Send(box, forms::kEmReplaceSel, 1, reinterpret_cast<std::intptr_t>(ansi.c_str()));
+}
+
+void PluginHarness::TypeOver(forms::TextBox& box, const std::string& text) {
+  box.GetForm().Send(box, forms::kEmSetSel, 0, -1);
+  Type(box, text);
+}
+
+std::vector<std::string> PluginHarness::Stored(int index) {
+  std::vector<std::string> texts;
+  const IniText ini(host.MessageFile(index));
+  for (const auto& line : ini.Lines("Messages")) texts.push_back(FromWindows1252(line.value));
+  return texts;
 }
 
 std::string MessageFileBytes(const std::vector<std::string>& messages, const std::string& enable,

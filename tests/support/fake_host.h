@@ -44,9 +44,9 @@ struct FakeHost {
 };
 
 /// A plugin composed on the fakes, with the forms of the headless toolkit.
-class PluginTest : public ::testing::Test {
- protected:
-  PluginTest();
+class PluginHarness {
+ public:
+  PluginHarness();
 
   /// Composes the plugin; the first use does.
   PluginState& State();
@@ -61,6 +61,14 @@ class PluginTest : public ::testing::Test {
   frmRT& Window() { return *State().window.Get(); }
   /// What the list shows.
   std::vector<std::string> Rows();
+  /// Presses (and releases) a mouse button on a control of the window; twips.
+  void Press(const char* control, std::int16_t button, float x = 0, float y = 0);
+  void Click(const char* control, std::int16_t button, float x = 0, float y = 0);
+  /// The user types into a text box: over all of it, or over what is selected.
+  void TypeOver(forms::TextBox& box, const std::string& text);
+  void Type(forms::TextBox& box, const std::string& text);
+  /// The texts of the section "Messages" in the profile's file.
+  std::vector<std::string> Stored(int index);
   /// Takes the boxes shown so far.
   std::vector<std::string> TakeBoxes() { return std::exchange(host.boxes, {}); }
 
@@ -74,6 +82,8 @@ class PluginTest : public ::testing::Test {
   std::unique_ptr<PluginState> state_;
   std::unique_ptr<clsPlugin> plugin_;
 };
+
+class PluginTest : public ::testing::Test, public PluginHarness {};
 
 /// The bytes of a message file with these messages and, unless empty, these options.
 std::string MessageFileBytes(const std::vector<std::string>& messages,

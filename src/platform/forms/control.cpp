@@ -119,8 +119,12 @@ TextSelection TextBox::Selection() const {
   return view != nullptr ? view->Selection(*this) : TextSelection{};
 }
 
-void CheckBox::SetValue(std::int16_t value) {
+void CheckBox::RequireValue(std::int16_t value) {
   if (value < 0 || value > 2) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
+}
+
+void CheckBox::SetValue(std::int16_t value) {
+  RequireValue(value);
   if (value == value_) return;
   value_ = value;
   Changed(Property::Value);

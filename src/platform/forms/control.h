@@ -180,6 +180,8 @@ class CheckBox final : public Control {
   std::int16_t Value() const { return value_; }
   /// Sets the value and raises the click event if it differs. Error 380 for any other value.
   void SetValue(std::int16_t value);
+  /// Raises error 380 for a value that no check box accepts.
+  static void RequireValue(std::int16_t value);
 
   std::function<void()> onClick;
   /// The user clicked: checks an unchecked box, unchecks any other.
@@ -214,10 +216,10 @@ class ListBox final : public Control {
   std::int32_t SelectedRow() const { return selectedRow_; }
   void Select(std::int32_t row);
   void UserSelected(std::int32_t row) { selectedRow_ = row; }
-
- private:
+  /// The row as a place in Items(), or error 380.
   std::size_t Checked(std::int32_t row) const;
 
+ private:
   std::vector<Item> items_;
   std::int32_t selectedRow_ = kNone;
 };

@@ -1,0 +1,189 @@
+// Drives the seven remote operations and the INI reader with arbitrary input, on the stand-alone
+// host's real components and real files, and checks after every step what no input may bring about.
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <set>
+
+#include "host/host_file_system.h"
+#include "host/host_platform.h"
+#include "host/native_files.h"
+#include "platform/headless/headless_toolkit.h"
+#include "platform/text.h"
+#include "plugin/cls_plugin.h"
+#include "support/host_folder.h"
+
+namespace rotacasts {
+namespace {
+
+namespace fs = std::filesystem;
+
+void Require(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "VIOLATED: %s\n", what);
+  std::abort();
+}
+
+/// Files are kept in memory where the machine offers that: thousands of runs a second.
+void UseMemoryFolder() {
+  if (fs::exists("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
+}
+
+constexpr const char* kFiles[] = {"", "profiles/srv1/settings/Rotacasts.ini",
+                                  "profiles/srv2/settings/Rotacasts.ini"};
+
+class Arena {
+ public:
+  explicit Arena(FuzzedDataProvider& input)
+      : platform_(folder_.Path()), state_((Prepare(input), platform_.Bundle(toolkit_))), plugin_(state_) {
+    for (const int index : {1, 2}) plugin_.LoadInterface(index, 1, Pdat(index, input));
+  }
+
+  void Step(FuzzedDataProvider& input) {
+    const int index = input.ConsumeIntegralInRange(1, 2);
+    const int other = 3 - index;
+    const std::string othersFile = folder_.Read(kFiles[other]);
+    const std::size_t messages = CountMessages(index);
+    const std::map<std::string, std::size_t> logs = LogLines();
+
+    using Operation = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
+    constexpr Operation kOperations[] = {
+        &clsPlugin::GetMessagesRem,     &clsPlugin::AddMessageRem,    &clsPlugin::EnableRTRem,
+        &clsPlugin::ChangeIntervalRem,  &clsPlugin::MoveMessageUpRem, &clsPlugin::MoveMessageDownRem,
+        &clsPlugin::DeleteMessageRem};
+    const Operation operation = input.PickValueInArray(kOperations);
+    const Variant data = Data(input);
+    try {
+      (plugin_.*operation)(index, Pdat(index, input), data);
+    } catch (const RuntimeError&) {  // a listing may fail its call
+    }
+
+    Require(folder_.Read(kFiles[other]) == othersFile, "another profile's file changed");
+    const bool adds = operation == Operation{&clsPlugin::AddMessageRem};
+    Require(CountMessages(index) <= messages + (adds ? 1 : 0), "a message was forged");
+    CheckLogs(logs);
+    CheckFiles();
+  }
+
+  /// Operations for profiles that were never set up, or cannot be.
+  void Stray(FuzzedDataProvider& input) {
+    const auto index = input.ConsumeIntegral<std::int32_t>();
+    if (index == 1 || index == 2) return;
+    plugin_.AddMessageRem(index, Pdat(1, input), Data(input));
+    plugin_.DeleteMessageRem(index, Pdat(1, input), Data(input));
+    CheckFiles();
+  }
+
+ private:
+  void Prepare(FuzzedDataProvider& input) {
+    folder_.Write("settings/config.ini", "[Settings]\r\nReportErrors=0\r\n");
+    for (const int index : {1, 2}) {
+      std::string bytes = input.ConsumeRandomLengthString(400);
+      if (input.ConsumeBool()) bytes = "[Messages]\r\n1=" + bytes + "\r\n[Options]\r\n";
+      folder_.Write(kFiles[index], bytes);
+    }
+  }
+
+  Variant Pdat(int index, FuzzedDataProvider& input) {
+    Variant::Array data(pdat::kSize);
+    data[pdat::kGameCode] = "JO";
+    data[pdat::kProcessHandle] = data[pdat::kMessageTarget] = 1;
+    data[pdat::kProfileFolder] = "srv" + std::to_string(index);
+    data[pdat::kAdministrator] = input.ConsumeRandomLengthString(20);
+    data[pdat::kSharedLog] = input.ConsumeBool();
+    data[pdat::kAreaHeight] = data[pdat::kAreaWidth] = 9000;
+    return data;
+  }
+
+  Variant Data(FuzzedDataProvider& input) {
+    switch (input.ConsumeIntegralInRange(0, 7)) {
+      case 0:
+        return Variant::Missing{};
+      case 1:
+        return input.ConsumeIntegral<std::int32_t>();
+      case 2:
+        return input.ConsumeFloatingPoint<double>();
+      case 3:
+        return Variant::Array{Variant(Variant::Foreign{})};
+      case 4:  // a well-formed text, whatever it says
+        return state_.services.Memory().Enc64(input.ConsumeRandomLengthString(200));
+      case 5:
+        return std::to_string(input.ConsumeIntegralInRange(-2, 9));
+      case 6:
+        return Variant(input.ConsumeBool());
+      default:
+        return input.ConsumeRandomLengthString(200);
+    }
+  }
+
+  std::size_t CountMessages(int index) {
+    try {
+      return host::ReadIni(folder_.Path() + "/" + kFiles[index]).Lines("Messages").size();
+    } catch (const RuntimeError&) {
+      return 0;  // no text: nothing can be in it
+    }
+  }
+
+  std::map<std::string, std::size_t> LogLines() {
+    std::map<std::string, std::size_t> lines;
+    for (const char* place : {"adminlogs", "profiles/srv1/adminlogs", "profiles/srv2/adminlogs"}) {
+      if (!fs::exists(folder_.File(place))) continue;
+      for (const auto& entry : fs::directory_iterator(folder_.File(place))) {
+        const std::string name = std::string(place) + "/" + entry.path().filename().string();
+        const std::string text = folder_.Read(name);
+        for (std::size_t at = 0; at < text.size(); at = text.find("\r\n", at) + 2) {
+          Require(text[at] == '[' && text.compare(at + 9, 13, "][Rotacasts] ") == 0,
+                  "a log line has another form");
+          ++lines[name];
+        }
+      }
+    }
+    return lines;
+  }
+
+  void CheckLogs(const std::map<std::string, std::size_t>& before) {
+    std::size_t more = 0;
+    for (const auto& [name, lines] : LogLines()) {
+      const auto old = before.find(name);
+      more += lines - (old != before.end() ? old->second : 0);
+    }
+    Require(more <= 1, "one operation wrote two log lines");
+  }
+
+  void CheckFiles() {
+    for (const auto& entry : fs::recursive_directory_iterator(folder_.Path())) {
+      if (entry.is_directory()) continue;
+      const std::string name = fs::relative(entry.path(), folder_.Path()).string();
+      const bool known = name == kFiles[1] || name == kFiles[2] || name == "logs/errors.log" ||
+                         name == "settings/config.ini" ||
+                         name.find("adminlogs/") != std::string::npos;
+      Require(known, name.c_str());
+    }
+  }
+
+  testing::HostFolder folder_;
+  headless::TimerLoop timers_;
+  headless::HeadlessToolkit toolkit_{timers_};
+  host::HostPlatform platform_;
+  PluginState state_;
+  clsPlugin plugin_;
+};
+
+}  // namespace
+}  // namespace rotacasts
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  rotacasts::UseMemoryFolder();
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  FuzzedDataProvider input(bytes, size);
+  rotacasts::Arena arena(input);
+  for (int step = 0; step < 12 && input.remaining_bytes() > 0; ++step) arena.Step(input);
+  arena.Stray(input);
+  return 0;
+}

@@ -1,0 +1,42 @@
+#include "store/profile_paths.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "platform/runtime_error.h"
+
+namespace rotacasts {
+namespace {
+
+/// A path component that is, or that the system takes for, the folder above: dots and blanks only.
+bool Climbs(std::string_view component) {
+  return component.find("..") != component.npos &&
+         component.find_first_not_of(". ") == component.npos;
+}
+
+bool StaysBelow(std::string_view folder) {
+  if (std::any_of(folder.begin(), folder.end(), [](char c) { return c >= 0 && c < ' '; })) {
+    return false;
+  }
+  while (!folder.empty()) {
+    const auto end = std::min(folder.find_first_of("\\/"), folder.size());
+    if (Climbs(folder.substr(0, end))) return false;
+    folder.remove_prefix(std::min(end + 1, folder.size()));
+  }
+  return true;
+}
+
+}  // namespace
+
+std::string ProfileFolderPath(const std::string& hostFolder, const std::string& profileFolder) {
+  if (!StaysBelow(profileFolder)) {
+    throw RuntimeError(ErrorNumber::PathNotFound, "\"" + profileFolder + "\" is no profile folder");
+  }
+  return hostFolder + "\\profiles\\" + profileFolder;
+}
+
+std::string MessageFilePath(const std::string& hostFolder, const std::string& profileFolder) {
+  return ProfileFolderPath(hostFolder, profileFolder) + "\\settings\\Rotacasts.ini";
+}
+
+}  // namespace rotacasts

@@ -1,0 +1,189 @@
+#include "store/remote_commands.h"
+
+#include "platform/arithmetic.h"
+#include "platform/conversions.h"
+#include "platform/text.h"
+
+namespace rotacasts {
+namespace {
+
+constexpr const char* kDone = "1";
+constexpr const char* kNotDone = "0";
+constexpr const char* kDefaultEnable = "0";
+
+// What the log says of each change, between the time and the value.
+constexpr const char* kAddAction = "][Rotacasts] Add Rotacast (Message: ";
+constexpr const char* kEnableAction = "][Rotacasts] Enable Rotacasts (New Value: ";
+constexpr const char* kIntervalAction = "][Rotacasts] Change Rotacasts Interval (New Interval: ";
+constexpr const char* kDownAction = "][Rotacasts] Move Rotacasts Down (Message: ";
+constexpr const char* kUpAction = "][Rotacasts] Move Rotacasts Up (Message: ";
+constexpr const char* kDeleteAction = "][Rotacasts] Delete Rotacasts (Message: ";
+
+/// The key `places` behind the position that `data` names.
+std::string KeyBehind(const Variant& data, std::int32_t places) {
+  return std::to_string((Checked(ToLong(data)) + places).Value());
+}
+
+}  // namespace
+
+std::string RemoteCommands::Run(std::string_view operation, std::int32_t index,
+                                const std::function<void(std::string&, Step&)>& body) {
+  std::string reply;
+  Guard(reporter_, {operation, index}, [&](Step& at) { body(reply, at); });
+  return reply;
+}
+
+void RemoteCommands::RequireFile(std::int32_t index) {
+  if (tables_.MessageFiles(index).empty()) {
+    throw RuntimeError(ErrorNumber::PathNotFound,
+                       "profile " + std::to_string(index) + " is stopped; load it first");
+  }
+}
+
+std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const Variant& PDAT) {
+  Step at;
+  try {
+    return List(Index, PDAT, at);
+  } catch (...) {
+    RuntimeError error = CurrentRuntimeError();
+    error.description += QuoteFile(Index);  // an error of its own goes to the host instead
+    reporter_.ReportError(ReportKind::Error, "GetMessagesRem", &error, Index, at.Line(), false);
+    return {};
+  }
+}
+
+std::string RemoteCommands::List(std::int32_t index, const Variant& PDAT, Step& at) {
+  at(1);
+  setProfileData_(index, PDAT);
+  at(2);
+  std::string messages;
+  store_.ForEachEntry(index, [&](const MessageFile::Entry& entry) {
+    at(3);
+    if (!messages.empty()) messages += '|';
+    messages += services_.Memory().Enc64(entry.text);
+  });
+  at(4);
+  std::string enable = store_.ReadOption(index, kEnableKey);
+  if (enable.empty()) enable = kDefaultEnable;
+  at(5);
+  return messages + "|" + enable + "|" + store_.ReadOption(index, kIntervalKey);
+}
+
+std::string RemoteCommands::QuoteFile(std::int32_t index) {
+  std::string file = tables_.MessageFiles(index);
+  std::string lines;
+  for (const std::string& line : services_.Utility().ReadFile(file)) {
+    if (!lines.empty()) lines += "\r\n";
+    lines += line;
+  }
+  return " [" + file + ", " + lines + "]";
+}
+
+std::string RemoteCommands::AddMessageRem(std::int32_t Index, const Variant& PDAT,
+                                          const Variant& Data) {
+  return Run("AddMessageRem", Index, [&](std::string& reply, Step& at) {
+    at(1);
+    RequireFile(Index);
+    const std::string text = services_.Memory().Dec64(ToText(Data));
+    at(2);
+    if (store_.AddEntry(Index, text)) {
+      if (IsShown(Index)) store_.LoadMessages(Index);
+      reply = kDone;
+    } else {
+      reply = kNotDone;
+    }
+    at(3);
+    log_.Write(PDAT, kAddAction, text);
+  });
+}
+
+std::string RemoteCommands::EnableRTRem(std::int32_t Index, const Variant& PDAT,
+                                        const Variant& Data) {
+  return Run("EnableRTRem", Index, [&](std::string&, Step& at) {
+    at(1);
+    RequireFile(Index);
+    const std::string value = ToText(Data);
+    store_.SetOption(Index, kEnableKey, value);
+    at(2);
+    const std::int16_t checked = ToInteger(Data);
+    if (IsShown(Index)) {
+      window_.chkAuto().SetValue(checked);
+    } else {
+      forms::CheckBox::RequireValue(checked);
+    }
+    at(3);
+    log_.Write(PDAT, kEnableAction, value);
+  });
+}
+
+std::string RemoteCommands::ChangeIntervalRem(std::int32_t Index, const Variant& PDAT,
+                                              const Variant& Data) {
+  return Run("ChangeIntervalRem", Index, [&](std::string&, Step& at) {
+    at(1);
+    RequireFile(Index);
+    const std::string value = ToText(Data);
+    store_.SetOption(Index, kIntervalKey, value);
+    at(2);
+    if (IsShown(Index)) window_.txtInterval().SetText(value);
+    at(3);
+    log_.Write(PDAT, kIntervalAction, value);
+  });
+}
+
+std::optional<MessageFile::Exchanged> RemoteCommands::Exchange(std::int32_t index,
+                                                               const std::string& upperKey,
+                                                               const std::string& lowerKey) {
+  if (!store_.HoldsKey(index, upperKey) || !store_.HoldsKey(index, lowerKey)) return std::nullopt;
+  return store_.ExchangeEntries(index, upperKey, lowerKey);
+}
+
+std::string RemoteCommands::MoveMessageDownRem(std::int32_t Index, const Variant& PDAT,
+                                               const Variant& Data) {
+  return Run("MoveMessageDownRem", Index, [&](std::string& reply, Step& at) {
+    at(1);
+    RequireFile(Index);
+    const std::string key = KeyBehind(Data, 1);
+    at(2);
+    const auto texts = Exchange(Index, key, KeyBehind(Data, 2));
+    at(3);
+    reply = texts ? kDone : kNotDone;
+    at(4);
+    if (texts) log_.Write(PDAT, kDownAction, texts->first);
+  });
+}
+
+std::string RemoteCommands::MoveMessageUpRem(std::int32_t Index, const Variant& PDAT,
+                                             const Variant& Data) {
+  return Run("MoveMessageUpRem", Index, [&](std::string& reply, Step& at) {
+    at(1);
+    RequireFile(Index);
+    const std::string key = KeyBehind(Data, 1);
+    at(2);
+    const auto texts = Exchange(Index, ToText(Data), key);
+    at(3);
+    reply = texts ? kDone : kNotDone;
+    at(4);
+    if (texts) log_.Write(PDAT, kUpAction, texts->second);
+  });
+}
+
+std::string RemoteCommands::DeleteMessageRem(std::int32_t Index, const Variant& PDAT,
+                                             const Variant& Data) {
+  return Run("DeleteMessageRem", Index, [&](std::string& reply, Step& at) {
+    at(1);
+    RequireFile(Index);
+    const std::string key = KeyBehind(Data, 1);
+    at(2);
+    const std::string text = store_.ReadText(Index, key);
+    at(3);
+    store_.DeleteEntry(Index, key);
+    at(4);
+    if (IsShown(Index)) store_.LoadMessages(Index);
+    at(5);
+    reply = kDone;
+    at(6);
+    log_.Write(PDAT, kDeleteAction, text);
+  });
+}
+
+}  // namespace rotacasts

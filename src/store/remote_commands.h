@@ -1,0 +1,76 @@
+// The seven operations that a remote administrator reaches through the host.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "store/admin_log.h"
+#include "store/message_file.h"
+
+namespace rotacasts {
+
+/// Lists and changes the messages and options of the profile `Index`. Texts travel as the memory
+/// component's Enc64; a position counts from 0. Each change is logged with its last step.
+///
+/// The result is the reply. An error is reported under the operation's name and ends it; the reply
+/// is then what it was by that time, most often empty. The settings window follows a change when it
+/// shows the commanded profile and is left alone otherwise; an option's value is refused either way
+/// where the window's control would refuse it. A changing operation raises, inside, error 9 for a
+/// profile that was never set up and 76 for one that is stopped.
+class RemoteCommands {
+ public:
+  /// `setProfileData` stores a profile's data, as LoadInterface does.
+  RemoteCommands(HostServices& services, ProfileTables& tables, ErrorReporter& reporter,
+                 MessageFile& store, WindowControls& window,
+                 std::function<void(std::int32_t, const Variant&)> setProfileData)
+      : services_(services),
+        tables_(tables),
+        reporter_(reporter),
+        store_(store),
+        window_(window),
+        log_(services),
+        setProfileData_(std::move(setProfileData)) {}
+
+  /// Sets the profile up from `PDAT` and lists it: each message encoded, then "Enable" ("0" when
+  /// missing or empty) and "Interval" as stored, all separated by "|". The report of an error
+  /// quotes the message file; if that fails in turn, that error is raised to the caller.
+  std::string GetMessagesRem(std::int32_t Index, const Variant& PDAT);
+  /// `Data`: the encoded text. "1" when it is stored, "0" when not; logged either way.
+  std::string AddMessageRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  /// `Data`: the new value of "Enable". No reply.
+  std::string EnableRTRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  /// `Data`: the new value of "Interval", minutes. No reply.
+  std::string ChangeIntervalRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  /// `Data`: the position of the message to move. "1", or "0", unlogged, when it has no neighbour
+  /// in that direction.
+  std::string MoveMessageDownRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  std::string MoveMessageUpRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  /// `Data`: the position of the message to delete. "1", also when there is none.
+  std::string DeleteMessageRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+
+ private:
+  /// Runs an operation under its name; answers the reply that the body has set by its end.
+  std::string Run(std::string_view operation, std::int32_t index,
+                  const std::function<void(std::string& reply, Step& at)>& body);
+  std::string List(std::int32_t index, const Variant& PDAT, Step& at);
+  /// " [path, lines]" of the message file. Raises what fails.
+  std::string QuoteFile(std::int32_t index);
+  void RequireFile(std::int32_t index);
+  bool IsShown(std::int32_t index) const { return index == tables_.currentWindowProfile; }
+  /// Exchanges two neighbours if both are there, and answers their texts as they stood before.
+  std::optional<MessageFile::Exchanged> Exchange(std::int32_t index, const std::string& upperKey,
+                                                 const std::string& lowerKey);
+
+  HostServices& services_;
+  ProfileTables& tables_;
+  ErrorReporter& reporter_;
+  MessageFile& store_;
+  WindowControls& window_;
+  AdminLog log_;
+  std::function<void(std::int32_t, const Variant&)> setProfileData_;
+};
+
+}  // namespace rotacasts

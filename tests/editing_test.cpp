@@ -1,0 +1,304 @@
+// Editing in the settings window: the Add button, the list's menu, the entry box's menu.
+
+#include "support/fake_host.h"
+#include "ui/image_button.h"
+#include "ui/layout.h"
+#include "ui/list_rows.h"
+
+namespace rotacasts {
+namespace {
+
+using forms::MouseEvent;
+using headless::kRowHeight;
+using testing::MessageFileBytes;
+using testing::PluginTest;
+using Texts = std::vector<std::string>;
+
+class EditingTest : public PluginTest {
+ protected:
+  void Show(const Texts& messages) {
+    host.MessageFile(2) = MessageFileBytes(messages);
+    Load(2);
+    host.calls.clear();
+    toolkit.onPopUp = [this](forms::MenuItem& menu) -> forms::MenuItem* {
+      shown.push_back(menu.name);
+      entryWasEnabled = Window().txtMessage().IsEnabled();
+      return choice.empty() ? nullptr : &Window().Menu(choice);
+    };
+  }
+  void RightClickRow(int row) {
+    Press("lstMessages", MouseEvent::kRight, 100, static_cast<float>(row * kRowHeight * 15 + 20));
+  }
+  /// Chooses an item of the list's menu for a row.
+  void Choose(int row, const char* item) {
+    choice = item;
+    RightClickRow(row);
+    choice.clear();
+  }
+  void Add(const std::string& text) {
+    TypeOver(Window().txtMessage(), text);
+    Click("cmdAdd", MouseEvent::kLeft);
+  }
+  const forms::Rectangle& Caption() { return Window().Find("cmdAdd")->Bounds(); }
+  const std::string& Picture() { return Window().Get<forms::Image>("cmdAddImg").Picture(); }
+
+  Texts shown;
+  std::string choice;
+  bool entryWasEnabled = true;
+};
+
+TEST_F(EditingTest, TheAddButtonStandsWhereItShouldAndMovesWhilePressed) {
+  Show({});
+  const forms::Rectangle released{9245, 428, 1065, 495};
+  const forms::Rectangle pressed{9265, 478, 1065, 495};
+  EXPECT_EQ(Caption(), released);
+  EXPECT_EQ(Window().Find("cmdAddImg")->Bounds(), layout::kAddButton);
+  EXPECT_EQ(Window().Find("cmdAddImg")->Container(), Window().Find("Frame2"));
+  EXPECT_EQ(Window().StackingOrder().back(), Window().Find("cmdAdd"));
+  EXPECT_EQ(Picture(), "C:\\Host\\imgs\\butup.gif");
+  for (const char* part : {"cmdAdd", "cmdAddImg"}) {
+    Press(part, MouseEvent::kLeft);
+    EXPECT_EQ(Caption(), pressed);
+    EXPECT_EQ(Picture(), "C:\\Host\\imgs\\butdown.gif");
+    Window().Find(part)->UserReleased({MouseEvent::kLeft, 0, -9000, 0});  // far off the button
+    EXPECT_EQ(Caption(), released);
+    Press(part, MouseEvent::kRight);
+    EXPECT_EQ(Caption(), released);
+  }
+  EXPECT_EQ(host.boxes, (Texts{"Failed!|Message Box is empty!", "Failed!|Message Box is empty!"}));
+}
+
+TEST_F(EditingTest, ImageButtonsTakeTheirArguments) {
+  Show({});
+  const ImageButtons buttons("C:\\Host");
+  ImageButtonArguments arguments{.bounds = {100, 7, 1000, 35},
+                                 .caption = "x",
+                                 .enabled = false,
+                                 .window = Window(),
+                                 .name = "aImg",
+                                 .fontSize = 10};
+  buttons.CreateButtonImage(arguments);
+  arguments.name = "a";
+  const forms::Label& label = buttons.CreateButtonLabel(arguments);
+  EXPECT_EQ(label.FontSize(), 10);
+  EXPECT_EQ(label.Bounds(), (forms::Rectangle{175, 24 - 150, 850, 35}));  // 24.5 to the even 24
+  EXPECT_TRUE(label.IsTransparent());
+  EXPECT_FALSE(label.IsEnabled());
+  EXPECT_EQ(label.Container(), nullptr);
+  buttons.SetButtonState(Window(), "aImg", "down");  // letter case counts: released
+  EXPECT_EQ(label.Bounds().left, 175);
+  EXPECT_EQ(testing::ErrorOf([&] { buttons.SetButtonState(Window(), "AIMG", "Up"); }), 91);
+}
+
+TEST_F(EditingTest, AButtonWithoutPicturesWorks) {
+  toolkit.onLoadPicture = [](const std::string& path) {
+    throw RuntimeError(ErrorNumber::FileNotFound, path);
+  };
+  Show({});
+  Add("text");
+  EXPECT_EQ(Stored(2), Texts{"text"});
+  EXPECT_EQ(host.boxes, Texts{"Success|Message added successfully!"});
+  EXPECT_EQ(Picture(), "");
+}
+
+TEST_F(EditingTest, AddingStoresTheFirstSixtyCharactersAsTyped) {
+  Show({"a"});
+  toolkit.onMessageBox = [this](const std::string& text, const std::string&) {
+    EXPECT_EQ(text, "Message added successfully!");
+    EXPECT_EQ(Rows(), Texts{"a"});  // refilled once the box is closed
+    EXPECT_EQ(Window().txtMessage().Text(), " Grüße ");
+  };
+  Add(" Grüße ");
+  EXPECT_EQ(Stored(2), (Texts{"a", " Grüße "}));
+  EXPECT_EQ(Rows(), (Texts{"a", " Grüße "}));
+  EXPECT_EQ(Window().txtMessage().Text(), "");
+  toolkit.onMessageBox = nullptr;
+  Window().txtMessage().SetText(std::string(70, 'x'));  // longer than anyone could type
+  Click("cmdAddImg", MouseEvent::kRight);
+  EXPECT_EQ(Stored(2).back(), std::string(60, 'x'));
+}
+
+TEST_F(EditingTest, AnAddThatFailsKeepsTheText) {
+  Show({"a"});
+  for (const char* text : {"", "   "}) Add(text);
+  EXPECT_EQ(TakeBoxes(), Texts(2, "Failed!|Message Box is empty!"));
+  EXPECT_TRUE(host.calls.empty());
+  host.failAtCall = 2;
+  Add("b");
+  EXPECT_EQ(TakeBoxes(), Texts{"Failed!|Could not add message!"});
+  EXPECT_EQ(Window().txtMessage().Text(), "b");
+  EXPECT_EQ(Rows(), Texts{"a"});
+  EXPECT_TRUE(host.logged.empty());
+}
+
+TEST_F(EditingTest, ARightClickSelectsTheRowAndShowsTheMenu) {
+  Show({"a", "b", "c"});
+  RightClickRow(7);
+  EXPECT_TRUE(shown.empty());  // nothing selected, no menu
+  RightClickRow(1);
+  EXPECT_EQ(Window().lstMessages().SelectedRow(), 1);
+  RightClickRow(7);  // below the last row: the selection stays, the menu is for it
+  EXPECT_EQ(Window().lstMessages().SelectedRow(), 1);
+  Press("lstMessages", MouseEvent::kLeft, 0, 20);
+  EXPECT_EQ(shown, Texts(2, "mnuMain"));
+}
+
+TEST_F(EditingTest, TheMenuOffersTheMovesThatThereAre) {
+  struct Row {
+    Texts messages;
+    int selected;
+    bool up;
+    bool down;
+  };
+  for (const Row& row : {Row{{}, -1, false, false}, Row{{"a"}, 0, false, false},
+                         Row{{"a", "b"}, 0, false, true}, Row{{"a", "b"}, 1, true, false},
+                         Row{{"a", "b", "c"}, 1, true, true}, Row{{"a", "b"}, -1, true, true}}) {
+    Show(row.messages);
+    Window().lstMessages().Select(row.selected);
+    Press("lstMessages", MouseEvent::kMiddle);
+    EXPECT_EQ(Window().Menu("mnuUp").enabled, row.up);
+    EXPECT_EQ(Window().Menu("mnuDown").enabled, row.down);
+    EXPECT_TRUE(Window().Menu("mnuDelete").enabled);
+  }
+}
+
+TEST_F(EditingTest, MovingExchangesTwoRowsInListAndFile) {
+  Show({"a", "b", "c", "d"});
+  Choose(2, "mnuDown");
+  EXPECT_EQ(Rows(), (Texts{"a", "b", "d", "c"}));
+  EXPECT_EQ(Stored(2), Rows());
+  EXPECT_EQ(Window().lstMessages().SelectedRow(), 2);
+  EXPECT_EQ(Window().lstMessages().At(2).data, 4);
+  Choose(1, "mnuUp");
+  EXPECT_EQ(Stored(2), (Texts{"b", "a", "d", "c"}));
+  Choose(0, "mnuUp");  // disabled
+  EXPECT_EQ(Stored(2), (Texts{"b", "a", "d", "c"}));
+  EXPECT_TRUE(host.boxes.empty());
+  Window().Menu("mnuUp").enabled = true;
+  Choose(0, "mnuUp");
+  Window().lstMessages().Select(0);
+  Window().Menu("mnuUp").onClick();
+  EXPECT_EQ(host.logged, Texts{"mnuUp: 380 Invalid property value"});
+}
+
+TEST_F(EditingTest, MovingKeepsLongMessagesWholeAndLosesNoneThatTheListDoesNotShow) {
+  const std::string longText = std::string(60, 'x') + " and more";
+  Show({longText, "b"});
+  host.MessageFile(2) =
+      "[Messages]\r\n1=" + longText + "\r\n2=b\r\n3=added by hand\r\n0=hidden\r\n";
+  Choose(0, "mnuDown");
+  EXPECT_EQ(Stored(2), (Texts{"b", longText, "added by hand", "hidden"}));
+  EXPECT_EQ(Rows(), (Texts{"b", std::string(60, 'x')}));
+}
+
+TEST_F(EditingTest, DeletingRemovesWhatTheRowShows) {
+  Show({"a", "b", "c"});
+  Choose(0, "mnuDelete");
+  EXPECT_EQ(Stored(2), (Texts{"b", "c"}));
+  EXPECT_EQ(Rows(), (Texts{"b", "c"}));
+  EXPECT_EQ(Window().lstMessages().SelectedRow(), -1);
+  Plugin().MoveMessageDownRem(2, Data(2, "JO"), 0);  // leaves the list behind the file: c, b
+  Choose(0, "mnuDelete");
+  EXPECT_EQ(Stored(2), Texts{"c"});
+  host.MessageFile(2) = MessageFileBytes({"other"});
+  Choose(0, "mnuDelete");  // the message shown is gone already
+  EXPECT_EQ(Stored(2), Texts{"other"});
+  EXPECT_EQ(Rows(), Texts{"other"});
+}
+
+TEST_F(EditingTest, TokensReplaceTheEntry) {
+  Show({});
+  int tokens = 0;
+  for (const layout::MenuRow& row : layout::Menus()) {
+    if (row.token.empty()) continue;
+    Window().txtMessage().SetText("Hello");
+    choice = row.name;
+    Press("txtMessage", MouseEvent::kRight);
+    EXPECT_EQ(Window().txtMessage().Text(), row.token);
+    ++tokens;
+  }
+  EXPECT_EQ(tokens, 18);
+  EXPECT_TRUE(host.calls.empty());
+}
+
+TEST_F(EditingTest, TheEditingItemsActOnTheDisabledEntryBox) {
+  Show({});
+  forms::TextBox& box = Window().txtMessage();
+  const auto choose = [&](const char* item) {
+    choice = item;
+    Press("txtMessage", MouseEvent::kRight);
+    EXPECT_FALSE(entryWasEnabled);
+    EXPECT_TRUE(box.IsEnabled());
+    EXPECT_EQ(Window().Focused(), &box);
+  };
+  box.SetText("abc");
+  choose("mnuCut");
+  choose("mnuCopy");
+  EXPECT_EQ(toolkit.Clipboard(), "");  // nothing selected
+  choose("mnuSelectAll");
+  EXPECT_EQ(box.Selection().length, 3U);
+  choose("mnuCopy");
+  EXPECT_EQ(box.Text(), "abc");
+  choose("mnuSelectAll");
+  choose("mnuCut");
+  EXPECT_EQ(box.Text(), "");
+  choose("mnuPaste");
+  choose("mnuPaste");
+  EXPECT_EQ(box.Text(), "abcabc");
+  choose("mnuSelectAll");
+  choose("mnuDelete2");
+  EXPECT_EQ(box.Text(), "");
+  Press("txtMessage", MouseEvent::kLeft);
+  EXPECT_EQ(shown.size(), 10U);
+}
+
+TEST_F(EditingTest, TheIntervalSnapsBackToTheStoredValue) {
+  Show({});
+  forms::TextBox& box = Window().txtInterval();
+  const auto stored = [&] { return State().store.ReadOption(2, "Interval"); };
+  TypeOver(box, "1");
+  EXPECT_EQ(stored(), "1");
+  Type(box, "5");
+  EXPECT_EQ(stored(), "15");
+  Type(box, "9");  // two characters at most
+  EXPECT_EQ(box.Text(), "15");
+  for (const char* text : {"", "x"}) {
+    TypeOver(box, text);
+    EXPECT_EQ(box.Text(), "15") << text;
+  }
+  EXPECT_EQ(stored(), "15");
+}
+
+TEST_F(EditingTest, WhateverArrivesWhileABoxOrAMenuIsOpenDoesNoHarm) {
+  Show({"a", "b"});
+  const auto wreck = [this] {
+    Plugin().UnLoadInterface("");
+    Load(3);
+  };
+  toolkit.onMessageBox = [&](const std::string&, const std::string&) { wreck(); };
+  Add("c");
+  EXPECT_EQ(Stored(2), (Texts{"a", "b", "c"}));
+  Load(2);
+  toolkit.onMessageBox = nullptr;
+  for (const char* item : {"mnuUp", "mnuDelete", "mnuPaste", "mnuNextMap"}) {
+    Show({"a", "b"});
+    toolkit.onPopUp = [&](forms::MenuItem& menu) -> forms::MenuItem* {
+      forms::MenuItem* chosen = &Window().Menu(item);
+      static_cast<void>(menu);
+      wreck();
+      return chosen;
+    };
+    RightClickRow(1);
+    Show({"a", "b"});
+    toolkit.onPopUp = [&](forms::MenuItem&) {
+      wreck();
+      return nullptr;
+    };
+    Press("txtMessage", MouseEvent::kRight);
+  }
+  Show({"a"});
+  EXPECT_EQ(Rows(), Texts{"a"});
+}
+
+}  // namespace
+}  // namespace rotacasts

@@ -1,0 +1,257 @@
+// The remote commands and the administration log.
+
+#include "store/remote_commands.h"
+
+#include "host/ini_text.h"
+#include "platform/text.h"
+#include "support/fake_host.h"
+
+namespace rotacasts {
+namespace {
+
+using testing::ErrorOf;
+using testing::MessageFileBytes;
+using testing::PathOf;
+using testing::PluginTest;
+using Texts = std::vector<std::string>;
+
+class RemoteTest : public PluginTest {
+ protected:
+  RemoteTest() { host.folders = {"C:\\Host", "C:\\Host\\profiles\\srv2"}; }
+  void Start(const Texts& messages, bool inWindow = true) {
+    host.MessageFile(2) = MessageFileBytes(messages, "0", "3");
+    Load(inWindow ? 1 : 2);
+    Load(inWindow ? 2 : 1);
+    host.calls.clear();
+  }
+  static Variant Pdat() { return Data(2, "JO"); }
+  /// The lines of the host-wide log since the last look.
+  Texts TakeLog() {
+    Texts lines;
+    std::string log = std::exchange(host.files["C:\\Host\\adminlogs\\2010-03-07.txt"], "");
+    for (auto end = log.find("\r\n"); end != log.npos; end = log.find("\r\n")) {
+      lines.push_back(log.substr(0, end));
+      log.erase(0, end + 2);
+    }
+    return lines;
+  }
+};
+
+TEST_F(RemoteTest, ListsMessagesAndOptions) {
+  struct Row {
+    std::string file;
+    const char* reply;
+  };
+  for (const Row& row : {Row{MessageFileBytes({}, "0", "3"), "|0|3"}, Row{"", "|0|"},
+                         Row{MessageFileBytes({"a", "b"}, "1", "7"), "<a>|<b>|1|7"},
+                         Row{MessageFileBytes({"Grüß|"}, "", ""), "<Grüß|>|0|"},
+                         Row{MessageFileBytes({"a", "", "b"}, "x", " 5 "), "<a>|<>|<b>|x| 5 "}}) {
+    host.MessageFile(2) = row.file;
+    EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), row.reply);
+  }
+  EXPECT_EQ(State().tables.Profiles(2).GameCode, "JO");  // sets the profile up
+  host.files.erase(PathOf(2));
+  EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat(), "not read"), "|0|");
+  EXPECT_TRUE(TakeLog().empty());
+}
+
+TEST_F(RemoteTest, AFailingListingQuotesTheFileOrFailsTheCall) {
+  Start({"a"});
+  host.failAtCall = 1;
+  EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "");
+  ASSERT_EQ(host.logged.size(), 1U);
+  EXPECT_NE(host.logged[0].find("GetMessagesRem: 57"), std::string::npos);
+  EXPECT_NE(host.logged[0].find(" [" + PathOf(2) + ", [Messages]~1=a~"), std::string::npos)
+      << host.logged[0];
+  host.files.erase(PathOf(2));
+  host.failAtCall = 1;
+  EXPECT_EQ(ErrorOf([&] { Plugin().GetMessagesRem(2, Pdat()); }), 53);
+  EXPECT_EQ(ErrorOf([&] { Plugin().GetMessagesRem(-1, Pdat()); }), 9);
+  EXPECT_EQ(host.logged.size(), 2U);  // the second is SetProfileData's own
+}
+
+TEST_F(RemoteTest, EachChangeIsDoneAnsweredAndLogged) {
+  struct Row {
+    std::string (clsPlugin::*call)(std::int32_t, const Variant&, const Variant&);
+    Variant data;
+    const char* reply;
+    Texts messages;
+    const char* log;
+  };
+  const Row rows[] = {
+      {&clsPlugin::AddMessageRem, "<d>", "1", {"a", "b", "c", "d"}, "Add Rotacast (Message: d"},
+      {&clsPlugin::AddMessageRem, "<>", "1", {"a", "b", "c", ""}, "Add Rotacast (Message: "},
+      {&clsPlugin::AddMessageRem,
+       "<x\r\n9=y>",
+       "0",
+       {"a", "b", "c"},
+       "Add Rotacast (Message: x  9=y"},
+      {&clsPlugin::MoveMessageDownRem, 0, "1", {"b", "a", "c"}, "Move Rotacasts Down (Message: a"},
+      {&clsPlugin::MoveMessageDownRem,
+       "1",
+       "1",
+       {"a", "c", "b"},
+       "Move Rotacasts Down (Message: b"},
+      {&clsPlugin::MoveMessageDownRem, 2, "0", {"a", "b", "c"}, nullptr},
+      {&clsPlugin::MoveMessageDownRem, -1, "0", {"a", "b", "c"}, nullptr},
+      {&clsPlugin::MoveMessageUpRem, 2, "1", {"a", "c", "b"}, "Move Rotacasts Up (Message: c"},
+      {&clsPlugin::MoveMessageUpRem, "0", "0", {"a", "b", "c"}, nullptr},
+      {&clsPlugin::MoveMessageUpRem, 7, "0", {"a", "b", "c"}, nullptr},
+      {&clsPlugin::DeleteMessageRem, "1", "1", {"a", "c"}, "Delete Rotacasts (Message: b"},
+      {&clsPlugin::DeleteMessageRem, 9, "1", {"a", "b", "c"}, "Delete Rotacasts (Message: "},
+  };
+  for (const bool inWindow : {true, false}) {
+    for (const Row& row : rows) {
+      Start({"a", "b", "c"}, inWindow);
+      const Texts before = Rows();
+      EXPECT_EQ((Plugin().*row.call)(2, Pdat(), row.data), row.reply);
+      EXPECT_EQ(Stored(2), row.messages);
+      const bool refills = row.call == &clsPlugin::DeleteMessageRem ||
+                           (row.call == &clsPlugin::AddMessageRem && row.reply[0] == '1');
+      EXPECT_EQ(Rows(), inWindow && refills ? row.messages : before);
+      EXPECT_EQ(TakeLog(), row.log == nullptr ? Texts{}
+                                              : Texts{std::string("[14:05:09][Rotacasts] ") +
+                                                      row.log + ") from admin"});
+      EXPECT_TRUE(host.boxes.empty());
+    }
+  }
+}
+
+TEST_F(RemoteTest, OptionsReachTheFileAndTheWindowThatShowsThem) {
+  Start({});
+  EXPECT_EQ(Plugin().EnableRTRem(2, Pdat(), "1"), "");
+  EXPECT_EQ(Window().chkAuto().Value(), 1);
+  EXPECT_EQ(Plugin().ChangeIntervalRem(2, Pdat(), 12), "");
+  EXPECT_EQ(Window().txtInterval().Text(), "12");
+  EXPECT_EQ(
+      TakeLog(),
+      (Texts{"[14:05:09][Rotacasts] Enable Rotacasts (New Value: 1) from admin",
+             "[14:05:09][Rotacasts] Change Rotacasts Interval (New Interval: 12) from admin"}));
+  EXPECT_EQ(State().store.ReadOption(2, "Enable"), "1");
+  const std::string other = host.MessageFile(1);
+  Load(1);
+  const std::int16_t shown = Window().chkAuto().Value();
+  Plugin().EnableRTRem(2, Pdat(), "0");
+  Plugin().ChangeIntervalRem(2, Pdat(), "5");
+  EXPECT_EQ(State().store.ReadOption(2, "Enable") + State().store.ReadOption(2, "Interval"), "05");
+  EXPECT_EQ(Window().chkAuto().Value(), shown);
+  EXPECT_EQ(host.MessageFile(1), other);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(RemoteTest, WhatTheControlsRefuseIsReportedForEveryProfile) {
+  for (const bool inWindow : {true, false}) {
+    Start({}, inWindow);
+    for (const auto& [value, number] : std::vector<std::pair<const char*, const char*>>{
+             {"3", "380"}, {"x", "13"}, {"99999", "6"}}) {
+      EXPECT_EQ(Plugin().EnableRTRem(2, Pdat(), value), "");
+      EXPECT_EQ(host.logged.back().find("EnableRTRem: " + std::string(number)), 0U)
+          << host.logged.back();
+      EXPECT_EQ(State().store.ReadOption(2, "Enable"), value);  // written before it is tried
+    }
+    EXPECT_EQ(TakeLog(), Texts{});
+  }
+}
+
+TEST_F(RemoteTest, ErrorsEndAnOperationUnderItsNameWithTheReplyAsItStood) {
+  Start({"a", "b"});
+  const std::string file = host.MessageFile(2);
+  for (const Variant& bad : {Variant(Variant::Missing{}), Variant(Variant::Null{}),
+                             Variant(Variant::Foreign{}), Variant(Variant::Array{})}) {
+    Plugin().AddMessageRem(2, Pdat(), bad);
+    Plugin().EnableRTRem(2, Pdat(), bad);
+    Plugin().ChangeIntervalRem(2, Pdat(), bad);
+    EXPECT_EQ(Plugin().MoveMessageUpRem(2, Pdat(), bad), "");
+    EXPECT_EQ(Plugin().MoveMessageDownRem(2, Pdat(), bad), "");
+    EXPECT_EQ(Plugin().DeleteMessageRem(2, Pdat(), bad), "");
+  }
+  EXPECT_EQ(host.logged.size(), 24U);
+  EXPECT_EQ(host.logged[5].find("DeleteMessageRem: 13"), 0U);
+  EXPECT_EQ(host.MessageFile(2), file);
+  host.folders.clear();  // nowhere to log
+  EXPECT_EQ(Plugin().DeleteMessageRem(2, Pdat(), 0), "1");
+  EXPECT_EQ(host.logged.back().find("DeleteMessageRem: 76"), 0U) << host.logged.back();
+  EXPECT_NE(host.boxes.back().find("Error Line: 6"), std::string::npos);
+  EXPECT_EQ(Stored(2), Texts{"b"});
+}
+
+TEST_F(RemoteTest, AProfileThatIsNotSetUpOrStoppedIsRefused) {
+  Load(2);
+  EXPECT_EQ(Plugin().AddMessageRem(99, Pdat(), "<a>"), "");
+  EXPECT_EQ(host.logged.back().find("AddMessageRem: 9 "), 0U);
+  Plugin().DisableProfile(2);
+  const std::string file = host.MessageFile(2);
+  Plugin().AddMessageRem(2, Pdat(), "<a>");
+  Plugin().EnableRTRem(2, Pdat(), "1");
+  Plugin().ChangeIntervalRem(2, Pdat(), "1");
+  Plugin().MoveMessageUpRem(2, Pdat(), 1);
+  Plugin().MoveMessageDownRem(2, Pdat(), 0);
+  Plugin().DeleteMessageRem(2, Pdat(), 0);
+  EXPECT_EQ(host.logged.size(), 7U);
+  for (std::size_t i = 1; i < 7; ++i) {
+    EXPECT_NE(host.logged[i].find(": 76 Path not found: profile 2 is stopped"), std::string::npos);
+  }
+  EXPECT_EQ(host.MessageFile(2), file);
+  EXPECT_EQ(TakeLog(), Texts{});
+  EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "|1|3");  // brings it back
+}
+
+TEST_F(RemoteTest, TheLogLiesWhereTheFlagSays) {
+  Start({});
+  Variant::Array data = *Pdat().AsArray();
+  const std::string own = "C:\\Host\\profiles\\srv2\\adminlogs\\2010-03-07.txt";
+  for (const Variant& flag : {Variant(false), Variant(1), Variant("True-ish"), Variant()}) {
+    data[pdat::kSharedLog] = flag;
+    Plugin().AddMessageRem(2, data, "<a>");
+    EXPECT_EQ(std::exchange(host.files[own], ""),
+              "[14:05:09][Rotacasts] Add Rotacast (Message: a) from admin\r\n");
+  }
+  EXPECT_FALSE(host.folders.contains("C:\\Host\\adminlogs"));
+  data[pdat::kSharedLog] = true;
+  host.now = {2011, 12, 31, 0, 0, 7};
+  Plugin().AddMessageRem(2, data, "<a>");
+  EXPECT_EQ(host.files["C:\\Host\\adminlogs\\2011-12-31.txt"],
+            "[00:00:07][Rotacasts] Add Rotacast (Message: a) from admin\r\n");
+}
+
+TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
+  Start({"a"});
+  const std::string other = host.MessageFile(1);
+  const std::string nul("nul\0byte", 8);
+  for (const std::string& text :
+       {std::string("a\r\n[Options]\r\nEnable=1"), std::string("a\n2=b"), std::string("a\rb"),
+        std::string("[Messages]"), std::string("=x"), std::string("a) from root"), nul,
+        std::string("\x1B[2J\x07"), std::string(1 << 20, 'm'), std::string("..\\..\\x")}) {
+    Variant::Array data = *Pdat().AsArray();
+    data[pdat::kAdministrator] = "eve\r\n[00:00:00]" + text;
+    const std::size_t lines = Stored(2).size();
+    Plugin().AddMessageRem(2, data, "<" + text + ">");
+    Plugin().EnableRTRem(2, data, text);
+    Plugin().ChangeIntervalRem(2, data, text);
+    for (const auto move : {&clsPlugin::MoveMessageUpRem, &clsPlugin::MoveMessageDownRem}) {
+      (Plugin().*move)(2, data, text);
+      (Plugin().*move)(2, data, "99999999999");
+      (Plugin().*move)(2, data, "2147483647");
+      (Plugin().*move)(2, data, -2147483647 - 1);
+    }
+    EXPECT_LE(Stored(2).size(), lines + 1);
+    EXPECT_EQ(host::IniText(host.MessageFile(2)).Lines("Options").size(), 2U);
+    for (const std::string& line : TakeLog()) {
+      EXPECT_EQ(line.find("[14:05:09][Rotacasts] "), 0U);
+      EXPECT_EQ(line.find_first_of(std::string("\r\n\x1B\x07\0", 5)), line.npos);
+    }
+  }
+  for (const char* folder : {"..", "..\\srv1", "a\\..\\..\\b", "a/../b", ".. ", "...", "a\nb"}) {
+    Variant::Array data = *Pdat().AsArray();
+    data[pdat::kProfileFolder] = folder;
+    data[pdat::kSharedLog] = false;
+    Plugin().AddMessageRem(2, data, "<text>");
+    EXPECT_EQ(host.logged.back().find("AddMessageRem: 76"), 0U) << folder;
+    State().profiles.SetProfileData(3, data);
+    EXPECT_EQ(State().tables.MessageFiles(3), "") << folder;
+  }
+  EXPECT_EQ(host.MessageFile(1), other);
+}
+
+}  // namespace
+}  // namespace rotacasts
