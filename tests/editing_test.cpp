@@ -269,6 +269,30 @@ TEST_F(EditingTest, TheIntervalSnapsBackToTheStoredValue) {
   EXPECT_EQ(stored(), "15");
 }
 
+TEST_F(EditingTest, AWindowThatGoesWhileABoxIsOpenIsNotMadeAnewForIt) {
+  Show({});
+  toolkit.onMessageBox = [this](const std::string&, const std::string&) {
+    Plugin().UnLoadInterface("");
+  };
+  Add("c");
+  EXPECT_EQ(Stored(2), Texts{"c"});
+  EXPECT_EQ(State().window.IfLoaded(), nullptr);
+  EXPECT_TRUE(host.logged.empty());
+}
+
+TEST_F(EditingTest, AWindowThatGoesInsideAnyCallOfARefillDoesNoHarm) {
+  for (std::size_t call = 1; call <= 3; ++call) {
+    Show({"a", "b"});
+    std::size_t number = 0;
+    host.insideCall = [&] {
+      if (++number == call) Plugin().UnLoadInterface("");
+    };
+    State().store.LoadMessages(2);
+    host.insideCall = nullptr;
+    EXPECT_EQ(State().window.IfLoaded(), nullptr);
+  }
+}
+
 TEST_F(EditingTest, WhateverArrivesWhileABoxOrAMenuIsOpenDoesNoHarm) {
   Show({"a", "b"});
   const auto wreck = [this] {

@@ -119,9 +119,12 @@ TEST_F(FormsTest, TimersRunWhileEnabledAndHaveAnInterval) {
   EXPECT_EQ(timers.NextDue(), first);
   EXPECT_EQ(timers.RunDue(*first - Clock::duration(1)), 0);
   timers.RunDue(*first + milliseconds(10));  // late by ten periods: one tick, not ten
+  timers.RunDue(*first + milliseconds(10));
   EXPECT_EQ(ticks, (std::vector<int>{1}));
   form->Timers().SetEnabled(1, false);
   EXPECT_FALSE(timers.NextDue());
+  form->Timers().Tick(1);  // one that was under way already
+  EXPECT_EQ(ticks.size(), 1U);
 }
 
 TEST_F(FormsTest, ATickMayUnloadItsOwnTimerAndAnothersThatIsDue) {
