@@ -1,7 +1,10 @@
 #include "platform/conversions.h"
 
-#include <charconv>
+#include <algorithm>
+#include <clocale>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 
@@ -20,6 +23,10 @@ struct Overloaded : Cases... {
 };
 template <class... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
+
+/// The decimal point of the C library in this process, which its host may have set. The library's
+/// conversions without one would make a small component half as large again.
+char DecimalPoint() { return *std::localeconv()->decimal_point; }
 
 /// A decimal number as the text spells it, ready for the standard parser; nothing if it is none.
 std::optional<std::string> DecimalSpelling(std::string_view text) {
@@ -61,15 +68,11 @@ std::optional<std::string> DecimalSpelling(std::string_view text) {
 
 /// Errors: 13 for a text that is no number, 6 for one beyond the range of a double.
 double ParseNumber(std::string_view text) {
-  const std::optional<std::string> spelling = DecimalSpelling(text);
+  std::optional<std::string> spelling = DecimalSpelling(text);
   if (!spelling) RaiseMismatch();
-  double number = 0;
-  const auto [end, problem] =
-      std::from_chars(spelling->data(), spelling->data() + spelling->size(), number);
-  if (problem == std::errc::result_out_of_range) {
-    if (spelling->find("e-") != std::string::npos) return 0;
-    throw RuntimeError(ErrorNumber::Overflow);
-  }
+  std::replace(spelling->begin(), spelling->end(), '.', DecimalPoint());
+  const double number = std::strtod(spelling->c_str(), nullptr);
+  if (std::isinf(number)) throw RuntimeError(ErrorNumber::Overflow);
   return number;
 }
 
@@ -148,20 +151,16 @@ bool EqualsTrue(const Variant& value) {
 
 std::string FormatNumber(double number) {
   char buffer[32];
-  const auto end =
-      std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::general, 15);
-  std::string text(buffer, end.ptr);
-  for (char& letter : text) {
-    if (letter == 'e') letter = 'E';
-  }
+  std::snprintf(buffer, sizeof buffer, "%.15G", number);
+  std::string text = buffer;
+  std::replace(text.begin(), text.end(), DecimalPoint(), '.');
   return text;
 }
 
 std::string FormatTwoDecimals(double number) {
-  char buffer[350];  // the widest double has 309 digits before the point
-  const auto end =
-      std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed, 2);
-  return {buffer, end.ptr};
+  const auto hundredths = std::llround(number * 100);
+  const std::string digits = std::to_string(std::abs(hundredths) % 100 + 100).substr(1);
+  return (hundredths < 0 ? "-" : "") + std::to_string(std::abs(hundredths / 100)) + "." + digits;
 }
 
 double RoundToTwoDecimals(double number) {

@@ -31,7 +31,7 @@ bool EqualsTrue(const Variant& value);
 
 /// Plain decimal with up to 15 significant digits and "." as the decimal point: 2, 0.5, -33.33.
 std::string FormatNumber(double number);
-/// Exactly two decimals: 2 as "2.00".
+/// Exactly two decimals: 2 as "2.00". For numbers up to 10^16.
 std::string FormatTwoDecimals(double number);
 /// `number` rounded to two decimals: scaled by 100, rounded with halves to the even neighbour.
 double RoundToTwoDecimals(double number);

@@ -1,0 +1,108 @@
+// The few owners of COM things that this room needs.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "platform/win32/windows_api.h"
+
+namespace rotacasts::win32 {
+
+/// Holds a reference to a COM object.
+template <class Interface>
+class ComPtr {
+ public:
+  ComPtr() = default;
+  /// Takes over a reference that the caller holds.
+  static ComPtr Take(Interface* object) {
+    ComPtr pointer;
+    pointer.object_ = object;
+    return pointer;
+  }
+  ComPtr(const ComPtr& other) : object_(other.object_) {
+    if (object_ != nullptr) object_->AddRef();
+  }
+  ComPtr(ComPtr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+  ComPtr& operator=(ComPtr other) noexcept {
+    std::swap(object_, other.object_);
+    return *this;
+  }
+  ~ComPtr() {
+    if (object_ != nullptr) object_->Release();
+  }
+
+  Interface* Get() const { return object_; }
+  Interface* operator->() const { return object_; }
+  explicit operator bool() const { return object_ != nullptr; }
+  /// Hands the reference to the caller.
+  Interface* Detach() { return std::exchange(object_, nullptr); }
+  /// Where a function that answers a reference puts it; drops what was held.
+  Interface** Receive() {
+    *this = ComPtr();
+    return &object_;
+  }
+  void** ReceiveVoid() { return reinterpret_cast<void**>(Receive()); }
+
+ private:
+  Interface* object_ = nullptr;
+};
+
+/// UTF-8 to UTF-16 and back; what is malformed becomes the replacement character.
+std::wstring ToWide(std::string_view text);
+std::string FromWide(std::wstring_view text);
+
+/// Owns a BSTR. A null one is no text at all, as opposed to an empty one.
+class Bstr {
+ public:
+  Bstr() = default;
+  explicit Bstr(std::string_view text);
+  Bstr(const Bstr&) = delete;
+  Bstr& operator=(const Bstr&) = delete;
+  ~Bstr() { ::SysFreeString(text_); }
+
+  BSTR Get() const { return text_; }
+  BSTR* Address() { return &text_; }
+  BSTR Release() { return std::exchange(text_, nullptr); }
+
+ private:
+  BSTR text_ = nullptr;
+};
+
+/// The text of a BSTR, which may be null.
+std::string FromBstr(BSTR text);
+
+/// Owns a VARIANT.
+class ComVariant {
+ public:
+  ComVariant() { ::VariantInit(&value_); }
+  /// Takes the value over.
+  explicit ComVariant(const VARIANT& value) : value_(value) {}
+  ComVariant(ComVariant&& other) noexcept : value_(other.Release()) {}
+  ComVariant& operator=(ComVariant other) noexcept {
+    std::swap(value_, other.value_);
+    return *this;
+  }
+  ~ComVariant() {
+    // Numbers own nothing; a call into the system for each read of memory would.
+    if (value_.vt > VT_DATE && value_.vt != VT_BOOL && value_.vt != VT_ERROR) {
+      ::VariantClear(&value_);
+    }
+  }
+
+  const VARIANT& Get() const { return value_; }
+  VARIANT* Address() { return &value_; }
+  VARIANT Release() {
+    const VARIANT value = value_;
+    ::VariantInit(&value_);
+    return value;
+  }
+
+ private:
+  VARIANT value_;
+};
+
+/// The system's words for a result code.
+std::string DescribeResult(HRESULT result);
+
+}  // namespace rotacasts::win32
