@@ -1,0 +1,17 @@
+// Owns a window and waits to be ended, so that Wine's daemons and desktop stay. Writes to the file
+// that its argument names once the window is there.
+
+#include <cstdio>
+
+#include "platform/win32/windows_api.h"
+
+int main(int argc, char** argv) {
+  ::CreateWindowExW(0, L"STATIC", L"keeper", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr,
+                    nullptr);
+  if (std::FILE* ready = argc > 1 ? std::fopen(argv[1], "w") : nullptr) {
+    std::fputs("kept\n", ready);
+    std::fclose(ready);
+  }
+  MSG message;
+  while (::GetMessageW(&message, nullptr, 0, 0) > 0) ::DispatchMessageW(&message);
+}
