@@ -1,0 +1,43 @@
+// The two sibling components as COM objects that are called by member name, and their registration
+// for the plugin that this process hosts.
+#pragma once
+
+#include "platform/components.h"
+#include "platform/win32/com_support.h"
+
+namespace rotacasts::host {
+
+/// An object whose members are the component's operations, their names in any letter case. What
+/// the component leaves in a by-reference argument is written back; an error that it raises is
+/// answered as DISP_E_EXCEPTION with the error's number and description. The component stays the
+/// caller's and outlives the object.
+win32::ComPtr<IDispatch> MakeMemoryObject(MemoryComponent& component);
+win32::ComPtr<IDispatch> MakeUtilityObject(UtilityComponent& component);
+
+/// Makes an object creatable by its programmatic identifier within this process, for as long as the
+/// registration lives: every creation answers this one object. A class identifier that the machine
+/// already knows for the name is used; else `classId` is recorded for it, and stays recorded.
+class ObjectRegistration {
+ public:
+  /// COM is initialised on the calling thread. Error 429 with the reason when it is refused.
+  ObjectRegistration(const char* progId, const wchar_t* classId, win32::ComPtr<IDispatch> object);
+  ~ObjectRegistration();
+  ObjectRegistration(const ObjectRegistration&) = delete;
+  ObjectRegistration& operator=(const ObjectRegistration&) = delete;
+
+ private:
+  DWORD cookie_ = 0;
+};
+
+/// Both components, creatable by the plugin within this process. They outlive the registration and
+/// whoever has created them.
+class SiblingRegistration {
+ public:
+  SiblingRegistration(MemoryComponent& memory, UtilityComponent& utility);
+
+ private:
+  ObjectRegistration memory_;
+  ObjectRegistration utility_;
+};
+
+}  // namespace rotacasts::host
