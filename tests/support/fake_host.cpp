@@ -117,7 +117,7 @@ class FakeUtility final : public UtilityComponent {
   }
   void AppendFile(const std::string& file, const std::string& text) override {
     host_.Called("AppendFile(" + file + ", " + text + ")");
-    host_.files.at(file) += text + "\r\n";
+    host_.files[file] += text + "\r\n";
   }
   void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                 std::int32_t& line) override {
@@ -175,16 +175,23 @@ std::string& FakeHost::MessageFile(int index) {
   return files[PathOf(index)];
 }
 
+std::unique_ptr<MemoryComponent> MakeFakeMemory(FakeHost& host) {
+  return std::make_unique<FakeMemory>(host);
+}
+std::unique_ptr<UtilityComponent> MakeFakeUtility(FakeHost& host) {
+  return std::make_unique<FakeUtility>(host);
+}
+
 struct PluginHarness::Fakes final : public ComponentFactory, public Module, public LocalClock {
   explicit Fakes(FakeHost& fakeHost) : host(fakeHost) {}
   std::unique_ptr<UtilityComponent> CreateUtility() override {
     if (!host.hasUtility) throw RuntimeError(ErrorNumber::CannotCreateComponent);
-    return std::make_unique<FakeUtility>(host);
+    return MakeFakeUtility(host);
   }
   std::unique_ptr<MemoryComponent> CreateMemory() override {
     host.calls.emplace_back("create memory component");
     if (!host.hasMemory) throw RuntimeError(ErrorNumber::CannotCreateComponent);
-    return std::make_unique<FakeMemory>(host);
+    return MakeFakeMemory(host);
   }
   std::unique_ptr<FileSystemObject> CreateFileSystem() override {
     return std::make_unique<FakeFileSystem>(host);
@@ -196,7 +203,6 @@ struct PluginHarness::Fakes final : public ComponentFactory, public Module, publ
 };
 
 PluginHarness::PluginHarness() : fakes_(std::make_shared<Fakes>(host)) {
-  host.files["C:\\Host\\settings\\config.ini"] = "[Settings]\r\nReportErrors=0\r\n";
   toolkit.onMessageBox = [this](const std::string& text, const std::string& title) {
     host.boxes.push_back(title + "|" + text);
   };
@@ -215,7 +221,7 @@ clsPlugin& PluginHarness::Plugin() {
   return *plugin_;
 }
 
-Variant PluginHarness::Data(std::int32_t index, const std::string& gameCode) {
+Variant ProfileData(std::int32_t index, const std::string& gameCode) {
   Variant::Array data(pdat::kSize);
   data[pdat::kGameCode] = gameCode;
   data[pdat::kProcessHandle] = 100 + index % 1000;

@@ -25,7 +25,8 @@ struct FakeHost {
 
   std::map<std::int32_t, std::int32_t> longs;  // address to value; a missing one fails the read
   std::map<std::int32_t, std::string> texts;
-  std::map<std::string, std::string> files;  // path to bytes
+  std::map<std::string, std::string> files = {  // path to bytes
+      {"C:\\Host\\settings\\config.ini", "[Settings]\r\nReportErrors=0\r\n"}};
   std::set<std::string> folders;
   LocalTime now{2010, 3, 7, 14, 5, 9};
   std::string moduleFolder = "C:\\Host\\Plugins";
@@ -43,6 +44,13 @@ struct FakeHost {
   std::string& MessageFile(int index);
 };
 
+/// The sibling components of the fake host, which outlives them.
+std::unique_ptr<MemoryComponent> MakeFakeMemory(FakeHost& host);
+std::unique_ptr<UtilityComponent> MakeFakeUtility(FakeHost& host);
+
+/// A profile data array: folder "srvN", process handle 100 + N, message target 4000 + N.
+Variant ProfileData(std::int32_t index, const std::string& gameCode);
+
 /// A plugin composed on the fakes, with the forms of the headless toolkit.
 class PluginHarness {
  public:
@@ -52,8 +60,9 @@ class PluginHarness {
   PluginState& State();
   clsPlugin& Plugin();
 
-  /// A profile data array: folder "srvN", process handle 100 + N, message target 4000 + N.
-  static Variant Data(std::int32_t index, const std::string& gameCode);
+  static Variant Data(std::int32_t index, const std::string& gameCode) {
+    return ProfileData(index, gameCode);
+  }
   void Load(std::int32_t index, const std::string& gameCode = "JO") {
     Plugin().LoadInterface(index, 77, Data(index, gameCode));
   }

@@ -1,0 +1,274 @@
+// The DLL as COM sees it: registration, type library, every way to call a member.
+
+#include <set>
+
+#include "component/win32/identities.h"
+#include "component/win32/plugin_interface.h"
+#include "platform/conversions.h"
+#include "platform/win32/variant_conversion.h"
+#include "support/component_test.h"
+
+namespace rotacasts {
+namespace {
+
+using testing::ComponentTest;
+using testing::ErrorOf;
+using testing::MessageFileBytes;
+using testing::PathOf;
+using win32::Bstr;
+using win32::ComPtr;
+using win32::ComVariant;
+using win32::PluginRecord;
+
+GUID Identifier(const wchar_t* text) {
+  GUID id{};
+  ::CLSIDFromString(text, &id);
+  return id;
+}
+
+ComPtr<win32::_clsPlugin> DualOf(const win32::LateBound& plugin) {
+  ComPtr<win32::_clsPlugin> dual;
+  plugin.Get()->QueryInterface(Identifier(win32::kInterfaceIdText), dual.ReceiveVoid());
+  return dual;
+}
+
+TEST_F(ComponentTest, RegistersItsClassAndItsLibraryAndTakesThemBack) {
+  ComPtr<ITypeLib> library;
+  const GUID libraryId = Identifier(win32::kLibraryIdText);
+  EXPECT_EQ(::LoadRegTypeLib(libraryId, 1, 0, 0, library.Receive()), S_OK);
+  CLSID classId;
+  EXPECT_EQ(::CLSIDFromProgID(win32::kProgId, &classId), S_OK);
+  EXPECT_TRUE(IsEqualCLSID(classId, Identifier(win32::kClassIdText)));
+
+  ASSERT_EQ(installed.CallEntry("DllUnregisterServer"), S_OK);
+  EXPECT_NE(::CLSIDFromProgID(win32::kProgId, &classId), S_OK);
+  EXPECT_NE(::LoadRegTypeLib(libraryId, 1, 0, 0, library.Receive()), S_OK);
+  HKEY left = nullptr;
+  const std::wstring key = std::wstring(L"CLSID\\") + win32::kClassIdText;
+  EXPECT_EQ(::RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &left),
+            ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(installed.CallEntry("DllUnregisterServer"), S_OK) << "twice is no error";
+  EXPECT_EQ(installed.CallEntry("DllRegisterServer"), S_OK);
+}
+
+TEST_F(ComponentTest, TheTypeLibraryDeclaresTheMembersUnderTheirIdentifiers) {
+  const std::map<std::string, DISPID> members = {
+      {"GetData", 0x60030003},           {"GetPrivis", 0x60030004},
+      {"LoadInterface", 0x60030005},     {"UnLoadInterface", 0x60030006},
+      {"DisableProfile", 0x60030007},    {"GetMessagesRem", 0x60030009},
+      {"AddMessageRem", 0x6003000A},     {"EnableRTRem", 0x6003000B},
+      {"ChangeIntervalRem", 0x6003000C}, {"MoveMessageDownRem", 0x6003000D},
+      {"MoveMessageUpRem", 0x6003000E},  {"DeleteMessageRem", 0x6003000F},
+      {"HideInterface", 0x60030010}};
+  ComPtr<ITypeInfo> info;
+  ASSERT_EQ(plugin->Get()->GetTypeInfo(0, 0, info.Receive()), S_OK);
+  for (const auto& [name, id] : members) {
+    std::wstring wide = win32::ToWide(name);
+    LPOLESTR asked = wide.data();
+    MEMBERID found = DISPID_UNKNOWN;
+    EXPECT_EQ(info->GetIDsOfNames(&asked, 1, &found), S_OK) << name;
+    EXPECT_EQ(found, id) << name;
+    for (wchar_t& letter : wide) letter = static_cast<wchar_t>(::towupper(letter));
+    EXPECT_EQ(plugin->Identify(win32::FromWide(wide).c_str()), id) << name;
+  }
+  EXPECT_EQ(ErrorOf([&] { plugin->Identify("GetDat"); }), 438);
+}
+
+TEST_F(ComponentTest, TheDescriptorIsTheSameRecordThroughBothInterfaces) {
+  const ComVariant result = plugin->Invoke(0x60030003, nullptr, 0);
+  ASSERT_EQ(result.Get().vt, VT_RECORD);
+  const auto* record = static_cast<const PluginRecord*>(result.Get().pvRecord);
+  EXPECT_STREQ(record->Name, L"Rotacasts");
+  EXPECT_STREQ(record->File, L"tvxRT.dll");
+  EXPECT_STREQ(record->Version, L"1.0.0");  // from the version resource
+  EXPECT_STREQ(record->MinTVXVer, L"31103");
+  EXPECT_EQ(record->HasPrivis, VARIANT_TRUE);
+  EXPECT_EQ(record->MainMenu, VARIANT_FALSE);
+  EXPECT_EQ(record->ProfileMenuItems.vt, VT_EMPTY);
+  EXPECT_EQ(record->Game.vt, VT_ARRAY | VT_BSTR);
+  EXPECT_EQ(ToText(win32::FromVariant(record->Game).At(0)), "Delta Force,  V1.5.0.5");
+  ULONG size = 0;
+  EXPECT_EQ(result.Get().pRecInfo->GetSize(&size), S_OK);
+  EXPECT_EQ(size, sizeof(PluginRecord));
+  VARIANT name;
+  ::VariantInit(&name);
+  void* inside = nullptr;
+  ASSERT_EQ(result.Get().pRecInfo->GetFieldNoCopy(result.Get().pvRecord, L"HelpFile", &name,
+                                                  &inside),
+            S_OK);
+  EXPECT_STREQ(*name.pbstrVal, L"tvxRT_help.chm");
+
+  PluginRecord second{};
+  ASSERT_EQ(DualOf(*plugin)->GetData(&second), S_OK);
+  EXPECT_STREQ(second.Description, record->Description);
+  EXPECT_NE(second.Game.parray, record->Game.parray) << "each call's arrays are its own";
+  result.Get().pRecInfo->RecordClear(&second);
+  EXPECT_EQ(ToText(Call("GetPrivis", {}).At(1)), "Add/Remove Rotacasts|1");
+}
+
+TEST_F(ComponentTest, ArgumentsArriveHoweverTheyAreWrapped) {
+  host.MessageFile(2) = MessageFileBytes({"a", "b", "c"});
+  Load(2);
+  const ComPtr<win32::_clsPlugin> dual = DualOf(*plugin);
+  const ComVariant data = win32::ToVariant(testing::ProfileData(2, "JO"));
+  VARIANT position = win32::ToVariant(std::int32_t{0}).Release();
+  Bstr reply;
+  // By value, through the dual interface.
+  ASSERT_EQ(dual->MoveMessageDownRem(2, data.Get(), position, reply.Address()), S_OK);
+  EXPECT_STREQ(reply.Get(), L"1");
+
+  // By reference, nested twice, under a name in capitals; the last argument comes first.
+  VARIANT inner = data.Get();
+  VARIANT outer;
+  ::VariantInit(&outer);
+  outer.vt = VT_BYREF | VT_VARIANT;
+  outer.pvarVal = &inner;
+  LONG index = 2;
+  VARIANT indexReference;
+  ::VariantInit(&indexReference);
+  indexReference.vt = VT_BYREF | VT_I4;
+  indexReference.plVal = &index;
+  VARIANT values[] = {indexReference, outer, win32::TextArgument("1").Argument()};
+  Bstr one("1");
+  values[2].vt = VT_BSTR;
+  values[2].bstrVal = one.Get();
+  const DISPID up = plugin->Identify("MOVEMESSAGEUPREM");
+  EXPECT_EQ(ToText(win32::FromVariant(plugin->Invoke(up, values, 3).Get())), "1");
+  EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a", "b", "c"}));
+
+  // Omitted at the end, and as a value that says so: the operation asks for it and reports.
+  const DISPID remove = plugin->Identify("DeleteMessageRem");
+  values[0] = win32::NumberArgument(2).Argument();
+  plugin->Invoke(remove, values, 2);
+  values[2] = win32::ToVariant(Variant(Variant::Missing{})).Release();
+  plugin->Invoke(remove, values, 3);
+  EXPECT_EQ(host.logged.size(), 2U);
+  EXPECT_EQ(user.boxes.size(), 2U);
+  EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a", "b", "c"}));
+}
+
+TEST_F(ComponentTest, CallsThatMakeNoSenseAreRefusedWithTheirReason) {
+  struct Row {
+    const char* member;
+    std::vector<Variant> arguments;
+    HRESULT expected;
+    WORD flags = DISPATCH_METHOD;
+  };
+  const Variant none = Variant::Missing{};
+  for (const Row& row : std::initializer_list<Row>{
+           {"GetPrivis", {1}, DISP_E_BADPARAMCOUNT},
+           {"DisableProfile", {}, DISP_E_PARAMNOTOPTIONAL},
+           {"DisableProfile", {none}, DISP_E_PARAMNOTOPTIONAL},
+           {"DisableProfile", {"two"}, DISP_E_TYPEMISMATCH},
+           {"DisableProfile", {"3000000000"}, DISP_E_OVERFLOW},
+           {"UnLoadInterface", {Variant::Array{1}}, DISP_E_TYPEMISMATCH},
+           {"GetMessagesRem", {1, 2, 3, 4}, DISP_E_BADPARAMCOUNT},
+           {"GetPrivis", {}, DISP_E_MEMBERNOTFOUND, DISPATCH_PROPERTYPUT}}) {
+    std::vector<ComVariant> owned;
+    std::vector<VARIANT> reversed;
+    for (const Variant& argument : row.arguments) owned.push_back(win32::ToVariant(argument));
+    for (const ComVariant& value : owned) reversed.insert(reversed.begin(), value.Get());
+    DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
+    EXPECT_EQ(plugin->Get()->Invoke(plugin->Identify(row.member), IID_NULL, 0, row.flags,
+                                    &parameters, nullptr, nullptr, nullptr),
+              row.expected)
+        << row.member << " with " << row.arguments.size();
+  }
+  EXPECT_TRUE(host.logged.empty() && user.boxes.empty());
+}
+
+/// Refuses to create windows of the form's class while it lives.
+class NoForms {
+ public:
+  NoForms() : hook_(::SetWindowsHookExW(WH_CBT, Refuse, nullptr, ::GetCurrentThreadId())) {}
+  ~NoForms() { ::UnhookWindowsHookEx(hook_); }
+
+ private:
+  static LRESULT CALLBACK Refuse(int code, WPARAM window, LPARAM) {
+    wchar_t name[40] = L"";
+    if (code == HCBT_CREATEWND) ::GetClassNameW(reinterpret_cast<HWND>(window), name, 40);
+    return std::wstring(name) == L"rotacasts.form" ? 1 : 0;
+  }
+  HHOOK hook_;
+};
+
+TEST_F(ComponentTest, OnlyHidingAnswersAFailureToItsCaller) {
+  const NoForms noForms;
+  EXCEPINFO exception{};
+  DISPPARAMS none{};
+  EXPECT_EQ(plugin->Get()->Invoke(0x60030010, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr,
+                                  &exception, nullptr),
+            DISP_E_EXCEPTION);
+  EXPECT_EQ(exception.scode, win32::ResultOf(7));
+  const Bstr empty;
+  EXPECT_STREQ(exception.bstrSource, L"tvxRT.clsPlugin");
+  EXPECT_NE(::SysStringLen(exception.bstrDescription), 0U);
+  ::SysFreeString(exception.bstrSource);
+  ::SysFreeString(exception.bstrDescription);
+  EXPECT_EQ(DualOf(*plugin)->HideInterface(empty.Get()), win32::ResultOf(7));
+  ComPtr<IErrorInfo> info;
+  EXPECT_EQ(::GetErrorInfo(0, info.Receive()), S_OK) << "through the dual interface as well";
+
+  Load(2);  // reports instead
+  EXPECT_EQ(host.logged.size(), 1U);
+  EXPECT_EQ(user.boxes.size(), 1U);
+}
+
+/// What both kinds of plugin are put through; `call` calls a member, `load` loads profile 2.
+template <class Load, class Call>
+void LiveALittle(testing::FakeHost& host, Load load, Call call) {
+  const Variant data = testing::ProfileData(2, "JO");
+  load();
+  call("GetMessagesRem", data, Variant(Variant::Missing{}));
+  call("AddMessageRem", data, Variant("<Gr\xC3\xBC\xC3\x9F" "e>"));
+  call("MoveMessageUpRem", data, Variant(std::int32_t{2}));
+  call("ChangeIntervalRem", data, Variant(std::int16_t{5}));
+  call("EnableRTRem", data, Variant("0"));
+  call("DeleteMessageRem", data, Variant(0.6));
+  host.failAtCall = 2;
+  call("AddMessageRem", data, Variant("<x>"));
+}
+
+TEST_F(ComponentTest, TheComponentsAreCalledAsTheCoreCallsThemArgumentForArgument) {
+  const std::string before = MessageFileBytes({"a", "{ShowNextMap}"});
+  testing::PluginHarness native;
+  for (testing::FakeHost* each : {&host, &native.host}) {
+    each->MessageFile(2) = before;
+    each->writesBack = true;
+    each->folders.insert("C:\\Host");
+  }
+  LiveALittle(host, [&] { Load(2); },
+              [&](const char* member, const Variant& data, const Variant& argument) {
+                Call(member, {2, data, argument});
+              });
+  using Operation = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
+  const std::map<std::string, Operation> operations = {
+      {"GetMessagesRem", &clsPlugin::GetMessagesRem},
+      {"AddMessageRem", &clsPlugin::AddMessageRem},
+      {"EnableRTRem", &clsPlugin::EnableRTRem},
+      {"ChangeIntervalRem", &clsPlugin::ChangeIntervalRem},
+      {"MoveMessageUpRem", &clsPlugin::MoveMessageUpRem},
+      {"DeleteMessageRem", &clsPlugin::DeleteMessageRem}};
+  LiveALittle(native.host, [&] { native.Load(2); },
+              [&](const char* member, const Variant& data, const Variant& argument) {
+                (native.Plugin().*operations.at(member))(2, data, argument);
+              });
+  const auto siblingCalls = [](const testing::FakeHost& called) {
+    std::vector<std::string> calls;
+    for (const std::string& call : called.calls) {
+      const bool ofTheSystem = call.starts_with("Create") || call.starts_with("create");
+      // The day's log has the day's name.
+      calls.push_back(call.starts_with("AppendFile") ? "AppendFile" : call);
+      if (ofTheSystem) calls.pop_back();
+    }
+    return calls;
+  };
+  EXPECT_EQ(siblingCalls(host), siblingCalls(native.host));
+  EXPECT_GT(host.calls.size(), 20U);
+  EXPECT_EQ(host.MessageFile(2), native.host.MessageFile(2));
+  EXPECT_EQ(host.logged, native.host.logged);
+  EXPECT_EQ(user.boxes.size(), native.host.boxes.size());
+}
+
+}  // namespace
+}  // namespace rotacasts

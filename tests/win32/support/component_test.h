@@ -1,0 +1,58 @@
+// A host process for the DLL: fakes for the sibling components, a frame window, a person at the
+// screen.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "host/win32/sibling_objects.h"
+#include "support/fake_host.h"
+#include "support/installed_plugin.h"
+#include "support/user.h"
+
+namespace rotacasts::testing {
+
+/// The host's own window, which the settings window is put into.
+class Frame {
+ public:
+  Frame();
+  ~Frame() { ::DestroyWindow(window_); }
+  Frame(const Frame&) = delete;
+  Frame& operator=(const Frame&) = delete;
+  HWND Get() const { return window_; }
+
+ private:
+  HWND window_;
+};
+
+/// The one installation that the program's tests share.
+InstalledPlugin& Installed();
+
+/// Each test begins with a plugin of no state, and ends by asserting that nothing holds the DLL.
+class ComponentTest : public ::testing::Test {
+ protected:
+  ~ComponentTest() override;
+
+  /// Calls a member by its name; what it raises is raised here.
+  Variant Call(const char* member, std::vector<Variant> arguments) const;
+  void Load(std::int32_t index, const std::string& gameCode = "JO") const;
+
+  /// The settings window; null while it is not in the frame.
+  HWND Form() const;
+  /// The window of a control of the layout, found by its class and by its place on the form to the
+  /// pixel; null, and a failure, when there is none.
+  HWND Control(const char* name) const;
+  HWND AddButton() const;
+  std::string TextOf(const char* control) const;
+  std::vector<std::string> Rows() const;
+
+  InstalledPlugin& installed = Installed();
+  FakeHost host;
+  const std::unique_ptr<MemoryComponent> memory = MakeFakeMemory(host);
+  const std::unique_ptr<UtilityComponent> utility = MakeFakeUtility(host);
+  std::optional<host::SiblingRegistration> siblings{std::in_place, *memory, *utility};
+  AnsweringUser user;
+  std::optional<Frame> frame{std::in_place};
+  std::optional<win32::LateBound> plugin{InstalledPlugin::Create()};
+};
+
+}  // namespace rotacasts::testing

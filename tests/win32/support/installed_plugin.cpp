@@ -1,0 +1,50 @@
+#include "support/installed_plugin.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include "platform/win32/com_support.h"
+
+namespace rotacasts::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path OwnFolder() {
+  wchar_t path[MAX_PATH];
+  ::GetModuleFileNameW(nullptr, path, MAX_PATH);
+  return fs::path(path).parent_path();
+}
+
+}  // namespace
+
+InstalledPlugin::InstalledPlugin() {
+  const fs::path host = hostFolder_;
+  fs::create_directories(host / "Plugins");
+  fs::copy_file(OwnFolder() / "tvxRT.dll", host / "Plugins" / "tvxRT.dll",
+                fs::copy_options::overwrite_existing);
+  // Whether a file exists is the system's word, what is in it the fakes'.
+  for (const char* profile : {"srv1", "srv2", "srv3"}) {
+    const fs::path settings = host / "profiles" / profile / "settings";
+    fs::create_directories(settings);
+    std::ofstream(settings / "Rotacasts.ini");
+  }
+  module_ = ::LoadLibraryW(win32::ToWide(File()).c_str());
+  if (module_ == nullptr) throw RuntimeError(ErrorNumber::FileNotFound, File());
+  if (FAILED(CallEntry("DllRegisterServer"))) throw RuntimeError(ErrorNumber::PermissionDenied);
+}
+
+InstalledPlugin::~InstalledPlugin() {
+  CallEntry("DllUnregisterServer");
+  ::FreeLibrary(module_);
+  std::error_code ignored;
+  fs::remove_all(hostFolder_, ignored);
+}
+
+HRESULT InstalledPlugin::CallEntry(const char* name) const {
+  const FARPROC entry = ::GetProcAddress(module_, name);
+  if (entry == nullptr) return E_NOTIMPL;
+  return reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(entry))();
+}
+
+}  // namespace rotacasts::testing

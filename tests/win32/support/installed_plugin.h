@@ -1,0 +1,34 @@
+// The DLL as an administrator installs it: in a host folder's Plugins folder, registered.
+#pragma once
+
+#include <string>
+
+#include "platform/win32/late_bound.h"
+
+namespace rotacasts::testing {
+
+/// Copies the DLL that lies beside the test program into a host folder, and registers it for as
+/// long as the object lives. The folders of the profiles 1 to 3 are there, each with an empty
+/// message file.
+class InstalledPlugin {
+ public:
+  InstalledPlugin();
+  ~InstalledPlugin();
+  InstalledPlugin(const InstalledPlugin&) = delete;
+  InstalledPlugin& operator=(const InstalledPlugin&) = delete;
+
+  /// Without a trailing backslash.
+  const std::string& HostFolder() const { return hostFolder_; }
+  std::string File() const { return hostFolder_ + "\\Plugins\\tvxRT.dll"; }
+  /// Calls an entry point without arguments.
+  HRESULT CallEntry(const char* name) const;
+
+  /// A new object of the plugin's class, by its programmatic identifier.
+  static win32::LateBound Create() { return win32::LateBound::Create("tvxRT.clsPlugin"); }
+
+ private:
+  const std::string hostFolder_ = "C:\\Host";  // as the fakes have it
+  HMODULE module_ = nullptr;
+};
+
+}  // namespace rotacasts::testing
