@@ -11,8 +11,10 @@
 #include <memory>
 
 #include "duel.h"
-#include "host/server_host.h"
+#include "host/host_platform.h"
 #include "host_folder_files.h"
+#include "platform/headless/headless_toolkit.h"
+#include "plugin/cls_plugin.h"
 #include "stats/player_scan.h"
 #include "support/child_process.h"
 

@@ -9,6 +9,7 @@
 
 #include "host/console.h"
 #include "host/game_processes.h"
+#include "host/headless_plugin.h"
 #include "host/simulator/game_image.h"
 #include "platform/text.h"
 #include "support/fake_host.h"
@@ -179,20 +180,28 @@ class ConsoleTest : public ::testing::Test {
  protected:
   /// Runs console lines on a host of the folder and answers what was printed since.
   std::string Execute(std::initializer_list<const char*> lines) {
-    if (!host_) {
-      host_ =
-          std::make_unique<ServerHost>(HostOptions{folder.Path(), std::chrono::minutes(1)}, out_);
-      host_->LoadEveryProfile();
+    if (!running_) {
+      running_ = std::make_unique<Running>(folder, out_);
+      running_->host.LoadEveryProfile();
     }
-    Console console(*host_, out_);
+    Console console(running_->host, out_);
     for (const char* line : lines) console.Execute(line);
     return std::exchange(out_, std::ostringstream()).str();
   }
   HostFolder folder;
 
  private:
+  struct Running {
+    Running(const HostFolder& of, std::ostream& out)
+        : watch(of.Path(), out),
+          plugin(watch.Components(), std::chrono::minutes(1), out),
+          host(watch, plugin, HeadlessPlugin::Area(), HostOptions{of.Path()}, out) {}
+    ProfileWatch watch;
+    HeadlessPlugin plugin;
+    ServerHost host;
+  };
   std::ostringstream out_;
-  std::unique_ptr<ServerHost> host_;
+  std::unique_ptr<Running> running_;
 };
 
 TEST_F(ConsoleTest, OneBadProfileLeavesTheOthersGoing) {

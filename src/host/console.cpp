@@ -105,8 +105,8 @@ const Console::Command Console::kCommands[] = {
        const std::int32_t profile = arguments.Number();
        const std::string operation = arguments.Word();
        const std::optional<std::string> data = arguments.Rest();
-       const std::string reply =
-           console.host_.Remote(profile, operation, data ? Variant(*data) : clsPlugin::kOmitted);
+       const Variant value = data ? Variant(*data) : Variant(Variant::Missing{});
+       const std::string reply = console.host_.Remote(profile, operation, value);
        console.out_ << '"' << reply << "\"\n";
      }},
     {"status", "a line a profile: game, options, ticks counted, next message",
@@ -114,6 +114,11 @@ const Console::Command Console::kCommands[] = {
     {"help", "this list", [](Console& console, Arguments) { console.PrintHelp(); }},
     {"quit", "end the host", [](Console& console, Arguments) { console.goesOn_ = false; }},
 };
+
+void Console::Start() {
+  const std::size_t started = host_.LoadEveryProfile();
+  out_ << "profiles started: " << started << "; \"help\" lists the commands\n" << std::flush;
+}
 
 bool Console::Execute(const std::string& line) {
   try {

@@ -13,6 +13,8 @@ class Console {
  public:
   Console(ServerHost& host, std::ostream& out) : host_(host), out_(out) {}
 
+  /// Starts every profile and says how to go on.
+  void Start();
   /// Carries out one line; false once the person wants to quit. An error is printed, with the way
   /// out, and changes nothing else.
   bool Execute(const std::string& line);

@@ -5,9 +5,9 @@
 #include <iostream>
 
 #include "host/check.h"
-#include "host/console.h"
-#include "host/event_loop.h"
 #include "host/native_files.h"
+#include "host/program_arguments.h"
+#include "host/run_host.h"
 #include "host/version.h"
 #include "store/profile_paths.h"
 
@@ -31,32 +31,29 @@ HostOptions OptionsOf(const CommandLine& line) {
 }
 
 int Run(const CommandLine& line) {
-  ServerHost host(OptionsOf(line), std::cout);
-  if (host.Profiles().empty()) {
+  const HostOptions options = OptionsOf(line);
+  ProfileWatch watch(options.folder, std::cout);
+  if (watch.Profiles().empty()) {
     std::cerr << line.folder
               << " has no usable profile; each needs a file profiles/NAME/profile.ini "
               << "with the section [Profile] and the keys Index, GameCode, Process and Target\n";
     return 2;
   }
-  host.LoadEveryProfile();
-  std::cout << "profiles started: " << host.Profiles().size() << "; \"help\" lists the commands\n"
-            << std::flush;
-  Console console(host, std::cout);
-  RunEventLoop(host.Timers(), [&](const std::string& text) { return console.Execute(text); });
+  RunHost(watch, options, std::cout);
   return 0;
 }
 
 /// The profiles that the person named, or all of them.
-std::vector<std::int32_t> Chosen(const CommandLine& line, const ServerHost& host) {
+std::vector<std::int32_t> Chosen(const CommandLine& line, const ProfileWatch& watch) {
   if (!line.profiles.empty()) return line.profiles;
   std::vector<std::int32_t> all;
-  for (const auto& [index, profile] : host.Profiles()) all.push_back(index);
+  for (const auto& [index, profile] : watch.Profiles()) all.push_back(index);
   return all;
 }
 
 int Preview(const CommandLine& line) {
-  ServerHost host(OptionsOf(line), std::cout);
-  for (const std::int32_t index : Chosen(line, host)) host.PrintPreview(index);
+  ProfileWatch watch(OptionsOf(line).folder, std::cout);
+  for (const std::int32_t index : Chosen(line, watch)) watch.PrintPreview(index);
   return 0;
 }
 
@@ -113,7 +110,7 @@ int main(int argc, char** argv) {
       ->add_option("--profile", line.profiles, "only these profiles");
   add("check", "Look over the message files and warn", Check);
   try {
-    app.parse(argc, argv);
+    app.parse(ProgramArguments(argc, argv));
     return status;
   } catch (const CLI::ParseError& error) {
     return app.exit(error);

@@ -1,46 +1,34 @@
-// The stand-alone host: profiles on disk, the plugin at work, and what a console asks of both.
+// The stand-alone host: the plugin at work on the profiles, and what a console asks of both.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
-#include <map>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
-#include "host/host_platform.h"
-#include "host/profile_settings.h"
-#include "platform/headless/headless_toolkit.h"
-#include "plugin/cls_plugin.h"
+#include "host/host_options.h"
+#include "host/hosted_plugin.h"
+#include "host/profile_watch.h"
 
 namespace rotacasts::host {
 
-struct HostOptions {
-  std::string folder;  // the host folder, absolute, in the machine's spelling
-  std::chrono::nanoseconds minute = std::chrono::minutes(1);  // how long a minute lasts
-  std::string administrator = "console";  // who the remote commands come from, for the log
-  bool sharedLog = false;                 // log them for the whole host, not for each profile
-};
-
-/// Plays the administration host for the plugin, in one process and without a window system. What
-/// it has to say, message boxes included, goes to `out`. An index that no profile has raises
-/// error 5.
+/// Plays the administration host for the plugin. What it has to say goes to `out`. An index that
+/// no profile has raises error 5.
 class ServerHost {
  public:
-  /// Makes what a host folder lacks (settings\config.ini, the profiles' settings folders), reads
-  /// the profiles and says what is wrong with those that cannot be used. Error 76 without the
-  /// folder.
-  ServerHost(const HostOptions& options, std::ostream& out);
+  /// `area` is where the plugin shows its window. All that is referred to outlives the host.
+  ServerHost(ProfileWatch& watch, HostedPlugin& plugin, const PluginArea& area,
+             const HostOptions& options, std::ostream& out)
+      : watch_(watch), plugin_(plugin), area_(area), options_(options), out_(out) {}
 
-  const std::map<std::int32_t, ProfileSettings>& Profiles() const { return profiles_; }
-  headless::TimerLoop& Timers() { return timers_; }
-
-  /// Loads the window for every profile, in the order of their indexes, so that each is started.
-  void LoadEveryProfile();
+  /// Loads the window for every profile, in the order of their indexes, so that each is started;
+  /// their number.
+  std::size_t LoadEveryProfile();
   /// Reads the profile's profile.ini anew and loads the window for it.
   void Show(std::int32_t index);
   void Hide() { plugin_.HideInterface(); }
-  void Unload() { plugin_.UnLoadInterface(""); }
+  void Unload();
   void Disable(std::int32_t index);
 
   /// Passes a remote operation to the plugin, `data` as it stands; the raw reply. Error 5 for an
@@ -53,41 +41,26 @@ class ServerHost {
   void SetOption(std::int32_t index, const char* key, const std::string& value);
 
   /// Prints the profile's messages with their positions, what each says now, and its options.
-  void PrintMessages(std::int32_t index);
-  /// Prints what every message of the profile would say at this moment. Touches no file and loads
-  /// no window.
-  void PrintPreview(std::int32_t index);
+  void PrintMessages(std::int32_t index) { watch_.PrintMessages(index); }
   /// Prints a line a profile: build, game, options, ticks counted, the next message.
   void PrintStatus();
 
  private:
-  const ProfileSettings& Profile(std::int32_t index) const;
   /// The profile data array that the host hands to the plugin.
-  Variant DataOf(const ProfileSettings& profile);
-  std::string MessageFileOf(const ProfileSettings& profile) const;
-  std::vector<std::string> MessagesOf(const ProfileSettings& profile) const;
-
-  /// What is to be known of a profile's game server now.
-  enum class Game { UnknownBuild, Unreachable, Idle, Running };
-  Game GameOf(std::int32_t index);
-  std::string SaysNow(std::int32_t index, Game game, const std::string& message);
-  void PrintMessageTable(const ProfileSettings& profile);
-  std::string NextMessageOf(const ProfileSettings& profile, Game game);
+  Variant DataOf(const ProfileSettings& profile) const;
+  void Load(const ProfileSettings& profile);
+  std::string Remote(std::int32_t index, RemoteOperation operation, const Variant& value);
+  std::string RequireMessage(std::int32_t index, std::int32_t position);
+  std::string MessageAt(const ProfileSettings& profile, ProfileWatch::Game game,
+                        std::int32_t position);
   std::vector<std::string> StatusRow(const ProfileSettings& profile);
 
-  std::string RequireMessage(std::int32_t index, std::int32_t position);
-  std::string StoredOption(const ProfileSettings& profile, const char* key) const;
-
-  std::ostream& out_;
+  ProfileWatch& watch_;
+  HostedPlugin& plugin_;
+  const PluginArea area_;
   const HostOptions options_;
-  const std::string folder_;
-  headless::TimerLoop timers_;
-  headless::HeadlessToolkit toolkit_;
-  HostPlatform platform_;
-  std::map<std::int32_t, ProfileSettings> profiles_;
-  std::map<std::int32_t, std::int32_t> handles_;  // process handle of each profile index
-  PluginState state_;
-  clsPlugin plugin_;
+  std::ostream& out_;
+  std::set<std::int32_t> started_;  // what has been asked of the plugin
 };
 
 }  // namespace rotacasts::host

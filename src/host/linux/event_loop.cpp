@@ -1,4 +1,4 @@
-#include "host/event_loop.h"
+#include "host/linux/event_loop.h"
 
 #include <poll.h>
 #include <sys/signalfd.h>

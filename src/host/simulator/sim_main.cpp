@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "host/program_arguments.h"
 #include "host/simulator/chat_listener.h"
 #include "host/simulator/game_image.h"
 #include "host/simulator/mapped_memory.h"
@@ -100,10 +101,12 @@ int main(int argc, char** argv) {
   app.add_option("--label", options.label, "printed in front of every message");
   app.add_option("--ready-file", options.readyFile, "written when all is up: PROCESS PORT");
   app.add_flag("--with-parent", options.withParent, "end when the starting program ends");
-  CLI11_PARSE(app, argc, argv);
   try {
+    app.parse(host::ProgramArguments(argc, argv));
     Run(options);
     return 0;
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error);
   } catch (...) {
     std::cerr << "game-server-sim: " << CurrentRuntimeError().description << "\n";
     return 2;

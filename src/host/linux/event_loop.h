@@ -1,4 +1,4 @@
-// Waiting for timers and for the person at the console. One implementation per platform.
+// Waiting for timers and for the person at the console.
 #pragma once
 
 #include <functional>

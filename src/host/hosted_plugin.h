@@ -1,0 +1,67 @@
+// The plugin as the stand-alone host sees it, wherever the plugin runs.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "platform/forms/toolkit.h"
+#include "platform/variant.h"
+
+namespace rotacasts::host {
+
+enum class RemoteOperation {
+  GetMessages,
+  AddMessage,
+  Enable,
+  ChangeInterval,
+  MoveMessageDown,
+  MoveMessageUp,
+  DeleteMessage,
+};
+/// The operations' names, in the same order.
+inline constexpr const char* kRemoteOperations[] = {
+    "GetMessagesRem",     "AddMessageRem",    "EnableRTRem",      "ChangeIntervalRem",
+    "MoveMessageDownRem", "MoveMessageUpRem", "DeleteMessageRem",
+};
+
+/// The host's window that the plugin's lies in, and the size that the plugin is told, in twips.
+struct PluginArea {
+  forms::WindowHandle window = 0;
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+};
+
+/// What the host calls, as `clsPlugin` describes it. `data` is the profile data array.
+class HostedPlugin {
+ public:
+  virtual ~HostedPlugin() = default;
+
+  virtual void LoadInterface(std::int32_t index, forms::WindowHandle parent,
+                             const Variant& data) = 0;
+  virtual void HideInterface() = 0;
+  virtual void UnLoadInterface() = 0;
+  virtual void DisableProfile(std::int32_t index) = 0;
+  /// The raw reply. `value` is the operation's last argument; a missing one is left out.
+  virtual std::string Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
+                             const Variant& value) = 0;
+
+  // What the plugin alone knows. Nothing is answered where its insides are not at hand.
+
+  /// How far a profile's broadcasts have come.
+  struct Progress {
+    bool isStarted = false;
+    std::int32_t elapsedTicks = 0;
+    std::int32_t nextMessage = 0;
+  };
+  virtual std::optional<Progress> ProgressOf(std::int32_t) const { return std::nullopt; }
+  /// What the settings window shows, as long as it is loaded.
+  struct Window {
+    std::int32_t profile = 0;
+    bool isSwitchedOn = false;
+    std::string interval;
+  };
+  virtual std::optional<Window> ShownWindow() const { return std::nullopt; }
+};
+
+}  // namespace rotacasts::host

@@ -1,0 +1,17 @@
+#include "host/run_host.h"
+
+#include "host/console.h"
+#include "host/headless_plugin.h"
+#include "host/linux/event_loop.h"
+
+namespace rotacasts::host {
+
+void RunHost(ProfileWatch& watch, const HostOptions& options, std::ostream& out) {
+  HeadlessPlugin plugin(watch.Components(), options.minute, out);
+  ServerHost host(watch, plugin, HeadlessPlugin::Area(), options, out);
+  Console console(host, out);
+  console.Start();
+  RunEventLoop(plugin.Timers(), [&](const std::string& line) { return console.Execute(line); });
+}
+
+}  // namespace rotacasts::host

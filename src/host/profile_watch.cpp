@@ -1,0 +1,148 @@
+#include "host/profile_watch.h"
+
+#include "broadcast/placeholders.h"
+#include "host/complaint.h"
+#include "host/host_file_system.h"
+#include "host/native_files.h"
+#include "host/print_box.h"
+#include "host/text_table.h"
+#include "platform/text.h"
+#include "store/profile_paths.h"
+
+namespace rotacasts::host {
+namespace {
+
+/// Makes what every host folder needs. Error 76 when the folder itself is missing.
+std::string Prepared(const std::string& folder) {
+  HostFileSystem files;
+  if (!files.FolderExists(folder)) {
+    throw RuntimeError(ErrorNumber::PathNotFound, folder + "; make it, or name another folder");
+  }
+  if (NativePath(folder) != std::filesystem::path(folder)) {  // spelt with "\" it is another one
+    throw RuntimeError(ErrorNumber::PathNotFound, folder + "; a name with \"\\\" cannot be used");
+  }
+  const std::string settings = folder + "\\settings";
+  if (!files.FolderExists(settings)) files.CreateFolder(settings);
+  if (!files.FileExists(settings + "\\config.ini")) {
+    ReplaceFile(settings + "\\config.ini", "[Settings]\r\nReportErrors=0\r\n");
+  }
+  return folder;
+}
+
+}  // namespace
+
+ProfileWatch::ProfileWatch(const std::string& hostFolder, std::ostream& out)
+    : out_(out),
+      folder_(Prepared(hostFolder)),
+      toolkit_(timers_),
+      platform_(folder_),
+      state_(platform_.Bundle(toolkit_)) {
+  toolkit_.onMessageBox = [this](const std::string& text, const std::string& title) {
+    PrintBox(out_, text, title);
+  };
+  HostFileSystem files;
+  LoadedProfiles loaded = LoadProfiles(folder_);
+  for (const std::string& problem : loaded.problems) out_ << "skipped: " << problem << "\n";
+  for (ProfileSettings& profile : loaded.profiles) {
+    const std::string settings = folder_ + "\\profiles\\" + profile.folder + "\\settings";
+    if (!files.FolderExists(settings)) files.CreateFolder(settings);
+    handles_[profile.index] = platform_.Processes().Register(profile.process, profile.Label());
+    state_.profiles.SetProfileData(profile.index, DataOf(profile));
+    profiles_.emplace(profile.index, std::move(profile));
+  }
+}
+
+const ProfileSettings& ProfileWatch::Profile(std::int32_t index) const {
+  const auto found = profiles_.find(index);
+  if (found != profiles_.end()) return found->second;
+  throw RuntimeError(
+      ErrorNumber::InvalidProcedureCall,
+      "there is no profile " + std::to_string(index) + "; \"status\" lists those there are");
+}
+
+const ProfileSettings& ProfileWatch::ReadAnew(std::int32_t index) {
+  const ProfileSettings known = Profile(index);
+  ProfileSettings fresh = ReadProfile(folder_, known.folder);
+  if (fresh.index != index) {
+    throw Complaint(known.Label() + " has the index " + std::to_string(fresh.index) +
+                    " now; start the host anew to use it");
+  }
+  platform_.Processes().Change(handles_.at(index), fresh.process, fresh.Label());
+  state_.profiles.SetProfileData(index, DataOf(fresh));
+  return profiles_[index] = std::move(fresh);
+}
+
+Variant::Array ProfileWatch::DataOf(const ProfileSettings& profile) const {
+  Variant::Array data(pdat::kSize);
+  data[pdat::kData0] = profile.folder;
+  data[pdat::kGameCode] = profile.gameCode;
+  data[pdat::kProcessHandle] = handles_.at(profile.index);
+  data[pdat::kMessageTarget] = profile.target;
+  data[pdat::kProfileFolder] = profile.folder;
+  return data;
+}
+
+std::string ProfileWatch::MessageFileOf(const ProfileSettings& profile) const {
+  return MessageFilePath(folder_, profile.folder);
+}
+
+std::vector<std::string> ProfileWatch::MessagesOf(const ProfileSettings& profile) const {
+  const IniText ini = ReadIni(MessageFileOf(profile));
+  std::vector<std::string> messages;
+  for (const IniText::Line& line : ini.Lines(kMessagesSection)) {
+    messages.push_back(FromWindows1252(line.value));
+  }
+  return messages;
+}
+
+std::string ProfileWatch::OptionOf(const ProfileSettings& profile, const char* key) const {
+  return FromWindows1252(ReadIni(MessageFileOf(profile)).Value(kOptionsSection, key).value_or(""));
+}
+
+ProfileWatch::Game ProfileWatch::GameOf(std::int32_t index) {
+  if (!state_.game.HasMemoryMap(index)) return Game::UnknownBuild;
+  try {
+    return state_.game.IsGameRunning(index) ? Game::Running : Game::Idle;
+  } catch (const RuntimeError& error) {
+    out_ << error.description << "\n";
+    return Game::Unreachable;
+  }
+}
+
+std::string ProfileWatch::SaysNow(std::int32_t index, Game game, const std::string& message) {
+  const bool needsServer = IsPlaceholder(message);
+  if (needsServer && game == Game::UnknownBuild) return "(cannot tell: no such game build)";
+  if (needsServer && game == Game::Unreachable) return "(cannot tell: no game server)";
+  const std::string text = state_.broadcast.LiveText(index, message);
+  return text.empty() ? "(nothing: it is skipped)" : text;
+}
+
+void ProfileWatch::PrintMessageTable(const ProfileSettings& profile) {
+  const std::vector<std::string> messages = MessagesOf(profile);
+  if (messages.empty()) {
+    out_ << profile.Label() << " has no messages in " << NativePath(MessageFileOf(profile)).string()
+         << "\n";
+    return;
+  }
+  const Game game = GameOf(profile.index);
+  TextTable table({"Position", "Message", "Says now"});
+  for (std::size_t i = 0; i < messages.size(); ++i) {
+    table.Add({std::to_string(i), messages[i], SaysNow(profile.index, game, messages[i])});
+  }
+  table.Print(out_);
+}
+
+void ProfileWatch::PrintMessages(std::int32_t index) {
+  const ProfileSettings& profile = Profile(index);
+  PrintMessageTable(profile);
+  out_ << kEnableKey << " " << OptionOf(profile, kEnableKey) << ", " << kIntervalKey << " "
+       << OptionOf(profile, kIntervalKey) << "\n";
+}
+
+void ProfileWatch::PrintPreview(std::int32_t index) {
+  const ProfileSettings& profile = Profile(index);
+  out_ << profile.Label() << ", " << profile.gameCode << "\n";
+  PrintMessageTable(profile);
+}
+
+}  // namespace rotacasts::host
