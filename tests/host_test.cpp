@@ -195,9 +195,10 @@ class ConsoleTest : public ::testing::Test {
     Running(const HostFolder& of, std::ostream& out)
         : watch(of.Path(), out),
           plugin(watch.Components(), std::chrono::minutes(1), out),
-          host(watch, plugin, HeadlessPlugin::Area(), HostOptions{of.Path()}, out) {}
+          host(watch, plugin, site, HostOptions{of.Path()}, out) {}
     ProfileWatch watch;
     HeadlessPlugin plugin;
+    HeadlessSite site;
     ServerHost host;
   };
   std::ostringstream out_;

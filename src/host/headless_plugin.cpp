@@ -13,7 +13,7 @@ HeadlessPlugin::HeadlessPlugin(HostPlatform& platform, std::chrono::nanoseconds 
   };
 }
 
-PluginArea HeadlessPlugin::Area() {
+PluginArea HeadlessSite::Area() const {
   // What the settings window needs, and 28 pixels for the host's own heading.
   return {1, layout::kClientWidth, layout::kClientHeight + 28 * 15};
 }

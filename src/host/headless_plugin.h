@@ -11,14 +11,18 @@
 
 namespace rotacasts::host {
 
+/// An area that just holds the settings window.
+class HeadlessSite final : public PluginSite {
+ public:
+  PluginArea Area() const override;
+};
+
 class HeadlessPlugin final : public HostedPlugin {
  public:
   /// `minute` is how long a minute of its timers lasts; message boxes go to `out`.
   HeadlessPlugin(HostPlatform& platform, std::chrono::nanoseconds minute, std::ostream& out);
 
   headless::TimerLoop& Timers() { return timers_; }
-  /// An area that just holds the settings window.
-  static PluginArea Area();
 
   void LoadInterface(std::int32_t index, forms::WindowHandle parent, const Variant& data) override;
   void HideInterface() override;

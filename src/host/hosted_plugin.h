@@ -32,6 +32,15 @@ struct PluginArea {
   std::int32_t height = 0;
 };
 
+/// Where the host shows the plugin's window.
+class PluginSite {
+ public:
+  virtual ~PluginSite() = default;
+  virtual PluginArea Area() const = 0;
+  /// The host has loaded the plugin's window for this profile; 0 when it shows none.
+  virtual void Shown(std::int32_t) {}
+};
+
 /// What the host calls, as `clsPlugin` describes it. `data` is the profile data array.
 class HostedPlugin {
  public:

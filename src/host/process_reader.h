@@ -22,7 +22,8 @@ ReadOutcome ReadProcess(ProcessId process, std::uint32_t address, void* buffer, 
 ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buffer,
                             std::size_t size, std::size_t& count);
 
-/// The running processes whose program file has this name (no folder, letter case as on disk).
+/// The running processes whose program file has this name: no folder, letter case as the machine
+/// compares names.
 std::vector<ProcessId> FindProcesses(const std::string& programName);
 
 }  // namespace rotacasts::host

@@ -18,14 +18,16 @@ Variant ServerHost::DataOf(const ProfileSettings& profile) const {
   Variant::Array data = watch_.DataOf(profile);
   data[pdat::kAdministrator] = options_.administrator;
   data[pdat::kSharedLog] = options_.sharedLog;
-  data[pdat::kAreaHeight] = area_.height;
-  data[pdat::kAreaWidth] = area_.width;
+  const PluginArea area = site_.Area();
+  data[pdat::kAreaHeight] = area.height;
+  data[pdat::kAreaWidth] = area.width;
   return data;
 }
 
 void ServerHost::Load(const ProfileSettings& profile) {
-  plugin_.LoadInterface(profile.index, area_.window, DataOf(profile));
+  plugin_.LoadInterface(profile.index, site_.Area().window, DataOf(profile));
   started_.insert(profile.index);
+  site_.Shown(profile.index);
 }
 
 std::size_t ServerHost::LoadEveryProfile() {
@@ -37,8 +39,14 @@ void ServerHost::Show(std::int32_t index) {
   Load(watch_.ReadAnew(index));
 }
 
+void ServerHost::Hide() {
+  plugin_.HideInterface();
+  site_.Shown(0);
+}
+
 void ServerHost::Unload() {
   plugin_.UnLoadInterface();
+  site_.Shown(0);
   started_.clear();
 }
 

@@ -17,17 +17,17 @@ namespace rotacasts::host {
 /// no profile has raises error 5.
 class ServerHost {
  public:
-  /// `area` is where the plugin shows its window. All that is referred to outlives the host.
-  ServerHost(ProfileWatch& watch, HostedPlugin& plugin, const PluginArea& area,
+  /// All that is referred to outlives the host.
+  ServerHost(ProfileWatch& watch, HostedPlugin& plugin, PluginSite& site,
              const HostOptions& options, std::ostream& out)
-      : watch_(watch), plugin_(plugin), area_(area), options_(options), out_(out) {}
+      : watch_(watch), plugin_(plugin), site_(site), options_(options), out_(out) {}
 
   /// Loads the window for every profile, in the order of their indexes, so that each is started;
   /// their number.
   std::size_t LoadEveryProfile();
   /// Reads the profile's profile.ini anew and loads the window for it.
   void Show(std::int32_t index);
-  void Hide() { plugin_.HideInterface(); }
+  void Hide();
   void Unload();
   void Disable(std::int32_t index);
 
@@ -57,7 +57,7 @@ class ServerHost {
 
   ProfileWatch& watch_;
   HostedPlugin& plugin_;
-  const PluginArea area_;
+  PluginSite& site_;
   const HostOptions options_;
   std::ostream& out_;
   std::set<std::int32_t> started_;  // what has been asked of the plugin

@@ -8,7 +8,8 @@ namespace rotacasts::host {
 
 void RunHost(ProfileWatch& watch, const HostOptions& options, std::ostream& out) {
   HeadlessPlugin plugin(watch.Components(), options.minute, out);
-  ServerHost host(watch, plugin, HeadlessPlugin::Area(), options, out);
+  HeadlessSite site;
+  ServerHost host(watch, plugin, site, options, out);
   Console console(host, out);
   console.Start();
   RunEventLoop(plugin.Timers(), [&](const std::string& line) { return console.Execute(line); });
