@@ -35,7 +35,7 @@ constexpr KindRow kKinds[] = {
      LBS_NOTIFY | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_TABSTOP,
      WS_EX_CLIENTEDGE},
     {Kind::Label, L"STATIC", SS_NOTIFY | SS_NOPREFIX, 0},
-    {Kind::Image, kPictureClass, WS_CLIPCHILDREN, 0},
+    {Kind::Image, kPictureClass, 0, 0},  // what it paints shows through the caption on it
 };
 
 const KindRow& RowOf(Kind kind) {
@@ -248,6 +248,21 @@ void Win32FormView::Arrange(Peer& peer) {
   if (parent != window_) ::InvalidateRect(parent, nullptr, TRUE);  // the picture shows through
 }
 
+/// The control's font. A label's is smaller by whole pixels where its line of text would not fit,
+/// for a font of the same name is not of the same width on every machine.
+HFONT Win32FormView::FontOf(const Control& control) {
+  constexpr double kPointsInPixel = 0.75;
+  constexpr double kSmallest = 6;  // points
+  double size = control.FontSize();
+  if (control.GetKind() != Kind::Label) return fonts_.OfSize(size);
+  const RECT area = PixelBounds(control);
+  while (size - kPointsInPixel >= kSmallest &&
+         TextWidth(fonts_.OfSize(size), ShownText(control)) > area.right - area.left) {
+    size -= kPointsInPixel;
+  }
+  return fonts_.OfSize(size);
+}
+
 /// Piles the windows up: what can be reached by Tab first and in its order, which is the order that
 /// a host's dialog keys follow; the frames last.
 void Win32FormView::Stack() {
@@ -291,13 +306,13 @@ void Win32FormView::Changed(Control& control, Property property) {
       ::SetFocus(peer->window);
       return;
     case Property::Font:
-      ::SendMessageW(peer->window, WM_SETFONT,
-                     reinterpret_cast<WPARAM>(fonts_.OfSize(control.FontSize())), TRUE);
+      ::SendMessageW(peer->window, WM_SETFONT, reinterpret_cast<WPARAM>(FontOf(control)), TRUE);
       return;
     case Property::Text:
       if (WindowText(peer->window) != ShownText(control)) {
         ::SetWindowTextW(peer->window, ToWide(ShownText(control)).c_str());
         Arrange(*peer);
+        if (control.GetKind() == Kind::Label) Changed(control, Property::Font);
       }
       return;
     case Property::Value:

@@ -72,6 +72,7 @@ class Win32FormView final : public forms::FormView,
   void CreatePeer(forms::Control& control);
   HWND CreateControlWindow(Peer& peer);
   void Arrange(Peer& peer);
+  HFONT FontOf(const forms::Control& control);
   void Stack();
   forms::Image* ImageBeneath(const forms::Control& control) const;
   RECT PixelBounds(const forms::Control& control) const;

@@ -31,6 +31,17 @@ void Fonts::Free() {
   fonts_.clear();
 }
 
+LONG TextWidth(HFONT font, std::string_view text) {
+  const std::wstring wide = ToWide(text);
+  const HDC screen = ::GetDC(nullptr);
+  const HGDIOBJ before = ::SelectObject(screen, font);
+  SIZE size{};
+  ::GetTextExtentPoint32W(screen, wide.data(), static_cast<int>(wide.size()), &size);
+  ::SelectObject(screen, before);
+  ::ReleaseDC(nullptr, screen);
+  return size.cx;
+}
+
 HBRUSH Brushes::OfColour(COLORREF colour) {
   HBRUSH& brush = brushes_[colour];
   if (brush == nullptr) brush = ::CreateSolidBrush(colour);

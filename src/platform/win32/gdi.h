@@ -3,6 +3,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "platform/forms/control.h"
 #include "platform/win32/com_support.h"
@@ -26,6 +27,9 @@ class Fonts {
   const std::string face_;
   std::map<double, HFONT> fonts_;
 };
+
+/// The width of a line of text, in pixels of the screen.
+LONG TextWidth(HFONT font, std::string_view text);
 
 /// Solid brushes, made as they are needed and freed together.
 class Brushes {
