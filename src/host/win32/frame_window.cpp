@@ -45,6 +45,14 @@ std::int32_t Twips(LONG pixels) {
   return ::MulDiv(static_cast<int>(pixels), 1440, Dpi());
 }
 
+/// The area is nothing but a place: how its heading looks is the frame's business.
+LRESULT CALLBACK AreaProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_CTLCOLORSTATIC || message == WM_ERASEBKGND) {
+    return ::SendMessageW(::GetParent(window), message, wParam, lParam);
+  }
+  return ::DefWindowProcW(window, message, wParam, lParam);
+}
+
 void RegisterClasses(WNDPROC procedure) {
   WNDCLASSEXW frame{};
   frame.cbSize = sizeof frame;
@@ -52,11 +60,10 @@ void RegisterClasses(WNDPROC procedure) {
   frame.hInstance = ::GetModuleHandleW(nullptr);
   frame.hIcon = ::LoadIconW(nullptr, IDI_APPLICATION);
   frame.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
-  frame.hbrBackground = ::GetSysColorBrush(COLOR_BTNFACE);
   frame.lpszClassName = kClass;
   ::RegisterClassExW(&frame);
   WNDCLASSEXW area = frame;
-  area.lpfnWndProc = ::DefWindowProcW;
+  area.lpfnWndProc = AreaProcedure;
   area.lpszClassName = kAreaClass;
   ::RegisterClassExW(&area);
 }
@@ -108,18 +115,12 @@ HWND FrameWindow::CreatePart(HWND parent, DWORD extendedStyle, const wchar_t* wi
 /// Fills the list and makes it as wide as its longest row, within reason; a row that is longer
 /// still can be scrolled to.
 void FrameWindow::FillList() {
-  const HDC context = ::GetDC(list_);
-  const HGDIOBJ before = ::SelectObject(context, fonts_.OfSize(layout::kFontSize));
   LONG longest = 0;
   for (const Row& row : rows_) {
     const std::wstring label = win32::ToWide(row.label);
     ::SendMessageW(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(label.c_str()));
-    SIZE size{};
-    ::GetTextExtentPoint32W(context, label.data(), static_cast<int>(label.size()), &size);
-    longest = std::max(longest, size.cx);
+    longest = std::max(longest, win32::TextWidth(fonts_.OfSize(layout::kFontSize), row.label));
   }
-  ::SelectObject(context, before);
-  ::ReleaseDC(list_, context);
   ::SendMessageW(list_, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(longest + Scaled(4)), 0);
   listWidth_ = std::clamp(static_cast<int>(longest) + Scaled(kListPadding), Scaled(kNarrowestList),
                           Scaled(kWidestList));
@@ -148,6 +149,10 @@ void FrameWindow::Arrange() const {
   ::MoveWindow(list_, margin, margin + caption, listWidth_, height - 2 * margin - caption, TRUE);
   ::MoveWindow(area_, areaLeft, margin, width - areaLeft - margin, height - 2 * margin, TRUE);
   ::MoveWindow(heading_, 2, 0, width - areaLeft - margin - kBesidePlugin, kHeading, TRUE);
+}
+
+HBRUSH FrameWindow::Face() {
+  return brushes_.OfColour(win32::ToColorRef(layout::kFace));
 }
 
 PluginArea FrameWindow::Area() const {
@@ -208,6 +213,15 @@ LRESULT FrameWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
       reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {size.cx, size.cy};
       return 0;
     }
+    case WM_ERASEBKGND: {  // the plugin's colour all over
+      RECT all;
+      ::GetClientRect(window_, &all);
+      ::FillRect(reinterpret_cast<HDC>(wParam), &all, Face());
+      return TRUE;
+    }
+    case WM_CTLCOLORSTATIC:
+      ::SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
+      return reinterpret_cast<LRESULT>(Face());
     case WM_COMMAND:
       if (reinterpret_cast<HWND>(lParam) == list_ && HIWORD(wParam) == LBN_SELCHANGE) {
         HandleChoice();

@@ -44,11 +44,13 @@ class FrameWindow final : public PluginSite {
   void FillList();
   void Arrange() const;
   SIZE SmallestSize() const;
+  HBRUSH Face();
   void HandleChoice();
   void HandleLine(LPARAM line);
 
   const std::vector<Row> rows_;
   win32::Fonts fonts_;
+  win32::Brushes brushes_;
   int listWidth_ = 0;  // pixels
   HWND window_ = nullptr;
   HWND caption_ = nullptr;
