@@ -1,15 +1,22 @@
 # The front door: every target installs what it needs and sets itself up.
 
-.PHONY: help demo test fuzz bench format lint clean
+.PHONY: help demo demo-windows test fuzz bench format lint clean
 
 help: ## this list
-	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 18
+	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 22
 
 demo: ## six simulated game servers, one host: see what the program is for
 	@scripts/bootstrap build
 	@scripts/quietly cmake --preset release
 	@scripts/quietly cmake --build --preset release
 	@scripts/demo build/release/src/host
+
+demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves a screenshot
+	@scripts/bootstrap build windows
+	@scripts/quietly cmake --preset windows
+	@scripts/quietly cmake --build --preset windows --target keeper tvxRT rotacasts-host game-server-sim
+	@scripts/under-wine build/windows/tests/win32/keeper.exe \
+	  scripts/demo-windows build/windows build/demo-windows.png
 
 test: ## build and run every test
 	@scripts/bootstrap build test
