@@ -26,7 +26,7 @@ struct CommandLine {
 };
 
 HostOptions OptionsOf(const CommandLine& line) {
-  return {std::filesystem::absolute(line.folder).lexically_normal().string(),
+  return {std::filesystem::absolute(PathOf(line.folder)).lexically_normal().string(),
           std::chrono::milliseconds(line.minute), line.administrator, line.sharedLog};
 }
 

@@ -18,7 +18,7 @@ std::string Prepared(const std::string& folder) {
   if (!files.FolderExists(folder)) {
     throw RuntimeError(ErrorNumber::PathNotFound, folder + "; make it, or name another folder");
   }
-  if (NativePath(folder) != std::filesystem::path(folder)) {  // spelt with "\" it is another one
+  if (NativePath(folder).string() != folder) {  // spelt with "\" it is another one
     throw RuntimeError(ErrorNumber::PathNotFound, folder + "; a name with \"\\\" cannot be used");
   }
   const std::string settings = folder + "\\settings";

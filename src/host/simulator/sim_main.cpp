@@ -32,9 +32,11 @@ struct Options {
 
 /// Tells a waiting program, all at once, what it needs to find this one: "PROCESS PORT".
 void WriteReadyFile(const std::string& file, std::uint16_t port) {
-  const std::string beside = file + ".tmp";
+  const std::filesystem::path target = host::PathOf(file);
+  std::filesystem::path beside = target;
+  beside += ".tmp";
   std::ofstream(beside) << ThisProcess() << " " << port << "\n";
-  std::filesystem::rename(beside, file);
+  std::filesystem::rename(beside, target);
 }
 
 void PrintMessage(const Options& options, std::string text) {
