@@ -11,6 +11,7 @@
 #include "host/game_processes.h"
 #include "host/headless_plugin.h"
 #include "host/simulator/game_image.h"
+#include "platform/conversions.h"
 #include "platform/text.h"
 #include "support/fake_host.h"
 #include "support/host_folder.h"
@@ -237,6 +238,64 @@ TEST_F(ConsoleTest, CommandsDoWhatTheySayOrSayWhatIsWrong) {
   EXPECT_NE(Execute({"show 2", "status"}).find("DFX2"), std::string::npos);
   EXPECT_NE(Execute({"hide", "unload", "status"}).find("stopped"), std::string::npos);
   EXPECT_EQ(folder.Read("settings/config.ini"), "[Settings]\r\nReportErrors=0\r\n");
+}
+
+/// A plugin in a component of its own: it is called and tells nothing of itself.
+class OpaquePlugin final : public HostedPlugin {
+ public:
+  void LoadInterface(std::int32_t index, forms::WindowHandle parent, const Variant& data) override {
+    calls.push_back("load " + std::to_string(index) + " in " + std::to_string(parent) + ", " +
+                    ToText(data.At(pdat::kGameCode)) + " by " +
+                    ToText(data.At(pdat::kAdministrator)) + ", width " +
+                    ToText(data.At(pdat::kAreaWidth)));
+  }
+  void HideInterface() override { calls.emplace_back("hide"); }
+  void UnLoadInterface() override { calls.emplace_back("unload"); }
+  void DisableProfile(std::int32_t index) override {
+    calls.push_back("disable " + std::to_string(index));
+  }
+  std::string Remote(RemoteOperation operation, std::int32_t index, const Variant&,
+                     const Variant& value) override {
+    calls.push_back(std::string(kRemoteOperations[static_cast<std::size_t>(operation)]) + " " +
+                    std::to_string(index) +
+                    (value == Variant(Variant::Missing{}) ? "" : " " + ToText(value)));
+    return "reply";
+  }
+  std::vector<std::string> calls;
+};
+
+struct RecordingSite final : PluginSite {
+  PluginArea Area() const override { return {77, 9000, 6000}; }
+  void Shown(std::int32_t profile) override { shown.push_back(profile); }
+  std::vector<std::int32_t> shown;
+};
+
+TEST(ServerHostTest, DrivesAPluginThatItCannotLookInto) {
+  const HostFolder folder;
+  folder.AddProfile(1, "JO", "1", "4001");
+  folder.AddProfile(2, "NOPE", "1", "4002", MessageFileBytes({"a", "{ShowNextMap}"}));
+  std::ostringstream out;
+  ProfileWatch watch(folder.Path(), out);
+  OpaquePlugin plugin;
+  RecordingSite site;
+  ServerHost host(watch, plugin, site, {folder.Path(), std::chrono::minutes(1), "Rex", false}, out);
+  Console console(host, out);
+  console.Start();
+  for (const char* line : {"remote 2 DeleteMessageRem 1", "remote 1 GetMessagesRem", "disable 1",
+                           "show 2", "status", "messages 2", "hide", "unload", "status"}) {
+    console.Execute(line);
+  }
+  EXPECT_EQ(plugin.calls,
+            (std::vector<std::string>{"load 1 in 77, JO by Rex, width 9000",
+                                      "load 2 in 77, NOPE by Rex, width 9000",
+                                      "DeleteMessageRem 2 1", "GetMessagesRem 1", "disable 1",
+                                      "load 2 in 77, NOPE by Rex, width 9000", "hide", "unload"}));
+  EXPECT_EQ(site.shown, (std::vector<std::int32_t>{1, 2, 2, 0, 0}));
+  const std::string text = out.str();
+  EXPECT_NE(text.find("JO    stopped"), std::string::npos) << text;
+  EXPECT_NE(text.find("unknown build  on      1 min  -      -"), std::string::npos) << text;
+  EXPECT_NE(text.find("(cannot tell: no such game build)"), std::string::npos) << text;
+  EXPECT_NE(text.find("NOPE  stopped"), std::string::npos) << text;
 }
 
 }  // namespace
