@@ -147,6 +147,11 @@ void ListBox::SetText(std::int32_t row, std::string text) {
   if (FormView* view = View()) view->ItemChanged(*this, row);
 }
 
+void ListBox::SetItemData(std::int32_t row, std::int32_t data) {
+  items_[Checked(row)].data = data;
+  if (FormView* view = View()) view->ItemChanged(*this, row);
+}
+
 void ListBox::Select(std::int32_t row) {
   if (row != kNone) Checked(row);
   selectedRow_ = row;

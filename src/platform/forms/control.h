@@ -210,7 +210,7 @@ class ListBox final : public Control {
   void Clear();
   void Add(std::string text);
   void SetText(std::int32_t row, std::string text);
-  void SetItemData(std::int32_t row, std::int32_t data) { items_[Checked(row)].data = data; }
+  void SetItemData(std::int32_t row, std::int32_t data);
 
   /// The selected row, or kNone.
   std::int32_t SelectedRow() const { return selectedRow_; }

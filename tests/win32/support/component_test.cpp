@@ -94,7 +94,10 @@ Variant ComponentTest::Call(const char* member, std::vector<Variant> arguments) 
 
 void ComponentTest::Load(std::int32_t index, const std::string& gameCode) const {
   const auto parent = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(frame->Get()));
-  Call("LoadInterface", {index, parent, ProfileData(index, gameCode), ""});
+  Variant::Array data = *ProfileData(index, gameCode).AsArray();
+  data[pdat::kAreaWidth] = layout::kClientWidth;
+  data[pdat::kAreaHeight] = layout::kClientHeight + 28 * 15;  // and the host's heading
+  Call("LoadInterface", {index, parent, data, ""});
 }
 
 HWND ComponentTest::Form() const {

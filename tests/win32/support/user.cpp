@@ -135,6 +135,7 @@ void AnsweringUser::Choose(HWND owner, HMENU menu) {
     ++downs;
     if (!wanted_.empty() && caption == wanted_.front()) at = downs;
   }
+  if (insideMenu) insideMenu();
   if (at < 0) {
     ::PostMessageW(owner, WM_CANCELMODE, 0, 0);
     return;

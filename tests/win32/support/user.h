@@ -37,6 +37,8 @@ class AnsweringUser {
   std::vector<std::string> boxes;
   /// Runs while a message box is open, before it is answered.
   std::function<void()> insideBox;
+  /// Runs while a popup menu is open, before it is answered.
+  std::function<void()> insideMenu;
   /// The popup menus so far, an item each: its caption, in brackets when it is disabled.
   std::vector<std::vector<std::string>> menus;
 

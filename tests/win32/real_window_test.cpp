@@ -1,0 +1,256 @@
+// The settings window as a person has it before them: real controls, real input.
+
+#include "platform/win32/com_support.h"
+#include "support/component_test.h"
+#include "ui/layout.h"
+
+namespace rotacasts {
+namespace {
+
+using testing::ClickMouse;
+using testing::ComponentTest;
+using testing::MessageFileBytes;
+using testing::PressKey;
+using testing::PumpUntil;
+using testing::PumpWaiting;
+using testing::TypeKeys;
+
+constexpr int kGameState = 0x00C87598;  // of a "JO" server
+const char* const kAdded = "Success|Message added successfully!";
+
+class RealWindowTest : public ComponentTest {
+ protected:
+  /// Shows profile 2 with these messages.
+  void Show(const std::vector<std::string>& messages) {
+    host.MessageFile(2) = MessageFileBytes(messages);
+    Load(2);
+    ::UpdateWindow(Form());
+    PumpWaiting();
+  }
+  /// A plugin whose minute lasts this many milliseconds.
+  void ShortenTheMinute(const wchar_t* milliseconds) {
+    plugin.reset();
+    EXPECT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK);
+    ::SetEnvironmentVariableW(L"ROTACASTS_MINUTE_MS", milliseconds);
+    plugin.emplace(testing::InstalledPlugin::Create());
+    ::SetEnvironmentVariableW(L"ROTACASTS_MINUTE_MS", nullptr);
+  }
+  /// Clicks a row of the list with the right button.
+  void RightClickRow(int row) const {
+    const HWND list = Control("lstMessages");
+    RECT item;
+    ::SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(row),
+                   reinterpret_cast<LPARAM>(&item));
+    ::SendMessageW(list, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(item.left + 9, item.top + 3));
+    PumpWaiting();
+  }
+  void ChooseFromList(int row, const std::string& item) {
+    user.WillChoose({item});
+    RightClickRow(row);
+  }
+  void ChooseFromEntry(std::vector<std::string> items) {
+    user.WillChoose(std::move(items));
+    ClickMouse(Control("txtMessage"), true);
+  }
+};
+
+TEST_F(RealWindowTest, LiesInTheHostsAreaWithEveryControlInItsPlace) {
+  Show({"a", "b"});
+  ASSERT_NE(Form(), nullptr);
+  EXPECT_EQ(::GetParent(Form()), frame->Get());
+  RECT area;
+  ::GetWindowRect(Form(), &area);
+  ::MapWindowPoints(nullptr, frame->Get(), reinterpret_cast<POINT*>(&area), 2);
+  const RECT expected{2, 30, 748, 430};  // the area less the host's heading
+  EXPECT_NE(::EqualRect(&area, &expected), FALSE) << area.right << " " << area.bottom;
+  for (const layout::ControlRow& row : layout::Controls()) {
+    const HWND control = Control(std::string(row.name).c_str());
+    LOGFONTW font{};
+    ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(control, WM_GETFONT, 0, 0)), sizeof font,
+                 &font);
+    EXPECT_STREQ(font.lfFaceName, L"Tahoma") << row.name;
+    EXPECT_EQ(font.lfHeight, -11) << row.name;  // 8.25 points
+    EXPECT_NE(::IsWindowVisible(control), FALSE) << row.name;
+    if (row.kind != forms::Kind::TextBox) {
+      EXPECT_EQ(TextOf(row.name.data()), row.text);
+    }
+  }
+  EXPECT_NE(AddButton(), nullptr);
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(::SendMessageW(Control("lstMessages"), LB_GETITEMDATA, 1, 0), 2);
+  EXPECT_EQ(::SendMessageW(Control("chkAuto"), BM_GETCHECK, 0, 0), BST_CHECKED);
+  EXPECT_EQ(TextOf("txtInterval"), "1");
+
+  Call("HideInterface", {});
+  EXPECT_EQ(::IsWindowVisible(Form()), FALSE);
+  Load(2);
+  EXPECT_NE(::IsWindowVisible(Form()), FALSE);
+  Call("UnLoadInterface", {""});
+  EXPECT_EQ(Form(), nullptr);
+}
+
+TEST_F(RealWindowTest, TheTabKeyGoesThroughTheControlsInTheirOrder) {
+  Show({"a"});
+  ClickMouse(Control("txtMessage"));
+  const std::vector<const char*> order = {"txtMessage", "lstMessages", "chkAuto", "txtInterval",
+                                          "txtMessage"};
+  for (const char* name : order) {
+    EXPECT_EQ(::GetFocus(), Control(name)) << name;
+    PressKey(VK_TAB);
+  }
+  PressKey(VK_TAB, true);
+  PressKey(VK_TAB, true);
+  EXPECT_EQ(::GetFocus(), Control("txtInterval")) << "and back again";
+}
+
+TEST_F(RealWindowTest, AMessageIsTypedAndAddedWithTheMouse) {
+  Show({"a"});
+  ClickMouse(Control("txtMessage"));
+  TypeKeys("Hello 7" + std::string(60, 'x'));
+  EXPECT_EQ(TextOf("txtMessage").size(), 60U) << "no more can be typed";
+  ClickMouse(AddButton());
+  ASSERT_EQ(user.boxes, std::vector<std::string>{kAdded});
+  EXPECT_EQ(TextOf("txtMessage"), "");
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"a", "Hello 7" + std::string(53, 'x')}));
+  ClickMouse(AddButton());
+  EXPECT_EQ(user.boxes.back(), "Failed!|Message Box is empty!");
+}
+
+TEST_F(RealWindowTest, TheListsMenuMovesAndDeletesTheRowUnderThePointer) {
+  Show({"a", "b", "c"});
+  ChooseFromList(0, "Move Down");
+  EXPECT_EQ(user.menus.back(), (std::vector<std::string>{"(Move Up)", "Move Down", "Delete"}));
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"b", "a", "c"}));
+  ChooseFromList(2, "Move Up");
+  EXPECT_EQ(user.menus.back(), (std::vector<std::string>{"Move Up", "(Move Down)", "Delete"}));
+  ChooseFromList(0, "Delete");
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"c", "a"}));
+  EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"c", "a"}));
+  const std::size_t menus = user.menus.size();
+  RightClickRow(1);  // the menu is cancelled
+  EXPECT_EQ(user.menus.size(), menus + 1);
+  EXPECT_EQ(::SendMessageW(Control("lstMessages"), LB_GETCURSEL, 0, 0), 1);
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"c", "a"}));
+}
+
+TEST_F(RealWindowTest, TheEntryBoxIsEditedThroughItsMenuWhileItIsDisabled) {
+  Show({});
+  ChooseFromEntry({"Insert Info Message", "Most Kills"});
+  EXPECT_EQ(TextOf("txtMessage"), "{ShowMostKills}");
+  ASSERT_EQ(user.menus.size(), 2U);
+  EXPECT_EQ(user.menus[0], (std::vector<std::string>{"Insert Info Message", "-", "Cut", "Copy",
+                                                     "Paste", "Delete", "-", "Select All"}));
+  EXPECT_EQ(user.menus[1].size(), 18U);
+  ChooseFromEntry({"Select All"});
+  ChooseFromEntry({"Cut"});
+  EXPECT_EQ(TextOf("txtMessage"), "");
+  ChooseFromEntry({"Paste"});
+  ChooseFromEntry({"Paste"});
+  EXPECT_EQ(TextOf("txtMessage"), "{ShowMostKills}{ShowMostKills}");
+  ChooseFromEntry({"Select All"});
+  ChooseFromEntry({"Delete"});
+  EXPECT_EQ(TextOf("txtMessage"), "");
+  EXPECT_NE(::IsWindowEnabled(Control("txtMessage")), FALSE);
+  EXPECT_EQ(::GetFocus(), Control("txtMessage"));
+}
+
+TEST_F(RealWindowTest, TheSwitchAndTheIntervalAreStoredAsTheyAreChanged) {
+  Show({"a"});
+  ClickMouse(Control("chkAuto"));
+  EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a"}, "0", "1"));
+  PressKey(VK_SPACE);
+  EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a"}, "1", "1"));
+  PressKey(VK_TAB);
+  PressKey(VK_END);
+  TypeKeys("5");
+  EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a"}, "1", "15"));
+  PressKey(VK_BACK);
+  TypeKeys("x");  // no number: put back
+  EXPECT_EQ(TextOf("txtInterval"), "1");
+  EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a"}, "1", "1"));
+}
+
+TEST_F(RealWindowTest, TheTimerBroadcastsAlsoWhileTheWindowIsHiddenUntilTheProfileIsDisabled) {
+  ShortenTheMinute(L"20");
+  host.longs[kGameState] = 2;
+  Show({"a", "b"});
+  EXPECT_TRUE(PumpUntil([&] { return host.sent.size() >= 3; }));
+  Call("HideInterface", {});
+  EXPECT_TRUE(PumpUntil([&] { return host.sent.size() >= 6; }));
+  EXPECT_EQ(std::vector<std::string>(host.sent.begin(), host.sent.begin() + 4),
+            (std::vector<std::string>{"a", "b", "a", "b"}));
+  Call("DisableProfile", {2});
+  const std::size_t sent = host.sent.size();
+  int ticks = 0;  // of a timer of the same length
+  const UINT_PTR clock = ::SetTimer(frame->Get(), 1, 20, nullptr);
+  MSG message;
+  while (ticks < 5 && ::GetMessageW(&message, nullptr, 0, 0) > 0) {
+    if (message.message == WM_TIMER && message.hwnd == frame->Get()) ++ticks;
+    ::DispatchMessageW(&message);
+  }
+  ::KillTimer(frame->Get(), clock);
+  EXPECT_EQ(host.sent.size(), sent);
+  EXPECT_TRUE(user.boxes.empty());
+}
+
+TEST_F(RealWindowTest, AWindowThatItsParentTookAlongIsMadeAnew) {
+  ShortenTheMinute(L"20");
+  host.longs[kGameState] = 2;
+  Show({"a"});
+  const HWND lost = Form();
+  frame.reset();
+  EXPECT_EQ(::IsWindow(lost), FALSE);
+  frame.emplace();
+  EXPECT_EQ(Form(), nullptr);
+  Load(2);
+  EXPECT_EQ(Rows(), std::vector<std::string>{"a"});
+  host.sent.clear();
+  EXPECT_TRUE(PumpUntil([&] { return host.sent.size() >= 2; }));
+  EXPECT_TRUE(user.boxes.empty());
+}
+
+TEST_F(RealWindowTest, WhateverTheHostDoesWhileABoxOrAMenuIsOpenDoesNoHarm) {
+  const std::vector<std::function<void()>> wrecks = {
+      [&] { Call("UnLoadInterface", {""}); },
+      [&] {
+        Call("UnLoadInterface", {""});
+        Load(3);
+      },
+      [&] { Load(3); },
+      [&] { Call("DisableProfile", {2}); },
+      [&] {
+        frame.reset();
+        frame.emplace();
+      },
+      [&] { host.longs.clear(); },
+  };
+  const std::string others = MessageFileBytes({"x", "y", "z"});
+  for (std::size_t i = 0; i < wrecks.size(); ++i) {
+    host.MessageFile(3) = others;
+    Show({"a", "b"});
+    user.boxes.clear();
+    user.insideBox = [&, i] {
+      user.insideBox = nullptr;
+      wrecks[i]();
+    };
+    ::SendMessageW(Control("txtMessage"), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"c"));
+    ClickMouse(AddButton());
+    ASSERT_FALSE(user.boxes.empty()) << i;
+    EXPECT_EQ(user.boxes[0], kAdded) << i;
+    EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a", "b", "c"})) << i;
+    EXPECT_EQ(host.MessageFile(3), others) << i;
+
+    Show({"a", "b"});
+    user.insideMenu = [&, i] {
+      user.insideMenu = nullptr;
+      wrecks[i]();
+    };
+    ChooseFromList(1, "Delete");
+    EXPECT_EQ(host.MessageFile(3), others) << i;
+    Show({"a"});
+    EXPECT_EQ(Rows(), std::vector<std::string>{"a"}) << i;
+  }
+}
+
+}  // namespace
+}  // namespace rotacasts
