@@ -1,5 +1,7 @@
 // Editing in the settings window: the Add button, the list's menu, the entry box's menu.
 
+#include <algorithm>
+
 #include "support/fake_host.h"
 #include "ui/image_button.h"
 #include "ui/layout.h"
@@ -280,16 +282,67 @@ TEST_F(EditingTest, AWindowThatGoesWhileABoxIsOpenIsNotMadeAnewForIt) {
   EXPECT_TRUE(host.logged.empty());
 }
 
-TEST_F(EditingTest, AWindowThatGoesInsideAnyCallOfARefillDoesNoHarm) {
-  for (std::size_t call = 1; call <= 3; ++call) {
-    Show({"a", "b"});
-    std::size_t number = 0;
+/// A change in the window that shows profile 2, and what the host does inside one of its calls.
+class VisitedChangeTest : public EditingTest {
+ protected:
+  struct Change {
+    const char* name;
+    std::function<void()> run;
+    Texts left = {"a", "b", "c"};  // what profile 2 holds in any case
+  };
+  /// Runs the change with the visit inside its call of that number; false when it has fewer calls.
+  bool Run(const Change& change, const std::function<void()>& visit, int call) {
+    Show({"a", "b", "c"});
+    host.MessageFile(3) = kOther;
+    Window().lstMessages().Select(1);
+    int number = 0;
     host.insideCall = [&] {
-      if (++number == call) Plugin().UnLoadInterface("");
+      if (++number == call) visit();  // whose own calls are beyond that number
     };
-    State().store.LoadMessages(2);
+    change.run();
     host.insideCall = nullptr;
-    EXPECT_EQ(State().window.IfLoaded(), nullptr);
+    return number >= call;
+  }
+  void Check(const Change& change) {
+    EXPECT_EQ(host.MessageFile(3), kOther);
+    const Texts stored = Stored(2);
+    for (const std::string& text : change.left) EXPECT_EQ(std::ranges::count(stored, text), 1);
+    const auto window = State().window.IfLoaded();
+    if (window == nullptr) return;
+    const bool showsOther = State().tables.currentWindowProfile == 3;
+    EXPECT_EQ(Rows(), showsOther ? Stored(3) : stored);
+    if (!showsOther) return;
+    EXPECT_EQ(window->chkAuto().Value(), 0);
+    EXPECT_EQ(window->txtInterval().Text(), "7");
+  }
+  const std::string kOther = MessageFileBytes({"x", "y", "z", "v"}, "0", "7");
+};
+
+TEST_F(VisitedChangeTest, StaysInItsOwnFileWhateverTheHostDoesInsideAnyOfItsCalls) {
+  const auto unload = [this] { Plugin().UnLoadInterface(""); };
+  const std::pair<const char*, std::function<void()>> visits[] = {
+      {"load 3", [&] { Load(3); }},
+      {"unload, load 3", [&] { unload(), Load(3); }},
+      {"load 2", [&] { Load(2); }},
+      {"unload", unload}};
+  const Change changes[] = {
+      {"up", [&] { Window().Menu("mnuUp").UserClicked(); }},
+      {"down", [&] { Window().Menu("mnuDown").UserClicked(); }},
+      {"delete", [&] { Window().Menu("mnuDelete").UserClicked(); }, {"a", "c"}},
+      {"add", [&] { Add("d"); }},
+      {"switch", [&] { Window().chkAuto().UserClicked(); }},
+      {"interval", [&] { TypeOver(Window().txtInterval(), "5"); }},
+      {"no interval", [&] { TypeOver(Window().txtInterval(), "x"); }},
+      {"show", [&] { Load(2); }},
+  };
+  for (const Change& change : changes) {
+    for (const auto& [name, visit] : visits) {
+      for (int call = 1; Run(change, visit, call); ++call) {
+        SCOPED_TRACE(std::string(change.name) + ", " + name + " in call " + std::to_string(call));
+        Check(change);
+        EXPECT_EQ(State().window.IfLoaded() == nullptr, name == std::string("unload"));
+      }
+    }
   }
 }
 

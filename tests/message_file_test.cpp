@@ -184,7 +184,8 @@ TEST_F(MessageFileTest, ReplaceKeepsEveryTextInTheFileAtEveryMoment) {
       host.failAtCall = call;
       host.fired = false;
       host.insideCall = [&] { EXPECT_TRUE(holdsAll()) << host.MessageFile(1); };
-      const int error = testing::ErrorOf([&] { Store().ReplaceEntries(1, row.texts); });
+      const int error = testing::ErrorOf(
+          [&] { Store().ReplaceEntries(1, [&](const auto&) { return row.texts; }); });
       host.failAtCall = 0;
       EXPECT_EQ(error, host.fired ? 57 : 0);
       EXPECT_TRUE(holdsAll()) << call;

@@ -1,6 +1,7 @@
 #include "store/message_file.h"
 
 #include <algorithm>
+#include <exception>
 #include <optional>
 #include <set>
 #include <utility>
@@ -36,6 +37,32 @@ std::vector<Entry> AllEntries(UtilityComponent& utility, std::string& file) {
   std::vector<Entry> entries;
   VisitEntries(utility, file, [&](Entry entry) { entries.push_back(std::move(entry)); });
   return entries;
+}
+
+/// The list's row for a line; nothing for a line that is not listed.
+std::optional<forms::ListBox::Item> RowOf(UtilityComponent& utility, const std::string& line) {
+  if (IsBlank(line)) return std::nullopt;
+  Entry entry;
+  CompleteErrors([&] { entry = SplitLine(utility, line); },
+                 [&](RuntimeError& error) { error.description += " [" + line + "]"; });
+  const std::int32_t key = ToLong(entry.key);
+  if (key <= 0) return std::nullopt;
+  return forms::ListBox::Item{std::string(FirstCharacters(entry.text, kMessageCharacters)), key};
+}
+
+/// Lists these rows and no others. Hidden meanwhile: drawn once, not once per item.
+void Fill(forms::ListBox& list, const std::vector<forms::ListBox::Item>& rows) {
+  list.Clear();
+  if (rows.empty()) return;
+  struct Hidden {
+    explicit Hidden(forms::ListBox& listBox) : box(listBox) { box.SetVisible(false); }
+    ~Hidden() { box.SetVisible(true); }
+    forms::ListBox& box;
+  } hidden(list);
+  for (const forms::ListBox::Item& row : rows) {
+    list.Add(row.text);
+    list.SetItemData(list.Count() - 1, row.data);
+  }
 }
 
 /// The key of a "key=value" line, without asking the component for every line of a long list.
@@ -99,12 +126,12 @@ std::size_t CountInPlace(const std::vector<Entry>& entries) {
 /// changes is written under spare keys first, then in its place; the spare keys go last.
 class Replacement {
  public:
-  Replacement(UtilityComponent& utility, std::string& file, const std::vector<std::string>& texts)
+  Replacement(UtilityComponent& utility, std::string& file, const MessageFile::Arrange& arrange)
       : utility_(utility),
         file_(file),
-        texts_(texts),
         old_(AllEntries(utility, file)),
-        dense_(HasDenseKeys(old_) && old_.size() == texts.size()) {
+        texts_(arrange(old_)),
+        dense_(HasDenseKeys(old_) && old_.size() == texts_.size()) {
     for (std::size_t i = 0; i < texts_.size(); ++i) {
       if (!dense_ || texts_[i] != old_[i].text) changed_.push_back(i);
     }
@@ -157,8 +184,8 @@ class Replacement {
 
   UtilityComponent& utility_;
   std::string& file_;
-  const std::vector<std::string>& texts_;
   const std::vector<Entry> old_;
+  const std::vector<std::string> texts_;
   const bool dense_;  // the keys are 1 to n already: the lines stay where they are
   std::vector<std::size_t> changed_;
   std::int32_t spare_ = 0;
@@ -173,30 +200,24 @@ void MessageFile::LoadMessages(std::int32_t profileIndex) {
     UtilityComponent& utility = services_.Utility();
     forms::ListBox& list = window_.lstMessages();
     const auto keepAlive = list.GetForm().KeepAlive();
-    if (!services_.FileSystem().FileExists(file)) return list.Clear();
+    const std::int32_t shown = tables_.currentWindowProfile;
+    std::vector<std::string> lines;  // of a missing file, none
     at(2);
-    const std::vector<std::string> lines = utility.GetIniSection(kMessagesSection, file);
-    at(3);
-    list.Clear();
-    at(4);
-    if (lines.size() < 2) return;
-    at(5);
-    struct Hidden {  // drawn once, not once per item
-      explicit Hidden(forms::ListBox& listBox) : box(listBox) { box.SetVisible(false); }
-      ~Hidden() { box.SetVisible(true); }
-      forms::ListBox& box;
-    } hidden(list);
-    for (const std::string& line : lines) {
-      at(6);
-      if (IsBlank(line)) continue;
-      Entry entry;
-      CompleteErrors([&] { entry = SplitLine(utility, line); },
-                     [&](RuntimeError& error) { error.description += " [" + line + "]"; });
-      const std::int32_t key = ToLong(entry.key);
-      if (key <= 0) continue;
-      list.Add(std::string(FirstCharacters(entry.text, kMessageCharacters)));
-      list.SetItemData(list.Count() - 1, key);
+    if (services_.FileSystem().FileExists(file)) {
+      lines = utility.GetIniSection(kMessagesSection, file);
     }
+    at(6);
+    std::vector<forms::ListBox::Item> rows;
+    std::exception_ptr error;  // what was read before it is listed all the same
+    try {
+      for (const std::string& line : lines) {
+        if (const auto row = RowOf(utility, line)) rows.push_back(*row);
+      }
+    } catch (...) {
+      error = std::current_exception();
+    }
+    if (tables_.currentWindowProfile == shown) Fill(list, rows);
+    if (error) std::rethrow_exception(error);
   });
 }
 
@@ -214,20 +235,20 @@ bool MessageFile::AddEntry(std::int32_t profileIndex, const std::string& text) {
 }
 
 bool MessageFile::DeleteEntry(std::int32_t profileIndex, const std::string& key) {
+  std::string file;
   try {
-    std::string file = tables_.MessageFiles(profileIndex);
+    file = tables_.MessageFiles(profileIndex);
     services_.Utility().WriteIniKey(kMessagesSection, key, std::nullopt, file);
   } catch (...) {
     return false;
   }
-  RewriteEntries(profileIndex);
+  RewriteEntries(profileIndex, std::move(file));
   return true;
 }
 
-void MessageFile::RewriteEntries(std::int32_t profileIndex) {
+void MessageFile::RewriteEntries(std::int32_t profileIndex, std::string file) {
   Guard(reporter_, {"RewriteEntries", profileIndex}, [&](Step& at) {
     at(1);
-    std::string file = tables_.MessageFiles(profileIndex);
     UtilityComponent& utility = services_.Utility();
     const std::vector<Entry> entries = AllEntries(utility, file);
     at(2);
@@ -281,9 +302,9 @@ MessageFile::Exchanged MessageFile::ExchangeEntries(std::int32_t profileIndex,
   return texts;
 }
 
-void MessageFile::ReplaceEntries(std::int32_t profileIndex, const std::vector<std::string>& texts) {
+void MessageFile::ReplaceEntries(std::int32_t profileIndex, const Arrange& arrange) {
   std::string file = tables_.MessageFiles(profileIndex);
-  Replacement(services_.Utility(), file, texts).Run();
+  Replacement(services_.Utility(), file, arrange).Run();
 }
 
 void MessageFile::SetOption(std::int32_t profileIndex, const char* key, const std::string& value) {

@@ -29,7 +29,8 @@ class MessageFile {
               WindowControls& window)
       : services_(services), tables_(tables), reporter_(reporter), window_(window) {}
 
-  /// Fills the settings window's list with the profile's messages. Reported under "LoadMessages".
+  /// Fills the settings window's list with the profile's messages, unless the window has come to
+  /// show another profile by the time they are read. Reported under "LoadMessages".
   void LoadMessages(std::int32_t profileIndex);
   /// Appends a message; true when it was stored and reads back unchanged. Any error, and a text
   /// with a line break, which no line can hold, gives false; nothing is reported.
@@ -42,8 +43,9 @@ class MessageFile {
     std::string key;
     std::string text;
   };
+  using Entries = std::vector<Entry>;
   /// Every message, in line order. Raises what fails.
-  std::vector<Entry> ReadEntries(std::int32_t profileIndex);
+  Entries ReadEntries(std::int32_t profileIndex);
   /// The same, handed on line by line as each is split.
   void ForEachEntry(std::int32_t profileIndex, const std::function<void(const Entry&)>& visit);
   /// The text under a key; empty when there is none. Raises what fails.
@@ -59,15 +61,20 @@ class MessageFile {
   };
   Exchanged ExchangeEntries(std::int32_t profileIndex, const std::string& firstKey,
                             const std::string& secondKey);
-  /// Replaces every entry by these texts, under the keys 1 to n. Raises what fails; a text that
-  /// stood in the file before and is among the new ones stands in it at every moment.
-  void ReplaceEntries(std::int32_t profileIndex, const std::vector<std::string>& texts);
+  /// The texts that shall stand in the file in place of these entries.
+  using Arrange = std::function<std::vector<std::string>(const Entries&)>;
+  /// Replaces every entry by the texts that `arrange` makes of them, under the keys 1 to n. Raises
+  /// what fails; a text that stood in the file before and is among the new ones stands in it at
+  /// every moment.
+  void ReplaceEntries(std::int32_t profileIndex, const Arrange& arrange);
   /// Writes an option. Raises what fails; error 5 for a value with a line break.
   void SetOption(std::int32_t profileIndex, const char* key, const std::string& value);
   std::string ReadOption(std::int32_t profileIndex, const char* key);
 
  private:
-  void RewriteEntries(std::int32_t profileIndex);
+  /// Renumbers. `file` is the path that the caller took before its first change: should the host
+  /// stop the profile meanwhile, what was begun still ends in the same file.
+  void RewriteEntries(std::int32_t profileIndex, std::string file);
 
   HostServices& services_;
   ProfileTables& tables_;

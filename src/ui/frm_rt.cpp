@@ -86,7 +86,8 @@ frmRT::frmRT(const SettingsWindowContext& context)
 }
 
 void frmRT::Run(std::string_view procedure, const std::function<void(Step&)>& body) {
-  Guard(context_.reporter, {procedure, context_.tables.currentWindowProfile}, body);
+  const std::int32_t profile = CurrentProfile();
+  Guard(context_.reporter, {procedure, profile}, body);
 }
 
 void frmRT::OnLoad() {
@@ -145,50 +146,60 @@ void frmRT::Form_Load(Step& at) {
 
 void frmRT::Form_Reload() {
   Run("Form_Reload", [&](Step& at) {
+    const std::int32_t profile = CurrentProfile();
     at(1);
-    context_.store.LoadMessages(CurrentProfile());
-    at(2);
-    if (context_.services.FileSystem().FileExists(context_.tables.MessageFiles(CurrentProfile()))) {
-      chkAuto().SetValue(ToInteger(OptionToShow(kEnableKey, kHighestEnable, kDisabled)));
-      txtInterval().SetText(OptionToShow(kIntervalKey, kHighestInterval, kDefaultInterval));
-    } else {
-      at(3);
-      chkAuto().SetValue(kEnabledForNewProfile);
-      txtInterval().SetText(kDefaultInterval);
-    }
+    context_.store.LoadMessages(profile);
+    if (Shows(profile)) ShowOptions(profile, at);
     at(4);
-    WriteOption(kEnableKey, std::to_string(chkAuto().Value()));
+    if (Shows(profile)) WriteOption(profile, kEnableKey, std::to_string(chkAuto().Value()));
     at(5);
-    WriteOption(kIntervalKey, txtInterval().Text());
+    if (Shows(profile)) WriteOption(profile, kIntervalKey, txtInterval().Text());
   });
 }
 
-std::string frmRT::OptionToShow(const char* key, double highest, const char* defaultText) {
-  const std::string stored = context_.store.ReadOption(CurrentProfile(), key);
+void frmRT::ShowOptions(std::int32_t profile, Step& at) {
+  at(2);
+  if (!context_.services.FileSystem().FileExists(context_.tables.MessageFiles(profile))) {
+    at(3);
+    chkAuto().SetValue(kEnabledForNewProfile);
+    if (Shows(profile)) txtInterval().SetText(kDefaultInterval);
+    return;
+  }
+  const std::string enable = OptionToShow(profile, kEnableKey, kHighestEnable, kDisabled);
+  if (!Shows(profile)) return;
+  chkAuto().SetValue(ToInteger(enable));
+  if (!Shows(profile)) return;
+  const std::string interval =
+      OptionToShow(profile, kIntervalKey, kHighestInterval, kDefaultInterval);
+  if (Shows(profile)) txtInterval().SetText(interval);
+}
+
+std::string frmRT::OptionToShow(std::int32_t profile, const char* key, double highest,
+                                const char* defaultText) {
+  const std::string stored = context_.store.ReadOption(profile, key);
   if (stored.empty()) return defaultText;
   const double number = ToDouble(stored);
   return number < 0 || number > highest ? defaultText : stored;
 }
 
-void frmRT::WriteOption(const char* key, const std::string& value) {
-  context_.store.SetOption(CurrentProfile(), key, value);
+void frmRT::WriteOption(std::int32_t profile, const char* key, const std::string& value) {
+  context_.store.SetOption(profile, key, value);
 }
 
 void frmRT::chkAuto_Click(Step& at) {
   at(1);
   const std::int16_t value = chkAuto().Value();
-  if (value == 0 || value == 1) WriteOption(kEnableKey, std::to_string(value));
+  if (value == 0 || value == 1) WriteOption(CurrentProfile(), kEnableKey, std::to_string(value));
 }
 
 void frmRT::txtInterval_Change(Step& at) {
   at(1);
+  const std::int32_t profile = CurrentProfile();
   const std::string text(TrimSpaces(txtInterval().Text()));
-  if (IsNumeric(text)) {
-    WriteOption(kIntervalKey, text);
-  } else {
-    at(2);
-    txtInterval().SetText(context_.store.ReadOption(CurrentProfile(), kIntervalKey));
-  }
+  if (IsNumeric(text)) return WriteOption(profile, kIntervalKey, text);
+  at(2);
+  const std::string stored = context_.store.ReadOption(profile, kIntervalKey);
+  if (Shows(profile)) txtInterval().SetText(stored);
 }
 
 void frmRT::cmdAdd_MouseDown(Step& at, const MouseEvent& event) {
@@ -204,21 +215,22 @@ void frmRT::cmdAdd_MouseUp(Step& at, const MouseEvent& event) {
 
 void frmRT::Add(Step& at) {
   at(2);
+  const std::int32_t profile = CurrentProfile();
   const std::string text = txtMessage().Text();
   if (TrimSpaces(text).empty()) {
     return context_.reporter.Notify(ReportKind::Failure, "Message Box is empty!");
   }
   at(3);
   const std::string message(FirstCharacters(text, kMessageCharacters));
-  if (!context_.store.AddEntry(CurrentProfile(), message)) {
+  if (!context_.store.AddEntry(profile, message)) {
     at(5);
     return context_.reporter.Notify(ReportKind::Failure, "Could not add message!");
   }
   at(4);
   context_.reporter.Notify(ReportKind::Success, "Message added successfully!");
-  if (!IsLoaded()) return;  // the window went while the box was open
+  if (!Shows(profile)) return;
   txtMessage().SetText("");
-  context_.store.LoadMessages(CurrentProfile());
+  context_.store.LoadMessages(profile);
 }
 
 void frmRT::lstMessages_MouseDown(Step& at, const MouseEvent& event) {
@@ -253,15 +265,18 @@ void frmRT::EnableListMenu() {
 
 void frmRT::MoveSelected(Step& at, std::int16_t by) {
   at(1);
+  const std::int32_t profile = CurrentProfile();
   const std::int32_t row = ToInteger(lstMessages().SelectedRow());
   const std::int32_t neighbour = row + by;
-  std::vector<ListBox::Item> rows = lstMessages().Items();
+  const std::vector<ListBox::Item> before = lstMessages().Items();
+  std::vector<ListBox::Item> rows = before;
   std::swap(rows[lstMessages().Checked(row)], rows[lstMessages().Checked(neighbour)]);
   // The file first: should that fail, the list still shows what the file holds.
   at(2);
-  context_.store.ReplaceEntries(CurrentProfile(),
-                                WholeMessages(rows, context_.store.ReadEntries(CurrentProfile())));
-  if (!IsLoaded()) return;
+  context_.store.ReplaceEntries(
+      profile, [&](const MessageFile::Entries& entries) { return WholeMessages(rows, entries); });
+  if (!Shows(profile)) return;
+  if (lstMessages().Items() != before) return context_.store.LoadMessages(profile);
   for (const std::int32_t moved : {row, neighbour}) {
     const ListBox::Item& item = rows[static_cast<std::size_t>(moved)];
     lstMessages().SetText(moved, item.text);
@@ -271,14 +286,17 @@ void frmRT::MoveSelected(Step& at, std::int16_t by) {
 
 void frmRT::mnuDelete_Click(Step& at) {
   at(1);
-  const std::int16_t row = ToInteger(lstMessages().SelectedRow());
-  if (row < 0) return;
+  const std::int32_t profile = CurrentProfile();
+  const std::int16_t selected = ToInteger(lstMessages().SelectedRow());
+  if (selected < 0) return;
+  const std::size_t row = lstMessages().Checked(selected);
+  const std::vector<ListBox::Item> rows = lstMessages().Items();
   // What goes is the message that the row shows, also when the list is behind the file.
-  const std::vector<MessageFile::Entry> entries = context_.store.ReadEntries(CurrentProfile());
-  const auto match = MatchRows(lstMessages().Items(), entries)[static_cast<std::size_t>(row)];
-  if (match) context_.store.DeleteEntry(CurrentProfile(), entries[*match].key);
+  const MessageFile::Entries entries = context_.store.ReadEntries(profile);
+  const std::optional<std::size_t> match = MatchRows(rows, entries)[row];
+  if (match) context_.store.DeleteEntry(profile, entries[*match].key);
   at(2);
-  context_.store.LoadMessages(CurrentProfile());
+  if (Shows(profile)) context_.store.LoadMessages(profile);
 }
 
 void frmRT::txtMessage_MouseDown(Step& at, const MouseEvent& event) {

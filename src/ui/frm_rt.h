@@ -50,7 +50,10 @@ class frmRT final : public forms::Form {
   static const EditingItem kEditingItems[];
   void WireEvents();
   void WireMenuTables();
-  /// Runs a handler under its name for the current window profile.
+  /// Runs a handler under its name for the current window profile. While a handler calls a
+  /// component or shows a box, the host may load another profile or unload the window; so a handler
+  /// takes the profile and the rows once, when it begins, changes that profile's file only, and
+  /// goes back to the controls only if the window still `Shows` it.
   void Run(std::string_view procedure, const std::function<void(Step&)>& body);
 
   void Form_Load(Step& at);
@@ -72,10 +75,13 @@ class frmRT final : public forms::Form {
   void Add(Step& at);
 
   std::int32_t CurrentProfile() const { return context_.tables.currentWindowProfile; }
-  void WriteOption(const char* key, const std::string& value);
+  bool Shows(std::int32_t profile) const { return IsLoaded() && profile == CurrentProfile(); }
+  void WriteOption(std::int32_t profile, const char* key, const std::string& value);
   /// The stored option as the window shows it: the default for an empty one and for one outside 0
   /// to `highest`. Error 13 for one that is no number.
-  std::string OptionToShow(const char* key, double highest, const char* defaultText);
+  std::string OptionToShow(std::int32_t profile, const char* key, double highest,
+                           const char* defaultText);
+  void ShowOptions(std::int32_t profile, Step& at);
 
   const SettingsWindowContext context_;
   const ImageButtons buttons_;
