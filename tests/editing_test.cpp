@@ -346,35 +346,34 @@ TEST_F(VisitedChangeTest, StaysInItsOwnFileWhateverTheHostDoesInsideAnyOfItsCall
   }
 }
 
-TEST_F(EditingTest, WhateverArrivesWhileABoxOrAMenuIsOpenDoesNoHarm) {
-  Show({"a", "b"});
+TEST_F(VisitedChangeTest, WhateverArrivesWhileABoxOrAMenuIsOpenDoesNoHarm) {
   const auto wreck = [this] {
+    host.MessageFile(3) = kOther;
     Plugin().UnLoadInterface("");
     Load(3);
+    Window().lstMessages().Select(1);
   };
+  Show({"a", "b", "c"});
   toolkit.onMessageBox = [&](const std::string&, const std::string&) { wreck(); };
-  Add("c");
-  EXPECT_EQ(Stored(2), (Texts{"a", "b", "c"}));
-  Load(2);
+  Add("d");
+  Check({"add", nullptr, {"a", "b", "c", "d"}});
   toolkit.onMessageBox = nullptr;
-  for (const char* item : {"mnuUp", "mnuDelete", "mnuPaste", "mnuNextMap"}) {
-    Show({"a", "b"});
-    toolkit.onPopUp = [&](forms::MenuItem& menu) -> forms::MenuItem* {
-      forms::MenuItem* chosen = &Window().Menu(item);
-      static_cast<void>(menu);
-      wreck();
-      return chosen;
-    };
-    RightClickRow(1);
-    Show({"a", "b"});
-    toolkit.onPopUp = [&](forms::MenuItem&) {
-      wreck();
-      return nullptr;
-    };
-    Press("txtMessage", MouseEvent::kRight);
+  for (const char* item : {"mnuUp", "mnuDelete", "mnuPaste", "mnuNextMap", ""}) {
+    for (const auto& [box, y] :
+         {std::pair("lstMessages", kRowHeight * 15 + 20), {"txtMessage", 0}}) {
+      SCOPED_TRACE(std::string(item) + " at " + box);
+      Show({"a", "b", "c"});
+      toolkit.onPopUp = [&](forms::MenuItem&) {
+        forms::MenuItem* chosen = *item != 0 ? &Window().Menu(item) : nullptr;
+        wreck();
+        return chosen;
+      };
+      Press(box, MouseEvent::kRight, 100, static_cast<float>(y));
+      Check({item, nullptr});
+      EXPECT_EQ(Window().txtMessage().Text(), "");
+      EXPECT_EQ(host.logged, Texts{});
+    }
   }
-  Show({"a"});
-  EXPECT_EQ(Rows(), Texts{"a"});
 }
 
 }  // namespace

@@ -162,6 +162,33 @@ TEST_F(FormsTest, NothingAHandlerNeedsDiesUnderIt) {
   EXPECT_FALSE(timers.NextDue());
 }
 
+TEST_F(FormsTest, ActsThatArriveAfterTheUnloadDoNothing) {
+  auto& box = form->Add<CheckBox>("box");
+  auto& text = form->Add<TextBox>("text");
+  auto& list = form->Add<ListBox>("list");
+  MenuItem& item = form->AddMenu("item", "Item", nullptr);
+  int events = 0;
+  box.onClick = text.onChange = item.onClick = [&] { ++events; };
+  list.onMouseDown = list.onMouseUp = [&](const MouseEvent&) { ++events; };
+  list.Add("a");
+  const auto act = [&] {
+    box.UserClicked();
+    text.UserChangedText(text.Text() + "x");
+    list.UserSelected(list.SelectedRow() + 1);
+    list.UserPressed({});
+    list.UserReleased({});
+    item.UserClicked();
+  };
+  for (const bool loaded : {true, false}) {
+    act();
+    EXPECT_EQ(events, 5) << loaded;
+    EXPECT_EQ(box.Value(), 1) << loaded;
+    EXPECT_EQ(text.Text(), "x") << loaded;
+    EXPECT_EQ(list.SelectedRow(), 0) << loaded;
+    form->Unload();
+  }
+}
+
 TEST_F(FormsTest, CannotBeShownWhileAMessageBoxIsOpen) {
   int error = 0;
   toolkit.onMessageBox = [&](const std::string&, const std::string&) {

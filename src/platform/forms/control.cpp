@@ -76,10 +76,10 @@ void Control::SetFontSize(double points) {
 }
 
 void Control::UserPressed(const MouseEvent& event) {
-  Raise(onMouseDown, event);
+  if (TakesActs()) Raise(onMouseDown, event);
 }
 void Control::UserReleased(const MouseEvent& event) {
-  Raise(onMouseUp, event);
+  if (TakesActs()) Raise(onMouseUp, event);
 }
 
 void CaptionedControl::SetCaption(std::string caption) {

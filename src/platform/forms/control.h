@@ -43,7 +43,8 @@ struct MouseEvent {
 /// Kinds of controls, each a class below.
 enum class Kind { Frame, TextBox, CheckBox, ListBox, Label, Image };
 
-/// What all controls share. A control lives as long as its form.
+/// What all controls share. A control lives as long as its form. An act of the user (a User...
+/// member) that arrives at a form which is no longer loaded does nothing.
 class Control {
  public:
   Control(Form& form, Kind kind, std::string name)
@@ -86,6 +87,7 @@ class Control {
 
  protected:
   FormView* View() const;
+  bool TakesActs() const { return View() != nullptr; }
   void Changed(Property property);
   /// Calls a handler; the form stays alive until it returns, whatever the handler does to it.
   template <class Handler, class... Arguments>
@@ -165,7 +167,9 @@ class TextBox final : public Control {
 
   std::function<void()> onChange;
   /// The user changed the text, by whatever means the backend offers.
-  void UserChangedText(std::string text) { SetText(std::move(text)); }
+  void UserChangedText(std::string text) {
+    if (TakesActs()) SetText(std::move(text));
+  }
 
  private:
   std::string text_;
@@ -185,7 +189,9 @@ class CheckBox final : public Control {
 
   std::function<void()> onClick;
   /// The user clicked: checks an unchecked box, unchecks any other.
-  void UserClicked() { SetValue(value_ == 0 ? 1 : 0); }
+  void UserClicked() {
+    if (TakesActs()) SetValue(value_ == 0 ? 1 : 0);
+  }
 
  private:
   std::int16_t value_ = 0;
@@ -215,7 +221,9 @@ class ListBox final : public Control {
   /// The selected row, or kNone.
   std::int32_t SelectedRow() const { return selectedRow_; }
   void Select(std::int32_t row);
-  void UserSelected(std::int32_t row) { selectedRow_ = row; }
+  void UserSelected(std::int32_t row) {
+    if (TakesActs()) selectedRow_ = row;
+  }
   /// The row as a place in Items(), or error 380.
   std::size_t Checked(std::int32_t row) const;
 

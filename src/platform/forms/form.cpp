@@ -23,7 +23,7 @@ void RaiseNoSuchControl(std::string_view name) {
 
 void MenuItem::UserClicked() {
   const std::shared_ptr<Form> keepAlive = form_.KeepAlive();
-  if (enabled && onClick) onClick();
+  if (form_.IsLoaded() && enabled && onClick) onClick();
 }
 
 void TimerArray::Load(std::int16_t index) {

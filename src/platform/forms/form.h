@@ -20,7 +20,7 @@ class MenuItem {
       : name(std::move(itemName)), caption(std::move(itemCaption)), form_(form) {}
 
   bool IsSeparator() const { return caption == "-"; }
-  /// The user chose the item; does nothing while it is disabled.
+  /// The user chose the item; does nothing while it is disabled, and once its form is unloaded.
   void UserClicked();
 
   const std::string name;
