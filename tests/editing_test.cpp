@@ -208,6 +208,20 @@ TEST_F(EditingTest, DeletingRemovesWhatTheRowShows) {
   EXPECT_EQ(Rows(), Texts{"other"});
 }
 
+TEST_F(EditingTest, DeletingRemovesTheRowsOwnMessageWhereAKeyStandsTwice) {
+  for (const auto& [lines, row, left] : std::vector<std::tuple<const char*, int, Texts>>{
+           {"1=a\r\n1=b\r\n", 1, {"a"}},
+           {"1=a\r\n1=b\r\n", 0, {"b"}},
+           {"2=a\r\n1=b\r\n2=c\r\n1=d\r\n", 2, {"a", "b", "d"}}}) {
+    host.MessageFile(2) = std::string("[Messages]\r\n") + lines;
+    Load(2);
+    Window().lstMessages().Select(row);
+    Window().Menu("mnuDelete").UserClicked();
+    EXPECT_EQ(Stored(2), left) << lines << row;
+    EXPECT_EQ(Rows(), left) << lines << row;
+  }
+}
+
 TEST_F(EditingTest, TokensReplaceTheEntry) {
   Show({});
   int tokens = 0;

@@ -1,5 +1,7 @@
 #include "ui/frm_rt.h"
 
+#include <algorithm>
+
 #include "platform/conversions.h"
 #include "platform/forms/window_messages.h"
 #include "platform/text.h"
@@ -291,12 +293,31 @@ void frmRT::mnuDelete_Click(Step& at) {
   if (selected < 0) return;
   const std::size_t row = lstMessages().Checked(selected);
   const std::vector<ListBox::Item> rows = lstMessages().Items();
+  const bool removed = Remove(profile, rows, row);
+  at(2);
+  if (Shows(profile)) context_.store.LoadMessages(profile);
+  if (!removed) context_.reporter.Notify(ReportKind::Failure, "Could not delete message!");
+}
+
+bool frmRT::Remove(std::int32_t profile, const std::vector<ListBox::Item>& rows, std::size_t row) {
   // What goes is the message that the row shows, also when the list is behind the file.
   const MessageFile::Entries entries = context_.store.ReadEntries(profile);
   const std::optional<std::size_t> match = MatchRows(rows, entries)[row];
-  if (match) context_.store.DeleteEntry(profile, entries[*match].key);
-  at(2);
-  if (Shows(profile)) context_.store.LoadMessages(profile);
+  if (!match) return true;
+  const std::string& key = entries[*match].key;
+  const auto holders = std::ranges::count_if(
+      entries, [&](const auto& entry) { return EqualsIgnoringCase(entry.key, key); });
+  if (holders == 1) return context_.store.DeleteEntry(profile, key);
+  // A hand has given the key twice, and removing it would take the first one's text.
+  context_.store.ReplaceEntries(profile, [&](const MessageFile::Entries& now) {
+    const std::optional<std::size_t> gone = MatchRows(rows, now)[row];
+    std::vector<std::string> others;
+    for (std::size_t i = 0; i < now.size(); ++i) {
+      if (i != gone) others.push_back(now[i].text);
+    }
+    return others;
+  });
+  return true;
 }
 
 void frmRT::txtMessage_MouseDown(Step& at, const MouseEvent& event) {

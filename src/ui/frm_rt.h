@@ -71,6 +71,8 @@ class frmRT final : public forms::Form {
   std::int32_t ListIndexFromPoint(float X, float Y);
   void EnableListMenu();
   void MoveSelected(Step& at, std::int16_t by);
+  /// Takes the message that the row stands for out of the file; false when it could not be removed.
+  bool Remove(std::int32_t profile, const std::vector<forms::ListBox::Item>& rows, std::size_t row);
   void Edit(const EditingItem& item);
   void Add(Step& at);
 
