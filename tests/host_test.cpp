@@ -181,22 +181,44 @@ class ConsoleTest : public ::testing::Test {
  protected:
   /// Runs console lines on a host of the folder and answers what was printed since.
   std::string Execute(std::initializer_list<const char*> lines) {
-    if (!running_) {
-      running_ = std::make_unique<Running>(folder, out_);
-      running_->host.LoadEveryProfile();
-    }
+    if (!running_) Restart({folder.Path()});
     Console console(running_->host, out_);
     for (const char* line : lines) console.Execute(line);
     return std::exchange(out_, std::ostringstream()).str();
+  }
+  void Restart(const HostOptions& options) {
+    running_ = std::make_unique<Running>(options, out_);
+    running_->host.LoadEveryProfile();
+  }
+  /// The values in a profile's message file, one behind the other.
+  std::string Contents(int index) {
+    std::string values;
+    const IniText ini(
+        folder.Read("profiles/srv" + std::to_string(index) + "/settings/Rotacasts.ini"));
+    for (const char* section : {"Messages", "Options"}) {
+      for (const IniText::Line& line : ini.Lines(section)) values.append(line.value) += ';';
+    }
+    return values;
+  }
+  /// What was logged below the folder, without the times; takes it.
+  std::string TakeLog(const std::string& place) {
+    std::string lines;
+    if (!std::filesystem::exists(folder.File(place))) return lines;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.File(place))) {
+      std::istringstream log(folder.Read(place + "/" + entry.path().filename().string()));
+      for (std::string line; std::getline(log, line);) lines += line.substr(10) + "\n";
+      std::filesystem::remove(entry);
+    }
+    return lines;
   }
   HostFolder folder;
 
  private:
   struct Running {
-    Running(const HostFolder& of, std::ostream& out)
-        : watch(of.Path(), out),
-          plugin(watch.Components(), std::chrono::minutes(1), out),
-          host(watch, plugin, site, HostOptions{of.Path()}, out) {}
+    Running(const HostOptions& options, std::ostream& out)
+        : watch(options.folder, out),
+          plugin(watch.Components(), options.minute, out),
+          host(watch, plugin, site, options, out) {}
     ProfileWatch watch;
     HeadlessPlugin plugin;
     HeadlessSite site;
@@ -238,6 +260,82 @@ TEST_F(ConsoleTest, CommandsDoWhatTheySayOrSayWhatIsWrong) {
   EXPECT_NE(Execute({"show 2", "status"}).find("DFX2"), std::string::npos);
   EXPECT_NE(Execute({"hide", "unload", "status"}).find("stopped"), std::string::npos);
   EXPECT_EQ(folder.Read("settings/config.ini"), "[Settings]\r\nReportErrors=0\r\n");
+}
+
+TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
+  struct Row {
+    const char* line;
+    std::string says;
+    const char* file = nullptr;  // the messages and options afterwards; null: as before
+    std::string log = "";
+  };
+  const Row rows[] = {
+      {"add 2  d ", "added at position 3\n", "a;b;c; d ;1;3;",
+       "[Rotacasts] Add Rotacast (Message:  d ) from Zoe\r\n"},
+      {"delete 2 3", "deleted:  d \n", "a;b;c;1;3;",
+       "[Rotacasts] Delete Rotacasts (Message:  d ) from Zoe\r\n"},
+      {"up 2 1", "moved up: b\n", "b;a;c;1;3;",
+       "[Rotacasts] Move Rotacasts Up (Message: b) from Zoe\r\n"},
+      {"down 2 0", "moved down: b\n", "a;b;c;1;3;",
+       "[Rotacasts] Move Rotacasts Down (Message: b) from Zoe\r\n"},
+      {"up 2 0", "not moved: it is the first message\n"},
+      {"down 2 2", "not moved: it is the last message\n"},
+      {"delete 2 3", "there is no message at position 3; \"messages 2\" lists those there are\n"},
+      {"up 2 -1", "there is no message at position -1; \"messages 2\" lists those there are\n"},
+      {"down 2 x", "usage: down PROFILE POSITION\n"},
+      {"add 2 ", "usage: add PROFILE TEXT\n"},
+      {"add 2 Ł",
+       "not stored: a message is one line of Windows-1252 letters, in a file that can "
+       "be written\n",
+       nullptr, "[Rotacasts] Add Rotacast (Message: ?) from Zoe\r\n"},
+      {"enable 2 0", "Enable is 0\n", "a;b;c;0;3;",
+       "[Rotacasts] Enable Rotacasts (New Value: 0) from Zoe\r\n"},
+      {"interval 2 9", "Interval is 9\n", "a;b;c;0;9;",
+       "[Rotacasts] Change Rotacasts Interval (New Interval: 9) from Zoe\r\n"},
+      {"remote 2 GetMessagesRem", "\"YQ==|Yg==|Yw==|0|9\"\n"},
+      {"remote 2 AddMessageRem ZA==", "\"1\"\n", "a;b;c;d;0;9;",
+       "[Rotacasts] Add Rotacast (Message: d) from Zoe\r\n"},
+      {"remote 2 MoveMessageDownRem 9", "\"0\"\n"},
+      {"remote 2 Fly 1",
+       "Fly is no remote operation; there are GetMessagesRem AddMessageRem EnableRTRem "
+       "ChangeIntervalRem MoveMessageDownRem MoveMessageUpRem DeleteMessageRem\n"},
+  };
+  for (const bool shared : {false, true}) {
+    folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"a", "b", "c"}, "1", "3"));
+    Restart({folder.Path(), std::chrono::minutes(1), "Zoe", shared});
+    std::string file = Contents(2);
+    for (const Row& row : rows) {
+      if (row.file != nullptr) file = row.file;
+      EXPECT_EQ(Execute({row.line}), row.says) << row.line;
+      EXPECT_EQ(Contents(2), file) << row.line;
+      const char* const places[] = {"profiles/srv2/adminlogs", "adminlogs"};
+      EXPECT_EQ(TakeLog(places[shared ? 1 : 0]), row.log) << row.line;
+      EXPECT_EQ(TakeLog(places[shared ? 0 : 1]), "") << row.line;
+    }
+  }
+}
+
+TEST_F(ConsoleTest, APositionThatCouldMeanAnotherMessageIsRefused) {
+  struct Row {
+    std::string lines;
+    const char* says;
+  };
+  const std::string path = "profiles/srv2/settings/Rotacasts.ini";
+  for (const Row& row :
+       {Row{"1=a\r\n3=b\r\n", "the message \"b\" at position 1 has the key 3 instead of 2"},
+        Row{"1=a\r\n1=b\r\n", "the message \"b\" at position 1 has the key 1 instead of 2"},
+        Row{"2=a\r\n1=b\r\n", "the message \"a\" at position 0 has the key 2 instead of 1"}}) {
+    const std::string file =
+        "[Messages]\r\n" + row.lines + "[Options]\r\nEnable=1\r\nInterval=3\r\n";
+    folder.AddProfile(2, "JO", "1", "4002", file);
+    for (const char* line : {"up 2 1", "down 2 0", "delete 2 0"}) {
+      EXPECT_EQ(Execute({line}), std::string(row.says) +
+                                     ", so a position could mean another message; number the keys "
+                                     "from 1 in " +
+                                     folder.File(path) + " and try again\n");
+      EXPECT_EQ(folder.Read(path), file) << line;
+    }
+  }
 }
 
 /// A plugin in a component of its own: it is called and tells nothing of itself.

@@ -95,6 +95,22 @@ std::vector<std::string> ProfileWatch::MessagesOf(const ProfileSettings& profile
   return messages;
 }
 
+void ProfileWatch::RequireNumbering(const ProfileSettings& profile) const {
+  const IniText ini = ReadIni(MessageFileOf(profile));
+  std::int32_t position = 0;
+  for (const IniText::Line& line : ini.Lines(kMessagesSection)) {
+    const std::string due = std::to_string(position + 1);
+    if (line.key != due) {
+      throw Complaint("the message \"" + FromWindows1252(line.value) + "\" at position " +
+                      std::to_string(position) + " has the key " + FromWindows1252(line.key) +
+                      " instead of " + due +
+                      ", so a position could mean another message; number the keys from 1 in " +
+                      NativePath(MessageFileOf(profile)).string() + " and try again");
+    }
+    ++position;
+  }
+}
+
 std::string ProfileWatch::OptionOf(const ProfileSettings& profile, const char* key) const {
   return FromWindows1252(ReadIni(MessageFileOf(profile)).Value(kOptionsSection, key).value_or(""));
 }

@@ -36,6 +36,9 @@ class ProfileWatch {
   Variant::Array DataOf(const ProfileSettings& profile) const;
 
   std::vector<std::string> MessagesOf(const ProfileSettings& profile) const;
+  /// Error 5 unless the keys of the messages are 1 to n: a remote operation takes a position for a
+  /// key less one, and would act on another message than the one named.
+  void RequireNumbering(const ProfileSettings& profile) const;
   /// The value of an option as the message file holds it; empty when it does not.
   std::string OptionOf(const ProfileSettings& profile, const char* key) const;
 

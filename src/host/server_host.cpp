@@ -104,7 +104,9 @@ void ServerHost::SetOption(std::int32_t index, const char* key, const std::strin
 }
 
 std::string ServerHost::RequireMessage(std::int32_t index, std::int32_t position) {
-  const std::vector<std::string> messages = watch_.MessagesOf(watch_.Profile(index));
+  const ProfileSettings& profile = watch_.Profile(index);
+  watch_.RequireNumbering(profile);
+  const std::vector<std::string> messages = watch_.MessagesOf(profile);
   if (position >= 0 && static_cast<std::size_t>(position) < messages.size()) {
     return messages[static_cast<std::size_t>(position)];
   }
