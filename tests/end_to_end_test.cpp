@@ -75,6 +75,18 @@ TEST(EndToEnd, AServerStartedAnewUnderItsProgramNameIsFoundAgain) {
   EXPECT_EQ(host.Wait(SIGTERM), 0);
 }
 
+TEST(EndToEnd, NoMessageCommandsTheTerminal) {
+  HostFolder folder;
+  folder.AddProfile(1, "JO", "1", "4001", MessageFileBytes({"{\x1B[2J}\u009D31m\tGrüße"}));
+  folder.AddProfile(2, "JO", "1", "\x1B]");
+  for (const auto& [command, says] :
+       {std::pair("preview", "0         {?[2J}?31m?Grüße"), {"check", "?]"}}) {
+    ChildProcess host({ROTACASTS_HOST_PROGRAM, command, "--host-folder", folder.Path()});
+    EXPECT_TRUE(host.ReadUntil(says)) << command;
+    while (const auto line = host.ReadLine()) EXPECT_EQ(line->find('\x1B'), line->npos) << *line;
+  }
+}
+
 TEST(EndToEnd, AWrongCallSaysWhatIsWrong) {
   const auto run = [](std::vector<std::string> words, const char* says) {
     words.insert(words.begin(), ROTACASTS_HOST_PROGRAM);

@@ -10,6 +10,7 @@
 #include "host/console.h"
 #include "host/game_processes.h"
 #include "host/headless_plugin.h"
+#include "host/plain_output.h"
 #include "host/simulator/game_image.h"
 #include "platform/conversions.h"
 #include "platform/text.h"
@@ -175,6 +176,23 @@ TEST_F(SimulatorTest, TheSameSeedLivesTheSameLifeAndMapsChange) {
               simulator::GameImage(memory, "QUAKE", life.Now());
             }),
             5);
+}
+
+TEST(PlainOutput, ShowsControlCharactersAsQuestionMarks) {
+  for (const auto& [text, shown] : std::vector<std::pair<std::string, std::string>>{
+           {"Grüße €\n  a|b\n", "Grüße €\n  a|b\n"},
+           {"\x1B[2J\x1B]0;x\x07\t\r", "?[2J?]0;x???"},
+           {std::string("\0\x7F", 2), "??"},
+           {"\u0080\u009B31m\u009F\u00A0\u00BF", "??31m?\u00A0\u00BF"},
+           {"\xC2\xC2\x9B-\xC2\n", "\xC2?-\xC2\n"}}) {
+    for (const bool whole : {true, false}) {
+      std::ostringstream target;
+      PlainOutput out(target);
+      if (whole) out << text;
+      for (std::size_t i = 0; !whole && i < text.size(); ++i) out << text[i] << std::flush;
+      EXPECT_EQ(target.str(), shown);
+    }
+  }
 }
 
 class ConsoleTest : public ::testing::Test {

@@ -6,6 +6,7 @@
 
 #include "host/check.h"
 #include "host/native_files.h"
+#include "host/plain_output.h"
 #include "host/program_arguments.h"
 #include "host/run_host.h"
 #include "host/version.h"
@@ -25,6 +26,16 @@ struct CommandLine {
   std::vector<std::int32_t> profiles;
 };
 
+std::ostream& Out() {
+  static PlainOutput out(std::cout);
+  return out;
+}
+
+std::ostream& Errors() {
+  static PlainOutput errors(std::cerr);
+  return errors;
+}
+
 HostOptions OptionsOf(const CommandLine& line) {
   return {std::filesystem::absolute(PathOf(line.folder)).lexically_normal().string(),
           std::chrono::milliseconds(line.minute), line.administrator, line.sharedLog};
@@ -32,14 +43,14 @@ HostOptions OptionsOf(const CommandLine& line) {
 
 int Run(const CommandLine& line) {
   const HostOptions options = OptionsOf(line);
-  ProfileWatch watch(options.folder, std::cout);
+  ProfileWatch watch(options.folder, Out());
   if (watch.Profiles().empty()) {
-    std::cerr << line.folder
-              << " has no usable profile; each needs a file profiles/NAME/profile.ini "
-              << "with the section [Profile] and the keys Index, GameCode, Process and Target\n";
+    Errors() << line.folder
+             << " has no usable profile; each needs a file profiles/NAME/profile.ini "
+             << "with the section [Profile] and the keys Index, GameCode, Process and Target\n";
     return 2;
   }
-  RunHost(watch, options, std::cout);
+  RunHost(watch, options, Out());
   return 0;
 }
 
@@ -52,7 +63,7 @@ std::vector<std::int32_t> Chosen(const CommandLine& line, const ProfileWatch& wa
 }
 
 int Preview(const CommandLine& line) {
-  ProfileWatch watch(OptionsOf(line).folder, std::cout);
+  ProfileWatch watch(OptionsOf(line).folder, Out());
   for (const std::int32_t index : Chosen(line, watch)) watch.PrintPreview(index);
   return 0;
 }
@@ -62,7 +73,7 @@ int Check(const CommandLine& line) {
   const std::string folder = OptionsOf(line).folder;
   LoadedProfiles loaded = LoadProfiles(folder);
   std::size_t warnings = loaded.problems.size();
-  for (const std::string& problem : loaded.problems) std::cout << problem << "\n";
+  for (const std::string& problem : loaded.problems) Out() << problem << "\n";
   for (const ProfileSettings& profile : loaded.profiles) {
     const std::string path = MessageFilePath(folder, profile.folder);
     std::vector<std::string> found;
@@ -72,11 +83,11 @@ int Check(const CommandLine& line) {
       found.push_back(error.description);
     }
     for (const std::string& warning : found) {
-      std::cout << NativePath(path).string() << ": " << warning << "\n";
+      Out() << NativePath(path).string() << ": " << warning << "\n";
     }
     warnings += found.size();
   }
-  std::cout << loaded.profiles.size() << " message files checked, " << warnings << " warnings\n";
+  Out() << loaded.profiles.size() << " message files checked, " << warnings << " warnings\n";
   return warnings == 0 ? 0 : 1;
 }
 
@@ -115,7 +126,7 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error);
   } catch (...) {
-    std::cerr << "rotacasts-host: " << CurrentRuntimeError().description << "\n";
+    Errors() << "rotacasts-host: " << CurrentRuntimeError().description << "\n";
     return 2;
   }
 }
