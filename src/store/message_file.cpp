@@ -25,17 +25,18 @@ bool IsBlank(std::string_view text) {
   return TrimSpaces(text).empty();
 }
 
-/// Visits the lines among the elements that GetIniSection answers: all but the last and blank ones.
-template <class Visit>
-void VisitEntries(UtilityComponent& utility, std::string& file, Visit&& visit) {
-  for (const std::string& line : utility.GetIniSection(kMessagesSection, file)) {
-    if (!IsBlank(line)) visit(SplitLine(utility, line));
-  }
+/// The lines among the elements that GetIniSection answers: all but the last and blank ones.
+std::vector<std::string> MessageLines(UtilityComponent& utility, std::string& file) {
+  std::vector<std::string> lines = utility.GetIniSection(kMessagesSection, file);
+  std::erase_if(lines, IsBlank);
+  return lines;
 }
 
 std::vector<Entry> AllEntries(UtilityComponent& utility, std::string& file) {
   std::vector<Entry> entries;
-  VisitEntries(utility, file, [&](Entry entry) { entries.push_back(std::move(entry)); });
+  for (const std::string& line : MessageLines(utility, file)) {
+    entries.push_back(SplitLine(utility, line));
+  }
   return entries;
 }
 
@@ -272,10 +273,13 @@ std::vector<Entry> MessageFile::ReadEntries(std::int32_t profileIndex) {
   return AllEntries(services_.Utility(), file);
 }
 
-void MessageFile::ForEachEntry(std::int32_t profileIndex,
-                               const std::function<void(const Entry&)>& visit) {
+std::vector<std::string> MessageFile::ReadLines(std::int32_t profileIndex) {
   std::string file = tables_.MessageFiles(profileIndex);
-  VisitEntries(services_.Utility(), file, visit);
+  return MessageLines(services_.Utility(), file);
+}
+
+Entry MessageFile::Split(const std::string& line) {
+  return SplitLine(services_.Utility(), line);
 }
 
 std::string MessageFile::ReadText(std::int32_t profileIndex, const std::string& key) {

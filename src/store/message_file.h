@@ -46,8 +46,9 @@ class MessageFile {
   using Entries = std::vector<Entry>;
   /// Every message, in line order. Raises what fails.
   Entries ReadEntries(std::int32_t profileIndex);
-  /// The same, handed on line by line as each is split.
-  void ForEachEntry(std::int32_t profileIndex, const std::function<void(const Entry&)>& visit);
+  /// The same in two steps: the lines that hold messages, and what one of them holds.
+  std::vector<std::string> ReadLines(std::int32_t profileIndex);
+  Entry Split(const std::string& line);
   /// The text under a key; empty when there is none. Raises what fails.
   std::string ReadText(std::int32_t profileIndex, const std::string& key);
   /// Whether the section holds the key. Raises what fails.

@@ -56,12 +56,14 @@ std::string RemoteCommands::List(std::int32_t index, const Variant& PDAT, Step& 
   at(1);
   setProfileData_(index, PDAT);
   at(2);
+  const std::vector<std::string> lines = store_.ReadLines(index);
+  at(3);
   std::string messages;
-  store_.ForEachEntry(index, [&](const MessageFile::Entry& entry) {
-    at(3);
+  for (const std::string& line : lines) {
+    const std::string text = store_.Split(line).text;
     if (!messages.empty()) messages += '|';
-    messages += services_.Memory().Enc64(entry.text);
-  });
+    messages += services_.Memory().Enc64(text);
+  }
   at(4);
   std::string enable = store_.ReadOption(index, kEnableKey);
   if (enable.empty()) enable = kDefaultEnable;
