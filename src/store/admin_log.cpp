@@ -21,8 +21,8 @@ void AdminLog::Write(const Variant& PDAT, const std::string& action, const std::
   if (!files.FileExists(file)) files.CreateTextFile(file);
   std::string line =
       "[" + FormatTime(now) + action + value + ") from " + ToText(PDAT.At(pdat::kAdministrator));
-  std::replace_if(
-      line.begin(), line.end(), [](char c) { return (c >= 0 && c < ' ') || c == 0x7F; }, ' ');
+  const auto breaksALine = [](char c) { return (c >= 0 && c < ' ' && c != '\t') || c == 0x7F; };
+  std::replace_if(line.begin(), line.end(), breaksALine, ' ');
   services_.Utility().AppendFile(file, line);
 }
 

@@ -14,8 +14,8 @@ class AdminLog {
   explicit AdminLog(HostServices& services) : services_(services) {}
 
   /// Writes "[hh:mm:ss" + action + value + ") from " + sender. `PDAT` names the profile's folder,
-  /// the sender and whether the host's log is meant. Control characters, line breaks among them,
-  /// become blanks: one change, one line. Raises what fails.
+  /// the sender and whether the host's log is meant. Control characters but the tab, line
+  /// breaks among them, become blanks: one change, one line. Raises what fails.
   void Write(const Variant& PDAT, const std::string& action, const std::string& value);
 
  private:
