@@ -229,6 +229,10 @@ class ConsoleTest : public ::testing::Test {
     }
     return lines;
   }
+  static std::string NotAdded(const std::string& why) {
+    return "[DLL Error!]\n  Error Line: 1\n  Error 5: Invalid procedure call or argument: " + why +
+           "\n  DLL: tvxRT.dll\n  Function/Sub: AddMessageRem\n  Error Report Sent: No\n\"\"\n";
+  }
   HostFolder folder;
 
  private:
@@ -313,6 +317,8 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
       {"remote 2 GetMessagesRem", "\"YQ==|Yg==|Yw==|0|9\"\n"},
       {"remote 2 AddMessageRem ZA==", "\"1\"\n", "a;b;c;d;0;9;",
        "[Rotacasts] Add Rotacast (Message: d) from Zoe\r\n"},
+      {"remote 2 AddMessageRem Z", NotAdded("the text is not Base64")},
+      {"remote 2 AddMessageRem /w==", NotAdded("the Base64 text packs no UTF-8")},
       {"remote 2 MoveMessageDownRem 9", "\"0\"\n"},
       {"remote 2 Fly 1",
        "Fly is no remote operation; there are GetMessagesRem AddMessageRem EnableRTRem "

@@ -63,11 +63,14 @@ TEST_F(RemoteTest, AFailingListingQuotesTheFileOrFailsTheCall) {
   EXPECT_NE(host.logged[0].find("GetMessagesRem: 57"), std::string::npos);
   EXPECT_NE(host.logged[0].find(" [" + PathOf(2) + ", [Messages]~1=a~"), std::string::npos)
       << host.logged[0];
+  host.MessageFile(2) = MessageFileBytes({"unsplittable"});
+  EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "");
+  EXPECT_NE(host.boxes.back().find("Error Line: 3\r\nError 13"), std::string::npos);
   host.files.erase(PathOf(2));
   host.failAtCall = 1;
   EXPECT_EQ(ErrorOf([&] { Plugin().GetMessagesRem(2, Pdat()); }), 53);
   EXPECT_EQ(ErrorOf([&] { Plugin().GetMessagesRem(-1, Pdat()); }), 9);
-  EXPECT_EQ(host.logged.size(), 2U);  // the second is SetProfileData's own
+  EXPECT_EQ(host.logged.size(), 3U);  // the third is SetProfileData's own
 }
 
 TEST_F(RemoteTest, EachChangeIsDoneAnsweredAndLogged) {
@@ -82,10 +85,10 @@ TEST_F(RemoteTest, EachChangeIsDoneAnsweredAndLogged) {
       {&clsPlugin::AddMessageRem, "<d>", "1", {"a", "b", "c", "d"}, "Add Rotacast (Message: d"},
       {&clsPlugin::AddMessageRem, "<>", "1", {"a", "b", "c", ""}, "Add Rotacast (Message: "},
       {&clsPlugin::AddMessageRem,
-       "<x\r\n9=y>",
+       "<x\r\n9=\ty\x7F>",
        "0",
        {"a", "b", "c"},
-       "Add Rotacast (Message: x  9=y"},
+       "Add Rotacast (Message: x  9=\ty "},
       {&clsPlugin::MoveMessageDownRem, 0, "1", {"b", "a", "c"}, "Move Rotacasts Down (Message: a"},
       {&clsPlugin::MoveMessageDownRem,
        "1",
@@ -225,15 +228,23 @@ TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
     Variant::Array data = *Pdat().AsArray();
     data[pdat::kAdministrator] = "eve\r\n[00:00:00]" + text;
     const std::size_t lines = Stored(2).size();
+    EXPECT_EQ(Plugin().AddMessageRem(2, data, text), "") << text;  // raw: it is not encoded
+    EXPECT_EQ(Stored(2).size(), lines);
     Plugin().AddMessageRem(2, data, "<" + text + ">");
     Plugin().EnableRTRem(2, data, text);
     Plugin().ChangeIntervalRem(2, data, text);
-    for (const auto move : {&clsPlugin::MoveMessageUpRem, &clsPlugin::MoveMessageDownRem}) {
-      (Plugin().*move)(2, data, text);
-      (Plugin().*move)(2, data, "99999999999");
-      (Plugin().*move)(2, data, "2147483647");
-      (Plugin().*move)(2, data, -2147483647 - 1);
+    const std::string file = host.MessageFile(2);
+    for (const auto operation : {&clsPlugin::MoveMessageUpRem, &clsPlugin::MoveMessageDownRem,
+                                 &clsPlugin::DeleteMessageRem}) {
+      for (const Variant& position : {Variant(text), Variant("99999999999"), Variant("2147483647"),
+                                      Variant(-2147483647 - 1)}) {
+        (Plugin().*operation)(2, data, position);
+      }
     }
+    EXPECT_EQ(host.MessageFile(2), file);
+    const std::string listing = Plugin().GetMessagesRem(2, data, text);
+    EXPECT_EQ(listing.substr(0, 4), "<a>|");
+    EXPECT_EQ(listing.find_first_of("\r\n"), listing.npos);
     EXPECT_LE(Stored(2).size(), lines + 1);
     EXPECT_EQ(host::IniText(host.MessageFile(2)).Lines("Options").size(), 2U);
     for (const std::string& line : TakeLog()) {
