@@ -11,37 +11,40 @@ namespace rotacasts {
 namespace {
 
 using forms::MouseEvent;
+using testing::FakeHost;
 using testing::MessageFileBytes;
 using testing::PluginHarness;
 using Texts = std::vector<std::string>;
 
-/// A plugin that shows profile 2 with the messages a to d, one of them long.
+/// A plugin that shows profile 2 with the messages a to d, one of them long; nothing was logged
+/// yet.
 class Scene : public PluginHarness {
  public:
   Scene() {
-    host.folders = {"C:\\Host", "C:\\Host\\adminlogs"};
-    host.files["C:\\Host\\adminlogs\\2010-03-07.txt"] = "";
+    host.folders = {"C:\\Host"};
     host.MessageFile(2) = MessageFileBytes(kBefore);
     Load(2);
     Window().lstMessages().Select(1);
     host.calls.clear();
   }
-  static Variant Pdat() { return Data(2, "JO"); }
-  void ClickMenu(const char* item) { Window().Menu(item).UserClicked(); }
+  std::string ClickMenu(const char* item) {
+    Window().Menu(item).UserClicked();
+    return "";
+  }
+  template <class Data>
+  std::string Remote(std::string (clsPlugin::*operation)(std::int32_t, const Variant&,
+                                                         const Variant&),
+                     Data data) {
+    return (Plugin().*operation)(2, this->PluginHarness::Data(2, "JO"), data);
+  }
+  std::string Options() {
+    return State().store.ReadOption(2, kEnableKey) + ", " +
+           State().store.ReadOption(2, kIntervalKey);
+  }
 
-  static inline const Texts kBefore = {"a", "b" + std::string(70, 'b'), "c", "d"};
-};
-
-/// One changing operation, and what must hold after each way it can fail.
-struct Operation {
-  const char* name;
-  std::function<void(Scene&)> run;
-  /// What error reports may name; a failure that is not reported gives `box` to the administrator
-  /// or `reply` to the caller instead.
-  Texts procedures;
-  const char* box;
-  /// Which texts the file may hold after a failure.
-  std::function<bool(const Texts& after)> holds;
+  static inline const std::string kLong = "b" + std::string(70, 'b');
+  static inline const Texts kBefore = {"a", kLong, "c", "d"};
+  static constexpr const char* kOptionsBefore = "1, 1";
 };
 
 bool Contains(const Texts& texts, const std::string& text) {
@@ -82,96 +85,162 @@ bool IsAnExchangeUnderWay(const Texts& after) {
   return IsUntouched(after) || after == half || after == whole;
 }
 
-const Operation kOperations[] = {
-    {"window add",
-     [](Scene& scene) {
-       scene.TypeOver(scene.Window().txtMessage(), "new");
-       scene.Click("cmdAdd", MouseEvent::kLeft);
-     },
-     {"LoadMessages"},
-     "Failed!|Could not add message!",
-     HoldsAllAndAnAdd},
-    {"window move up",
-     [](Scene& scene) { scene.ClickMenu("mnuUp"); },
-     {"mnuUp"},
-     nullptr,
-     IsUntouched},
-    {"window move down",
-     [](Scene& scene) { scene.ClickMenu("mnuDown"); },
-     {"mnuDown"},
-     nullptr,
-     IsUntouched},
-    {"window delete",
-     [](Scene& scene) { scene.ClickMenu("mnuDelete"); },
-     {"mnuDelete_Click", "RewriteEntries", "LoadMessages"},
-     nullptr,
-     IsADeleteUnderWay},
-    {"window switch",
-     [](Scene& scene) { scene.Window().chkAuto().UserClicked(); },
-     {"chkAuto_Click"},
-     nullptr,
-     IsUntouched},
-    {"window interval",
-     [](Scene& scene) { scene.TypeOver(scene.Window().txtInterval(), "9"); },
-     {"txtInterval_Change"},
-     nullptr,
-     IsUntouched},
-    {"remote add",
-     [](Scene& scene) { scene.Plugin().AddMessageRem(2, Scene::Pdat(), "<new>"); },
-     {"AddMessageRem", "LoadMessages"},
-     nullptr,
-     HoldsAllAndAnAdd},
-    {"remote delete",
-     [](Scene& scene) { scene.Plugin().DeleteMessageRem(2, Scene::Pdat(), 1); },
-     {"DeleteMessageRem", "RewriteEntries", "LoadMessages"},
-     nullptr,
-     IsADeleteUnderWay},
-    {"remote up",
-     [](Scene& scene) { scene.Plugin().MoveMessageUpRem(2, Scene::Pdat(), 2); },
-     {"MoveMessageUpRem"},
-     nullptr,
-     IsAnExchangeUnderWay},
-    {"remote down",
-     [](Scene& scene) { scene.Plugin().MoveMessageDownRem(2, Scene::Pdat(), 1); },
-     {"MoveMessageDownRem"},
-     nullptr,
-     IsAnExchangeUnderWay},
-    {"remote switch",
-     [](Scene& scene) { scene.Plugin().EnableRTRem(2, Scene::Pdat(), "0"); },
-     {"EnableRTRem", "chkAuto_Click"},
-     nullptr,
-     IsUntouched},
-    {"remote interval",
-     [](Scene& scene) { scene.Plugin().ChangeIntervalRem(2, Scene::Pdat(), "8"); },
-     {"ChangeIntervalRem", "txtInterval_Change"},
-     nullptr,
-     IsUntouched},
+/// One changing operation, what it does untouched, and what must hold after each way it can fail.
+struct Operation {
+  const char* name;
+  std::function<std::string(Scene&)> run;  // answers the reply; a change in the window has none
+  /// Under which names a failure may be logged, the operation's own first. One that is not logged
+  /// is told to the administrator in `notice`, or to the caller with the reply "0".
+  Texts procedures;
+  const char* notice = nullptr;
+  /// The call whose failure the caller never learns of: the reply says that the command was carried
+  /// out, and the next listing what it came to.
+  const char* silentCall = nullptr;
+  /// Which texts the file may hold after a failure.
+  std::function<bool(const Texts& after)> holds = IsUntouched;
+  // After the untouched run:
+  const char* reply = "";
+  Texts after = Scene::kBefore;
+  const char* options = Scene::kOptionsBefore;
+  Texts boxes = {};
 };
 
-/// Fails component call number 1, 2, 3, ... of the operation, until a run completes untouched;
-/// after each failed run the fault has fired, was reported under the right name, and the file holds
-/// what it must. Answers how many calls there were to fail.
+const Texts kWithNew = {"a", Scene::kLong, "c", "d", "new"};
+const Texts kUp = {Scene::kLong, "a", "c", "d"};
+const Texts kDown = {"a", "c", Scene::kLong, "d"};
+const Texts kDeleted = {"a", "c", "d"};
+
+std::string WindowAdd(Scene& scene) {
+  scene.TypeOver(scene.Window().txtMessage(), "new");
+  scene.Click("cmdAdd", MouseEvent::kLeft);
+  return "";
+}
+std::string WindowSwitch(Scene& scene) {
+  scene.Window().chkAuto().UserClicked();
+  return "";
+}
+std::string WindowInterval(Scene& scene) {
+  scene.TypeOver(scene.Window().txtInterval(), "9");
+  return "";
+}
+
+const Operation kOperations[] = {
+    {.name = "window add",
+     .run = WindowAdd,
+     .procedures = {"cmdAdd_MouseUp", "LoadMessages"},
+     .notice = "Failed!|Could not add message!",
+     .holds = HoldsAllAndAnAdd,
+     .after = kWithNew,
+     .boxes = {"Success|Message added successfully!"}},
+    {.name = "window move up",
+     .run = [](Scene& scene) { return scene.ClickMenu("mnuUp"); },
+     .procedures = {"mnuUp"},
+     .after = kUp},
+    {.name = "window move down",
+     .run = [](Scene& scene) { return scene.ClickMenu("mnuDown"); },
+     .procedures = {"mnuDown"},
+     .after = kDown},
+    {.name = "window delete",
+     .run = [](Scene& scene) { return scene.ClickMenu("mnuDelete"); },
+     .procedures = {"mnuDelete_Click", "RewriteEntries", "LoadMessages"},
+     .notice = "Failed!|Could not delete message!",
+     .holds = IsADeleteUnderWay,
+     .after = kDeleted},
+    {.name = "window switch",
+     .run = WindowSwitch,
+     .procedures = {"chkAuto_Click"},
+     .options = "0, 1"},
+    {.name = "window interval",
+     .run = WindowInterval,
+     .procedures = {"txtInterval_Change"},
+     .options = "1, 9"},
+    {.name = "remote add",
+     .run = [](Scene& scene) { return scene.Remote(&clsPlugin::AddMessageRem, "<new>"); },
+     .procedures = {"AddMessageRem", "LoadMessages"},
+     .holds = HoldsAllAndAnAdd,
+     .reply = "1",
+     .after = kWithNew},
+    {.name = "remote delete",
+     .run = [](Scene& scene) { return scene.Remote(&clsPlugin::DeleteMessageRem, 1); },
+     .procedures = {"DeleteMessageRem", "RewriteEntries", "LoadMessages"},
+     .silentCall = "WriteIniKey(Messages, 2, null",
+     .holds = IsADeleteUnderWay,
+     .reply = "1",
+     .after = kDeleted},
+    {.name = "remote up",
+     .run = [](Scene& scene) { return scene.Remote(&clsPlugin::MoveMessageUpRem, 2); },
+     .procedures = {"MoveMessageUpRem"},
+     .holds = IsAnExchangeUnderWay,
+     .reply = "1",
+     .after = kDown},
+    {.name = "remote down",
+     .run = [](Scene& scene) { return scene.Remote(&clsPlugin::MoveMessageDownRem, 1); },
+     .procedures = {"MoveMessageDownRem"},
+     .holds = IsAnExchangeUnderWay,
+     .reply = "1",
+     .after = kDown},
+    {.name = "remote switch",
+     .run = [](Scene& scene) { return scene.Remote(&clsPlugin::EnableRTRem, "0"); },
+     .procedures = {"EnableRTRem", "chkAuto_Click"},
+     .options = "0, 1"},
+    {.name = "remote interval",
+     .run = [](Scene& scene) { return scene.Remote(&clsPlugin::ChangeIntervalRem, "8"); },
+     .procedures = {"ChangeIntervalRem", "txtInterval_Change"},
+     .options = "1, 8"},
+};
+
+/// How the run in which this call failed came to anyone's notice; empty if it did not.
+std::string Notice(const Operation& operation, const FakeHost& host, const std::string& reply,
+                   const std::string& failed) {
+  if (!host.logged.empty()) return host.logged[0].substr(0, host.logged[0].find(" injected"));
+  if (operation.notice != nullptr && Contains(host.boxes, operation.notice)) return "notice";
+  if (*operation.reply != 0 && reply == "0") return "reply";
+  const bool silent = operation.silentCall != nullptr && failed.find(operation.silentCall) == 0;
+  return silent ? "silent" : "";
+}
+
+/// After a failed run the failure came to someone's notice, under the right name, the reply claims
+/// no more than was done, and the file holds what it must.
+void CheckFailure(const Operation& operation, Scene& scene, const std::string& reply, int call) {
+  const std::string failed = scene.host.calls[static_cast<std::size_t>(call) - 1];
+  SCOPED_TRACE(std::string(operation.name) + ", call " + std::to_string(call) + ": " + failed);
+  const std::string notice = Notice(operation, scene.host, reply, failed);
+  const std::string procedure = notice.substr(0, notice.find(": 57"));
+  EXPECT_TRUE(notice == "notice" || notice == "reply" || notice == "silent" ||
+              (procedure != notice && Contains(operation.procedures, procedure)))
+      << "noticed as \"" << notice << "\"";
+  EXPECT_LE(scene.host.logged.size(), 1U);
+  const Texts stored = scene.Stored(2);
+  EXPECT_TRUE(operation.holds(stored)) << scene.host.MessageFile(2);
+  // The operation's own error ends it with the reply as it stood: set once only the log is left.
+  const bool inLog = failed.find("Create") == 0 || failed.find("AppendFile") == 0;
+  const bool ended = procedure == operation.procedures[0] && !inLog;
+  EXPECT_EQ(reply, ended ? "" : notice == "reply" ? "0" : operation.reply);
+  if (reply == "1" && procedure != "RewriteEntries" && notice != "silent") {
+    EXPECT_EQ(stored, operation.after);
+  }
+  EXPECT_EQ(scene.Options(), call == 1 ? Scene::kOptionsBefore : operation.options);
+}
+
+/// Fails component call number 1, 2, 3, ... of the operation, until a run completes untouched.
+/// Answers how many calls there were to fail.
 int FailEveryCall(const Operation& operation) {
   for (int call = 1;; ++call) {
     Scene scene;
     scene.host.failAtCall = call;
-    operation.run(scene);
-    if (!scene.host.fired) return call - 1;
+    const std::string reply = operation.run(scene);
+    const bool fired = scene.host.fired;
     scene.host.failAtCall = 0;
-    const std::string where = std::string(operation.name) + ", call " + std::to_string(call);
-    const Texts& logged = scene.host.logged;
-    if (!logged.empty()) {
-      const std::string procedure = logged[0].substr(0, logged[0].find(':'));
-      EXPECT_TRUE(Contains(operation.procedures, procedure)) << where << ": " << logged[0];
-      EXPECT_NE(logged[0].find(": 57 "), std::string::npos) << where << ": " << logged[0];
-    } else if (operation.box != nullptr) {
-      EXPECT_TRUE(Contains(scene.host.boxes, operation.box)) << where;
-    } else {  // an add that answers "0" is logged as an add, and a failed removal is not reported
-      EXPECT_TRUE(Contains(operation.procedures, "RewriteEntries") ||
-                  Contains(operation.procedures, "AddMessageRem"))
-          << where;
+    if (fired) {
+      CheckFailure(operation, scene, reply, call);
+      continue;
     }
-    EXPECT_TRUE(operation.holds(scene.Stored(2))) << where << ":\n" << scene.host.MessageFile(2);
+    EXPECT_EQ(reply, operation.reply) << operation.name;
+    EXPECT_EQ(scene.Stored(2), operation.after) << operation.name;
+    EXPECT_EQ(scene.Options(), operation.options) << operation.name;
+    EXPECT_EQ(scene.host.logged, Texts{}) << operation.name;
+    EXPECT_EQ(scene.host.boxes, operation.boxes) << operation.name;
+    return call - 1;
   }
 }
 
@@ -228,7 +297,7 @@ class RandomLife : public PluginHarness {
   void Step() {
     const int profile = 1 + Below(2);
     Model& model = models_[profile];
-    switch (Below(9)) {
+    switch (Below(14)) {
       case 0:
       case 1:
         return RemoteAdd(profile, model);
@@ -239,11 +308,20 @@ class RandomLife : public PluginHarness {
       case 4:
         return RemoteDelete(profile, model);
       case 5:
-        return RemoteOption(profile);
+        return RemoteInterval(profile);
       case 6:
-        return WindowAdd();
+        return RemoteSwitch(profile);
       case 7:
-        return WindowMove();
+      case 8:
+        return WindowAdd();
+      case 9:
+        return WindowMove(true);
+      case 10:
+        return WindowMove(false);
+      case 11:
+        return WindowSwitch();
+      case 12:
+        return WindowInterval();
       default:
         return WindowDelete();
     }
@@ -254,7 +332,10 @@ class RandomLife : public PluginHarness {
       ASSERT_EQ(Stored(profile), models_[profile].file)
           << "profile " << profile << ", step " << step;
       ASSERT_EQ(State().store.ReadOption(profile, "Interval"), intervals_[profile]) << step;
+      ASSERT_EQ(State().store.ReadOption(profile, "Enable"), switches_[profile]) << step;
     }
+    ASSERT_EQ(Window().txtInterval().Text(), intervals_[2]) << step;
+    ASSERT_EQ(std::to_string(Window().chkAuto().Value()), switches_[2]) << step;
     ASSERT_EQ(Rows(), Cut(models_[2].rows)) << step;
     ASSERT_EQ(host.files["C:\\Host\\adminlogs\\2010-03-07.txt"], log_) << step;
     ASSERT_TRUE(host.logged.empty()) << host.logged[0];
@@ -303,11 +384,26 @@ class RandomLife : public PluginHarness {
     RefillIfShown(profile);
     Log("Delete Rotacasts (Message: ", text);
   }
-  void RemoteOption(int profile) {
+  void RemoteInterval(int profile) {
     const std::string minutes = std::to_string(Below(31));
     ExpectReply(Plugin().ChangeIntervalRem(profile, Data(profile, "JO"), minutes), "");
     intervals_[profile] = minutes;
     Log("Change Rotacasts Interval (New Interval: ", minutes);
+  }
+  void RemoteSwitch(int profile) {
+    const std::string value = std::to_string(Below(3));  // 2 is the greyed box
+    ExpectReply(Plugin().EnableRTRem(profile, Data(profile, "JO"), value), "");
+    switches_[profile] = value;
+    Log("Enable Rotacasts (New Value: ", value);
+  }
+  void WindowSwitch() {
+    Window().chkAuto().UserClicked();
+    switches_[2] = switches_[2] == "0" ? "1" : "0";
+  }
+  void WindowInterval() {
+    const std::string typed = Below(4) == 0 ? "x" : std::to_string(Below(100));
+    TypeOver(Window().txtInterval(), typed);
+    if (typed != "x") intervals_[2] = typed;  // which otherwise snaps back
   }
   void WindowAdd() {
     const std::string text = NewText().substr(0, 60);
@@ -317,14 +413,14 @@ class RandomLife : public PluginHarness {
     models_[2].file.push_back(text);
     models_[2].Refill();
   }
-  void WindowMove() {
+  void WindowMove(bool up) {
     Model& model = models_[2];
     if (model.rows.size() < 2) return;
-    const auto row = static_cast<std::size_t>(Below(static_cast<int>(model.rows.size()) - 1));
-    Window().lstMessages().Select(static_cast<std::int32_t>(row));
+    const auto upper = static_cast<std::size_t>(Below(static_cast<int>(model.rows.size()) - 1));
+    Window().lstMessages().Select(static_cast<std::int32_t>(up ? upper + 1 : upper));
     Press("lstMessages", MouseEvent::kLeft);
-    Window().Menu("mnuDown").UserClicked();
-    std::swap(model.rows[row], model.rows[row + 1]);
+    Window().Menu(up ? "mnuUp" : "mnuDown").UserClicked();
+    std::swap(model.rows[upper], model.rows[upper + 1]);
     model.file = model.rows;  // the list's order is the new order
   }
   void WindowDelete() {
@@ -340,6 +436,7 @@ class RandomLife : public PluginHarness {
   std::mt19937 random_;
   std::map<int, Model> models_;
   std::map<int, std::string> intervals_{{1, "3"}, {2, "3"}};
+  std::map<int, std::string> switches_{{1, "1"}, {2, "1"}};
   std::string log_;
   int texts_ = 0;
 };
