@@ -3,6 +3,7 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -10,7 +11,7 @@
 
 #include "host/host_file_system.h"
 #include "host/host_platform.h"
-#include "host/native_files.h"
+#include "host/ini_text.h"
 #include "platform/headless/headless_toolkit.h"
 #include "platform/text.h"
 #include "plugin/cls_plugin.h"
@@ -35,10 +36,57 @@ void UseMemoryFolder() {
 constexpr const char* kFiles[] = {"", "profiles/srv1/settings/Rotacasts.ini",
                                   "profiles/srv2/settings/Rotacasts.ini"};
 
+using Operation = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
+
+/// The operations, and what each may bring into a message file: one line, and its section where
+/// there is none yet.
+struct OperationRow {
+  Operation call;
+  const char* section = nullptr;  // null: it brings nothing new
+  const char* key = nullptr;      // null: a new one each time
+};
+constexpr OperationRow kOperations[] = {
+    {&clsPlugin::GetMessagesRem},
+    {&clsPlugin::AddMessageRem, kMessagesSection},
+    {&clsPlugin::EnableRTRem, kOptionsSection, kEnableKey},
+    {&clsPlugin::ChangeIntervalRem, kOptionsSection, kIntervalKey},
+    {&clsPlugin::MoveMessageUpRem},
+    {&clsPlugin::MoveMessageDownRem},
+    {&clsPlugin::DeleteMessageRem}};
+
+/// What a message file holds, as far as an argument could forge it.
+struct Shape {
+  explicit Shape(const std::string& bytes) : ini(bytes) {
+    for (std::size_t at = 0; at < bytes.size(); at = bytes.find_first_of("\r\n", at)) {
+      at = std::min(bytes.find_first_not_of("\r\n \t", at), bytes.size());
+      if (at < bytes.size() && bytes[at] == '[') ++headers;
+    }
+  }
+  std::size_t Lines(const char* section) const { return ini.Lines(section).size(); }
+
+  /// Nothing came into the file but what the operation may bring.
+  void RequireNoMore(const Shape& before, const OperationRow& operation) const {
+    const bool hadKey = operation.section == nullptr ||
+                        (operation.key != nullptr &&
+                         before.ini.Value(operation.section, operation.key).has_value());
+    for (const char* section : {kMessagesSection, kOptionsSection}) {
+      const bool grows = operation.section == section && !hadKey;
+      Require(Lines(section) <= before.Lines(section) + (grows ? 1 : 0), "a line was forged");
+    }
+    const bool opens = operation.section != nullptr && before.Lines(operation.section) == 0;
+    Require(headers <= before.headers + (opens ? 1 : 0), "a section was forged");
+  }
+
+  host::IniText ini;
+  std::size_t headers = 0;
+};
+
 class Arena {
  public:
   explicit Arena(FuzzedDataProvider& input)
-      : platform_(folder_.Path()), state_((Prepare(input), platform_.Bundle(toolkit_))), plugin_(state_) {
+      : platform_(folder_.Path()),
+        state_((Prepare(input), platform_.Bundle(toolkit_))),
+        plugin_(state_) {
     for (const int index : {1, 2}) plugin_.LoadInterface(index, 1, Pdat(index, input));
   }
 
@@ -46,24 +94,16 @@ class Arena {
     const int index = input.ConsumeIntegralInRange(1, 2);
     const int other = 3 - index;
     const std::string othersFile = folder_.Read(kFiles[other]);
-    const std::size_t messages = CountMessages(index);
+    const Shape before(folder_.Read(kFiles[index]));
     const std::map<std::string, std::size_t> logs = LogLines();
 
-    using Operation = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
-    constexpr Operation kOperations[] = {
-        &clsPlugin::GetMessagesRem,     &clsPlugin::AddMessageRem,    &clsPlugin::EnableRTRem,
-        &clsPlugin::ChangeIntervalRem,  &clsPlugin::MoveMessageUpRem, &clsPlugin::MoveMessageDownRem,
-        &clsPlugin::DeleteMessageRem};
-    const Operation operation = input.PickValueInArray(kOperations);
+    const OperationRow& operation =
+        kOperations[input.ConsumeIntegralInRange<std::size_t>(0, std::size(kOperations) - 1)];
     const Variant data = Data(input);
-    try {
-      (plugin_.*operation)(index, Pdat(index, input), data);
-    } catch (const RuntimeError&) {  // a listing may fail its call
-    }
+    Call(operation, index, Pdat(index, input), data);
 
     Require(folder_.Read(kFiles[other]) == othersFile, "another profile's file changed");
-    const bool adds = operation == Operation{&clsPlugin::AddMessageRem};
-    Require(CountMessages(index) <= messages + (adds ? 1 : 0), "a message was forged");
+    Shape(folder_.Read(kFiles[index])).RequireNoMore(before, operation);
     CheckLogs(logs);
   }
 
@@ -71,8 +111,15 @@ class Arena {
   void Stray(FuzzedDataProvider& input) {
     const auto index = input.ConsumeIntegral<std::int32_t>();
     if (index == 1 || index == 2) return;
-    plugin_.AddMessageRem(index, Pdat(1, input), Data(input));
-    plugin_.DeleteMessageRem(index, Pdat(1, input), Data(input));
+    const std::string files[] = {folder_.Read(kFiles[1]), folder_.Read(kFiles[2])};
+    const auto call = [&](const OperationRow& operation) {
+      const Variant data = Data(input);
+      Call(operation, index, Pdat(1, input), data);
+      Require(folder_.Read(kFiles[1]) == files[0] && folder_.Read(kFiles[2]) == files[1],
+              "a profile that is not set up changed a file");
+    };
+    std::for_each(std::next(std::begin(kOperations)), std::end(kOperations), call);
+    call(kOperations[0]);  // last: a listing sets the profile up
   }
 
   /// Nothing but the profiles' own files and the logs may have come into being.
@@ -88,6 +135,14 @@ class Arena {
   }
 
  private:
+  void Call(const OperationRow& operation, std::int32_t index, const Variant& PDAT,
+            const Variant& data) {
+    try {
+      (plugin_.*operation.call)(index, PDAT, data);
+    } catch (const RuntimeError&) {  // a listing may fail its call
+    }
+  }
+
   void Prepare(FuzzedDataProvider& input) {
     folder_.Write("settings/config.ini", "[Settings]\r\nReportErrors=0\r\n");
     for (const int index : {1, 2}) {
@@ -126,14 +181,6 @@ class Arena {
         return Variant(input.ConsumeBool());
       default:
         return input.ConsumeRandomLengthString(200);
-    }
-  }
-
-  std::size_t CountMessages(int index) {
-    try {
-      return host::ReadIni(folder_.Path() + "/" + kFiles[index]).Lines("Messages").size();
-    } catch (const RuntimeError&) {
-      return 0;  // no text: nothing can be in it
     }
   }
 
