@@ -5,6 +5,7 @@
 #include <ostream>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/host_options.h"
@@ -18,9 +19,9 @@ namespace rotacasts::host {
 class ServerHost {
  public:
   /// All that is referred to outlives the host.
-  ServerHost(ProfileWatch& watch, HostedPlugin& plugin, PluginSite& site,
-             const HostOptions& options, std::ostream& out)
-      : watch_(watch), plugin_(plugin), site_(site), options_(options), out_(out) {}
+  ServerHost(ProfileWatch& watch, HostedPlugin& plugin, PluginSite& site, HostOptions options,
+             std::ostream& out)
+      : watch_(watch), plugin_(plugin), site_(site), options_(std::move(options)), out_(out) {}
 
   /// Loads the window for every profile, in the order of their indexes, so that each is started;
   /// their number.
