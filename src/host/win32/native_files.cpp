@@ -73,6 +73,20 @@ void RefuseReadOnly(const std::filesystem::path& path) {
   }
 }
 
+/// Puts one file in the other's place. What a program has open cannot be replaced unless it allows
+/// for that, and a virus scanner or an indexer has for a moment: a few tries are made.
+void MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+  constexpr int kTries = 10;
+  constexpr DWORD kPause = 20;  // milliseconds
+  constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  for (int tried = 1; ::MoveFileExW(from.c_str(), to.c_str(), kHow) == FALSE; ++tried) {
+    const DWORD problem = ::GetLastError();
+    const bool isInUse = problem == ERROR_ACCESS_DENIED || problem == ERROR_SHARING_VIOLATION;
+    if (!isInUse || tried == kTries) Raise(problem, to);
+    ::Sleep(kPause);
+  }
+}
+
 }  // namespace
 
 std::filesystem::path NativePath(const std::string& path) {
@@ -121,10 +135,7 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
     if (!file.IsOpen()) Raise(::GetLastError(), target);
     WriteAll(file, bytes, target);
     file.Close();
-    constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    if (::MoveFileExW(beside.c_str(), target.c_str(), kHow) == FALSE) {
-      Raise(::GetLastError(), target);
-    }
+    MoveOver(beside, target);
   } catch (...) {
     ::DeleteFileW(beside.c_str());
     throw;
