@@ -93,9 +93,9 @@ TEST_F(ComponentTest, TheDescriptorIsTheSameRecordThroughBothInterfaces) {
   VARIANT name;
   ::VariantInit(&name);
   void* inside = nullptr;
-  ASSERT_EQ(result.Get().pRecInfo->GetFieldNoCopy(result.Get().pvRecord, L"HelpFile", &name,
-                                                  &inside),
-            S_OK);
+  ASSERT_EQ(
+      result.Get().pRecInfo->GetFieldNoCopy(result.Get().pvRecord, L"HelpFile", &name, &inside),
+      S_OK);
   EXPECT_STREQ(*name.pbstrVal, L"tvxRT_help.chm");
 
   PluginRecord second{};
@@ -155,15 +155,15 @@ TEST_F(ComponentTest, CallsThatMakeNoSenseAreRefusedWithTheirReason) {
     WORD flags = DISPATCH_METHOD;
   };
   const Variant none = Variant::Missing{};
-  for (const Row& row : std::initializer_list<Row>{
-           {"GetPrivis", {1}, DISP_E_BADPARAMCOUNT},
-           {"DisableProfile", {}, DISP_E_PARAMNOTOPTIONAL},
-           {"DisableProfile", {none}, DISP_E_PARAMNOTOPTIONAL},
-           {"DisableProfile", {"two"}, DISP_E_TYPEMISMATCH},
-           {"DisableProfile", {"3000000000"}, DISP_E_OVERFLOW},
-           {"UnLoadInterface", {Variant::Array{1}}, DISP_E_TYPEMISMATCH},
-           {"GetMessagesRem", {1, 2, 3, 4}, DISP_E_BADPARAMCOUNT},
-           {"GetPrivis", {}, DISP_E_MEMBERNOTFOUND, DISPATCH_PROPERTYPUT}}) {
+  for (const Row& row :
+       std::initializer_list<Row>{{"GetPrivis", {1}, DISP_E_BADPARAMCOUNT},
+                                  {"DisableProfile", {}, DISP_E_PARAMNOTOPTIONAL},
+                                  {"DisableProfile", {none}, DISP_E_PARAMNOTOPTIONAL},
+                                  {"DisableProfile", {"two"}, DISP_E_TYPEMISMATCH},
+                                  {"DisableProfile", {"3000000000"}, DISP_E_OVERFLOW},
+                                  {"UnLoadInterface", {Variant::Array{1}}, DISP_E_TYPEMISMATCH},
+                                  {"GetMessagesRem", {1, 2, 3, 4}, DISP_E_BADPARAMCOUNT},
+                                  {"GetPrivis", {}, DISP_E_MEMBERNOTFOUND, DISPATCH_PROPERTYPUT}}) {
     std::vector<ComVariant> owned;
     std::vector<VARIANT> reversed;
     for (const Variant& argument : row.arguments) owned.push_back(win32::ToVariant(argument));
@@ -220,7 +220,9 @@ void LiveALittle(testing::FakeHost& host, Load load, Call call) {
   const Variant data = testing::ProfileData(2, "JO");
   load();
   call("GetMessagesRem", data, Variant(Variant::Missing{}));
-  call("AddMessageRem", data, Variant("<Gr\xC3\xBC\xC3\x9F" "e>"));
+  call("AddMessageRem", data,
+       Variant("<Gr\xC3\xBC\xC3\x9F"
+               "e>"));
   call("MoveMessageUpRem", data, Variant(std::int32_t{2}));
   call("ChangeIntervalRem", data, Variant(std::int16_t{5}));
   call("EnableRTRem", data, Variant("0"));
@@ -237,10 +239,11 @@ TEST_F(ComponentTest, TheComponentsAreCalledAsTheCoreCallsThemArgumentForArgumen
     each->writesBack = true;
     each->folders.insert("C:\\Host");
   }
-  LiveALittle(host, [&] { Load(2); },
-              [&](const char* member, const Variant& data, const Variant& argument) {
-                Call(member, {2, data, argument});
-              });
+  LiveALittle(
+      host, [&] { Load(2); },
+      [&](const char* member, const Variant& data, const Variant& argument) {
+        Call(member, {2, data, argument});
+      });
   using Operation = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
   const std::map<std::string, Operation> operations = {
       {"GetMessagesRem", &clsPlugin::GetMessagesRem},
@@ -249,10 +252,11 @@ TEST_F(ComponentTest, TheComponentsAreCalledAsTheCoreCallsThemArgumentForArgumen
       {"ChangeIntervalRem", &clsPlugin::ChangeIntervalRem},
       {"MoveMessageUpRem", &clsPlugin::MoveMessageUpRem},
       {"DeleteMessageRem", &clsPlugin::DeleteMessageRem}};
-  LiveALittle(native.host, [&] { native.Load(2); },
-              [&](const char* member, const Variant& data, const Variant& argument) {
-                (native.Plugin().*operations.at(member))(2, data, argument);
-              });
+  LiveALittle(
+      native.host, [&] { native.Load(2); },
+      [&](const char* member, const Variant& data, const Variant& argument) {
+        (native.Plugin().*operations.at(member))(2, data, argument);
+      });
   const auto siblingCalls = [](const testing::FakeHost& called) {
     std::vector<std::string> calls;
     for (const std::string& call : called.calls) {

@@ -379,7 +379,9 @@ void Win32FormView::SetTimer(std::int16_t index, std::int32_t milliseconds) {
 }
 
 void Win32FormView::PopUp(MenuItem& menu) {
+  menuIsOpen_ = true;
   PopUpMenu(window_, menu);
+  menuIsOpen_ = false;
 }
 
 TextSelection Win32FormView::Selection(const TextBox& box) const {
@@ -450,6 +452,7 @@ LRESULT Win32FormView::HandleForm(UINT message, WPARAM wParam, LPARAM lParam) {
 
 /// The window is gone, by the form's own doing or by its parent's.
 void Win32FormView::Destroyed() {
+  if (menuIsOpen_) ::EndMenu();  // its keys went to the window
   window_ = nullptr;
   for (const auto& [control, peer] : peers_) {
     peer->window = nullptr;

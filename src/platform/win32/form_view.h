@@ -84,6 +84,7 @@ class Win32FormView final : public forms::FormView,
   forms::Form& form_;
   HWND window_ = nullptr;
   bool closing_ = false;
+  bool menuIsOpen_ = false;
   std::map<const forms::Control*, std::unique_ptr<Peer>> peers_;
   Fonts fonts_;
   Brushes brushes_;

@@ -69,7 +69,6 @@ Frame::Frame()
     : window_(::CreateWindowExW(0, L"STATIC", L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 20, 20,
                                 900, 600, nullptr, nullptr, nullptr, nullptr)) {
   ::SetForegroundWindow(window_);
-  PumpWaiting();
 }
 
 InstalledPlugin& Installed() {

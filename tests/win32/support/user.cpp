@@ -1,7 +1,7 @@
 #include "support/user.h"
 
-#include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "platform/win32/com_support.h"
 
@@ -102,14 +102,16 @@ LRESULT CALLBACK AnsweringUser::Watch(int code, WPARAM wParam, LPARAM lParam) {
   if (code == HC_ACTION && sent->message == WM_INITDIALOG) {
     theUser->Answer(sent->hwnd);
   } else if (code == HC_ACTION && sent->message == WM_INITMENUPOPUP) {
-    theUser->Choose(sent->hwnd, reinterpret_cast<HMENU>(sent->wParam));
+    theUser->Choose(reinterpret_cast<HMENU>(sent->wParam));
+  } else if (code == HC_ACTION && sent->message == WM_ENTERIDLE && sent->wParam == MSGF_MENU) {
+    theUser->PressKeys(sent->hwnd);
   }
   return ::CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
 void CALLBACK AnsweringUser::PressOk(HWND box, UINT, UINT_PTR timer, DWORD) {
   ::KillTimer(box, timer);
-  if (theUser->insideBox) theUser->insideBox();
+  if (const auto act = std::exchange(theUser->insideBox, nullptr)) act();
   ::PostMessageW(box, WM_COMMAND, IDOK, 0);
 }
 
@@ -120,31 +122,36 @@ void AnsweringUser::Answer(HWND box) {
   ::SetTimer(box, kAnswer, 0, PressOk);
 }
 
-void AnsweringUser::Choose(HWND owner, HMENU menu) {
-  const auto key = [owner](WORD code) { ::PostMessageW(owner, WM_KEYDOWN, code, 0); };
+/// Finds out which keys lead to the wanted item. Down passes over separators; a popup menu opens
+/// with nothing selected, a submenu with its first item.
+void AnsweringUser::Choose(HMENU menu) {
   std::vector<std::string>& seen = menus.emplace_back();
-  int at = -1;  // how often Down leads to the item; separators are passed over
-  int downs = 0;
+  int at = 0;  // how many items down the wanted one is
+  int items = 0;
   for (int i = 0; i < ::GetMenuItemCount(menu); ++i) {
     const UINT state = ::GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION);
     const std::string caption = CaptionOf(menu, i);
     const bool isSeparator = (state & MF_SEPARATOR) != 0 && (state & MF_POPUP) == 0;
-    const bool isDisabled = (state & (MF_GRAYED | MF_DISABLED)) != 0 && !isSeparator;
+    const bool isDisabled = (state & (MF_GRAYED | MF_DISABLED)) != 0;
     seen.push_back(isSeparator ? "-" : isDisabled ? "(" + caption + ")" : caption);
     if (isSeparator) continue;
-    ++downs;
-    if (!wanted_.empty() && caption == wanted_.front()) at = downs;
+    ++items;
+    if (!wanted_.empty() && caption == wanted_.front()) at = items;
   }
-  if (insideMenu) insideMenu();
-  if (at < 0) {
-    ::PostMessageW(owner, WM_CANCELMODE, 0, 0);
+  if (at == 0) {
+    keys_ = {VK_ESCAPE};
     return;
   }
   wanted_.erase(wanted_.begin());
-  // A popup menu opens with nothing selected, a submenu with its first item.
-  for (int i = inSubmenu_ ? 1 : 0; i < at; ++i) key(VK_DOWN);
+  keys_.assign(static_cast<std::size_t>(inSubmenu_ ? at - 1 : at), VK_DOWN);
   inSubmenu_ = !wanted_.empty();
-  key(inSubmenu_ ? VK_RIGHT : VK_RETURN);
+  keys_.push_back(inSubmenu_ ? VK_RIGHT : VK_RETURN);
+}
+
+/// The menu waits for input.
+void AnsweringUser::PressKeys(HWND owner) {
+  if (const auto act = std::exchange(insideMenu, nullptr)) act();
+  for (const WPARAM key : std::exchange(keys_, {})) ::PostMessageW(owner, WM_KEYDOWN, key, 0);
 }
 
 }  // namespace rotacasts::testing

@@ -35,9 +35,9 @@ class AnsweringUser {
 
   /// The message boxes so far: "title|text".
   std::vector<std::string> boxes;
-  /// Runs while a message box is open, before it is answered.
+  /// Runs once, while a message box is open, before it is answered.
   std::function<void()> insideBox;
-  /// Runs while a popup menu is open, before it is answered.
+  /// Runs once, while a popup menu waits for input.
   std::function<void()> insideMenu;
   /// The popup menus so far, an item each: its caption, in brackets when it is disabled.
   std::vector<std::vector<std::string>> menus;
@@ -46,10 +46,12 @@ class AnsweringUser {
   static LRESULT CALLBACK Watch(int code, WPARAM wParam, LPARAM lParam);
   static void CALLBACK PressOk(HWND box, UINT message, UINT_PTR timer, DWORD time);
   void Answer(HWND box);
-  void Choose(HWND owner, HMENU menu);
+  void Choose(HMENU menu);
+  void PressKeys(HWND owner);
 
   HHOOK hook_;
   std::vector<std::string> wanted_;
+  std::vector<WPARAM> keys_;  // that answer the menu which is open
   bool inSubmenu_ = false;
 };
 
