@@ -1,0 +1,200 @@
+// The DLL under callers that mean it no good, and over a long life.
+
+#include <algorithm>
+#include <random>
+
+#include "platform/win32/variant_conversion.h"
+#include "platform/win32/windows_api.h"
+#include "support/component_test.h"
+
+#include <psapi.h>  // needs the types of the system's main header
+
+namespace rotacasts {
+namespace {
+
+using testing::ComponentTest;
+using testing::MessageFileBytes;
+using testing::PumpWaiting;
+using win32::ComVariant;
+
+/// Makes VARIANTs of every kind, by reference and nested, valid or hardly so. Owns what they refer
+/// to.
+class Zoo {
+ public:
+  explicit Zoo(std::mt19937& random) : random_(random) {}
+  ~Zoo() {
+    for (SAFEARRAY* array : arrays_) ::SafeArrayDestroy(array);
+    for (const BSTR text : texts_) ::SysFreeString(text);
+  }
+  Zoo(const Zoo&) = delete;
+  Zoo& operator=(const Zoo&) = delete;
+
+  VARIANT Catch(int depth = 0) {
+    static constexpr VARTYPE kKinds[] = {
+        VT_EMPTY, VT_NULL, VT_I2,    VT_I4,   VT_R4,   VT_R8,       VT_CY,
+        VT_DATE,  VT_BSTR, VT_ERROR, VT_BOOL, VT_I1,   VT_UI1,      VT_UI2,
+        VT_UI4,   VT_I8,   VT_UI8,   VT_INT,  VT_UINT, VT_DISPATCH, VT_UNKNOWN};
+    VARIANT value;
+    ::VariantInit(&value);
+    const unsigned choice = Below(10);
+    if (choice < 2 && depth < 12) {
+      value.vt = VT_BYREF | VT_VARIANT;
+      value.pvarVal = Keep(Catch(depth + 1));
+    } else if (choice < 4 && depth < 3) {
+      value.vt = static_cast<VARTYPE>(VT_ARRAY | VT_VARIANT);
+      value.parray = Array(depth);
+    } else {
+      value.vt = kKinds[Below(std::size(kKinds))];
+      const bool isObject = value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN;
+      value.llVal = isObject ? 0 : Number();
+      if (value.vt == VT_BSTR) value.bstrVal = Text();
+      if (value.vt == VT_ERROR && Below(2) == 0) value.scode = DISP_E_PARAMNOTFOUND;
+      if (Below(4) == 0) MakeReference(value);
+    }
+    return value;
+  }
+  unsigned Below(std::size_t limit) { return static_cast<unsigned>(random_() % limit); }
+
+ private:
+  LONGLONG Number() {
+    const LONGLONG few[] = {
+        0, 1, 2, 3, -1, 32768, 0x7FFFFFFF, -0x7FFFFFFF - 1LL, 0x7FFFFFFFFFFFFFFF};
+    return Below(3) == 0 ? static_cast<LONGLONG>(random_()) : few[Below(std::size(few))];
+  }
+  BSTR Text() {
+    const wchar_t* few[] = {L"",      L"1", L"2", L"JO", L"srv2", L"<a>", L"<x\r\n[Options]>",
+                            L"\xD800"};
+    const unsigned choice = Below(std::size(few) + 1);
+    if (choice == std::size(few)) return nullptr;  // a text that is none
+    return texts_.emplace_back(::SysAllocString(few[choice]));
+  }
+  SAFEARRAY* Array(int depth) {
+    SAFEARRAYBOUND bounds[2] = {{Below(16), static_cast<LONG>(Below(3)) - 1}, {2, 0}};
+    SAFEARRAY* array = ::SafeArrayCreate(VT_VARIANT, Below(8) == 0 ? 2 : 1, bounds);
+    auto* elements = static_cast<VARIANT*>(array->pvData);
+    for (ULONG i = 0; i < array->rgsabound[array->cDims - 1].cElements && i < 16; ++i) {
+      const VARIANT element = Catch(depth + 1);
+      if ((element.vt & VT_BYREF) == 0) ::VariantCopy(&elements[i], const_cast<VARIANT*>(&element));
+    }
+    return arrays_.emplace_back(array);
+  }
+  void MakeReference(VARIANT& value) {
+    VARIANT* kept = Keep(value);
+    value.vt = static_cast<VARTYPE>(value.vt | VT_BYREF);
+    value.byref = Below(8) == 0 ? nullptr : static_cast<void*>(&kept->llVal);
+  }
+  VARIANT* Keep(const VARIANT& value) {
+    return kept_.emplace_back(std::make_unique<VARIANT>(value)).get();
+  }
+
+  std::mt19937& random_;
+  std::vector<std::unique_ptr<VARIANT>> kept_;
+  std::vector<SAFEARRAY*> arrays_;
+  std::vector<BSTR> texts_;
+};
+
+TEST_F(ComponentTest, NoCallHoweverMadCrashesItOrTouchesAnotherProfile) {
+  constexpr int kCalls = 5000;
+  std::mt19937 random(1);
+  host.MessageFile(2) = MessageFileBytes({"a", "b"});
+  const std::string others = host.MessageFile(3) = MessageFileBytes({"x"});
+  Load(3);  // known to the plugin, and spoken of by no data below
+  int answered = 0;
+  for (int i = 0; i < kCalls; ++i) {
+    Zoo zoo(random);
+    std::vector<VARIANT> arguments(zoo.Below(6));
+    for (VARIANT& argument : arguments) argument = zoo.Catch();
+    DISPID named[] = {static_cast<DISPID>(zoo.Below(5)), DISPID_PROPERTYPUT};
+    const UINT namedCount = zoo.Below(16) == 0 ? std::min<UINT>(2, arguments.size()) : 0;
+    DISPPARAMS parameters{arguments.data(), named, static_cast<UINT>(arguments.size()), namedCount};
+    const DISPID member = zoo.Below(20) == 0 ? static_cast<DISPID>(random())
+                                             : static_cast<DISPID>(0x60030000 + zoo.Below(20));
+    const WORD flags = static_cast<WORD>(zoo.Below(20) == 0 ? zoo.Below(16) : DISPATCH_METHOD);
+    ComVariant result;
+    EXCEPINFO exception{};
+    UINT bad = 0;
+    const HRESULT outcome = plugin->Get()->Invoke(member, IID_NULL, 0, flags, &parameters,
+                                                  zoo.Below(3) == 0 ? nullptr : result.Address(),
+                                                  zoo.Below(3) == 0 ? nullptr : &exception, &bad);
+    ::SysFreeString(exception.bstrSource);
+    ::SysFreeString(exception.bstrDescription);
+    answered += outcome == S_OK ? 1 : 0;
+    if (i % 1000 == 0) {
+      PumpWaiting();
+      host.calls.clear();
+    }
+  }
+  EXPECT_GT(answered, kCalls / 20) << "the calls hardly ever get through";
+  EXPECT_EQ(host.MessageFile(3), others);
+  // It works on as if nothing had been.
+  host.MessageFile(2) = MessageFileBytes({"a", "b"});
+  Load(2);
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"a", "b"}));
+}
+
+/// How far the system's tables of handles are in use. Wine counts no objects for a process, but
+/// gives a freed handle out again before a new one, so what leaks makes the numbers rise.
+struct HandlesInUse {
+  DWORD user = 0;
+  DWORD drawing = 0;
+
+  void Note(HWND window) {
+    const HBRUSH brush = ::CreateSolidBrush(0x123456);
+    user = std::max<DWORD>(user, LOWORD(reinterpret_cast<ULONG_PTR>(window)));
+    drawing = std::max<DWORD>(drawing, LOWORD(reinterpret_cast<ULONG_PTR>(brush)));
+    ::DeleteObject(brush);
+  }
+};
+
+BOOL CALLBACK CountWindow(HWND, LPARAM counter) {
+  ++*reinterpret_cast<int*>(counter);
+  return TRUE;
+}
+
+int WindowsOfThisThread() {
+  int count = 0;
+  ::EnumThreadWindows(::GetCurrentThreadId(), CountWindow, reinterpret_cast<LPARAM>(&count));
+  return count;
+}
+
+SIZE_T PrivateBytes() {
+  PROCESS_MEMORY_COUNTERS counters{};
+  ::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);
+  return counters.PagefileUsage;
+}
+
+TEST_F(ComponentTest, AThousandLivesLeaveNothingBehind) {
+  constexpr int kRounds = 1000;
+  constexpr int kToWarmUp = 100;
+  host.MessageFile(2) = MessageFileBytes({"a", "b"});
+  HandlesInUse before;
+  HandlesInUse after;
+  SIZE_T bytesBefore = 0;
+  const int windows = WindowsOfThisThread();
+  for (int round = 0; round < kRounds; ++round) {
+    plugin.emplace(testing::InstalledPlugin::Create());
+    Load(2);
+    if (round % 20 == 0) {
+      user.WillChoose({"Move Down"});
+      ::SendMessageW(Control("lstMessages"), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(9, 3));
+    }
+    (round < kToWarmUp ? before : after).Note(Form());
+    if (round % 3 == 0) Call("HideInterface", {});
+    Call("UnLoadInterface", {""});
+    plugin.reset();
+    ASSERT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK) << "round " << round;
+    PumpWaiting();
+    host.calls.clear();
+    user.menus.clear();
+    if (round == kToWarmUp) bytesBefore = PrivateBytes();
+  }
+  EXPECT_LE(after.user, before.user) << "windows or menus stay";
+  EXPECT_LE(after.drawing, before.drawing) << "fonts, brushes or pictures stay";
+  EXPECT_EQ(WindowsOfThisThread(), windows);
+  EXPECT_LT(PrivateBytes(), bytesBefore + (kRounds - kToWarmUp) * 256) << "memory stays";
+  MSG timer;
+  EXPECT_EQ(::PeekMessageW(&timer, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE), FALSE);
+}
+
+}  // namespace
+}  // namespace rotacasts
