@@ -26,7 +26,9 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 
 /// The decimal point of the C library in this process, which its host may have set. The library's
 /// conversions without one would make a small component half as large again.
-char DecimalPoint() { return *std::localeconv()->decimal_point; }
+char DecimalPoint() {
+  return *std::localeconv()->decimal_point;
+}
 
 /// A decimal number as the text spells it, ready for the standard parser; nothing if it is none.
 std::optional<std::string> DecimalSpelling(std::string_view text) {
