@@ -12,7 +12,7 @@ constexpr std::int32_t kRunningToo = 3;
 constexpr std::int32_t kScoreBoard = 4;
 constexpr std::int32_t kLoading = 1;
 
-constexpr int kGameTypes = 9;
+constexpr std::uint32_t kGameTypes = 9;
 constexpr int kMostSlots = 251;
 
 constexpr const char* kNames[] = {"Rex",    "Jäger",   "Ñandú",  "Zoë",      "Sniper",
@@ -54,7 +54,8 @@ GameLife::GameLife(const LifeOptions& options) : options_(options), random_(opti
 
 void GameLife::StartMap() {
   stepOfMap_ = 0;
-  world_.gameType = (world_.position + static_cast<std::int32_t>(options_.seed)) % kGameTypes;
+  world_.gameType = static_cast<std::int32_t>(
+      (static_cast<std::uint32_t>(world_.position) + options_.seed) % kGameTypes);
   world_.state = world_.position % 2 == 0 ? kRunning : kRunningToo;
   for (auto& slot : world_.slots) {
     if (slot) slot->stats = {};
