@@ -39,7 +39,11 @@ TEST(EndToEnd, MessagesReachTheServersUntilOneDies) {
       MessageFileBytes({"Grüße €", "{ShowNextMap}", "{ShowMostKills}", "", "{ShowLeastDeaths}"});
   folder.AddProfile(1, "DFBHD", hawk.Id(), hawk.port, messages);
   folder.AddProfile(2, "JO", joint.Id(), joint.port, messages);
+  // Cut to 32 bits, this would be the id of a process that there is.
+  const std::string far = std::to_string(joint.process.Id() + (std::int64_t{1} << 32));
+  folder.AddProfile(3, "JO", far, joint.port, messages);
   ChildProcess host = StartHost(folder);
+  EXPECT_TRUE(host.ReadUntil("profile 3 (srv3): process " + far + " has ended"));
   for (Server* server : {&joint, &hawk}) {
     for (const char* text :
          {"Grüße €", "[Next Map] ", "[Most Kills] ", "[Least Deaths] ", "Grüße €"}) {

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <charconv>
 #include <filesystem>
+#include <span>
+#include <utility>
 
 namespace rotacasts::host {
 namespace {
@@ -28,6 +30,17 @@ void* RemoteAddress(std::uint32_t address) {
   return reinterpret_cast<void*>(static_cast<std::uintptr_t>(address));
 }
 
+/// Reads the remote pieces, one behind another. A number too large to be a process's stands for
+/// none: cut to size, it would stand for another process.
+ssize_t ReadPieces(ProcessId process, const iovec& local, std::span<const iovec> remote) {
+  if (!std::in_range<pid_t>(process)) {
+    errno = ESRCH;
+    return -1;
+  }
+  return ::process_vm_readv(static_cast<pid_t>(process), &local, 1, remote.data(), remote.size(),
+                            0);
+}
+
 /// The name of the program file that a process runs; empty when it cannot be told.
 std::string ProgramName(const fs::path& processFolder) {
   std::error_code problem;
@@ -39,7 +52,7 @@ std::string ProgramName(const fs::path& processFolder) {
 ReadOutcome ReadProcess(ProcessId process, std::uint32_t address, void* buffer, std::size_t size) {
   const iovec local{buffer, size};
   const iovec remote{RemoteAddress(address), size};
-  const ssize_t count = ::process_vm_readv(static_cast<pid_t>(process), &local, 1, &remote, 1, 0);
+  const ssize_t count = ReadPieces(process, local, {&remote, 1});
   if (count == static_cast<ssize_t>(size)) return ReadOutcome::Complete;
   return count < 0 ? OutcomeOfError() : ReadOutcome::NotMapped;
 }
@@ -54,8 +67,7 @@ ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buff
   const iovec remote[] = {
       {RemoteAddress(address), first},
       {RemoteAddress(address + static_cast<std::uint32_t>(first)), size - first}};
-  const ssize_t got =
-      ::process_vm_readv(static_cast<pid_t>(process), &local, 1, remote, first < size ? 2 : 1, 0);
+  const ssize_t got = ReadPieces(process, local, {remote, first < size ? 2U : 1U});
   count = got > 0 ? static_cast<std::size_t>(got) : 0;
   if (got < 0) return OutcomeOfError();
   return got == 0 && size > 0 ? ReadOutcome::NotMapped : ReadOutcome::Complete;
