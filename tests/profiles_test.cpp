@@ -98,11 +98,15 @@ TEST_F(ProfilesTest, DisablingStopsAProfileAndPassesOverWhatIsNotThere) {
   Plugin().DisableProfile(2);
   Plugin().DisableProfile(99);
   Plugin().DisableProfile(-5);
-  EXPECT_TRUE(host.boxes.empty());
-  Plugin().DisableProfile(40000);  // no 16-bit index
-  EXPECT_EQ(host.logged, std::vector<std::string>{"DisableProfile: 6 Overflow"});
   Load(2);
   EXPECT_TRUE(timers.NextDue());
+  SetUpProfile(65538);  // no timer can have this index; in 16 bits it would be 2
+  State().tables.ElapsedTicks(65538) = 1;
+  Plugin().DisableProfile(65538);
+  EXPECT_EQ(State().tables.MessageFiles(65538), "");
+  EXPECT_EQ(State().tables.ElapsedTicks(65538), 0);
+  EXPECT_TRUE(timers.NextDue());
+  EXPECT_TRUE(host.logged.empty());
 }
 
 TEST_F(ProfilesTest, DisablingMakesNoWindow) {

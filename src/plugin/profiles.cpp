@@ -1,5 +1,7 @@
 #include "plugin/profiles.h"
 
+#include <utility>
+
 #include "game/address_table.h"
 #include "platform/conversions.h"
 #include "store/profile_paths.h"
@@ -58,8 +60,10 @@ void Profiles::DisableProfile(std::int32_t Index) {
     at(1);
     ifThere([&] { tables_.MemoryMaps(Index) = MemoryMap(); });
     at(2);
-    const std::int16_t element = ToInteger(Index);
-    if (const auto window = window_.IfLoaded()) {  // no window, no timer: none is made for this
+    // Without a window there is no timer, and none is made for this; nor is there one for an index
+    // beyond the timers' 16 bits.
+    if (const auto window = window_.IfLoaded(); window && std::in_range<std::int16_t>(Index)) {
+      const auto element = static_cast<std::int16_t>(Index);
       ifThere([&] { window->Timers().SetEnabled(element, false); });
       ifThere([&] { window->Timers().SetInterval(element, 0); });
       ifThere([&] { window->Timers().Unload(element); });
