@@ -84,6 +84,12 @@ TEST_F(ProfilesTest, BadDataIsReportedAndKeepsWhatWasFilledBefore) {
   EXPECT_EQ(host.logged, (std::vector<std::string>{"SetProfileData: 13 Type mismatch",
                                                    "SetProfileData: 13 Type mismatch",
                                                    "SetProfileData: 9 Subscript out of range"}));
+  SetUpProfile(1);
+  data = *Data(1, "JO").AsArray();
+  data[pdat::kProfileFolder] = "..";
+  State().profiles.SetProfileData(1, data);
+  EXPECT_EQ(host.logged.back().find("SetProfileData: 76"), 0U);
+  EXPECT_EQ(State().tables.MessageFiles(1), "");  // and not the file of the folder before
 }
 
 TEST_F(ProfilesTest, DisablingStopsAProfileAndPassesOverWhatIsNotThere) {

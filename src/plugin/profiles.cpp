@@ -35,7 +35,9 @@ void Profiles::SetProfileData(std::int32_t Index, const Variant& PDAT) {
     at(3);
     game_.SetMemory(Index, record.IsAffiliate);
     at(4);
-    tables_.MessageFiles(Index) = MessageFilePath(services_.HostFolder(), record.ProfileFolder);
+    std::string& path = tables_.MessageFiles(Index);
+    path.clear();  // a refused folder must not leave the last one's file to the window
+    path = MessageFilePath(services_.HostFolder(), record.ProfileFolder);
   });
 }
 

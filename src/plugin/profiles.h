@@ -17,7 +17,8 @@ class Profiles {
 
   /// Stores a profile's data: grows the tables to `Index`, fills the record, builds the memory map
   /// and the message file's path. Position and tick count of a running profile stay. Reported under
-  /// "SetProfileData"; fields filled before an error keep their new values.
+  /// "SetProfileData"; fields filled before an error keep their new values, and a profile folder
+  /// that is refused leaves the path empty.
   void SetProfileData(std::int32_t Index, const Variant& PDAT);
 
   /// Stops a profile: no memory map, no timer, no path, counters 0; whatever of that does not exist
