@@ -140,6 +140,9 @@ TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {
   EXPECT_EQ(folder.Read("reports/2010-03-07 14-05-09 2.txt"),
             "Date: 2010-03-07 14:05:09\r\nError number: 13\r\nDescription: Type mismatch\r\n"
             "Module: tvxRT.dll 1.0.0\r\nProcedure: tmrRT\r\nAffiliate: \r\nLine: 4\r\n");
+  std::filesystem::remove_all(folder.File("reports"));
+  folder.Write("reports", "a file in the way");
+  EXPECT_FALSE(utility.SendErrorReport(report));
 }
 
 TEST_F(HostFilesTest, TextFilesAreReadAndAppendedByTheLine) {

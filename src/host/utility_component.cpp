@@ -145,22 +145,30 @@ void HostUtilityComponent::LogError(const std::string& module, std::string& proc
 bool HostUtilityComponent::SendErrorReport(Variant& report) {
   constexpr const char* kLabels[] = {"Error number", "Description", "Module",
                                      "Procedure",    "Affiliate",   "Line"};
-  HostFileSystem files;
-  const std::string folder = hostFolder_ + "\\reports";
-  if (!files.FolderExists(folder)) files.CreateFolder(folder);
   const LocalTime now = clock_.Now();
-  std::string stamp = FormatDate(now) + " " + FormatTime(now);
+  const std::string stamp = FormatDate(now) + " " + FormatTime(now);
   std::string text = "Date: " + stamp + "\r\n";
   for (std::size_t i = 0; i < std::size(kLabels); ++i) {
     text.append(kLabels[i]).append(": ").append(ToText(report.At(i))).append("\r\n");
   }
+  try {
+    Deliver(stamp, text);
+    return true;
+  } catch (const RuntimeError&) {  // the error that is reported matters more than this one
+    return false;
+  }
+}
+
+void HostUtilityComponent::Deliver(std::string stamp, const std::string& text) const {
+  HostFileSystem files;
+  const std::string folder = hostFolder_ + "\\reports";
+  if (!files.FolderExists(folder)) files.CreateFolder(folder);
   std::replace(stamp.begin(), stamp.end(), ':', '-');
   std::string file;
   for (int number = 1; file.empty() || files.FileExists(file); ++number) {
     file = folder + "\\" + stamp + " " + std::to_string(number) + ".txt";
   }
   ReplaceFile(file, text);
-  return true;
 }
 
 }  // namespace rotacasts::host

@@ -29,9 +29,13 @@ class HostUtilityComponent final : public UtilityComponent {
   void AppendFile(const std::string& file, const std::string& text) override;
   void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                 std::int32_t& line) override;
+  /// False when the report cannot be written.
   bool SendErrorReport(Variant& report) override;
 
  private:
+  /// Writes a report to a file of its own.
+  void Deliver(std::string stamp, const std::string& text) const;
+
   const std::string hostFolder_;
   const LocalClock& clock_;
 };
