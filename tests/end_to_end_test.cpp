@@ -103,7 +103,7 @@ TEST(GameLife, EverySeedGivesAGameTypeThatThereIs) {
 }
 
 TEST(EndToEnd, AWrongCallSaysWhatIsWrong) {
-  const auto run = [](std::vector<std::string> words, const char* says) {
+  const auto run = [](std::vector<std::string> words, const std::string& says) {
     words.insert(words.begin(), ROTACASTS_HOST_PROGRAM);
     ChildProcess host(words);
     EXPECT_TRUE(host.ReadUntil(says)) << says;
@@ -111,7 +111,9 @@ TEST(EndToEnd, AWrongCallSaysWhatIsWrong) {
   };
   HostFolder empty;
   run({"run", "--host-folder", "/nowhere/at/all"}, "make it, or name another folder");
+  run({"run", "--host-folder", empty.Path()}, empty.File("profiles") + ": No such file");
   run({"run", "--host-folder", empty.Path()}, "has no usable profile");
+  run({"check", "--host-folder", "/nowhere/at/all"}, "/nowhere/at/all/profiles: No such file");
   run({"run", "--host-folder", empty.Path(), "--minute", "soon"}, "--minute");
   run({"preview", "--host-folder", empty.Path(), "--profile", "4"}, "there is no profile 4");
 }

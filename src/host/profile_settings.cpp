@@ -75,6 +75,10 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
   for (const fs::directory_entry& entry : fs::directory_iterator(root, problem)) {
     folders.push_back(entry.path().filename().string());
   }
+  if (problem) {
+    loaded.problems.push_back(root.string() + ": " + problem.message() +
+                              "; make it a folder with a folder for each profile");
+  }
   std::sort(folders.begin(), folders.end());
   for (const std::string& folder : folders) {
     if (!files.FileExists(ProfileFile(hostFolder, folder))) continue;

@@ -19,8 +19,8 @@ struct ProfileSettings {
   std::string Label() const { return "profile " + std::to_string(index) + " (" + folder + ")"; }
 };
 
-/// The usable profiles in the order of their indexes, and what is wrong with the others: one line
-/// each that names the file and what to do.
+/// The usable profiles in the order of their indexes, and what is wrong with the others, or with
+/// the folder that should hold them: one line each that names the file and what to do.
 struct LoadedProfiles {
   std::vector<ProfileSettings> profiles;
   std::vector<std::string> problems;
