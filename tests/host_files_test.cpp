@@ -184,6 +184,10 @@ TEST(ProfileSettings, NonsenseIsSkippedAndSaysWhatToDo) {
   folder.AddProfile(0, "JO", "1", "1");
   folder.AddProfile(7, "JO", "1", "65536");
   folder.AddProfile(8, "", "1", "1");
+  folder.AddProfile(9, "Joint-Ops!", "1", "1");
+  folder.AddProfile(10, "jo", "1", "1");
+  folder.AddProfile(11, "JO_AFF3", "1", "1");
+  folder.AddProfile(12, "DFX2_AFF2", "1", "1");
   folder.AddProfile(32768, "JO", "1", "1");
   folder.Write("profiles/twin/profile.ini",
                "[Profile]\nIndex=5\nGameCode=JO\nProcess=1\nTarget=1\n");
@@ -191,11 +195,16 @@ TEST(ProfileSettings, NonsenseIsSkippedAndSaysWhatToDo) {
   folder.Write("profiles/utf/profile.ini", "\xEF\xBB\xBF[Profile]\n");
   folder.Write("profiles/empty/readme.txt", "no profile");
   const LoadedProfiles loaded = LoadProfiles(folder.Path());
-  ASSERT_EQ(loaded.profiles.size(), 2U);
+  ASSERT_EQ(loaded.profiles.size(), 3U);
   EXPECT_EQ(loaded.profiles[0].Label(), "profile 2 (srv2)");
   EXPECT_EQ(loaded.profiles[0].target, 65535);
   EXPECT_EQ(loaded.profiles[1].process, "1234");
-  EXPECT_EQ(loaded.problems.size(), 7U);
+  EXPECT_EQ(loaded.profiles[2].gameCode, "DFX2_AFF2");
+  ASSERT_EQ(loaded.problems.size(), 10U);
+  EXPECT_EQ(loaded.problems[2], folder.File("profiles/srv10/profile.ini") +
+                                    ": GameCode is \"jo\"; give one of DFBHD, DFBHD_AFF, "
+                                    "DFBHD_AFF2, JO, JO_AFF, JO_AFF2, JO_2, JO_2_AFF, JO_2_AFF2, "
+                                    "DFX2, DFX2_AFF, DFX2_AFF2");
   for (const std::string& problem : loaded.problems) {
     EXPECT_NE(problem.find("give"), problem.find("save")) << problem;  // each names the way out
   }

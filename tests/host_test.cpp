@@ -252,18 +252,19 @@ class ConsoleTest : public ::testing::Test {
 
 TEST_F(ConsoleTest, OneBadProfileLeavesTheOthersGoing) {
   folder.AddProfile(1, "JO", "1", "4001", "[Messages]\r\n1=ok\r\n[Options]\r\nInterval=abc\r\n");
-  folder.AddProfile(2, "NOPE", "1", "4002", MessageFileBytes({"{ShowNextMap}", "plain", ""}));
+  folder.AddProfile(2, "JO", "no-such-program", "4002",
+                    MessageFileBytes({"{ShowNextMap}", "plain", ""}));
   folder.AddProfile(3, "JO", "no-such-program", "4003", std::string("\0\0", 2));
   folder.AddProfile(4, "JO", "1", "x");
+  folder.AddProfile(5, "NOPE", "1", "4005");
   std::string text = Execute({"status"});
   EXPECT_NE(text.find("Target is \"x\"; give its chat port"), std::string::npos) << text;
   EXPECT_NE(text.find("Function/Sub: Form_Reload"), std::string::npos) << text;
   EXPECT_NE(text.find("holds NUL bytes; save it as plain ANSI text"), std::string::npos) << text;
-  EXPECT_NE(text.find("unknown build"), std::string::npos) << text;
+  EXPECT_NE(text.find("GameCode is \"NOPE\"; give one of DFBHD, "), std::string::npos) << text;
   EXPECT_EQ(folder.Read("profiles/srv3/settings/Rotacasts.ini"), std::string("\0\0", 2));
   text = Execute({"messages 2"});
-  EXPECT_NE(text.find("0         {ShowNextMap}  (cannot tell: no such game build)"),
-            std::string::npos)
+  EXPECT_NE(text.find("0         {ShowNextMap}  (cannot tell: no game server)"), std::string::npos)
       << text;
   EXPECT_NE(text.find("2                        (nothing: it is skipped)"), std::string::npos)
       << text;
@@ -395,7 +396,7 @@ struct RecordingSite final : PluginSite {
 TEST(ServerHostTest, DrivesAPluginThatItCannotLookInto) {
   const HostFolder folder;
   folder.AddProfile(1, "JO", "1", "4001");
-  folder.AddProfile(2, "NOPE", "1", "4002", MessageFileBytes({"a", "{ShowNextMap}"}));
+  folder.AddProfile(2, "DFX2", "no-such-program", "4002", MessageFileBytes({"a", "{ShowNextMap}"}));
   std::ostringstream out;
   ProfileWatch watch(folder.Path(), out);
   OpaquePlugin plugin;
@@ -409,15 +410,15 @@ TEST(ServerHostTest, DrivesAPluginThatItCannotLookInto) {
   }
   EXPECT_EQ(plugin.calls,
             (std::vector<std::string>{"load 1 in 77, JO by Rex, width 9000",
-                                      "load 2 in 77, NOPE by Rex, width 9000",
+                                      "load 2 in 77, DFX2 by Rex, width 9000",
                                       "DeleteMessageRem 2 1", "GetMessagesRem 1", "disable 1",
-                                      "load 2 in 77, NOPE by Rex, width 9000", "hide", "unload"}));
+                                      "load 2 in 77, DFX2 by Rex, width 9000", "hide", "unload"}));
   EXPECT_EQ(site.shown, (std::vector<std::int32_t>{1, 2, 2, 0, 0}));
   const std::string text = out.str();
   EXPECT_NE(text.find("JO    stopped"), std::string::npos) << text;
-  EXPECT_NE(text.find("unknown build  on      1 min  -      -"), std::string::npos) << text;
-  EXPECT_NE(text.find("(cannot tell: no such game build)"), std::string::npos) << text;
-  EXPECT_NE(text.find("NOPE  stopped"), std::string::npos) << text;
+  EXPECT_NE(text.find("unreachable  on      1 min  -      -"), std::string::npos) << text;
+  EXPECT_NE(text.find("(cannot tell: no game server)"), std::string::npos) << text;
+  EXPECT_NE(text.find("DFX2  stopped"), std::string::npos) << text;
 }
 
 }  // namespace

@@ -78,4 +78,15 @@ MemoryMap MemoryMapFor(bool isAffiliate, bool isAffiliate2, std::string_view gam
   return {};
 }
 
+std::vector<std::string> GameCodes() {
+  std::vector<std::string> codes;
+  for (const CodeRow& row : kCodes) {
+    for (const std::string_view ending :
+         {std::string_view(), kAffiliateEnding, kAffiliate2Ending}) {
+      codes.push_back(std::string(row.gameCode).append(ending));
+    }
+  }
+  return codes;
+}
+
 }  // namespace rotacasts

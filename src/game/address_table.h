@@ -1,7 +1,9 @@
 // Where each game build keeps its values: the one table of fixed addresses.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "services/memory_map.h"
 
@@ -14,6 +16,9 @@ inline constexpr std::string_view kDfbhd = "DFBHD";
 /// The map of a game build. The affiliate flags win over the game code; an unknown code gives an
 /// empty map.
 MemoryMap MemoryMapFor(bool isAffiliate, bool isAffiliate2, std::string_view gameCode);
+
+/// Every game code that a profile can have: each game's own, then with the affiliate endings.
+std::vector<std::string> GameCodes();
 
 /// The endings of an affiliate server's game code.
 inline constexpr std::string_view kAffiliateEnding = "_AFF";

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <map>
 
+#include "game/address_table.h"
 #include "host/complaint.h"
 #include "host/host_file_system.h"
 #include "host/native_files.h"
@@ -25,23 +26,36 @@ class Reader {
  public:
   explicit Reader(const std::string& file) : file_(file), ini_(ReadIni(file)) {}
 
-  std::string Text(const char* key, const char* wanted) const {
+  std::string Text(const char* key, const std::string& wanted) const {
     const std::string raw = FromWindows1252(ini_.Value("Profile", key).value_or(""));
     std::string text(TrimSpaces(raw));
     if (text.empty()) Complain(std::string(key) + " is missing; give " + wanted);
     return text;
   }
 
-  std::int32_t Number(const char* key, std::int32_t highest, const char* wanted) const {
+  std::string OneOf(const char* key, const std::vector<std::string>& allowed) const {
+    std::string wanted = "one of";
+    for (const std::string& text : allowed) wanted += (text == allowed[0] ? " " : ", ") + text;
+    std::string text = Text(key, wanted);
+    if (std::find(allowed.begin(), allowed.end(), text) == allowed.end()) Refuse(key, text, wanted);
+    return text;
+  }
+
+  std::int32_t Number(const char* key, std::int32_t highest, const std::string& wanted) const {
     const std::string text = Text(key, wanted);
     const double number = IsNumeric(text) ? ToDouble(text) : 0;
     if (number < 1 || number > highest || number != RoundToLong(number)) {
-      Complain(std::string(key) + " is \"" + text + "\"; give " + wanted);
+      Refuse(key, text, wanted);
     }
     return RoundToLong(number);
   }
 
  private:
+  [[noreturn]] void Refuse(const std::string& key, const std::string& text,
+                           const std::string& wanted) const {
+    Complain(key + " is \"" + text + "\"; give " + wanted);
+  }
+
   [[noreturn]] void Complain(const std::string& what) const {
     throw Complaint(NativePath(file_).string() + ": " + what);
   }
@@ -59,7 +73,7 @@ ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& fo
   ProfileSettings profile;
   profile.folder = folder;
   profile.index = reader.Number("Index", kHighestIndex, "a whole number from 1 to 32767");
-  profile.gameCode = reader.Text("GameCode", "the game code, such as JO or DFBHD");
+  profile.gameCode = reader.OneOf("GameCode", GameCodes());
   profile.process = reader.Text("Process", "the game server's process id or program name");
   profile.target = reader.Number("Target", kHighestPort, "its chat port, from 1 to 65535");
   return profile;

@@ -9,9 +9,9 @@ namespace rotacasts::host {
 
 /// One `profiles/<folder>/profile.ini`, section "Profile".
 struct ProfileSettings {
-  std::int32_t index = 0;  // 1 to 32767
-  std::string folder;      // below `profiles`
-  std::string gameCode;
+  std::int32_t index = 0;   // 1 to 32767
+  std::string folder;       // below `profiles`
+  std::string gameCode;     // one that a game build has
   std::string process;      // process id or program name
   std::int32_t target = 0;  // UDP port of the game server's chat on 127.0.0.1
 
