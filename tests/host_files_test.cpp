@@ -217,7 +217,7 @@ TEST(Check, WarnsOfWhatWouldSurprise) {
     return CheckMessageFile(folder.Path() + "\\a.ini");
   };
   EXPECT_TRUE(warnings("[Messages]\r\n1={ShowNextMap}\r\n2=\r\n3=Gr\xFC\xDF"
-                       "e (50%)\r\n"
+                       "e (50%) :}\r\n4=Show up, 8 pm :}\r\n5=Showtime \r\n"
                        "[Options]\r\nEnable=1\r\nInterval=30\r\n")
                   .empty());
   struct Row {
@@ -228,6 +228,10 @@ TEST(Check, WarnsOfWhatWouldSurprise) {
            {"1={shownextmap}", "write {ShowNextMap}"},
            {"1=Next: {ShowMostKills}", "must be the whole message"},
            {"1={ShowMostAssists}", "no placeholder's name"},
+           {"1={ShowMostKilz", "no placeholder's name"},
+           {"1={ShowMostKills", "write {ShowMostKills}"},
+           {"1=ShowNextMap}", "write {ShowNextMap}"},
+           {"1=ShowNextMap", "write {ShowNextMap}"},
            {"2=a", "has the key 2 and not 1"},
            {"x=a", "has the key x"},
            {"1=a\tb", "cannot show"},

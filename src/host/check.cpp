@@ -19,6 +19,22 @@ bool IsUnshowable(char letter) {
          std::string_view("\x81\x8D\x8F\x90\x9D").find(letter) != std::string_view::npos;
 }
 
+/// The text without the braces and blanks around it.
+std::string_view Bare(std::string_view text) {
+  const auto first = text.find_first_not_of("{} ");
+  return first == text.npos ? "" : text.substr(first, text.find_last_not_of("{} ") - first + 1);
+}
+
+/// Whether braces say that a message was meant as a placeholder: a pair of them anywhere, or one
+/// beside one word that begins like a placeholder.
+bool HasMeantBraces(std::string_view message) {
+  const auto open = message.find('{');
+  if (open != message.npos && message.find('}', open) != message.npos) return true;
+  const std::string_view bare = Bare(message);
+  return message.find_first_of("{}") != message.npos && bare.find(' ') == bare.npos &&
+         EqualsIgnoringCase(bare.substr(0, 4), "Show");
+}
+
 /// What is wrong with a message that has to do with placeholders; empty for nothing.
 std::string PlaceholderWarning(const std::string& message) {
   if (IsPlaceholder(message)) return {};
@@ -31,11 +47,11 @@ std::string PlaceholderWarning(const std::string& message) {
              " among other text and is sent as written; a placeholder "
              "must be the whole message";
     }
+    if (EqualsIgnoringCase(Bare(message), Bare(placeholder))) {
+      return "names a placeholder without its braces and is sent as written; write " + placeholder;
+    }
   }
-  const auto open = message.find('{');
-  if (open != message.npos && message.find('}', open) != message.npos) {
-    return "has braces around no placeholder's name and is sent as written";
-  }
+  if (HasMeantBraces(message)) return "has braces at no placeholder's name and is sent as written";
   return {};
 }
 
