@@ -11,29 +11,44 @@ namespace {
 using testing::ErrorOf;
 using testing::PluginTest;
 
+struct AddressRow {
+  const char* location;
+  int addresses[6];  // 0: the build has no such location
+};
+// Written down a second time on purpose: a test that took them from the program would agree with it
+// whatever it says.
+// clang-format off
+constexpr AddressRow kAddresses[] = {
+    //              JO_AFF      DFBHD_AFF2  DFBHD       JO          JO_2        DFX2
+    {"GameState",  {0x011E1408, 0x00C63CB0, 0x009E4748, 0x00C87598, 0x011EEDB0, 0x00C805D0}},
+    {"MapNameAdd", {0x01166384, 0x0252F5E4, 0x00A3F897, 0x02551118, 0x01173D80, 0x0254F6CC}},
+    {"MapPointer", {0x01166174, 0x00C63C6C, 0x009ED5F8, 0x00C86FDC, 0x01173B74, 0x00C8058C}},
+    {"TotalMaps",  {0x01166388, 0x0252F5E8, 0,          0x0255111C, 0x01173D84, 0x0254F6D0}},
+    {"PlyrStats",  {0x02A197F4, 0x0249D938, 0x009ED600, 0x024C0CC4, 0x02A27180, 0x024BA258}},
+    {"SerDedi",    {0x00D29D70, 0x0252EF84, 0x00A34484, 0x02550AB8, 0x00D50094, 0x024BAEC4}},
+    {"BlueScore",  {0x00C9FA5C, 0x0249E604, 0x009E084C, 0x00C87D1C, 0x00CC75B4, 0x024BAF24}},
+    {"RedScore",   {0x00C9FA60, 0x0249E608, 0x009E0934, 0x00C87E70, 0x00CC75B8, 0x024BAF28}},
+    {"MaxPlayers", {0x00D29D64, 0x0252EF78, 0x00A03430, 0x00C8761C, 0x00D50088, 0x00C80BCC}},
+    {"CurPlayers", {0x0117952C, 0x00B3A198, 0x009DDA2C, 0x00B5DA1C, 0x011EBF94, 0x00B5715C}},
+    {"GameType",   {0x02A1D8A8, 0x024C2378, 0x00A0342C, 0x024E3EF0, 0x02A2B250, 0x024DD4A0}},
+};
+// clang-format on
+
 TEST(MemoryMap, IsTheRowOfTheGameBuild) {
-  struct Row {
-    const char* code;
-    bool affiliate;
-    bool affiliate2;
-    int gameState;
-    int playerStats;
-  };
-  for (const Row& row : std::initializer_list<Row>{
-           {"DFBHD", false, false, 0x009E4748, 0x009ED600},
-           {"JO", false, false, 0x00C87598, 0x024C0CC4},
-           {"JO_2", false, false, 0x011EEDB0, 0x02A27180},
-           {"DFX2", false, false, 0x00C805D0, 0x024BA258},
-           {"JO_AFF", true, false, 0x011E1408, 0x02A197F4},
-           {"DFBHD_AFF2", false, true, 0x00C63CB0, 0x0249D938},
-           {"DFBHD", true, true, 0x011E1408, 0x02A197F4}}) {  // the first flag wins
-    const MemoryMap map = MemoryMapFor(row.affiliate, row.affiliate2, row.code);
-    EXPECT_EQ(map.Address("GameState"), row.gameState) << row.code;
-    EXPECT_EQ(map.Address("PlyrStats"), row.playerStats) << row.code;
-    const bool isDfbhdRow = row.gameState == 0x009E4748;
-    EXPECT_EQ(map.All().size(), isDfbhdRow ? 10U : 11U);
-    EXPECT_EQ(map.Holds("TotalMaps"), !isDfbhdRow);
+  const char* codes[] = {"JO_AFF", "DFBHD_AFF2", "DFBHD", "JO", "JO_2", "DFX2"};
+  for (std::size_t build = 0; build < std::size(codes); ++build) {
+    const MemoryMap map = MemoryMapFor(build == 0, build == 1, codes[build]);
+    std::size_t locations = 0;
+    for (const AddressRow& row : kAddresses) {
+      const int address = row.addresses[build];
+      EXPECT_EQ(map.Holds(row.location), address != 0) << codes[build] << " " << row.location;
+      if (address == 0) continue;
+      EXPECT_EQ(map.Address(row.location), address) << codes[build] << " " << row.location;
+      ++locations;
+    }
+    EXPECT_EQ(map.All().size(), locations) << codes[build];
   }
+  EXPECT_EQ(MemoryMapFor(true, true, "DFBHD").Address("GameState"), 0x011E1408);  // the first flag
   for (const char* code : {"dfbhd", "DFBHD ", "", "JO_3", "JO_AFF"}) {
     EXPECT_TRUE(MemoryMapFor(false, false, code).IsEmpty()) << code;
   }

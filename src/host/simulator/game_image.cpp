@@ -11,12 +11,50 @@ constexpr std::int32_t kRotation = 0x10000000;
 constexpr std::int32_t kMapTable = 0x10010000;
 constexpr std::int32_t kPlayerTable = 0x10100000;
 
-// The two families' records, written down a second time on purpose: an image that took them from
-// the readers would agree with them whatever they say.
+// The two families' records and player slots, written down a second time on purpose: an image that
+// took them from the readers would agree with them whatever they say.
 constexpr std::int32_t kDfbhdNameRecord = 1840;
 constexpr std::int32_t kMapRecord = 4584;
 constexpr std::int32_t kNameInMapRecord = 1044;
 constexpr std::int32_t kRotationEntry = 8;
+
+struct SlotRecord {
+  std::int32_t size;
+  std::int32_t name;
+  std::int32_t counters;
+};
+constexpr SlotRecord kDfbhdSlot = {717628, 60, 711340};
+constexpr SlotRecord kCommonSlot = {100584, 40, 80};
+
+/// Where a counter lies behind the start of a slot's counters.
+struct CounterPlace {
+  std::int32_t PlayerStats::*counter;
+  std::int32_t inDfbhd;
+  std::int32_t inCommon;
+};
+
+// clang-format off
+constexpr CounterPlace kPlaces[] = {
+    {&PlayerStats::Suicides,              0,  16},
+    {&PlayerStats::Murders,               4,   8},
+    {&PlayerStats::Kills,                 8,  12},
+    {&PlayerStats::Deaths,               12,  20},
+    {&PlayerStats::ZoneTime,             24, 116},
+    {&PlayerStats::FlagsCaptured,        28,  40},
+    {&PlayerStats::FlagsSaved,           32,  36},
+    {&PlayerStats::Targets,              36,  48},
+    {&PlayerStats::MedicSaves,           44,  28},
+    {&PlayerStats::Revives,              48,  32},
+    {&PlayerStats::PspTakeovers,         56,  56},
+    {&PlayerStats::FlagCarrierKills,     60,  76},
+    {&PlayerStats::Headshots,            68,  64},
+    {&PlayerStats::ZoneAttackKills,      80,  88},
+    {&PlayerStats::ZoneDefenceKills,     84,  92},
+    {&PlayerStats::TargetDefenceKills,   88,  84},
+    {&PlayerStats::TargetAttackKills,    96,  80},
+    {&PlayerStats::Score,               104, 108},
+};
+// clang-format on
 
 /// Map numbers that are not the positions, so that mixing them up shows.
 std::int32_t MapNumber(std::int32_t position) {
@@ -33,18 +71,19 @@ MemoryMap MapOfCode(std::string_view gameCode) {
   return map;
 }
 
+const SlotRecord& SlotOf(bool isDfbhd) {
+  return isDfbhd ? kDfbhdSlot : kCommonSlot;
+}
+
 }  // namespace
 
 GameImage::GameImage(GameMemory& memory, std::string_view gameCode, const World& world)
-    : memory_(memory),
-      isDfbhd_(gameCode == kDfbhd),
-      layout_(isDfbhd_ ? kDfbhdLayout : kCommonLayout),
-      map_(MapOfCode(gameCode)) {
+    : memory_(memory), isDfbhd_(gameCode == kDfbhd), map_(MapOfCode(gameCode)) {
   const auto maps = static_cast<std::int32_t>(world.maps.size());
   const auto slots = static_cast<std::uint32_t>(world.slots.size());
   for (const Location& location : map_.All()) memory_.Reserve(location.address, 4);
   memory_.Reserve(kRotation, 20 + static_cast<std::uint32_t>(maps * kRotationEntry));
-  memory_.Reserve(kPlayerTable, slots * static_cast<std::uint32_t>(layout_.stride));
+  memory_.Reserve(kPlayerTable, slots * static_cast<std::uint32_t>(SlotOf(isDfbhd_).size));
   if (isDfbhd_) {
     memory_.Reserve(map_.Address(location::kMapNames),
                     static_cast<std::uint32_t>(maps * kDfbhdNameRecord));
@@ -83,15 +122,15 @@ void GameImage::WritePlayers(const World& world) {
   memory_.WriteLong(map_.Address(location::kMaxPlayers),
                     static_cast<std::int32_t>(world.slots.size()) - 1);
   memory_.WriteLong(map_.Address(location::kCurrentPlayers), world.PlayerCount());
-  std::int32_t slotStart = kPlayerTable;
+  const SlotRecord& slot = SlotOf(isDfbhd_);
+  std::int32_t start = kPlayerTable;
   for (const auto& player : world.slots) {
-    memory_.WriteText(slotStart + layout_.nameOffset, player ? ToWindows1252(player->name) : "");
-    const std::int32_t block = slotStart + layout_.statisticsOffset;
-    for (const CounterRow& row : kCounters) {
-      memory_.WriteLong(block + row.*layout_.counterOffset,
-                        player ? player->stats.*row.counter : 0);
+    memory_.WriteText(start + slot.name, player ? ToWindows1252(player->name) : "");
+    for (const CounterPlace& place : kPlaces) {
+      memory_.WriteLong(start + slot.counters + (isDfbhd_ ? place.inDfbhd : place.inCommon),
+                        player ? player->stats.*place.counter : 0);
     }
-    slotStart += layout_.stride;
+    start += slot.size;
   }
 }
 

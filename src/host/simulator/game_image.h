@@ -35,7 +35,6 @@ class GameImage {
 
   GameMemory& memory_;
   const bool isDfbhd_;
-  const SlotLayout& layout_;
   const MemoryMap map_;
 };
 
