@@ -177,6 +177,10 @@ ComPtr<IDispatch> MakeUtilityObject(UtilityComponent& component) {
       new ComponentObject<UtilityComponent>(component, std::span(kUtilityMembers)));
 }
 
+ComPtr<IClassFactory> MakeFactory(ComPtr<IDispatch> object) {
+  return ComPtr<IClassFactory>::Take(new SingleObjectFactory(std::move(object)));
+}
+
 ObjectRegistration::ObjectRegistration(const char* progId, const wchar_t* classId,
                                        ComPtr<IDispatch> object) {
   CLSID id;
@@ -186,7 +190,7 @@ ObjectRegistration::ObjectRegistration(const char* progId, const wchar_t* classI
     result = ::CLSIDFromString(classId, &id);
   }
   if (SUCCEEDED(result)) {
-    const auto factory = ComPtr<IClassFactory>::Take(new SingleObjectFactory(std::move(object)));
+    const auto factory = MakeFactory(std::move(object));
     result = ::CoRegisterClassObject(id, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
                                      &cookie_);
   }
@@ -198,9 +202,7 @@ ObjectRegistration::~ObjectRegistration() {
 }
 
 SiblingRegistration::SiblingRegistration(MemoryComponent& memory, UtilityComponent& utility)
-    : memory_(MemoryComponent::kProgId, L"{2962F06C-562C-4A95-9526-3524F8F2D6F2}",
-              MakeMemoryObject(memory)),
-      utility_(UtilityComponent::kProgId, L"{6FBE4E21-1FA3-4D37-A4B1-9F98811E0513}",
-               MakeUtilityObject(utility)) {}
+    : memory_(MemoryComponent::kProgId, kMemoryClassId, MakeMemoryObject(memory)),
+      utility_(UtilityComponent::kProgId, kUtilityClassId, MakeUtilityObject(utility)) {}
 
 }  // namespace rotacasts::host

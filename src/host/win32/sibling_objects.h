@@ -14,6 +14,9 @@ namespace rotacasts::host {
 win32::ComPtr<IDispatch> MakeMemoryObject(MemoryComponent& component);
 win32::ComPtr<IDispatch> MakeUtilityObject(UtilityComponent& component);
 
+/// The factory of a class of which there is this one object.
+win32::ComPtr<IClassFactory> MakeFactory(win32::ComPtr<IDispatch> object);
+
 /// Makes an object creatable by its programmatic identifier within this process, for as long as the
 /// registration lives: every creation answers this one object. A class identifier that the machine
 /// already knows for the name is used; else `classId` is recorded for it, and stays recorded.
@@ -28,6 +31,10 @@ class ObjectRegistration {
  private:
   DWORD cookie_ = 0;
 };
+
+// The class identifiers that the components have where nobody else provides them.
+inline constexpr wchar_t kMemoryClassId[] = L"{2962F06C-562C-4A95-9526-3524F8F2D6F2}";
+inline constexpr wchar_t kUtilityClassId[] = L"{6FBE4E21-1FA3-4D37-A4B1-9F98811E0513}";
 
 /// Both components, creatable by the plugin within this process. They outlive the registration and
 /// whoever has created them.
