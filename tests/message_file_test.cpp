@@ -140,8 +140,8 @@ TEST_F(MessageFileTest, RenumberingPassesNumbersForTheKeysItRemoves) {
   const std::string end = ", " + PathOf(1) + ")";
   EXPECT_EQ(host.calls, (std::vector<std::string>{
                             "WriteIniKey(Messages, 1, null" + end, "GetIniSection(Messages" + end,
-                            "ParseIniKey(2=b, True)", "WriteIniKey(Messages, #2, null" + end,
-                            "WriteIniKey(Messages, 1, b" + end}));
+                            "ParseIniKey(2=b, True)", "WriteIniKey(Messages, 1, b" + end,
+                            "WriteIniKey(Messages, #2, null" + end}));
 }
 
 TEST_F(MessageFileTest, AnErrorOfTheRenumberingIsReportedThere) {

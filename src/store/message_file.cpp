@@ -4,6 +4,7 @@
 #include <exception>
 #include <optional>
 #include <set>
+#include <span>
 #include <utility>
 
 #include "platform/arithmetic.h"
@@ -121,6 +122,28 @@ std::size_t CountInPlace(const std::vector<Entry>& entries) {
       std::any_of(entries.begin() + static_cast<std::ptrdiff_t>(count), entries.end(),
                   [&](const Entry& entry) { return keys.contains(entry.key); });
   return repeated ? 0 : count;
+}
+
+/// Whether every one of these entries gets a smaller key than it has, their keys rising from line
+/// to line: then no new key is that of an entry whose turn is yet to come. Before them stand
+/// `position` entries that keep their keys.
+bool OnlyMoveUp(std::span<const Entry> entries, std::size_t position) {
+  auto next = static_cast<std::int32_t>(position) + 1;
+  std::int32_t highest = 0;
+  for (const Entry& entry : entries) {
+    const std::int32_t key = KeyNumber(entry.key).value_or(0);
+    if (key <= highest || (!IsBlank(entry.text) && key <= next++)) return false;
+    highest = key;
+  }
+  return true;
+}
+
+std::vector<std::string> TextsThatStay(const std::vector<Entry>& entries) {
+  std::vector<std::string> texts;
+  for (const Entry& entry : entries) {
+    if (!IsBlank(entry.text)) texts.push_back(entry.text);
+  }
+  return texts;
 }
 
 /// Replaces the entries of a section so that every text stands in the file at every moment: what
@@ -254,16 +277,19 @@ void MessageFile::RewriteEntries(std::int32_t profileIndex, std::string file) {
     const std::vector<Entry> entries = AllEntries(utility, file);
     at(2);
     std::size_t position = CountInPlace(entries);
-    const std::vector<Entry> others(entries.begin() + static_cast<std::ptrdiff_t>(position),
-                                    entries.end());
-    at(3);
-    for (const Entry& entry : others) {
-      utility.WriteIniKey(kMessagesSection, KeyToRemove(entry.key), std::nullopt, file);
+    const std::span others = std::span(entries).subspan(position);
+    if (!OnlyMoveUp(others, position)) {
+      return Replacement(utility, file, TextsThatStay).Run();
     }
-    at(4);  // new keys go to the section's end, so line order and key order agree again
+    // New keys go to the section's end, so line order and key order agree again afterwards. A text
+    // goes from its old key only when it stands under its new one.
     for (const Entry& entry : others) {
-      if (IsBlank(entry.text)) continue;
-      utility.WriteIniKey(kMessagesSection, KeyAt(position++), entry.text, file);
+      at(4);
+      if (!IsBlank(entry.text)) {
+        utility.WriteIniKey(kMessagesSection, KeyAt(position++), entry.text, file);
+      }
+      at(3);
+      utility.WriteIniKey(kMessagesSection, KeyToRemove(entry.key), std::nullopt, file);
     }
   });
 }
@@ -302,7 +328,12 @@ MessageFile::Exchanged MessageFile::ExchangeEntries(std::int32_t profileIndex,
   Exchanged texts{utility.GetIniKey(kMessagesSection, firstKey, file),
                   utility.GetIniKey(kMessagesSection, secondKey, file)};
   utility.WriteIniKey(kMessagesSection, firstKey, texts.second, file);
-  utility.WriteIniKey(kMessagesSection, secondKey, texts.first, file);
+  try {
+    utility.WriteIniKey(kMessagesSection, secondKey, texts.first, file);
+  } catch (...) {  // the first text stands nowhere now
+    utility.WriteIniKey(kMessagesSection, firstKey, texts.first, file);
+    throw;
+  }
   return texts;
 }
 
