@@ -1,6 +1,6 @@
 # The front door: every target installs what it needs and sets itself up.
 
-.PHONY: help demo demo-windows test fuzz bench format lint clean
+.PHONY: help demo demo-windows test test-windows windows package fuzz bench format lint clean
 
 help: ## this list
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 22
@@ -26,6 +26,22 @@ test: ## build and run every test
 	cmake --preset fuzz
 	cmake --build --preset fuzz
 	ctest --preset fuzz
+	@scripts/test-windows
+
+test-windows: ## the part of it that is built for Windows and run under Wine
+	@CI=1 scripts/test-windows
+
+windows: ## the plugin for Windows: build/windows/src/component/tvxRT.dll
+	@scripts/bootstrap build windows
+	@scripts/quietly cmake --preset windows
+	@scripts/quietly cmake --build --preset windows --target tvxRT
+	@ls -l build/windows/src/component/tvxRT.dll
+
+package: ## a zip with the plugin, its install script and the stand-alone host
+	@scripts/bootstrap build windows
+	@scripts/quietly cmake --preset windows
+	@scripts/quietly cmake --build --preset windows --target tvxRT rotacasts-host game-server-sim
+	@scripts/package build/windows build/rotacasts.zip
 
 fuzz: ## a minute of arbitrary input for the remote operations and the INI reader
 	@scripts/bootstrap build test
