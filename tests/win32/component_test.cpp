@@ -274,5 +274,38 @@ TEST_F(ComponentTest, TheComponentsAreCalledAsTheCoreCallsThemArgumentForArgumen
   EXPECT_EQ(user.boxes.size(), native.host.boxes.size());
 }
 
+TEST_F(ComponentTest, WhatTheComponentsLackIsReportedWithItsNumber) {
+  const auto startAnew = [&] {
+    plugin.reset();
+    ASSERT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK);
+    plugin.emplace(testing::InstalledPlugin::Create());
+  };
+  const auto lastBox = [&] { return user.boxes.empty() ? "" : user.boxes.back(); };
+  siblings.reset();  // no component can be created: nothing to log the error with either
+  startAnew();
+  EXPECT_NE(lastBox().find("Error 429: "), std::string::npos) << lastBox();
+  EXPECT_NE(lastBox().find("Main"), std::string::npos) << lastBox();
+
+  // The memory component has other members than it should.
+  const host::ObjectRegistration strange(MemoryComponent::kProgId, host::kMemoryClassId,
+                                         host::MakeUtilityObject(*utility));
+  const host::ObjectRegistration good(UtilityComponent::kProgId, host::kUtilityClassId,
+                                      host::MakeUtilityObject(*utility));
+  startAnew();
+  Load(2);
+  Call("AddMessageRem", {2, testing::ProfileData(2, "JO"), "<x>"});
+  EXPECT_EQ(host.logged.size(), 1U);
+  EXPECT_NE(lastBox().find("Error 438: "), std::string::npos) << lastBox();
+
+  // The file-system object refuses: its own number and description arrive.
+  host.logged.clear();
+  Variant::Array data = *testing::ProfileData(2, "JO").AsArray();
+  data[pdat::kSharedLog] = false;
+  data[pdat::kProfileFolder] = "nowhere";
+  Call("EnableRTRem", {2, data, "1"});
+  ASSERT_EQ(host.logged.size(), 1U);
+  EXPECT_EQ(host.logged[0].find("EnableRTRem: 76 "), 0U) << host.logged[0];
+}
+
 }  // namespace
 }  // namespace rotacasts

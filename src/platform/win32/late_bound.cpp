@@ -13,7 +13,12 @@ struct ResultRow {
   ErrorNumber number;
 };
 
-// Result codes of the dispatch mechanism itself that have a run-time error of their own.
+/// The system's error (winerror.h) as a result code.
+constexpr HRESULT OfSystem(DWORD error) {
+  return static_cast<HRESULT>(0x80070000 | error);
+}
+
+// Result codes of the dispatch mechanism and of the system that have a run-time error of their own.
 constexpr ResultRow kResults[] = {
     {DISP_E_UNKNOWNNAME, ErrorNumber::NoSuchMember},
     {DISP_E_MEMBERNOTFOUND, ErrorNumber::NoSuchMember},
@@ -22,6 +27,11 @@ constexpr ResultRow kResults[] = {
     {DISP_E_BADINDEX, ErrorNumber::SubscriptOutOfRange},
     {E_OUTOFMEMORY, ErrorNumber::OutOfMemory},
     {E_INVALIDARG, ErrorNumber::InvalidProcedureCall},
+    {OfSystem(ERROR_FILE_NOT_FOUND), ErrorNumber::FileNotFound},
+    {OfSystem(ERROR_PATH_NOT_FOUND), ErrorNumber::PathNotFound},
+    {OfSystem(ERROR_ACCESS_DENIED), ErrorNumber::PermissionDenied},
+    {OfSystem(ERROR_FILE_EXISTS), ErrorNumber::FileAlreadyExists},
+    {OfSystem(ERROR_ALREADY_EXISTS), ErrorNumber::FileAlreadyExists},
 };
 
 [[noreturn]] void RaiseResult(HRESULT result) {
@@ -51,6 +61,9 @@ class Exception {
 }  // namespace
 
 std::int32_t ErrorNumberOf(HRESULT result) {
+  for (const ResultRow& row : kResults) {
+    if (row.result == result) return static_cast<std::int32_t>(row.number);
+  }
   return (result & kFacilityMask) == kControlFacility ? result & 0xFFFF : result;
 }
 
