@@ -114,7 +114,7 @@ void Win32FormView::RegisterClasses(HINSTANCE module) {
   form.lpszClassName = kFormClass;
   ::RegisterClassExW(&form);
   WNDCLASSEXW picture = form;
-  picture.lpfnWndProc = PictureProc;
+  picture.lpfnWndProc = PeerProc<&Win32FormView::HandlePicture>;
   picture.lpszClassName = kPictureClass;
   ::RegisterClassExW(&picture);
 }
@@ -223,7 +223,8 @@ void Win32FormView::CreatePeer(Control& control) {
   ::SetWindowLongPtrW(peer.window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&peer));
   if (control.GetKind() != Kind::Image) {
     peer.original = reinterpret_cast<WNDPROC>(
-        ::SetWindowLongPtrW(peer.window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&ControlProc)));
+        ::SetWindowLongPtrW(peer.window, GWLP_WNDPROC,
+                            reinterpret_cast<LONG_PTR>(&PeerProc<&Win32FormView::HandleControl>)));
   }
   Arrange(peer);
   Changed(control, Property::Font);
@@ -496,14 +497,14 @@ LRESULT Win32FormView::ColourOf(HDC context, HWND window) {
   return reinterpret_cast<LRESULT>(brushes_.OfColour(colour));
 }
 
-LRESULT CALLBACK Win32FormView::ControlProc(HWND window, UINT message, WPARAM wParam,
-                                            LPARAM lParam) {
+template <Win32FormView::PeerHandler Handle>
+LRESULT CALLBACK Win32FormView::PeerProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* peer = reinterpret_cast<Peer*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
   if (peer == nullptr) return ::DefWindowProcW(window, message, wParam, lParam);
   return Contained([&] {
     const auto keepAlive = peer->view.weak_from_this().lock();
     const auto form = peer->view.form_.KeepAlive();
-    return peer->view.HandleControl(*peer, message, wParam, lParam);
+    return (peer->view.*Handle)(*peer, message, wParam, lParam);
   });
 }
 
@@ -570,17 +571,6 @@ bool Win32FormView::HandleMouse(Peer& peer, UINT message, LPARAM lParam) {
     peer.control.UserReleased(event);
   }
   return true;
-}
-
-LRESULT CALLBACK Win32FormView::PictureProc(HWND window, UINT message, WPARAM wParam,
-                                            LPARAM lParam) {
-  auto* peer = reinterpret_cast<Peer*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
-  if (peer == nullptr) return ::DefWindowProcW(window, message, wParam, lParam);
-  return Contained([&] {
-    const auto keepAlive = peer->view.weak_from_this().lock();
-    const auto form = peer->view.form_.KeepAlive();
-    return peer->view.HandlePicture(*peer, message, wParam, lParam);
-  });
 }
 
 LRESULT Win32FormView::HandlePicture(Peer& peer, UINT message, WPARAM wParam, LPARAM lParam) {

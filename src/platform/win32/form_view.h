@@ -56,8 +56,10 @@ class Win32FormView final : public forms::FormView,
   };
 
   static LRESULT CALLBACK FormProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  static LRESULT CALLBACK ControlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  static LRESULT CALLBACK PictureProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  using PeerHandler = LRESULT (Win32FormView::*)(Peer& peer, UINT message, WPARAM wParam,
+                                                 LPARAM lParam);
+  template <PeerHandler Handle>
+  static LRESULT CALLBACK PeerProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   LRESULT HandleForm(UINT message, WPARAM wParam, LPARAM lParam);
   LRESULT HandleControl(Peer& peer, UINT message, WPARAM wParam, LPARAM lParam);
   LRESULT HandlePicture(Peer& peer, UINT message, WPARAM wParam, LPARAM lParam);
