@@ -163,6 +163,13 @@ SIZE_T PrivateBytes() {
   return counters.PagefileUsage;
 }
 
+/// Who holds a component, besides the one who asks.
+ULONG References(const char* progId) {
+  const win32::LateBound component = win32::LateBound::Create(progId);
+  component.Get()->AddRef();
+  return component.Get()->Release() - 1;
+}
+
 TEST_F(ComponentTest, AThousandLivesLeaveNothingBehind) {
   constexpr int kRounds = 1000;
   constexpr int kToWarmUp = 100;
@@ -171,6 +178,9 @@ TEST_F(ComponentTest, AThousandLivesLeaveNothingBehind) {
   HandlesInUse after;
   SIZE_T bytesBefore = 0;
   const int windows = WindowsOfThisThread();
+  plugin.reset();
+  EXPECT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK);
+  const ULONG references = References(MemoryComponent::kProgId);
   for (int round = 0; round < kRounds; ++round) {
     plugin.emplace(testing::InstalledPlugin::Create());
     Load(2);
@@ -191,6 +201,8 @@ TEST_F(ComponentTest, AThousandLivesLeaveNothingBehind) {
   EXPECT_LE(after.user, before.user) << "windows or menus stay";
   EXPECT_LE(after.drawing, before.drawing) << "fonts, brushes or pictures stay";
   EXPECT_EQ(WindowsOfThisThread(), windows);
+  EXPECT_EQ(References(MemoryComponent::kProgId), references);
+  EXPECT_EQ(References(UtilityComponent::kProgId), references);
   EXPECT_LT(PrivateBytes(), bytesBefore + (kRounds - kToWarmUp) * 256) << "memory stays";
   MSG timer;
   EXPECT_EQ(::PeekMessageW(&timer, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE), FALSE);
