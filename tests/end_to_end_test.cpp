@@ -80,6 +80,16 @@ TEST(EndToEnd, AServerStartedAnewUnderItsProgramNameIsFoundAgain) {
   EXPECT_EQ(host.Wait(SIGTERM), 0);
 }
 
+TEST(EndToEnd, TheLastLineOfTheInputNeedsNoLineFeed) {
+  HostFolder folder;
+  folder.AddProfile(1, "JO", "1", "4001");
+  ChildProcess host = StartHost(folder);
+  host.EndInput("add 1 x\nmessages 1");
+  EXPECT_TRUE(host.ReadUntil("added at position 0"));
+  EXPECT_TRUE(host.ReadUntil("0         x        x"));
+  EXPECT_EQ(host.Wait(SIGTERM), 0);  // without its input it goes on
+}
+
 TEST(EndToEnd, NoMessageCommandsTheTerminal) {
   HostFolder folder;
   folder.AddProfile(1, "JO", "1", "4001", MessageFileBytes({"{\x1B[2J}\u009D31m\tGrüße"}));

@@ -6,7 +6,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <stdexcept>
+#include <utility>
 
 namespace rotacasts::testing {
 
@@ -36,14 +38,18 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command) {
 
 ChildProcess::~ChildProcess() {
   if (process_ > 0) Wait(SIGKILL);
-  ::close(input_);
+  if (input_ >= 0) ::close(input_);
   ::close(output_);
 }
 
-void ChildProcess::WriteLine(const std::string& line) {
-  const std::string bytes = line + "\n";
+void ChildProcess::Write(const std::string& bytes) {
   if (::write(input_, bytes.data(), bytes.size()) < 0)
     throw std::runtime_error("program has ended");
+}
+
+void ChildProcess::EndInput(const std::string& bytes) {
+  Write(bytes);
+  ::close(std::exchange(input_, -1));
 }
 
 std::optional<std::string> ChildProcess::ReadLine() {
@@ -64,8 +70,10 @@ std::optional<std::string> ChildProcess::ReadLine() {
 }
 
 std::optional<std::string> ChildProcess::ReadUntil(const std::string& text) {
-  for (auto line = ReadLine(); line; line = ReadLine()) {
-    if (line->find(text) != line->npos) return line;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (std::chrono::steady_clock::now() < end) {
+    auto line = ReadLine();
+    if (!line || line->find(text) != line->npos) return line;
   }
   return std::nullopt;
 }

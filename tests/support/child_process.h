@@ -19,15 +19,19 @@ class ChildProcess {
   ChildProcess& operator=(const ChildProcess&) = delete;
 
   std::int64_t Id() const { return process_; }
-  void WriteLine(const std::string& line);
+  void WriteLine(const std::string& line) { Write(line + "\n"); }
+  /// Writes the last of the program's input, as it stands, and ends it.
+  void EndInput(const std::string& bytes);
   /// The next line; nothing at the end of the output or after ten seconds without one.
   std::optional<std::string> ReadLine();
-  /// Reads lines until one holds the text; that line, or nothing.
+  /// Reads lines, for half a minute at most, until one holds the text; that line, or nothing.
   std::optional<std::string> ReadUntil(const std::string& text);
   /// Sends the signal, if any, and waits; the exit status, or minus the signal that ended it.
   int Wait(int signal = 0);
 
  private:
+  void Write(const std::string& bytes);
+
   int process_ = -1;
   int input_ = -1;
   int output_ = -1;

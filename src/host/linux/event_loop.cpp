@@ -38,7 +38,8 @@ class EndSignals {
   int descriptor_;
 };
 
-/// Takes complete lines out of what has been read; the rest waits for its line feed.
+/// Takes complete lines out of what has been read; the rest waits for its line feed, or for the end
+/// of the input.
 class LineBuffer {
  public:
   /// False at the end of the input.
@@ -46,6 +47,7 @@ class LineBuffer {
     char buffer[4096];
     const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
     if (count < 0 && errno == EINTR) return true;
+    if (count == 0 && !text_.empty()) text_ += '\n';
     if (count <= 0) return false;
     text_.append(buffer, static_cast<std::size_t>(count));
     return true;

@@ -50,6 +50,7 @@ void ReadLines(const Reader& reader) {
       text.erase(0, end + 1);
     }
   }
+  if (!text.empty()) PostLine(reader, text);  // the last line needs no line feed
 }
 
 DWORD WINAPI RunReader(void* parameter) {

@@ -1,0 +1,40 @@
+// The parts of the stand-alone host that only Windows has.
+
+#include <gtest/gtest.h>
+
+#include "host/win32/console_input.h"
+
+namespace rotacasts::host {
+namespace {
+
+TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {
+  HANDLE input = nullptr;
+  HANDLE writer = nullptr;
+  ASSERT_NE(::CreatePipe(&input, &writer, nullptr, 0), FALSE);
+  const HANDLE before = ::GetStdHandle(STD_INPUT_HANDLE);
+  ::SetStdHandle(STD_INPUT_HANDLE, input);
+  const HWND window =
+      ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  PostConsoleLines(window, WM_APP);
+  const std::string bytes =
+      "status\r\nadd 1 Gr\xC3\xBC\xC3\x9F"
+      "e";
+  DWORD count = 0;
+  ::WriteFile(writer, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
+  ::CloseHandle(writer);
+  std::vector<std::string> lines;
+  for (int tries = 0; lines.size() < 2 && tries < 500; ++tries) {
+    for (MSG message; ::PeekMessageW(&message, window, WM_APP, WM_APP, PM_REMOVE) != FALSE;) {
+      const std::unique_ptr<std::string> line(reinterpret_cast<std::string*>(message.lParam));
+      lines.push_back(*line);
+    }
+    ::Sleep(10);
+  }
+  EXPECT_EQ(lines, (std::vector<std::string>{"status", "add 1 Grüße"}));
+  ::DestroyWindow(window);
+  ::SetStdHandle(STD_INPUT_HANDLE, before);
+  ::CloseHandle(input);
+}
+
+}  // namespace
+}  // namespace rotacasts::host
