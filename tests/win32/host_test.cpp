@@ -2,10 +2,24 @@
 
 #include <gtest/gtest.h>
 
+#include "host/game_processes.h"
 #include "host/win32/console_input.h"
+#include "support/fake_host.h"
 
 namespace rotacasts::host {
 namespace {
+
+TEST(GameProcesses, ANumberTooLargeForAProcessIsNotCutToAnothersNumber) {
+  static const std::int32_t value = -123456;
+  const auto address = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(&value));
+  const ProcessId own = ::GetCurrentProcessId();
+  GameProcesses processes;
+  const std::int32_t self = processes.Register(std::to_string(own), "self");
+  const std::int32_t beyond =
+      processes.Register(std::to_string(own + (ProcessId{1} << 32)), "beyond");
+  EXPECT_EQ(processes.ReadLong(self, address), value);
+  EXPECT_EQ(testing::ErrorOf([&] { processes.ReadLong(beyond, address); }), 57);
+}
 
 TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {
   HANDLE input = nullptr;

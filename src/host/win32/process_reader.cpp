@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <utility>
 
 // clang-format off
 #include "platform/win32/com_support.h"
@@ -13,12 +14,21 @@ namespace {
 
 constexpr std::size_t kPage = 4096;
 
+/// A number too large to be a process's stands for none: cut to size, it would stand for another
+/// process.
+HANDLE Open(ProcessId process) {
+  if (!std::in_range<DWORD>(process)) {
+    ::SetLastError(ERROR_INVALID_PARAMETER);
+    return nullptr;
+  }
+  return ::OpenProcess(PROCESS_VM_READ | PROCESS_QUERY_INFORMATION | SYNCHRONIZE, FALSE,
+                       static_cast<DWORD>(process));
+}
+
 /// A process opened for reading.
 class OpenedProcess {
  public:
-  explicit OpenedProcess(ProcessId process)
-      : handle_(::OpenProcess(PROCESS_VM_READ | PROCESS_QUERY_INFORMATION | SYNCHRONIZE, FALSE,
-                              static_cast<DWORD>(process))) {}
+  explicit OpenedProcess(ProcessId process) : handle_(Open(process)) {}
   ~OpenedProcess() {
     if (handle_ != nullptr) ::CloseHandle(handle_);
   }
