@@ -56,6 +56,12 @@ TEST(EndToEnd, MessagesReachTheServersUntilOneDies) {
   EXPECT_EQ(joint.process.Wait(SIGKILL), -SIGKILL);
   EXPECT_TRUE(host.ReadUntil("profile 2 (srv2): process " + id + " has ended"));
   EXPECT_TRUE(hawk.process.ReadUntil("Grüße €"));  // the other profile keeps going
+  for (const char* stop : {"disable 1", "unload"}) {
+    host.WriteLine(std::string(stop) + "\nstatus\nmessages 1");
+    const std::string row = host.ReadUntil("DFBHD  stopped, game running").value_or("");
+    EXPECT_TRUE(row.ends_with("  1 min  0      0: Grüße €")) << stop << ": " << row;
+    EXPECT_TRUE(host.ReadUntil("1         {ShowNextMap}      [Next Map] ")) << stop;
+  }
   host.WriteLine("quit");
   EXPECT_EQ(host.Wait(), 0);
   EXPECT_EQ(hawk.process.Wait(SIGTERM), 0);

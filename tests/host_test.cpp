@@ -415,10 +415,13 @@ TEST(ServerHostTest, DrivesAPluginThatItCannotLookInto) {
                                       "load 2 in 77, DFX2 by Rex, width 9000", "hide", "unload"}));
   EXPECT_EQ(site.shown, (std::vector<std::int32_t>{1, 2, 2, 0, 0}));
   const std::string text = out.str();
-  EXPECT_NE(text.find("JO    stopped"), std::string::npos) << text;
-  EXPECT_NE(text.find("unreachable  on      1 min  -      -"), std::string::npos) << text;
+  EXPECT_NE(text.find("JO    stopped, game unreachable"), std::string::npos) << text;
+  EXPECT_NE(text.find("DFX2  unreachable                on      1 min  -      -"),
+            std::string::npos)
+      << text;
   EXPECT_NE(text.find("(cannot tell: no game server)"), std::string::npos) << text;
-  EXPECT_NE(text.find("DFX2  stopped"), std::string::npos) << text;
+  EXPECT_NE(text.find("DFX2  stopped, game unreachable  on      1 min  0      0: a\n"), text.npos)
+      << text;
 }
 
 }  // namespace

@@ -116,7 +116,6 @@ std::string ProfileWatch::OptionOf(const ProfileSettings& profile, const char* k
 }
 
 ProfileWatch::Game ProfileWatch::GameOf(std::int32_t index) {
-  if (!state_.game.HasMemoryMap(index)) return Game::UnknownBuild;
   try {
     return state_.game.IsGameRunning(index) ? Game::Running : Game::Idle;
   } catch (const RuntimeError& error) {
@@ -126,9 +125,7 @@ ProfileWatch::Game ProfileWatch::GameOf(std::int32_t index) {
 }
 
 std::string ProfileWatch::SaysNow(std::int32_t index, Game game, const std::string& message) {
-  const bool needsServer = IsPlaceholder(message);
-  if (needsServer && game == Game::UnknownBuild) return "(cannot tell: no such game build)";
-  if (needsServer && game == Game::Unreachable) return "(cannot tell: no game server)";
+  if (IsPlaceholder(message) && game == Game::Unreachable) return "(cannot tell: no game server)";
   const std::string text = state_.broadcast.LiveText(index, message);
   return text.empty() ? "(nothing: it is skipped)" : text;
 }

@@ -43,7 +43,7 @@ class ProfileWatch {
   std::string OptionOf(const ProfileSettings& profile, const char* key) const;
 
   /// What is to be known of a profile's game server now.
-  enum class Game { UnknownBuild, Unreachable, Idle, Running };
+  enum class Game { Unreachable, Idle, Running };
   Game GameOf(std::int32_t index);
   /// What a message says in this game at this moment, or in parentheses why it says nothing.
   std::string SaysNow(std::int32_t index, Game game, const std::string& message);

@@ -125,22 +125,21 @@ std::string ServerHost::MessageAt(const ProfileSettings& profile, ProfileWatch::
 }
 
 std::vector<std::string> ServerHost::StatusRow(const ProfileSettings& profile) {
-  constexpr const char* kGames[] = {"unknown build", "unreachable", "idle", "running"};
-  std::vector<std::string> row = {std::to_string(profile.index), profile.folder, profile.gameCode};
-  const auto options = {std::string(watch_.OptionOf(profile, kEnableKey) == "1" ? "on" : "off"),
-                        watch_.OptionOf(profile, kIntervalKey) + " min"};
-  const auto progress = plugin_.ProgressOf(profile.index);
-  if (progress ? !progress->isStarted : !started_.contains(profile.index)) {
-    row.emplace_back("stopped");
-    row.insert(row.end(), options);
-    return row;
+  constexpr const char* kGames[] = {"unreachable", "idle", "running"};
+  auto progress = plugin_.ProgressOf(profile.index);
+  if (!progress && !started_.contains(profile.index)) {
+    progress = HostedPlugin::Progress();  // a stopped one begins anew
   }
+  const bool isStopped = progress && !progress->isStarted;
   const ProfileWatch::Game game = watch_.GameOf(profile.index);
-  row.emplace_back(kGames[static_cast<int>(game)]);
-  row.insert(row.end(), options);
-  row.push_back(progress ? std::to_string(progress->elapsedTicks) : kNotKnown);
-  row.push_back(progress ? MessageAt(profile, game, progress->nextMessage) : kNotKnown);
-  return row;
+  return {std::to_string(profile.index),
+          profile.folder,
+          profile.gameCode,
+          std::string(isStopped ? "stopped, game " : "") + kGames[static_cast<int>(game)],
+          watch_.OptionOf(profile, kEnableKey) == "1" ? "on" : "off",
+          watch_.OptionOf(profile, kIntervalKey) + " min",
+          progress ? std::to_string(progress->elapsedTicks) : kNotKnown,
+          progress ? MessageAt(profile, game, progress->nextMessage) : kNotKnown};
 }
 
 void ServerHost::PrintStatus() {

@@ -43,7 +43,8 @@ class ServerHost {
 
   /// Prints the profile's messages with their positions, what each says now, and its options.
   void PrintMessages(std::int32_t index) { watch_.PrintMessages(index); }
-  /// Prints a line a profile: build, game, options, ticks counted, the next message.
+  /// Prints a line a profile: whether it is stopped, the game's state, its options, the ticks
+  /// counted, the next message and what that says now.
   void PrintStatus();
 
  private:
