@@ -7,6 +7,7 @@
 #include <set>
 #include <sstream>
 
+#include "game/address_table.h"
 #include "host/console.h"
 #include "host/game_processes.h"
 #include "host/headless_plugin.h"
@@ -27,8 +28,8 @@ using testing::MessageFileBytes;
 /// Two pages at an address that 32 bits hold; the second one is taken away again.
 class LowPage {
  public:
-  LowPage() {
-    void* const wanted = reinterpret_cast<void*>(std::uintptr_t{0x30000000});
+  explicit LowPage(std::uintptr_t address = 0x30000000) {
+    void* const wanted = reinterpret_cast<void*>(address);
     bytes_ = static_cast<char*>(::mmap(wanted, 2 * kPage, PROT_READ | PROT_WRITE,
                                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0));
     ::munmap(bytes_ + kPage, kPage);
@@ -195,6 +196,20 @@ TEST(PlainOutput, ShowsControlCharactersAsQuestionMarks) {
   }
 }
 
+TEST(ProfileWatchTest, LooksOnWithoutWritingAnything) {
+  const HostFolder folder;
+  const std::int32_t state = MemoryMapFor(false, false, "JO").Address(location::kGameState);
+  const LowPage idleGame(static_cast<std::uintptr_t>(state) / LowPage::kPage * LowPage::kPage);
+  folder.AddProfile(1, "JO", std::to_string(::getpid()), "4001",
+                    MessageFileBytes({"{ShowMostKills}"}));
+  std::ostringstream out;
+  ProfileWatch(folder.Path(), out).PrintPreview(1);
+  EXPECT_NE(out.str().find("is GameCode the right one?"), std::string::npos) << out.str();
+  EXPECT_NE(out.str().find("Error Report Sent: No"), std::string::npos) << out.str();
+  const std::filesystem::directory_iterator all(folder.Path());
+  EXPECT_EQ(std::distance(begin(all), end(all)), 1);  // the profiles, and no log beside them
+}
+
 class ConsoleTest : public ::testing::Test {
  protected:
   /// Runs console lines on a host of the folder and answers what was printed since.
@@ -240,7 +255,9 @@ class ConsoleTest : public ::testing::Test {
     Running(const HostOptions& options, std::ostream& out)
         : watch(options.folder, out),
           plugin(watch.Components(), options.minute, out),
-          host(watch, plugin, site, options, out) {}
+          host(watch, plugin, site, options, out) {
+      watch.MakeWhatIsMissing();
+    }
     ProfileWatch watch;
     HeadlessPlugin plugin;
     HeadlessSite site;
@@ -257,7 +274,15 @@ TEST_F(ConsoleTest, OneBadProfileLeavesTheOthersGoing) {
   folder.AddProfile(3, "JO", "no-such-program", "4003", std::string("\0\0", 2));
   folder.AddProfile(4, "JO", "1", "x");
   folder.AddProfile(5, "NOPE", "1", "4005");
+  folder.AddProfile(6, "JO", "1", "4006");
+  folder.Write("profiles/srv6/settings", "a file in the way");
   std::string text = Execute({"status"});
+  EXPECT_NE(text.find("skipped: profile 6 (srv6): its settings folder cannot be made: File already "
+                      "exists: " +
+                      folder.File("profiles/srv6/settings") + " ("),
+            std::string::npos)
+      << text;
+  EXPECT_EQ(text.find("\n6 "), std::string::npos) << text;
   EXPECT_NE(text.find("Target is \"x\"; give its chat port"), std::string::npos) << text;
   EXPECT_NE(text.find("Function/Sub: Form_Reload"), std::string::npos) << text;
   EXPECT_NE(text.find("holds NUL bytes; save it as plain ANSI text"), std::string::npos) << text;

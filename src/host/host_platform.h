@@ -28,7 +28,7 @@ class HostPlatform final : public ComponentFactory, public Module {
   ModuleVersion Version() const override;
 
   GameProcesses& Processes() { return processes_; }
-  const SystemClock& Clock() const { return clock_; }
+  SystemClock& Clock() { return clock_; }
   Platform Bundle(forms::Toolkit& toolkit) { return {*this, *this, clock_, toolkit}; }
 
  private:

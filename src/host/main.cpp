@@ -44,6 +44,7 @@ HostOptions OptionsOf(const CommandLine& line) {
 int Run(const CommandLine& line) {
   const HostOptions options = OptionsOf(line);
   ProfileWatch watch(options.folder, Out());
+  watch.MakeWhatIsMissing();
   if (watch.Profiles().empty()) {
     Errors() << line.folder
              << " has no usable profile; each needs a file profiles/NAME/profile.ini "

@@ -12,44 +12,85 @@
 namespace rotacasts::host {
 namespace {
 
-/// Makes what every host folder needs. Error 76 when the folder itself is missing.
-std::string Prepared(const std::string& folder) {
-  HostFileSystem files;
-  if (!files.FolderExists(folder)) {
+/// The folder itself. Error 76 when it is missing.
+const std::string& Existing(const std::string& folder) {
+  if (!HostFileSystem().FolderExists(folder)) {
     throw RuntimeError(ErrorNumber::PathNotFound, folder + "; make it, or name another folder");
   }
   if (NativePath(folder).string() != folder) {  // spelt with "\" it is another one
     throw RuntimeError(ErrorNumber::PathNotFound, folder + "; a name with \"\\\" cannot be used");
   }
-  const std::string settings = folder + "\\settings";
-  if (!files.FolderExists(settings)) files.CreateFolder(settings);
-  if (!files.FileExists(settings + "\\config.ini")) {
-    ReplaceFile(settings + "\\config.ini", "[Settings]\r\nReportErrors=0\r\n");
-  }
   return folder;
 }
+
+void MakeSettingsFolder(const std::string& folder) {
+  HostFileSystem files;
+  const std::string settings = folder + "\\settings";
+  if (!files.FolderExists(settings)) files.CreateFolder(settings);
+}
+
+class WatchUtilityComponent final : public HostUtilityComponent {
+ public:
+  using HostUtilityComponent::HostUtilityComponent;
+  /// Fails: the error is then shown, and neither logged nor reported.
+  void LogError(const std::string&, std::string&, RuntimeError&, std::int32_t&) override {
+    throw RuntimeError(ErrorNumber::PermissionDenied);
+  }
+};
+
+class WatchComponents final : public ComponentFactory {
+ public:
+  WatchComponents(HostPlatform& host, const std::string& folder) : host_(host), folder_(folder) {}
+
+  std::unique_ptr<UtilityComponent> CreateUtility() override {
+    return std::make_unique<WatchUtilityComponent>(folder_, host_.Clock());
+  }
+  std::unique_ptr<MemoryComponent> CreateMemory() override { return host_.CreateMemory(); }
+  std::unique_ptr<FileSystemObject> CreateFileSystem() override { return host_.CreateFileSystem(); }
+
+ private:
+  HostPlatform& host_;
+  const std::string folder_;
+};
 
 }  // namespace
 
 ProfileWatch::ProfileWatch(const std::string& hostFolder, std::ostream& out)
     : out_(out),
-      folder_(Prepared(hostFolder)),
+      folder_(Existing(hostFolder)),
       toolkit_(timers_),
       platform_(folder_),
-      state_(platform_.Bundle(toolkit_)) {
+      components_(std::make_unique<WatchComponents>(platform_, folder_)),
+      state_({platform_, *components_, platform_.Clock(), toolkit_}) {
   toolkit_.onMessageBox = [this](const std::string& text, const std::string& title) {
     PrintBox(out_, text, title);
   };
-  HostFileSystem files;
   LoadedProfiles loaded = LoadProfiles(folder_);
   for (const std::string& problem : loaded.problems) out_ << "skipped: " << problem << "\n";
   for (ProfileSettings& profile : loaded.profiles) {
-    const std::string settings = folder_ + "\\profiles\\" + profile.folder + "\\settings";
-    if (!files.FolderExists(settings)) files.CreateFolder(settings);
     handles_[profile.index] = platform_.Processes().Register(profile.process, profile.Label());
     state_.profiles.SetProfileData(profile.index, DataOf(profile));
     profiles_.emplace(profile.index, std::move(profile));
   }
+}
+
+void ProfileWatch::MakeWhatIsMissing() {
+  MakeSettingsFolder(folder_);
+  const std::string config = folder_ + "\\settings\\config.ini";
+  if (!HostFileSystem().FileExists(config)) {
+    ReplaceFile(config, "[Settings]\r\nReportErrors=0\r\n");
+  }
+  std::erase_if(profiles_, [this](const auto& entry) {
+    const ProfileSettings& profile = entry.second;
+    try {
+      MakeSettingsFolder(ProfileFolderPath(folder_, profile.folder));
+      return false;
+    } catch (const RuntimeError& error) {
+      out_ << "skipped: " << profile.Label()
+           << ": its settings folder cannot be made: " << error.description << "\n";
+      return true;
+    }
+  });
 }
 
 const ProfileSettings& ProfileWatch::Profile(std::int32_t index) const {

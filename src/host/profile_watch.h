@@ -16,14 +16,17 @@
 namespace rotacasts::host {
 
 /// Reads with the plugin's own readers, in a state of its own that never loads a window, so it
-/// needs no plugin at work. What it has to say goes to `out`. An index that no profile has raises
-/// error 5.
+/// needs no plugin at work. Writes nothing below the host folder, but for MakeWhatIsMissing: what
+/// it has to say, errors too, goes to `out`. An index that no profile has raises error 5.
 class ProfileWatch {
  public:
-  /// Makes what a host folder lacks (settings\config.ini, the profiles' settings folders), reads
-  /// the profiles and says what is wrong with those that cannot be used. `hostFolder` is absolute,
-  /// in the machine's spelling. Error 76 without the folder.
+  /// Reads the profiles and says what is wrong with those that cannot be used. `hostFolder` is
+  /// absolute, in the machine's spelling. Error 76 without the folder.
   ProfileWatch(const std::string& hostFolder, std::ostream& out);
+
+  /// Makes what the plugin needs and the host folder lacks: settings\config.ini and the profiles'
+  /// settings folders. A profile whose folder cannot be made is dropped, and the reason said.
+  void MakeWhatIsMissing();
 
   /// The host's components; what they serve is shared by everything that is made from them.
   HostPlatform& Components() { return platform_; }
@@ -62,6 +65,7 @@ class ProfileWatch {
   headless::TimerLoop timers_;
   headless::HeadlessToolkit toolkit_;
   HostPlatform platform_;
+  const std::unique_ptr<ComponentFactory> components_;  // the host's, without a log
   PluginState state_;
   std::map<std::int32_t, ProfileSettings> profiles_;
   std::map<std::int32_t, std::int32_t> handles_;  // process handle of each profile index

@@ -14,7 +14,7 @@ IniText ReadIni(const std::string& path);
 
 /// Reports go to `reports` and errors to `logs\errors.log` below the host folder; both folders are
 /// made when they are missing.
-class HostUtilityComponent final : public UtilityComponent {
+class HostUtilityComponent : public UtilityComponent {
  public:
   HostUtilityComponent(std::string hostFolder, const LocalClock& clock)
       : hostFolder_(std::move(hostFolder)), clock_(clock) {}
