@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "host/simulator/game_life.h"
 #include "support/child_process.h"
 #include "support/fake_host.h"
@@ -94,6 +96,26 @@ TEST(EndToEnd, TheLastLineOfTheInputNeedsNoLineFeed) {
   EXPECT_TRUE(host.ReadUntil("added at position 0"));
   EXPECT_TRUE(host.ReadUntil("0         x        x"));
   EXPECT_EQ(host.Wait(SIGTERM), 0);  // without its input it goes on
+}
+
+TEST(EndToEnd, PreviewTouchesNoFileAndNoBadProfileEndsIt) {
+  HostFolder folder;
+  Server server("DFX2");
+  folder.AddProfile(1, "JO", "1", "4001", "\xFF\xFE[");
+  folder.AddProfile(2, "JO", "1", "4002");
+  folder.AddProfile(3, "DFX2", server.Id(), server.port, MessageFileBytes({"{ShowNextMap}"}));
+  const auto files = [&] {
+    const std::filesystem::recursive_directory_iterator all(folder.Path());
+    return std::set<std::filesystem::path>(begin(all), end(all));
+  };
+  const auto before = files();
+  ChildProcess preview({ROTACASTS_HOST_PROGRAM, "preview", "--host-folder", folder.Path()});
+  for (const char* says : {"srv1/settings/Rotacasts.ini is a UTF-16 file",
+                           "profile 2 (srv2) has no messages", "[Next Map] "}) {
+    EXPECT_TRUE(preview.ReadUntil(says)) << says;
+  }
+  EXPECT_EQ(preview.Wait(), 1);
+  EXPECT_EQ(files(), before);
 }
 
 TEST(EndToEnd, NoMessageCommandsTheTerminal) {

@@ -194,14 +194,16 @@ TEST(ProfileSettings, NonsenseIsSkippedAndSaysWhatToDo) {
   folder.Write("profiles/half/profile.ini", "[Profile]\nIndex=1.5\n");
   folder.Write("profiles/utf/profile.ini", "\xEF\xBB\xBF[Profile]\n");
   folder.Write("profiles/empty/readme.txt", "no profile");
+  folder.Write("profiles/.../profile.ini",
+               "[Profile]\nIndex=6\nGameCode=JO\nProcess=1\nTarget=1\n");
   const LoadedProfiles loaded = LoadProfiles(folder.Path());
   ASSERT_EQ(loaded.profiles.size(), 3U);
   EXPECT_EQ(loaded.profiles[0].Label(), "profile 2 (srv2)");
   EXPECT_EQ(loaded.profiles[0].target, 65535);
   EXPECT_EQ(loaded.profiles[1].process, "1234");
   EXPECT_EQ(loaded.profiles[2].gameCode, "DFX2_AFF2");
-  ASSERT_EQ(loaded.problems.size(), 10U);
-  EXPECT_EQ(loaded.problems[2], folder.File("profiles/srv10/profile.ini") +
+  ASSERT_EQ(loaded.problems.size(), 11U);
+  EXPECT_EQ(loaded.problems[3], folder.File("profiles/srv10/profile.ini") +
                                     ": GameCode is \"jo\"; give one of DFBHD, DFBHD_AFF, "
                                     "DFBHD_AFF2, JO, JO_AFF, JO_AFF2, JO_2, JO_2_AFF, JO_2_AFF2, "
                                     "DFX2, DFX2_AFF, DFX2_AFF2");

@@ -63,10 +63,19 @@ std::vector<std::int32_t> Chosen(const CommandLine& line, const ProfileWatch& wa
   return all;
 }
 
+/// 0 when every profile could be previewed, 1 when there is one that could not.
 int Preview(const CommandLine& line) {
   ProfileWatch watch(OptionsOf(line).folder, Out());
-  for (const std::int32_t index : Chosen(line, watch)) watch.PrintPreview(index);
-  return 0;
+  int status = 0;
+  for (const std::int32_t index : Chosen(line, watch)) {
+    try {
+      watch.PrintPreview(index);
+    } catch (const RuntimeError& error) {
+      Out() << error.description << "\n";
+      status = 1;
+    }
+  }
+  return status;
 }
 
 /// 0 when every file is in order, 1 when there is a warning.

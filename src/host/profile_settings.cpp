@@ -11,6 +11,7 @@
 #include "host/utility_component.h"
 #include "platform/conversions.h"
 #include "platform/text.h"
+#include "store/profile_paths.h"
 
 namespace rotacasts::host {
 namespace {
@@ -67,6 +68,7 @@ class Reader {
 }  // namespace
 
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder) {
+  ProfileFolderPath(hostFolder, folder);  // a name that the plugin refuses is refused here
   const Reader reader(ProfileFile(hostFolder, folder));
   constexpr std::int32_t kHighestIndex = 32767;  // the timers' indexes have 16 bits
   constexpr std::int32_t kHighestPort = 65535;

@@ -30,7 +30,8 @@ bool StaysBelow(std::string_view folder) {
 
 std::string ProfileFolderPath(const std::string& hostFolder, const std::string& profileFolder) {
   if (!StaysBelow(profileFolder)) {
-    throw RuntimeError(ErrorNumber::PathNotFound, "\"" + profileFolder + "\" is no profile folder");
+    throw RuntimeError(ErrorNumber::PathNotFound,
+                       "\"" + profileFolder + "\" is no profile folder; give it another name");
   }
   return hostFolder + "\\profiles\\" + profileFolder;
 }
