@@ -240,6 +240,12 @@ std::vector<std::string> PluginHarness::Rows() {
   return rows;
 }
 
+std::vector<std::string> PluginHarness::TakeErrors() {
+  std::vector<std::string> errors = std::exchange(host.logged, {});
+  for (std::string& error : errors) error.erase(error.find(' ', error.find(": ") + 2));
+  return errors;
+}
+
 void PluginHarness::Press(const char* control, std::int16_t button, float x, float y) {
   Window().Find(control)->UserPressed({button, 0, x, y});
 }

@@ -66,6 +66,10 @@ class PluginHarness {
   void Load(std::int32_t index, const std::string& gameCode = "JO") {
     Plugin().LoadInterface(index, 77, Data(index, gameCode));
   }
+  using RemoteCall = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
+  std::string Remote(RemoteCall call, const Variant& data, std::int32_t index = 2) {
+    return (Plugin().*call)(index, Data(index, "JO"), data);
+  }
   void Tick(std::int16_t index) { State().window.Get()->Timers().Tick(index); }
   frmRT& Window() { return *State().window.Get(); }
   /// What the list shows.
@@ -79,6 +83,8 @@ class PluginHarness {
   /// The texts of the section "Messages" in the profile's file.
   std::vector<std::string> Stored(int index);
   /// Takes the boxes shown so far.
+  /// Takes what was logged so far: "procedure: number".
+  std::vector<std::string> TakeErrors();
   std::vector<std::string> TakeBoxes() { return std::exchange(host.boxes, {}); }
 
   FakeHost host;
