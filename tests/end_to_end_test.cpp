@@ -4,7 +4,6 @@
 
 #include <set>
 
-#include "host/simulator/game_life.h"
 #include "support/child_process.h"
 #include "support/fake_host.h"
 #include "support/host_folder.h"
@@ -127,16 +126,6 @@ TEST(EndToEnd, NoMessageCommandsTheTerminal) {
     ChildProcess host({ROTACASTS_HOST_PROGRAM, command, "--host-folder", folder.Path()});
     EXPECT_TRUE(host.ReadUntil(says)) << command;
     while (const auto line = host.ReadLine()) EXPECT_EQ(line->find('\x1B'), line->npos) << *line;
-  }
-}
-
-TEST(GameLife, EverySeedGivesAGameTypeThatThereIs) {
-  for (const std::uint32_t seed : {0U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
-    simulator::GameLife life({.players = 1, .seed = seed, .mapSteps = 1, .pauseSteps = 0});
-    for (int step = 0; step < 20; ++step) {
-      EXPECT_TRUE(life.Now().gameType >= 0 && life.Now().gameType < 9) << seed;
-      life.Step();
-    }
   }
 }
 
