@@ -1,11 +1,10 @@
 // Editing in the settings window: the Add button, the list's menu, the entry box's menu.
 
 #include <algorithm>
+#include <array>
 
 #include "support/fake_host.h"
-#include "ui/image_button.h"
 #include "ui/layout.h"
-#include "ui/list_rows.h"
 
 namespace rotacasts {
 namespace {
@@ -49,58 +48,29 @@ class EditingTest : public PluginTest {
   bool entryWasEnabled = true;
 };
 
-TEST_F(EditingTest, TheAddButtonStandsWhereItShouldAndMovesWhilePressed) {
-  Show({});
+TEST_F(EditingTest, TheAddButtonMovesWhilePressedWithAndWithoutPictures) {
   const forms::Rectangle released{9245, 428, 1065, 495};
   const forms::Rectangle pressed{9265, 478, 1065, 495};
-  EXPECT_EQ(Caption(), released);
-  EXPECT_EQ(Window().Find("cmdAddImg")->Bounds(), layout::kAddButton);
-  EXPECT_EQ(Window().Find("cmdAddImg")->Container(), Window().Find("Frame2"));
-  EXPECT_EQ(Window().StackingOrder().back(), Window().Find("cmdAdd"));
-  EXPECT_EQ(Picture(), "C:\\Host\\imgs\\butup.gif");
-  for (const char* part : {"cmdAdd", "cmdAddImg"}) {
-    Press(part, MouseEvent::kLeft);
-    EXPECT_EQ(Caption(), pressed);
-    EXPECT_EQ(Picture(), "C:\\Host\\imgs\\butdown.gif");
-    Window().Find(part)->UserReleased({MouseEvent::kLeft, 0, -9000, 0});  // far off the button
-    EXPECT_EQ(Caption(), released);
-    Press(part, MouseEvent::kRight);
-    EXPECT_EQ(Caption(), released);
+  for (const bool pictures : {true, false}) {
+    if (!pictures) {
+      toolkit.onLoadPicture = [](const std::string& path) {
+        throw RuntimeError(ErrorNumber::FileNotFound, path);
+      };
+      Plugin().UnLoadInterface("");
+    }
+    Show({});
+    EXPECT_EQ(Picture(), pictures ? "C:\\Host\\imgs\\butup.gif" : "");
+    for (const char* part : {"cmdAdd", "cmdAddImg"}) {
+      Press(part, MouseEvent::kLeft);
+      EXPECT_EQ(Caption(), pressed);
+      EXPECT_EQ(Picture(), pictures ? "C:\\Host\\imgs\\butdown.gif" : "");
+      Window().Find(part)->UserReleased({MouseEvent::kLeft, 0, -9000, 0});  // far off the button
+      EXPECT_EQ(TakeBoxes(), Texts{"Failed!|Message Box is empty!"});
+      EXPECT_EQ(Caption(), released);
+      Press(part, MouseEvent::kRight);
+      EXPECT_EQ(Caption(), released);
+    }
   }
-  EXPECT_EQ(host.boxes, (Texts{"Failed!|Message Box is empty!", "Failed!|Message Box is empty!"}));
-}
-
-TEST_F(EditingTest, ImageButtonsTakeTheirArguments) {
-  Show({});
-  const ImageButtons buttons("C:\\Host");
-  ImageButtonArguments arguments{.bounds = {100, 7, 1000, 35},
-                                 .caption = "x",
-                                 .enabled = false,
-                                 .window = Window(),
-                                 .name = "aImg",
-                                 .fontSize = 10};
-  buttons.CreateButtonImage(arguments);
-  arguments.name = "a";
-  const forms::Label& label = buttons.CreateButtonLabel(arguments);
-  EXPECT_EQ(label.FontSize(), 10);
-  EXPECT_EQ(label.Bounds(), (forms::Rectangle{175, 24 - 150, 850, 35}));  // 24.5 to the even 24
-  EXPECT_TRUE(label.IsTransparent());
-  EXPECT_FALSE(label.IsEnabled());
-  EXPECT_EQ(label.Container(), nullptr);
-  buttons.SetButtonState(Window(), "aImg", "down");  // letter case counts: released
-  EXPECT_EQ(label.Bounds().left, 175);
-  EXPECT_EQ(testing::ErrorOf([&] { buttons.SetButtonState(Window(), "AIMG", "Up"); }), 91);
-}
-
-TEST_F(EditingTest, AButtonWithoutPicturesWorks) {
-  toolkit.onLoadPicture = [](const std::string& path) {
-    throw RuntimeError(ErrorNumber::FileNotFound, path);
-  };
-  Show({});
-  Add("text");
-  EXPECT_EQ(Stored(2), Texts{"text"});
-  EXPECT_EQ(host.boxes, Texts{"Success|Message added successfully!"});
-  EXPECT_EQ(Picture(), "");
 }
 
 TEST_F(EditingTest, AddingStoresTheFirstSixtyCharactersAsTyped) {
@@ -112,74 +82,54 @@ TEST_F(EditingTest, AddingStoresTheFirstSixtyCharactersAsTyped) {
   };
   Add(" Grüße ");
   EXPECT_EQ(Stored(2), (Texts{"a", " Grüße "}));
-  EXPECT_EQ(Rows(), (Texts{"a", " Grüße "}));
+  EXPECT_EQ(Rows(), Stored(2));
   EXPECT_EQ(Window().txtMessage().Text(), "");
-  toolkit.onMessageBox = nullptr;
+  toolkit.onMessageBox = [this](const std::string&, const std::string&) {
+    Plugin().UnLoadInterface("");
+  };
   Window().txtMessage().SetText(std::string(70, 'x'));  // longer than anyone could type
   Click("cmdAddImg", MouseEvent::kRight);
   EXPECT_EQ(Stored(2).back(), std::string(60, 'x'));
+  EXPECT_EQ(State().window.IfLoaded(), nullptr);  // not made anew to be refilled
 }
 
 TEST_F(EditingTest, AnAddThatFailsKeepsTheText) {
   Show({"a"});
-  for (const char* text : {"", "   "}) Add(text);
-  EXPECT_EQ(TakeBoxes(), Texts(2, "Failed!|Message Box is empty!"));
+  Add("   ");
   EXPECT_TRUE(host.calls.empty());
   host.failAtCall = 2;
   Add("b");
-  EXPECT_EQ(TakeBoxes(), Texts{"Failed!|Could not add message!"});
+  EXPECT_EQ(host.boxes, (Texts{"Failed!|Message Box is empty!", "Failed!|Could not add message!"}));
   EXPECT_EQ(Window().txtMessage().Text(), "b");
-  EXPECT_EQ(Rows(), Texts{"a"});
-  EXPECT_TRUE(host.logged.empty());
 }
 
 TEST_F(EditingTest, ARightClickSelectsTheRowAndShowsTheMenu) {
   Show({"a", "b", "c"});
   RightClickRow(7);
-  EXPECT_TRUE(shown.empty());  // nothing selected, no menu
-  RightClickRow(1);
-  EXPECT_EQ(Window().lstMessages().SelectedRow(), 1);
-  RightClickRow(7);  // below the last row: the selection stays, the menu is for it
-  EXPECT_EQ(Window().lstMessages().SelectedRow(), 1);
+  EXPECT_TRUE(shown.empty());     // nothing selected, no menu
+  for (const int row : {1, 7}) {  // below the last row: the selection stays, the menu is for it
+    RightClickRow(row);
+    EXPECT_EQ(Window().lstMessages().SelectedRow(), 1);
+  }
   Press("lstMessages", MouseEvent::kLeft, 0, 20);
   EXPECT_EQ(shown, Texts(2, "mnuMain"));
 }
 
 TEST_F(EditingTest, TheMenuOffersTheMovesThatThereAre) {
-  struct Row {
-    Texts messages;
-    int selected;
-    bool up;
-    bool down;
-  };
-  for (const Row& row : {Row{{}, -1, false, false}, Row{{"a"}, 0, false, false},
-                         Row{{"a", "b"}, 0, false, true}, Row{{"a", "b"}, 1, true, false},
-                         Row{{"a", "b", "c"}, 1, true, true}, Row{{"a", "b"}, -1, true, true}}) {
-    Show(row.messages);
-    Window().lstMessages().Select(row.selected);
+  using Row = std::tuple<Texts, int, bool, bool>;
+  for (const auto& [messages, selected, up, down] :
+       {Row{{"a"}, 0, false, false}, Row{{"a", "b"}, 0, false, true},
+        Row{{"a", "b"}, 1, true, false}, Row{{"a", "b", "c"}, 1, true, true},
+        Row{{"a", "b"}, -1, true, true}}) {
+    Show(messages);
+    Window().lstMessages().Select(selected);
     Press("lstMessages", MouseEvent::kMiddle);
-    EXPECT_EQ(Window().Menu("mnuUp").enabled, row.up);
-    EXPECT_EQ(Window().Menu("mnuDown").enabled, row.down);
-    EXPECT_TRUE(Window().Menu("mnuDelete").enabled);
+    EXPECT_EQ(Window().Menu("mnuUp").enabled, up);
+    EXPECT_EQ(Window().Menu("mnuDown").enabled, down);
   }
-}
-
-TEST_F(EditingTest, MovingExchangesTwoRowsInListAndFile) {
-  Show({"a", "b", "c", "d"});
-  Choose(2, "mnuDown");
-  EXPECT_EQ(Rows(), (Texts{"a", "b", "d", "c"}));
-  EXPECT_EQ(Stored(2), Rows());
-  EXPECT_EQ(Window().lstMessages().SelectedRow(), 2);
-  EXPECT_EQ(Window().lstMessages().At(2).data, 4);
-  Choose(1, "mnuUp");
-  EXPECT_EQ(Stored(2), (Texts{"b", "a", "d", "c"}));
   Choose(0, "mnuUp");  // disabled
-  EXPECT_EQ(Stored(2), (Texts{"b", "a", "d", "c"}));
-  EXPECT_TRUE(host.boxes.empty());
-  Window().Menu("mnuUp").enabled = true;
-  Choose(0, "mnuUp");
-  Window().lstMessages().Select(0);
   Window().Menu("mnuUp").onClick();
+  EXPECT_EQ(Rows(), (Texts{"a", "b"}));
   EXPECT_EQ(host.logged, Texts{"mnuUp: 380 Invalid property value"});
 }
 
@@ -193,107 +143,60 @@ TEST_F(EditingTest, MovingKeepsLongMessagesWholeAndLosesNoneThatTheListDoesNotSh
   EXPECT_EQ(Rows(), (Texts{"b", std::string(60, 'x')}));
 }
 
-TEST_F(EditingTest, DeletingRemovesWhatTheRowShows) {
-  Show({"a", "b", "c"});
-  Choose(0, "mnuDelete");
-  EXPECT_EQ(Stored(2), (Texts{"b", "c"}));
-  EXPECT_EQ(Rows(), (Texts{"b", "c"}));
-  EXPECT_EQ(Window().lstMessages().SelectedRow(), -1);
-  Plugin().MoveMessageDownRem(2, Data(2, "JO"), 0);  // leaves the list behind the file: c, b
-  Choose(0, "mnuDelete");
-  EXPECT_EQ(Stored(2), Texts{"c"});
-  host.MessageFile(2) = MessageFileBytes({"other"});
-  Choose(0, "mnuDelete");  // the message shown is gone already
-  EXPECT_EQ(Stored(2), Texts{"other"});
-  EXPECT_EQ(Rows(), Texts{"other"});
-}
-
-TEST_F(EditingTest, DeletingRemovesTheRowsOwnMessageWhereAKeyStandsTwice) {
-  for (const auto& [lines, row, left] : std::vector<std::tuple<const char*, int, Texts>>{
-           {"1=a\r\n1=b\r\n", 1, {"a"}},
-           {"1=a\r\n1=b\r\n", 0, {"b"}},
-           {"2=a\r\n1=b\r\n2=c\r\n1=d\r\n", 2, {"a", "b", "d"}}}) {
-    host.MessageFile(2) = std::string("[Messages]\r\n") + lines;
+TEST_F(EditingTest, DeletingRemovesTheMessageThatTheRowShows) {
+  using Row = std::tuple<const char*, const char*, int, Texts>;
+  for (const auto& [listed, stored, row, left] :
+       {Row{"1=b\r\n2=c\r\n", "1=c\r\n2=b\r\n", 0, {"c"}}, Row{"1=a\r\n", "1=b\r\n", 0, {"b"}},
+        Row{"1=a\r\n1=b\r\n", "1=a\r\n1=b\r\n", 1, {"a"}},
+        Row{"1=a\r\n1=b\r\n", "1=a\r\n1=b\r\n", 0, {"b"}},
+        Row{"2=a\r\n1=b\r\n2=c\r\n1=d\r\n", "2=a\r\n1=b\r\n2=c\r\n1=d\r\n", 2, {"a", "b", "d"}}}) {
+    host.MessageFile(2) = std::string("[Messages]\r\n") + listed;
     Load(2);
+    host.MessageFile(2) = std::string("[Messages]\r\n") + stored;
     Window().lstMessages().Select(row);
     Window().Menu("mnuDelete").UserClicked();
-    EXPECT_EQ(Stored(2), left) << lines << row;
-    EXPECT_EQ(Rows(), left) << lines << row;
+    EXPECT_EQ(Stored(2), left) << stored << row;
+    EXPECT_EQ(Rows(), left) << stored << row;
+    EXPECT_EQ(Window().lstMessages().SelectedRow(), -1);
   }
 }
 
 TEST_F(EditingTest, TokensReplaceTheEntry) {
   Show({});
-  int tokens = 0;
   for (const layout::MenuRow& row : layout::Menus()) {
     if (row.token.empty()) continue;
     Window().txtMessage().SetText("Hello");
     choice = row.name;
     Press("txtMessage", MouseEvent::kRight);
     EXPECT_EQ(Window().txtMessage().Text(), row.token);
-    ++tokens;
   }
-  EXPECT_EQ(tokens, 18);
+  EXPECT_EQ(shown, Texts(18, "mnuMessages"));
   EXPECT_TRUE(host.calls.empty());
 }
 
 TEST_F(EditingTest, TheEditingItemsActOnTheDisabledEntryBox) {
   Show({});
   forms::TextBox& box = Window().txtMessage();
-  const auto choose = [&](const char* item) {
+  box.SetText("abc");
+  for (const auto& [item, text, clipboard] :
+       std::vector<std::array<const char*, 3>>{{"mnuCut", "abc", ""},  // nothing selected
+                                               {"mnuCopy", "abc", ""},
+                                               {"mnuSelectAll", "abc", ""},
+                                               {"mnuCopy", "abc", "abc"},
+                                               {"mnuCut", "", "abc"},
+                                               {"mnuPaste", "abc", "abc"},
+                                               {"mnuSelectAll", "abc", "abc"},
+                                               {"mnuDelete2", "", "abc"}}) {
     choice = item;
     Press("txtMessage", MouseEvent::kRight);
+    EXPECT_EQ(box.Text(), text) << item;
+    EXPECT_EQ(toolkit.Clipboard(), clipboard) << item;
     EXPECT_FALSE(entryWasEnabled);
     EXPECT_TRUE(box.IsEnabled());
     EXPECT_EQ(Window().Focused(), &box);
-  };
-  box.SetText("abc");
-  choose("mnuCut");
-  choose("mnuCopy");
-  EXPECT_EQ(toolkit.Clipboard(), "");  // nothing selected
-  choose("mnuSelectAll");
-  EXPECT_EQ(box.Selection().length, 3U);
-  choose("mnuCopy");
-  EXPECT_EQ(box.Text(), "abc");
-  choose("mnuSelectAll");
-  choose("mnuCut");
-  EXPECT_EQ(box.Text(), "");
-  choose("mnuPaste");
-  choose("mnuPaste");
-  EXPECT_EQ(box.Text(), "abcabc");
-  choose("mnuSelectAll");
-  choose("mnuDelete2");
-  EXPECT_EQ(box.Text(), "");
-  Press("txtMessage", MouseEvent::kLeft);
-  EXPECT_EQ(shown.size(), 10U);
-}
-
-TEST_F(EditingTest, TheIntervalSnapsBackToTheStoredValue) {
-  Show({});
-  forms::TextBox& box = Window().txtInterval();
-  const auto stored = [&] { return State().store.ReadOption(2, "Interval"); };
-  TypeOver(box, "1");
-  EXPECT_EQ(stored(), "1");
-  Type(box, "5");
-  EXPECT_EQ(stored(), "15");
-  Type(box, "9");  // two characters at most
-  EXPECT_EQ(box.Text(), "15");
-  for (const char* text : {"", "x"}) {
-    TypeOver(box, text);
-    EXPECT_EQ(box.Text(), "15") << text;
   }
-  EXPECT_EQ(stored(), "15");
-}
-
-TEST_F(EditingTest, AWindowThatGoesWhileABoxIsOpenIsNotMadeAnewForIt) {
-  Show({});
-  toolkit.onMessageBox = [this](const std::string&, const std::string&) {
-    Plugin().UnLoadInterface("");
-  };
-  Add("c");
-  EXPECT_EQ(Stored(2), Texts{"c"});
-  EXPECT_EQ(State().window.IfLoaded(), nullptr);
-  EXPECT_TRUE(host.logged.empty());
+  Press("txtMessage", MouseEvent::kLeft);
+  EXPECT_EQ(shown.size(), 8U);
 }
 
 /// A change in the window that shows profile 2, and what the host does inside one of its calls.

@@ -25,6 +25,9 @@ class RemoteTest : public PluginTest {
     host.calls.clear();
   }
   static Variant Pdat() { return Data(2, "JO"); }
+  static constexpr RemoteCall kChanges[] = {
+      &clsPlugin::AddMessageRem,      &clsPlugin::EnableRTRem,      &clsPlugin::ChangeIntervalRem,
+      &clsPlugin::MoveMessageDownRem, &clsPlugin::MoveMessageUpRem, &clsPlugin::DeleteMessageRem};
   /// The lines of the host-wide log since the last look.
   Texts TakeLog() {
     Texts lines;
@@ -38,16 +41,14 @@ class RemoteTest : public PluginTest {
 };
 
 TEST_F(RemoteTest, ListsMessagesAndOptions) {
-  struct Row {
-    std::string file;
-    const char* reply;
-  };
-  for (const Row& row : {Row{MessageFileBytes({}, "0", "3"), "|0|3"}, Row{"", "|0|"},
-                         Row{MessageFileBytes({"a", "b"}, "1", "7"), "<a>|<b>|1|7"},
-                         Row{MessageFileBytes({"Grüß|"}, "", ""), "<Grüß|>|0|"},
-                         Row{MessageFileBytes({"a", "", "b"}, "x", " 5 "), "<a>|<>|<b>|x| 5 "}}) {
-    host.MessageFile(2) = row.file;
-    EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), row.reply);
+  using Row = std::tuple<std::string, const char*>;
+  for (const auto& [file, reply] :
+       {Row{MessageFileBytes({}, "0", "3"), "|0|3"}, Row{"", "|0|"},
+        Row{MessageFileBytes({"a", "b"}, "1", "7"), "<a>|<b>|1|7"},
+        Row{MessageFileBytes({"Grüß|"}, "", ""), "<Grüß|>|0|"},
+        Row{MessageFileBytes({"a", "", "b"}, "x", " 5 "), "<a>|<>|<b>|x| 5 "}}) {
+    host.MessageFile(2) = file;
+    EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), reply);
   }
   EXPECT_EQ(State().tables.Profiles(2).GameCode, "JO");  // sets the profile up
   host.files.erase(PathOf(2));
@@ -59,9 +60,7 @@ TEST_F(RemoteTest, AFailingListingQuotesTheFileOrFailsTheCall) {
   Start({"a"});
   host.failAtCall = 1;
   EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "");
-  ASSERT_EQ(host.logged.size(), 1U);
-  EXPECT_NE(host.logged[0].find("GetMessagesRem: 57"), std::string::npos);
-  EXPECT_NE(host.logged[0].find(" [" + PathOf(2) + ", [Messages]~1=a~"), std::string::npos)
+  EXPECT_NE(host.logged.at(0).find(" [" + PathOf(2) + ", [Messages]~1=a~"), std::string::npos)
       << host.logged[0];
   host.MessageFile(2) = MessageFileBytes({"unsplittable"});
   EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "");
@@ -70,86 +69,35 @@ TEST_F(RemoteTest, AFailingListingQuotesTheFileOrFailsTheCall) {
   host.failAtCall = 1;
   EXPECT_EQ(ErrorOf([&] { Plugin().GetMessagesRem(2, Pdat()); }), 53);
   EXPECT_EQ(ErrorOf([&] { Plugin().GetMessagesRem(-1, Pdat()); }), 9);
-  EXPECT_EQ(host.logged.size(), 3U);  // the third is SetProfileData's own
+  EXPECT_EQ(TakeErrors(), (Texts{"GetMessagesRem: 57", "GetMessagesRem: 13", "SetProfileData: 9"}));
 }
 
-TEST_F(RemoteTest, EachChangeIsDoneAnsweredAndLogged) {
-  struct Row {
-    std::string (clsPlugin::*call)(std::int32_t, const Variant&, const Variant&);
-    Variant data;
-    const char* reply;
-    Texts messages;
-    const char* log;
-  };
-  const Row rows[] = {
-      {&clsPlugin::AddMessageRem, "<d>", "1", {"a", "b", "c", "d"}, "Add Rotacast (Message: d"},
-      {&clsPlugin::AddMessageRem, "<>", "1", {"a", "b", "c", ""}, "Add Rotacast (Message: "},
-      {&clsPlugin::AddMessageRem,
-       "<x\r\n9=\ty\x7F>",
-       "0",
-       {"a", "b", "c"},
-       "Add Rotacast (Message: x  9=\ty "},
-      {&clsPlugin::MoveMessageDownRem, 0, "1", {"b", "a", "c"}, "Move Rotacasts Down (Message: a"},
-      {&clsPlugin::MoveMessageDownRem,
-       "1",
-       "1",
-       {"a", "c", "b"},
-       "Move Rotacasts Down (Message: b"},
-      {&clsPlugin::MoveMessageDownRem, 2, "0", {"a", "b", "c"}, nullptr},
-      {&clsPlugin::MoveMessageDownRem, -1, "0", {"a", "b", "c"}, nullptr},
-      {&clsPlugin::MoveMessageUpRem, 2, "1", {"a", "c", "b"}, "Move Rotacasts Up (Message: c"},
-      {&clsPlugin::MoveMessageUpRem, "0", "0", {"a", "b", "c"}, nullptr},
-      {&clsPlugin::MoveMessageUpRem, 7, "0", {"a", "b", "c"}, nullptr},
-      {&clsPlugin::DeleteMessageRem, "1", "1", {"a", "c"}, "Delete Rotacasts (Message: b"},
-      {&clsPlugin::DeleteMessageRem, 9, "1", {"a", "b", "c"}, "Delete Rotacasts (Message: "},
-  };
-  for (const bool inWindow : {true, false}) {
-    for (const Row& row : rows) {
-      Start({"a", "b", "c"}, inWindow);
-      const Texts before = Rows();
-      EXPECT_EQ((Plugin().*row.call)(2, Pdat(), row.data), row.reply);
-      EXPECT_EQ(Stored(2), row.messages);
-      const bool refills = row.call == &clsPlugin::DeleteMessageRem ||
-                           (row.call == &clsPlugin::AddMessageRem && row.reply[0] == '1');
-      EXPECT_EQ(Rows(), inWindow && refills ? row.messages : before);
-      EXPECT_EQ(TakeLog(), row.log == nullptr ? Texts{}
-                                              : Texts{std::string("[14:05:09][Rotacasts] ") +
-                                                      row.log + ") from admin"});
-      EXPECT_TRUE(host.boxes.empty());
-    }
-  }
-}
-
-TEST_F(RemoteTest, OptionsReachTheFileAndTheWindowThatShowsThem) {
-  Start({});
-  EXPECT_EQ(Plugin().EnableRTRem(2, Pdat(), "1"), "");
-  EXPECT_EQ(Window().chkAuto().Value(), 1);
-  EXPECT_EQ(Plugin().ChangeIntervalRem(2, Pdat(), 12), "");
-  EXPECT_EQ(Window().txtInterval().Text(), "12");
-  EXPECT_EQ(
-      TakeLog(),
-      (Texts{"[14:05:09][Rotacasts] Enable Rotacasts (New Value: 1) from admin",
-             "[14:05:09][Rotacasts] Change Rotacasts Interval (New Interval: 12) from admin"}));
-  EXPECT_EQ(State().store.ReadOption(2, "Enable"), "1");
-  const std::string other = host.MessageFile(1);
-  Load(1);
-  const std::int16_t shown = Window().chkAuto().Value();
-  Plugin().EnableRTRem(2, Pdat(), "0");
-  Plugin().ChangeIntervalRem(2, Pdat(), "5");
-  EXPECT_EQ(State().store.ReadOption(2, "Enable") + State().store.ReadOption(2, "Interval"), "05");
-  EXPECT_EQ(Window().chkAuto().Value(), shown);
-  EXPECT_EQ(host.MessageFile(1), other);
+TEST_F(RemoteTest, PositionsMayBeTextsAndEveryChangeIsOneLineInTheLog) {
+  Start({"a", "b", "c"});
+  EXPECT_EQ(Remote(&clsPlugin::MoveMessageDownRem, "1"), "1");
+  EXPECT_EQ(Remote(&clsPlugin::MoveMessageUpRem, "1"), "1");
+  EXPECT_EQ(Remote(&clsPlugin::MoveMessageUpRem, "0"), "0");
+  EXPECT_EQ(Rows(), (Texts{"a", "b", "c"}));  // refilled by the next that changes a text
+  EXPECT_EQ(Remote(&clsPlugin::DeleteMessageRem, "1"), "1");
+  EXPECT_EQ(Remote(&clsPlugin::AddMessageRem, "<x\r\n9=\ty\x7F>"), "0");
+  EXPECT_EQ(Stored(2), (Texts{"c", "b"}));
+  EXPECT_EQ(Rows(), Stored(2));
+  const std::string head = "[14:05:09][Rotacasts] ";
+  EXPECT_EQ(TakeLog(), (Texts{head + "Move Rotacasts Down (Message: b) from admin",
+                              head + "Move Rotacasts Up (Message: c) from admin",
+                              head + "Delete Rotacasts (Message: a) from admin",
+                              head + "Add Rotacast (Message: x  9=\ty ) from admin"}));
   EXPECT_TRUE(host.boxes.empty());
 }
 
 TEST_F(RemoteTest, WhatTheControlsRefuseIsReportedForEveryProfile) {
   for (const bool inWindow : {true, false}) {
     Start({}, inWindow);
-    for (const auto& [value, number] : std::vector<std::pair<const char*, const char*>>{
-             {"3", "380"}, {"x", "13"}, {"99999", "6"}}) {
-      EXPECT_EQ(Plugin().EnableRTRem(2, Pdat(), value), "");
-      EXPECT_EQ(host.logged.back().find("EnableRTRem: " + std::string(number)), 0U)
-          << host.logged.back();
+    for (const auto& [value, number] : {std::pair("3", "EnableRTRem: 380"),
+                                        {"x", "EnableRTRem: 13"},
+                                        {"99999", "EnableRTRem: 6"}}) {
+      EXPECT_EQ(Remote(&clsPlugin::EnableRTRem, value), "");
+      EXPECT_EQ(TakeErrors(), Texts{number});
       EXPECT_EQ(State().store.ReadOption(2, "Enable"), value);  // written before it is tried
     }
     EXPECT_EQ(TakeLog(), Texts{});
@@ -161,42 +109,32 @@ TEST_F(RemoteTest, ErrorsEndAnOperationUnderItsNameWithTheReplyAsItStood) {
   const std::string file = host.MessageFile(2);
   for (const Variant& bad : {Variant(Variant::Missing{}), Variant(Variant::Null{}),
                              Variant(Variant::Foreign{}), Variant(Variant::Array{})}) {
-    Plugin().AddMessageRem(2, Pdat(), bad);
-    Plugin().EnableRTRem(2, Pdat(), bad);
-    Plugin().ChangeIntervalRem(2, Pdat(), bad);
-    EXPECT_EQ(Plugin().MoveMessageUpRem(2, Pdat(), bad), "");
-    EXPECT_EQ(Plugin().MoveMessageDownRem(2, Pdat(), bad), "");
-    EXPECT_EQ(Plugin().DeleteMessageRem(2, Pdat(), bad), "");
+    for (const RemoteCall call : kChanges) EXPECT_EQ(Remote(call, bad), "");
   }
   EXPECT_EQ(host.logged.size(), 24U);
-  EXPECT_EQ(host.logged[5].find("DeleteMessageRem: 13"), 0U);
+  EXPECT_EQ(TakeErrors()[5], "DeleteMessageRem: 13");
+  EXPECT_EQ(Remote(&clsPlugin::AddMessageRem, "<a>", 99), "");
   EXPECT_EQ(host.MessageFile(2), file);
   host.folders.clear();  // nowhere to log
-  EXPECT_EQ(Plugin().DeleteMessageRem(2, Pdat(), 0), "1");
-  EXPECT_EQ(host.logged.back().find("DeleteMessageRem: 76"), 0U) << host.logged.back();
+  EXPECT_EQ(Remote(&clsPlugin::DeleteMessageRem, 0), "1");
+  EXPECT_EQ(TakeErrors(), (Texts{"AddMessageRem: 9", "DeleteMessageRem: 76"}));
   EXPECT_NE(host.boxes.back().find("Error Line: 6"), std::string::npos);
   EXPECT_EQ(Stored(2), Texts{"b"});
 }
 
-TEST_F(RemoteTest, AProfileThatIsNotSetUpOrStoppedIsRefused) {
-  Load(2);
-  EXPECT_EQ(Plugin().AddMessageRem(99, Pdat(), "<a>"), "");
-  EXPECT_EQ(host.logged.back().find("AddMessageRem: 9 "), 0U);
+TEST_F(RemoteTest, AStoppedProfileIsRefused) {
+  Start({"a", "b"});
   Plugin().DisableProfile(2);
   const std::string file = host.MessageFile(2);
-  Plugin().AddMessageRem(2, Pdat(), "<a>");
-  Plugin().EnableRTRem(2, Pdat(), "1");
-  Plugin().ChangeIntervalRem(2, Pdat(), "1");
-  Plugin().MoveMessageUpRem(2, Pdat(), 1);
-  Plugin().MoveMessageDownRem(2, Pdat(), 0);
-  Plugin().DeleteMessageRem(2, Pdat(), 0);
-  EXPECT_EQ(host.logged.size(), 7U);
-  for (std::size_t i = 1; i < 7; ++i) {
-    EXPECT_NE(host.logged[i].find(": 76 Path not found: profile 2 is stopped"), std::string::npos);
+  for (const RemoteCall call : kChanges) {
+    Remote(call, "0");
+    EXPECT_NE(host.logged.back().find(": 76 Path not found: profile 2 is stopped"),
+              std::string::npos);
   }
+  EXPECT_EQ(host.logged.size(), std::size(kChanges));
   EXPECT_EQ(host.MessageFile(2), file);
   EXPECT_EQ(TakeLog(), Texts{});
-  EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "|1|3");  // brings it back
+  EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "<a>|<b>|0|3");  // brings it back
 }
 
 TEST_F(RemoteTest, TheLogLiesWhereTheFlagSays) {
@@ -252,13 +190,15 @@ TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
       EXPECT_EQ(line.find_first_of(std::string("\r\n\x1B\x07\0", 5)), line.npos);
     }
   }
+  TakeErrors();
   for (const char* folder : {"..", "..\\srv1", "a\\..\\..\\b", "a/../b", ".. ", "...", "a\nb"}) {
     Variant::Array data = *Pdat().AsArray();
     data[pdat::kProfileFolder] = folder;
     data[pdat::kSharedLog] = false;
     Plugin().AddMessageRem(2, data, "<text>");
-    EXPECT_EQ(host.logged.back().find("AddMessageRem: 76"), 0U) << folder;
+    EXPECT_EQ(TakeErrors(), Texts{"AddMessageRem: 76"}) << folder;
     State().profiles.SetProfileData(3, data);
+    EXPECT_EQ(TakeErrors(), Texts{"SetProfileData: 76"}) << folder;
     EXPECT_EQ(State().tables.MessageFiles(3), "") << folder;
   }
   EXPECT_EQ(host.MessageFile(1), other);
