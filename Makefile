@@ -55,6 +55,7 @@ bench: ## measure, each thing against a named opponent
 	@scripts/quietly cmake --preset bench
 	@scripts/quietly cmake --build --preset bench
 	build/bench/benchmarks/rotacasts-bench
+	@scripts/bench-windows
 
 format: ## bring every source file into shape
 	@scripts/bootstrap lint

@@ -2,11 +2,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <iostream>
 #include <map>
-
-#include "host/text_table.h"
 
 namespace rotacasts::bench {
 namespace {
@@ -24,18 +21,6 @@ class Medians : public benchmark::BenchmarkReporter {
   }
   std::map<std::string, double> nanoseconds;
 };
-
-std::string FormatTime(double nanoseconds) {
-  char text[40];
-  if (nanoseconds < 1e4) {
-    std::snprintf(text, sizeof text, "%.0f ns", nanoseconds);
-  } else if (nanoseconds < 1e7) {
-    std::snprintf(text, sizeof text, "%.1f us", nanoseconds / 1e3);
-  } else {
-    std::snprintf(text, sizeof text, "%.1f ms", nanoseconds / 1e6);
-  }
-  return text;
-}
 
 void Register(const std::string& name, const std::function<void()>& job) {
   benchmark::RegisterBenchmark(name.c_str(), [job](benchmark::State& state) {
@@ -68,18 +53,6 @@ std::vector<Result> RunDuels(const std::vector<Duel>& duels, int argc, char** ar
                        ours / theirs});
   }
   return results;
-}
-
-void PrintTable(const std::vector<Result>& results) {
-  host::TextTable table({"| What", "| Rotacasts", "| Opponent", "|", "| Target", "| Ratio |"});
-  table.Add({"|---", "|---", "|---", "|---", "|---", "|---|"});
-  for (const Result& result : results) {
-    char ratio[32];
-    std::snprintf(ratio, sizeof ratio, "| %.2f |", result.ratio);
-    table.Add({"| " + result.job, "| " + result.ours, "| " + result.opponent, "| " + result.theirs,
-               "| " + result.target, ratio});
-  }
-  table.Print(std::cout);
 }
 
 }  // namespace rotacasts::bench

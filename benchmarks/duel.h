@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "results.h"
+
 namespace rotacasts::bench {
 
 /// One job. Each side does it once a call.
@@ -16,21 +18,8 @@ struct Duel {
   std::function<void()> theirs;
 };
 
-/// One line of the table.
-struct Result {
-  std::string job;
-  std::string ours;
-  std::string opponent;
-  std::string theirs;
-  std::string target;
-  double ratio = 0;
-};
-
 /// Runs every duel, the two sides in random turns, and compares their median times.
 std::vector<Result> RunDuels(const std::vector<Duel>& duels, int argc, char** argv);
-
-/// A Markdown table with the ratio in its last column.
-void PrintTable(const std::vector<Result>& results);
 
 // What is measured.
 std::vector<Duel> ProcessDuels();

@@ -7,7 +7,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <stdexcept>
 
 #include "duel.h"
@@ -79,12 +78,6 @@ Usage RunHost(int profiles, const std::string& process) {
     return of(usage.ru_utime) + of(usage.ru_stime);
   };
   return {static_cast<double>(after.ru_maxrss) / 1024, milliseconds(after) - milliseconds(before)};
-}
-
-std::string Format(const char* format, double number) {
-  char text[40];
-  std::snprintf(text, sizeof text, format, number);
-  return text;
 }
 
 }  // namespace

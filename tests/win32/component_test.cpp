@@ -128,19 +128,18 @@ TEST_F(ComponentTest, ArgumentsArriveHoweverTheyAreWrapped) {
   ::VariantInit(&indexReference);
   indexReference.vt = VT_BYREF | VT_I4;
   indexReference.plVal = &index;
-  VARIANT values[] = {indexReference, outer, win32::TextArgument("1").Argument()};
-  Bstr one("1");
-  values[2].vt = VT_BSTR;
-  values[2].bstrVal = one.Get();
+  const win32::TextArgument one("1");
+  VARIANT values[] = {{}, outer, indexReference};
+  one.Put(values[0]);
   const DISPID up = plugin->Identify("MOVEMESSAGEUPREM");
   EXPECT_EQ(ToText(win32::FromVariant(plugin->Invoke(up, values, 3).Get())), "1");
   EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a", "b", "c"}));
 
   // Omitted at the end, and as a value that says so: the operation asks for it and reports.
   const DISPID remove = plugin->Identify("DeleteMessageRem");
-  values[0] = win32::NumberArgument(2).Argument();
-  plugin->Invoke(remove, values, 2);
-  values[2] = win32::ToVariant(Variant(Variant::Missing{})).Release();
+  win32::NumberArgument(2).Put(values[2]);
+  plugin->Invoke(remove, values + 1, 2);
+  values[0] = win32::ToVariant(Variant(Variant::Missing{})).Release();
   plugin->Invoke(remove, values, 3);
   EXPECT_EQ(host.logged.size(), 2U);
   EXPECT_EQ(user.boxes.size(), 2U);

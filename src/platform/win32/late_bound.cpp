@@ -1,7 +1,5 @@
 #include "platform/win32/late_bound.h"
 
-#include <vector>
-
 namespace rotacasts::win32 {
 namespace {
 
@@ -41,22 +39,16 @@ constexpr ResultRow kResults[] = {
   throw RuntimeError(ErrorNumberOf(result), DescribeResult(result));
 }
 
-/// What an object says of its error.
-class Exception {
- public:
-  ~Exception() {
-    ::SysFreeString(info.bstrSource);
-    ::SysFreeString(info.bstrDescription);
-    ::SysFreeString(info.bstrHelpFile);
-  }
-  [[noreturn]] void Raise() {
-    if (info.pfnDeferredFillIn != nullptr) info.pfnDeferredFillIn(&info);
-    const std::int32_t number = info.wCode != 0 ? info.wCode : ErrorNumberOf(info.scode);
-    const std::string description = FromBstr(info.bstrDescription);
-    throw RuntimeError(number, description.empty() ? DescribeResult(info.scode) : description);
-  }
-  EXCEPINFO info{};
-};
+/// Raises what an object says of its error, and takes it over.
+[[noreturn]] void RaiseException(EXCEPINFO& info) {
+  if (info.pfnDeferredFillIn != nullptr) info.pfnDeferredFillIn(&info);
+  const std::int32_t number = info.wCode != 0 ? info.wCode : ErrorNumberOf(info.scode);
+  const std::string description = FromBstr(info.bstrDescription);
+  ::SysFreeString(info.bstrSource);
+  ::SysFreeString(info.bstrDescription);
+  ::SysFreeString(info.bstrHelpFile);
+  throw RuntimeError(number, description.empty() ? DescribeResult(info.scode) : description);
+}
 
 }  // namespace
 
@@ -92,20 +84,9 @@ DISPID LateBound::Identify(const char* member) const {
   return id;
 }
 
-ComVariant LateBound::Invoke(DISPID member, VARIANT* arguments, std::size_t count) const {
-  constexpr std::size_t kMost = 8;
-  VARIANT reversed[kMost];  // the dispatch mechanism takes the last argument first
-  if (count > kMost) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
-  for (std::size_t i = 0; i < count; ++i) reversed[count - 1 - i] = arguments[i];
-  DISPPARAMS parameters{reversed, nullptr, static_cast<UINT>(count), 0};
-  ComVariant answer;
-  Exception exception;
-  const HRESULT result =
-      object_->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET,
-                      &parameters, answer.Address(), &exception.info, nullptr);
-  if (result == DISP_E_EXCEPTION) exception.Raise();
-  if (FAILED(result)) RaiseResult(result);
-  return answer;
+void LateBound::Raise(HRESULT result, EXCEPINFO& exception) {
+  if (result == DISP_E_EXCEPTION) RaiseException(exception);
+  RaiseResult(result);
 }
 
 }  // namespace rotacasts::win32

@@ -1,7 +1,6 @@
 // Calling a COM object by member name.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string>
 
@@ -19,13 +18,25 @@ class LateBound {
 
   /// The dispatch identifier of a member. Error 438 when there is none.
   DISPID Identify(const char* member) const;
-  /// Calls a member. `arguments` stand in call order and stay the caller's; the result is the
-  /// caller's.
-  ComVariant Invoke(DISPID member, VARIANT* arguments, std::size_t count) const;
+  /// Calls a member. The arguments stand in the order of the dispatch mechanism, which is call
+  /// order reversed, and stay the caller's; the result is the caller's.
+  ComVariant Invoke(DISPID member, VARIANT* reversed, std::size_t count) const {
+    DISPPARAMS parameters{reversed, nullptr, static_cast<UINT>(count), 0};
+    ComVariant answer;
+    EXCEPINFO exception{};
+    const HRESULT result = object_->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT,
+                                           DISPATCH_METHOD | DISPATCH_PROPERTYGET, &parameters,
+                                           answer.Address(), &exception, nullptr);
+    if (FAILED(result)) Raise(result, exception);
+    return answer;
+  }
 
   IDispatch* Get() const { return object_.Get(); }
 
  private:
+  /// Raises a call's failure, and takes over what the object says of it.
+  [[noreturn]] static void Raise(HRESULT result, EXCEPINFO& exception);
+
   ComPtr<IDispatch> object_;
 };
 
@@ -36,12 +47,11 @@ class Member {
 
   template <class... Arguments>
   ComVariant operator()(Arguments&&... arguments) {
-    if (!identified_) {
-      id_ = object_.Identify(name_);
-      identified_ = true;
-    }
-    std::array<VARIANT, sizeof...(arguments) + 1> values{{arguments.Argument()...}};
-    ComVariant result = object_.Invoke(id_, values.data(), sizeof...(arguments));
+    if (id_ == DISPID_UNKNOWN) id_ = object_.Identify(name_);
+    VARIANT reversed[sizeof...(arguments) + 1];
+    [[maybe_unused]] VARIANT* place = reversed + sizeof...(arguments);
+    (arguments.Put(*--place), ...);
+    ComVariant result = object_.Invoke(id_, reversed, sizeof...(arguments));
     (arguments.WriteBack(), ...);
     return result;
   }
@@ -50,23 +60,19 @@ class Member {
   const LateBound& object_;
   const char* name_;
   DISPID id_ = DISPID_UNKNOWN;
-  bool identified_ = false;
 };
 
-// Arguments of a call. Argument() gives the VARIANT, which the argument owns; WriteBack() takes
-// over what the callee left in a by-reference one.
+// Arguments of a call. Put() writes the VARIANT, which the argument owns; WriteBack() takes over
+// what the callee left in a by-reference one.
 
 /// By value: a text, which may be none at all.
 class TextArgument {
  public:
   explicit TextArgument(const std::string& text) : text_(text) {}
   TextArgument() = default;  // no text at all
-  VARIANT Argument() const {
-    VARIANT value;
-    ::VariantInit(&value);
-    value.vt = VT_BSTR;
-    value.bstrVal = text_.Get();
-    return value;
+  void Put(VARIANT& place) const {
+    place.vt = VT_BSTR;
+    place.bstrVal = text_.Get();
   }
   void WriteBack() const {}
 
@@ -79,12 +85,9 @@ class NumberArgument {
  public:
   explicit NumberArgument(std::int32_t number) : kind_(VT_I4), number_(number) {}
   explicit NumberArgument(std::int16_t number) : kind_(VT_I2), number_(number) {}
-  VARIANT Argument() const {
-    VARIANT value;
-    ::VariantInit(&value);
-    value.vt = kind_;
-    value.lVal = number_;  // a 16-bit number lies in its lower half
-    return value;
+  void Put(VARIANT& place) const {
+    place.vt = kind_;
+    place.lVal = number_;  // a 16-bit number lies in its lower half
   }
   void WriteBack() const {}
 
@@ -97,7 +100,7 @@ class NumberArgument {
 class ValueArgument {
  public:
   explicit ValueArgument(const Variant& value) : value_(ToVariant(value)) {}
-  VARIANT Argument() const { return value_.Get(); }
+  void Put(VARIANT& place) const { place = value_.Get(); }
   void WriteBack() const {}
 
  private:
@@ -109,12 +112,9 @@ class NumberReference {
  public:
   explicit NumberReference(std::int32_t& number) : kind_(VT_I4), number_(&number) {}
   explicit NumberReference(std::int16_t& number) : kind_(VT_I2), number_(&number) {}
-  VARIANT Argument() const {
-    VARIANT value;
-    ::VariantInit(&value);
-    value.vt = static_cast<VARTYPE>(VT_BYREF | kind_);
-    value.byref = number_;
-    return value;
+  void Put(VARIANT& place) const {
+    place.vt = static_cast<VARTYPE>(VT_BYREF | kind_);
+    place.byref = number_;
   }
   void WriteBack() const {}
 
@@ -128,12 +128,9 @@ class BooleanReference {
  public:
   explicit BooleanReference(bool& truth)
       : truth_(truth), value_(truth ? VARIANT_TRUE : VARIANT_FALSE) {}
-  VARIANT Argument() {
-    VARIANT value;
-    ::VariantInit(&value);
-    value.vt = VT_BYREF | VT_BOOL;
-    value.pboolVal = &value_;
-    return value;
+  void Put(VARIANT& place) {
+    place.vt = VT_BYREF | VT_BOOL;
+    place.pboolVal = &value_;
   }
   void WriteBack() const { truth_ = value_ != VARIANT_FALSE; }
 
@@ -146,13 +143,10 @@ class BooleanReference {
 class TextReference {
  public:
   explicit TextReference(std::string& text) : text_(text), value_(text) {}
-  VARIANT Argument() {
+  void Put(VARIANT& place) {
     before_ = value_.Get();
-    VARIANT value;
-    ::VariantInit(&value);
-    value.vt = VT_BYREF | VT_BSTR;
-    value.pbstrVal = value_.Address();
-    return value;
+    place.vt = VT_BYREF | VT_BSTR;
+    place.pbstrVal = value_.Address();
   }
   void WriteBack() const {
     if (value_.Get() != before_) text_ = FromBstr(value_.Get());
@@ -168,15 +162,14 @@ class TextReference {
 class VariantReference {
  public:
   explicit VariantReference(ComVariant& value) : value_(value) {}
-  VARIANT Argument() {
-    VARIANT value = value_.Get();
+  void Put(VARIANT& place) {
+    VARIANT& value = *value_.Address();
+    place.vt = static_cast<VARTYPE>(value.vt | VT_BYREF);
     if (value.vt == VT_DISPATCH) {
-      value.ppdispVal = &value_.Address()->pdispVal;
+      place.ppdispVal = &value.pdispVal;
     } else {
-      value.pparray = &value_.Address()->parray;
+      place.pparray = &value.parray;
     }
-    value.vt = static_cast<VARTYPE>(value.vt | VT_BYREF);
-    return value;
   }
   void WriteBack() const {}
 

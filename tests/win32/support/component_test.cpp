@@ -86,7 +86,7 @@ Variant ComponentTest::Call(const char* member, std::vector<Variant> arguments) 
   std::vector<ComVariant> owned;
   std::vector<VARIANT> values;
   for (const Variant& argument : arguments) owned.push_back(win32::ToVariant(argument));
-  for (const ComVariant& value : owned) values.push_back(value.Get());
+  for (const ComVariant& value : owned) values.insert(values.begin(), value.Get());
   return win32::FromVariant(
       plugin->Invoke(plugin->Identify(member), values.data(), values.size()).Get());
 }

@@ -1,0 +1,45 @@
+// Two sides that are timed in turns, in one run.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <utility>
+
+#include "results.h"
+
+namespace rotacasts::bench {
+
+/// Does a job and answers how many nanoseconds of it count.
+using Turn = std::function<double()>;
+
+template <class Job>
+double TimeOf(Job&& job) {
+  const auto begin = std::chrono::steady_clock::now();
+  job();
+  return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Lets the sides take turns, a different one first in every round, and compares their medians.
+inline Result TakeTurns(int rounds, const std::string& job, const std::string& opponent,
+                        const std::string& target, const Turn& ours, const Turn& theirs) {
+  std::vector<double> times[2];
+  const Turn* const sides[] = {&ours, &theirs};
+  for (int i = 0; i < 2 * rounds; ++i) {
+    const int side = (i + i / 2) % 2;
+    times[side].push_back((*sides[side])());
+  }
+  const double our = MedianOf(std::move(times[0]));
+  const double their = MedianOf(std::move(times[1]));
+  return {job, FormatTime(our), opponent, FormatTime(their), target, our / their};
+}
+
+// What is measured.
+std::vector<Result> MeasureLateCalls();
+/// The settings window, and the memory that it takes. The plugin is registered.
+std::vector<Result> MeasureWindow(const std::string& hostFolder);
+/// One showing as the first thing that a process does: that of the plugin's window or of the bare
+/// one. Prints what MeasureWindow reads from such a process.
+void ShowOnce(const std::string& side, const std::string& hostFolder);
+
+}  // namespace rotacasts::bench
