@@ -101,7 +101,8 @@ TEST_F(MessageFileTest, DeleteRenumbersAndLosesNoOtherText) {
         Row{"1=a\r\n2=\r\n3=   \r\n4= d \r\n", "1", "1= d ;"},
         Row{"0=x\r\n1=a\r\n2=b\r\n", "2", "1=x;2=a;"},
         Row{"x=a\r\n=b\r\n1.5=c\r\n01=d\r\n1=e\r\n5=f\r\n", "5", "1=a;2=b;3=c;4=d;5=e;"},
-        Row{"1=a\r\n1=b\r\n2=c\r\n", "2", "1=a;2=b;"}, Row{"", "1", ""}}) {
+        Row{"1=a\r\n1=b\r\n2=c\r\n", "2", "1=a;2=b;"}, Row{"1=a\r\n2=b\r\n1=\r\n", "2", "1=a;"},
+        Row{"", "1", ""}}) {
     SetSection(before);
     EXPECT_TRUE(Store().DeleteEntry(1, key));
     EXPECT_EQ(Section(), after) << before;
