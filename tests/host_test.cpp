@@ -410,8 +410,8 @@ TEST(ServerHostTest, DrivesAPluginThatItCannotLookInto) {
                                       "load 2 in 77, DFX2 by Rex, width 9000", "hide", "unload"}));
   EXPECT_EQ(site.shown, (std::vector<std::int32_t>{1, 2, 2, 0, 0}));
   for (const char* says :
-       {"JO    stopped, game unreachable", "DFX2  unreachable                on      1 min  -      -",
-        "(cannot tell: no game server)",
+       {"JO    stopped, game unreachable",
+        "DFX2  unreachable                on      1 min  -      -", "(cannot tell: no game server)",
         "DFX2  stopped, game unreachable  on      1 min  0      0: a\n"}) {
     EXPECT_NE(out.str().find(says), std::string::npos) << says << " is not in\n" << out.str();
   }
