@@ -40,7 +40,8 @@ class WatchUtilityComponent final : public HostUtilityComponent {
 
 class WatchComponents final : public ComponentFactory {
  public:
-  WatchComponents(HostPlatform& host, const std::string& folder) : host_(host), folder_(folder) {}
+  WatchComponents(HostPlatform& host, std::string folder)
+      : host_(host), folder_(std::move(folder)) {}
 
   std::unique_ptr<UtilityComponent> CreateUtility() override {
     return std::make_unique<WatchUtilityComponent>(folder_, host_.Clock());
