@@ -1,6 +1,5 @@
 #include "host/win32/sibling_objects.h"
 
-#include <atomic>
 #include <cwchar>
 #include <span>
 
@@ -59,32 +58,9 @@ HRESULT AnswerException(EXCEPINFO* exception, const char* source) {
   }
 }
 
-/// What every object here has of IUnknown: one interface besides it, a count of references.
-template <class Interface>
-class CountedObject : public Interface {
- public:
-  virtual ~CountedObject() = default;
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, __uuidof(Interface));
-    *object = known ? static_cast<Interface*>(this) : nullptr;
-    if (known) AddRef();
-    return known ? S_OK : E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
- private:
-  std::atomic<ULONG> references_ = 1;
-};
-
 /// A component behind a dispatch interface. A member's identifier is its place in the table.
 template <class Component>
-class ComponentObject final : public CountedObject<IDispatch> {
+class ComponentObject final : public win32::CountedObject<IDispatch> {
  public:
   ComponentObject(Component& component, std::span<const MemberRow<Component>> members)
       : component_(component), members_(members) {}
@@ -131,7 +107,7 @@ class ComponentObject final : public CountedObject<IDispatch> {
 };
 
 /// A class of which there is one object.
-class SingleObjectFactory final : public CountedObject<IClassFactory> {
+class SingleObjectFactory final : public win32::CountedObject<IClassFactory> {
  public:
   explicit SingleObjectFactory(ComPtr<IDispatch> object) : object_(std::move(object)) {}
 

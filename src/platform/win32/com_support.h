@@ -1,6 +1,7 @@
 // The few owners of COM things that this room needs.
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -46,6 +47,30 @@ class ComPtr {
 
  private:
   Interface* object_ = nullptr;
+};
+
+/// What an object with one interface has of IUnknown: that interface, and a count of references
+/// that begins with the maker's.
+template <class Interface>
+class CountedObject : public Interface {
+ public:
+  virtual ~CountedObject() = default;
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, __uuidof(Interface));
+    *object = known ? static_cast<Interface*>(this) : nullptr;
+    if (known) AddRef();
+    return known ? S_OK : E_NOINTERFACE;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+ private:
+  std::atomic<ULONG> references_ = 1;
 };
 
 /// UTF-8 to UTF-16 and back; what is malformed becomes the replacement character.

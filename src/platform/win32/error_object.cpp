@@ -1,6 +1,5 @@
 #include "platform/win32/error_object.h"
 
-#include <atomic>
 #include <cwchar>
 
 #include "platform/win32/variant_conversion.h"
@@ -10,23 +9,9 @@ namespace {
 
 enum Property : DISPID { kNumber = DISPID_VALUE, kDescription = 1 };
 
-class ErrorObject final : public IDispatch {
+class ErrorObject final : public CountedObject<IDispatch> {
  public:
   explicit ErrorObject(const RuntimeError& error) : error_(error) {}
-  virtual ~ErrorObject() = default;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-    const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch);
-    *object = known ? static_cast<IDispatch*>(this) : nullptr;
-    if (known) AddRef();
-    return known ? S_OK : E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     *count = 0;
@@ -64,7 +49,6 @@ class ErrorObject final : public IDispatch {
   }
 
  private:
-  std::atomic<ULONG> references_ = 1;
   const RuntimeError error_;
 };
 

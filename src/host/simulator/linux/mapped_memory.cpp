@@ -12,10 +12,6 @@
 namespace rotacasts::simulator {
 namespace {
 
-char* Pointer(std::int32_t address) {
-  return reinterpret_cast<char*>(static_cast<std::uintptr_t>(static_cast<std::uint32_t>(address)));
-}
-
 void Map(std::uintptr_t begin, std::size_t size) {
   void* const wanted = reinterpret_cast<void*>(begin);
   void* const mapped =
@@ -48,16 +44,6 @@ void MappedMemory::Reserve(std::int32_t address, std::uint32_t size) {
     length += kPage;
   }
   if (length > 0) Map(begin, length);
-}
-
-void MappedMemory::WriteLong(std::int32_t address, std::int32_t value) {
-  std::memcpy(Pointer(address), &value, sizeof value);
-}
-
-void MappedMemory::WriteText(std::int32_t address, std::string_view bytes) {
-  char* const at = Pointer(address);
-  at[bytes.size()] = '\0';
-  std::memcpy(at, bytes.data(), bytes.size());
 }
 
 }  // namespace rotacasts::simulator

@@ -1,7 +1,6 @@
 #include "host/simulator/mapped_memory.h"
 
 #include <cstdio>
-#include <cstring>
 
 #include "platform/runtime_error.h"
 #include "platform/win32/windows_api.h"
@@ -14,10 +13,6 @@ namespace {
 constexpr std::uintptr_t kImageBase = 0x00400000;
 constexpr std::uintptr_t kLastFixed = 0x02A2C000;
 char image[kLastFixed - kImageBase];
-
-char* Pointer(std::int32_t address) {
-  return reinterpret_cast<char*>(static_cast<std::uintptr_t>(static_cast<std::uint32_t>(address)));
-}
 
 bool LiesInImage(std::uintptr_t begin, std::uintptr_t end) {
   const auto from = reinterpret_cast<std::uintptr_t>(image);
@@ -40,16 +35,6 @@ void Map(std::uintptr_t begin, std::size_t size) {
 void MappedMemory::Reserve(std::int32_t address, std::uint32_t size) {
   const auto begin = static_cast<std::uintptr_t>(static_cast<std::uint32_t>(address));
   if (!LiesInImage(begin, begin + size)) Map(begin, size);
-}
-
-void MappedMemory::WriteLong(std::int32_t address, std::int32_t value) {
-  std::memcpy(Pointer(address), &value, sizeof value);
-}
-
-void MappedMemory::WriteText(std::int32_t address, std::string_view bytes) {
-  char* const at = Pointer(address);
-  at[bytes.size()] = '\0';
-  std::memcpy(at, bytes.data(), bytes.size());
 }
 
 }  // namespace rotacasts::simulator
