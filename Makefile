@@ -9,7 +9,7 @@ demo: ## six simulated game servers, one host: see what the program is for
 	@scripts/bootstrap build
 	@scripts/quietly cmake --preset release
 	@scripts/quietly cmake --build --preset release
-	@scripts/demo build/release/src/host
+	@scripts/demo build/release/bin
 
 demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves a screenshot
 	@scripts/bootstrap build windows
@@ -65,7 +65,7 @@ lint: ## check the shape and let clang-tidy read the code
 	@scripts/bootstrap build test lint
 	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 	cmake --preset sanitized
-	git ls-files 'src/*.cpp' | grep -vE '^src/component/|/win32/' | \
+	git ls-files 'src/*.cpp' | grep -vE '^src/(component|com)/|/win32/' | \
 	  xargs -P 2 -n 8 clang-tidy --quiet -p build/sanitized
 
 clean: ## remove what was built

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "duel.h"
-#include "host/host_platform.h"
+#include "host/components/host_platform.h"
 #include "host_folder_files.h"
 
 namespace rotacasts::bench {

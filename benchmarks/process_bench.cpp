@@ -11,9 +11,9 @@
 #include <memory>
 
 #include "duel.h"
-#include "host/host_platform.h"
+#include "forms/headless/headless_toolkit.h"
+#include "host/components/host_platform.h"
 #include "host_folder_files.h"
-#include "platform/headless/headless_toolkit.h"
 #include "plugin/cls_plugin.h"
 #include "stats/player_scan.h"
 #include "support/child_process.h"

@@ -9,11 +9,11 @@
 #include <map>
 #include <set>
 
-#include "host/host_file_system.h"
-#include "host/host_platform.h"
-#include "host/ini_text.h"
-#include "platform/headless/headless_toolkit.h"
-#include "platform/text.h"
+#include "base/text.h"
+#include "forms/headless/headless_toolkit.h"
+#include "host/components/host_file_system.h"
+#include "host/components/host_platform.h"
+#include "host/components/ini_text.h"
 #include "plugin/cls_plugin.h"
 #include "support/host_folder.h"
 

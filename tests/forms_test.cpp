@@ -1,10 +1,10 @@
 // The control model, the headless toolkit and its timers.
 
-#include "platform/forms/form.h"
+#include "forms/form.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/headless/headless_toolkit.h"
+#include "forms/headless/headless_toolkit.h"
 #include "support/fake_host.h"
 
 namespace rotacasts::forms {

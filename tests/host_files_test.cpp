@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "host/base64.h"
 #include "host/check.h"
-#include "host/host_file_system.h"
-#include "host/native_files.h"
+#include "host/components/host_file_system.h"
+#include "host/components/utility_component.h"
+#include "host/machine/base64.h"
+#include "host/machine/native_files.h"
 #include "host/profile_settings.h"
-#include "host/utility_component.h"
 #include "support/fake_host.h"
 #include "support/host_folder.h"
 

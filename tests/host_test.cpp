@@ -7,14 +7,14 @@
 #include <set>
 #include <sstream>
 
+#include "base/conversions.h"
+#include "base/text.h"
 #include "game/address_table.h"
+#include "host/components/game_processes.h"
 #include "host/console.h"
-#include "host/game_processes.h"
 #include "host/headless_plugin.h"
 #include "host/plain_output.h"
-#include "host/simulator/game_image.h"
-#include "platform/conversions.h"
-#include "platform/text.h"
+#include "simulator/game_image.h"
 #include "support/fake_host.h"
 #include "support/host_folder.h"
 

@@ -4,8 +4,8 @@
 
 #include <tuple>
 
-#include "host/ini_text.h"
-#include "platform/text.h"
+#include "base/text.h"
+#include "host/components/ini_text.h"
 #include "support/fake_host.h"
 
 namespace rotacasts {

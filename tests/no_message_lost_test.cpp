@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <random>
 
-#include "host/ini_text.h"
+#include "host/components/ini_text.h"
 #include "support/fake_host.h"
 
 namespace rotacasts {

@@ -2,8 +2,8 @@
 
 #include "store/remote_commands.h"
 
-#include "host/ini_text.h"
-#include "platform/text.h"
+#include "base/text.h"
+#include "host/components/ini_text.h"
 #include "support/fake_host.h"
 
 namespace rotacasts {

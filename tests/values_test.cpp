@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/arithmetic.h"
-#include "platform/conversions.h"
-#include "platform/text.h"
+#include "base/arithmetic.h"
+#include "base/conversions.h"
+#include "base/text.h"
 #include "support/fake_host.h"
 
 namespace rotacasts {

@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-#include "host/win32/sibling_objects.h"
-#include "platform/win32/late_components.h"
+#include "com/late_components.h"
+#include "host/machine/win32/sibling_objects.h"
 #include "win32/turns.h"
 
 namespace rotacasts::bench {

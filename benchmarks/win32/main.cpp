@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <iostream>
 
-#include "platform/win32/win32_platform.h"
+#include "com/win32_platform.h"
 #include "support/installed_plugin.h"
 #include "win32/turns.h"
 

@@ -7,9 +7,9 @@
 #include <optional>
 #include <stdexcept>
 
-#include "host/host_platform.h"
-#include "host/win32/late_bound_plugin.h"
-#include "host/win32/sibling_objects.h"
+#include "host/components/host_platform.h"
+#include "host/machine/win32/late_bound_plugin.h"
+#include "host/machine/win32/sibling_objects.h"
 #include "services/profile_tables.h"
 #include "ui/layout.h"
 #include "win32/turns.h"

@@ -1,9 +1,9 @@
 #include "broadcast/broadcast_timer.h"
 
+#include "base/conversions.h"
+#include "base/text.h"
 #include "broadcast/placeholders.h"
 #include "game/address_table.h"
-#include "platform/conversions.h"
-#include "platform/text.h"
 #include "store/message_file.h"
 
 namespace rotacasts {

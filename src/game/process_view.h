@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/arithmetic.h"
+#include "base/arithmetic.h"
 #include "services/host_services.h"
 #include "services/profile_tables.h"
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "base/conversions.h"
+#include "base/text.h"
 #include "broadcast/placeholders.h"
-#include "host/utility_component.h"
-#include "platform/conversions.h"
-#include "platform/text.h"
+#include "host/components/utility_component.h"
 #include "store/message_file.h"
 
 namespace rotacasts::host {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace rotacasts::host {
 

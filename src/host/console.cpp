@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/conversions.h"
 #include "host/complaint.h"
 #include "host/text_table.h"
-#include "platform/conversions.h"
 
 namespace rotacasts::host {
 namespace {

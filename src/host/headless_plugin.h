@@ -4,9 +4,9 @@
 #include <chrono>
 #include <ostream>
 
-#include "host/host_platform.h"
+#include "forms/headless/headless_toolkit.h"
+#include "host/components/host_platform.h"
 #include "host/hosted_plugin.h"
-#include "platform/headless/headless_toolkit.h"
 #include "plugin/cls_plugin.h"
 
 namespace rotacasts::host {

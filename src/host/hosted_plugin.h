@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/forms/toolkit.h"
-#include "platform/variant.h"
+#include "base/variant.h"
+#include "forms/toolkit.h"
 
 namespace rotacasts::host {
 

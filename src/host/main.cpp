@@ -5,10 +5,10 @@
 #include <iostream>
 
 #include "host/check.h"
-#include "host/native_files.h"
+#include "host/machine/native_files.h"
+#include "host/machine/program_arguments.h"
+#include "host/machine/run_host.h"
 #include "host/plain_output.h"
-#include "host/program_arguments.h"
-#include "host/run_host.h"
 #include "host/version.h"
 #include "store/profile_paths.h"
 

@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace rotacasts::host {
 

@@ -4,13 +4,13 @@
 #include <filesystem>
 #include <map>
 
+#include "base/conversions.h"
+#include "base/text.h"
 #include "game/address_table.h"
 #include "host/complaint.h"
-#include "host/host_file_system.h"
-#include "host/native_files.h"
-#include "host/utility_component.h"
-#include "platform/conversions.h"
-#include "platform/text.h"
+#include "host/components/host_file_system.h"
+#include "host/components/utility_component.h"
+#include "host/machine/native_files.h"
 #include "store/profile_paths.h"
 
 namespace rotacasts::host {

@@ -1,12 +1,12 @@
 #include "host/profile_watch.h"
 
+#include "base/text.h"
 #include "broadcast/placeholders.h"
 #include "host/complaint.h"
-#include "host/host_file_system.h"
-#include "host/native_files.h"
+#include "host/components/host_file_system.h"
+#include "host/machine/native_files.h"
 #include "host/print_box.h"
 #include "host/text_table.h"
-#include "platform/text.h"
 #include "store/profile_paths.h"
 
 namespace rotacasts::host {

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "host/host_platform.h"
+#include "forms/headless/headless_toolkit.h"
+#include "host/components/host_platform.h"
 #include "host/profile_settings.h"
-#include "platform/headless/headless_toolkit.h"
 #include "plugin/plugin_state.h"
 
 namespace rotacasts::host {

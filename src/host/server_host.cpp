@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/base64.h"
 #include "host/complaint.h"
+#include "host/machine/base64.h"
 #include "host/text_table.h"
 #include "store/message_file.h"
 

@@ -12,7 +12,7 @@
 #include <variant>
 #include <vector>
 
-#include "platform/variant.h"
+#include "base/variant.h"
 
 namespace rotacasts {
 

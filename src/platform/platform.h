@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
+#include "base/local_time.h"
+#include "forms/toolkit.h"
 #include "platform/components.h"
-#include "platform/forms/toolkit.h"
-#include "platform/local_time.h"
 
 namespace rotacasts {
 

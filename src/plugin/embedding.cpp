@@ -1,7 +1,7 @@
 #include "plugin/embedding.h"
 
-#include "platform/arithmetic.h"
-#include "platform/conversions.h"
+#include "base/arithmetic.h"
+#include "base/conversions.h"
 
 namespace rotacasts {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "base/conversions.h"
 #include "game/address_table.h"
-#include "platform/conversions.h"
 #include "store/profile_paths.h"
 
 namespace rotacasts {

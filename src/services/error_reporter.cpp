@@ -1,6 +1,6 @@
 #include "services/error_reporter.h"
 
-#include "platform/conversions.h"
+#include "base/conversions.h"
 #include "services/guard.h"
 
 namespace rotacasts {

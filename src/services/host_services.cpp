@@ -1,6 +1,6 @@
 #include "services/host_services.h"
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace rotacasts {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace rotacasts {
 

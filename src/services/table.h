@@ -5,7 +5,7 @@
 #include <map>
 #include <optional>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace rotacasts {
 

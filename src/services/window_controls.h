@@ -1,7 +1,7 @@
 // The controls of the settings window that other rooms read and set.
 #pragma once
 
-#include "platform/forms/control.h"
+#include "forms/control.h"
 
 namespace rotacasts {
 

@@ -1,6 +1,6 @@
 #include "stats/info_texts.h"
 
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
 namespace rotacasts {
 namespace {

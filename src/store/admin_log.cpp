@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/conversions.h"
+#include "base/conversions.h"
 #include "services/profile_tables.h"
 #include "store/profile_paths.h"
 

@@ -7,10 +7,10 @@
 #include <span>
 #include <utility>
 
-#include "platform/arithmetic.h"
-#include "platform/conversions.h"
-#include "platform/forms/form.h"
-#include "platform/text.h"
+#include "base/arithmetic.h"
+#include "base/conversions.h"
+#include "base/text.h"
+#include "forms/form.h"
 
 namespace rotacasts {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace rotacasts {
 namespace {

@@ -1,8 +1,8 @@
 #include "store/remote_commands.h"
 
-#include "platform/arithmetic.h"
-#include "platform/conversions.h"
-#include "platform/text.h"
+#include "base/arithmetic.h"
+#include "base/conversions.h"
+#include "base/text.h"
 
 namespace rotacasts {
 namespace {

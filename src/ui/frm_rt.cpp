@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "platform/conversions.h"
-#include "platform/forms/window_messages.h"
-#include "platform/text.h"
+#include "base/conversions.h"
+#include "base/text.h"
+#include "forms/window_messages.h"
 #include "ui/layout.h"
 #include "ui/list_rows.h"
 

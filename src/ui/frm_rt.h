@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "platform/forms/form.h"
+#include "forms/form.h"
 #include "services/guard.h"
 #include "store/message_file.h"
 #include "ui/image_button.h"

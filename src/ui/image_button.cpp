@@ -1,6 +1,6 @@
 #include "ui/image_button.h"
 
-#include "platform/conversions.h"
+#include "base/conversions.h"
 
 namespace rotacasts {
 namespace {

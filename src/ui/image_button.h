@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/forms/form.h"
+#include "forms/form.h"
 
 namespace rotacasts {
 

@@ -1,6 +1,6 @@
 #include "ui/layout.h"
 
-#include "platform/runtime_error.h"
+#include "base/runtime_error.h"
 
 namespace rotacasts::layout {
 namespace {

@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "platform/forms/form.h"
+#include "forms/form.h"
 
 namespace rotacasts::layout {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/forms/control.h"
+#include "forms/control.h"
 #include "store/message_file.h"
 
 namespace rotacasts {

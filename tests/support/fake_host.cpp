@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
-#include "host/ini_text.h"
-#include "platform/forms/window_messages.h"
-#include "platform/text.h"
+#include "base/text.h"
+#include "forms/window_messages.h"
+#include "host/components/ini_text.h"
 
 namespace rotacasts::testing {
 namespace {

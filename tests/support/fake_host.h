@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/headless/headless_toolkit.h"
+#include "forms/headless/headless_toolkit.h"
 #include "plugin/cls_plugin.h"
 
 namespace rotacasts::testing {

@@ -2,10 +2,10 @@
 
 #include <set>
 
-#include "component/win32/identities.h"
-#include "component/win32/plugin_interface.h"
-#include "platform/conversions.h"
-#include "platform/win32/variant_conversion.h"
+#include "base/conversions.h"
+#include "com/variant_conversion.h"
+#include "component/identities.h"
+#include "component/plugin_interface.h"
 #include "support/component_test.h"
 
 namespace rotacasts {

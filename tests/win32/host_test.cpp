@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/game_processes.h"
-#include "host/win32/console_input.h"
+#include "host/components/game_processes.h"
+#include "host/machine/win32/console_input.h"
 #include "support/fake_host.h"
 
 namespace rotacasts::host {

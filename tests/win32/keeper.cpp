@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "platform/win32/windows_api.h"
+#include "com/windows_api.h"
 
 int main(int argc, char** argv) {
   ::CreateWindowExW(0, L"STATIC", L"keeper", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr,

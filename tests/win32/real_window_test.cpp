@@ -1,7 +1,7 @@
 // The settings window as a person has it before them: real controls, real input.
 
-#include "platform/win32/com_support.h"
-#include "platform/win32/gdi.h"
+#include "com/com_support.h"
+#include "forms/win32/gdi.h"
 #include "support/component_test.h"
 #include "ui/layout.h"
 

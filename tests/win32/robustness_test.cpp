@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <random>
 
-#include "platform/win32/variant_conversion.h"
-#include "platform/win32/windows_api.h"
+#include "com/variant_conversion.h"
+#include "com/windows_api.h"
 #include "support/component_test.h"
 
 #include <psapi.h>  // needs the types of the system's main header

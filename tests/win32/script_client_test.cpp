@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "platform/win32/com_support.h"
+#include "com/com_support.h"
 #include "support/installed_plugin.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // Both sibling components as a DLL, for a process that nobody here wrote: the stand-alone host's
 // own, with C:\Host as the host folder.
 
-#include "host/host_platform.h"
-#include "host/win32/sibling_objects.h"
-#include "platform/win32/registry.h"
+#include "com/registry.h"
+#include "host/components/host_platform.h"
+#include "host/machine/win32/sibling_objects.h"
 
 namespace rotacasts {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/win32/variant_conversion.h"
+#include "com/variant_conversion.h"
 #include "ui/layout.h"
 
 namespace rotacasts::testing {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/win32/late_bound.h"
+#include "com/late_bound.h"
 
 namespace rotacasts::testing {
 

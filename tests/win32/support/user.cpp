@@ -3,7 +3,7 @@
 #include <chrono>
 #include <utility>
 
-#include "platform/win32/com_support.h"
+#include "com/com_support.h"
 
 namespace rotacasts::testing {
 namespace {

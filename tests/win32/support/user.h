@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/win32/windows_api.h"
+#include "com/windows_api.h"
 
 namespace rotacasts::testing {
 

@@ -1,0 +1,70 @@
+#include "base/runtime_error.h"
+
+#include <new>
+#include <stdexcept>
+
+namespace rotacasts {
+namespace {
+
+struct Description {
+  ErrorNumber number;
+  std::string_view text;
+};
+
+constexpr Description kDescriptions[] = {
+    {ErrorNumber::InvalidProcedureCall, "Invalid procedure call or argument"},
+    {ErrorNumber::Overflow, "Overflow"},
+    {ErrorNumber::OutOfMemory, "Out of memory"},
+    {ErrorNumber::SubscriptOutOfRange, "Subscript out of range"},
+    {ErrorNumber::TypeMismatch, "Type mismatch"},
+    {ErrorNumber::InternalError, "Internal error"},
+    {ErrorNumber::FileNotFound, "File not found"},
+    {ErrorNumber::DeviceIoError, "Device I/O error"},
+    {ErrorNumber::FileAlreadyExists, "File already exists"},
+    {ErrorNumber::PermissionDenied, "Permission denied"},
+    {ErrorNumber::PathFileAccessError, "Path/File access error"},
+    {ErrorNumber::PathNotFound, "Path not found"},
+    {ErrorNumber::ObjectVariableNotSet, "Object variable or With block variable not set"},
+    {ErrorNumber::InvalidUseOfNull, "Invalid use of Null"},
+    {ErrorNumber::InvalidFileFormat, "Invalid file format"},
+    {ErrorNumber::NoSuchArrayElement, "Control array element doesn't exist"},
+    {ErrorNumber::ObjectAlreadyLoaded, "Object already loaded"},
+    {ErrorNumber::CannotUnloadDesignTimeControl, "Can't unload controls created at design time"},
+    {ErrorNumber::InvalidPropertyValue, "Invalid property value"},
+    {ErrorNumber::CannotShowModeless, "Can't show non-modal form when modal form is displayed"},
+    {ErrorNumber::CannotCreateComponent, "ActiveX component can't create object"},
+    {ErrorNumber::NoSuchMember, "Object doesn't support this property or method"},
+    {ErrorNumber::InvalidPicture, "Invalid picture"},
+};
+
+std::string Describe(ErrorNumber number, std::string_view detail) {
+  std::string text;
+  for (const Description& row : kDescriptions) {
+    if (row.number == number) text = row.text;
+  }
+  if (!detail.empty()) text.append(": ").append(detail);
+  return text;
+}
+
+}  // namespace
+
+RuntimeError::RuntimeError(ErrorNumber errorNumber, std::string_view detail)
+    : RuntimeError(static_cast<std::int32_t>(errorNumber), Describe(errorNumber, detail)) {}
+
+RuntimeError CurrentRuntimeError() {
+  try {
+    throw;
+  } catch (const RuntimeError& error) {
+    return error;
+  } catch (const std::bad_alloc&) {
+    return RuntimeError(ErrorNumber::OutOfMemory);
+  } catch (const std::length_error&) {
+    return RuntimeError(ErrorNumber::OutOfMemory);
+  } catch (const std::exception& error) {
+    return RuntimeError(ErrorNumber::InternalError, error.what());
+  } catch (...) {
+    return RuntimeError(ErrorNumber::InternalError);
+  }
+}
+
+}  // namespace rotacasts

@@ -1,0 +1,172 @@
+#include "base/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iterator>
+
+#include "base/runtime_error.h"
+
+namespace rotacasts {
+namespace {
+
+/// The code points of the Windows-1252 bytes 0x80 to 0x9F; every other byte stands for itself.
+/// Source: the code page's definition by its vendor (best-fit table cp1252).
+constexpr std::array<char32_t, 32> kHighControls = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char letter) { return static_cast<unsigned char>(letter) < 0x80; });
+}
+
+bool IsContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+char LowerAscii(char letter) {
+  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+/// The byte that stands for the code point, or -1.
+int Windows1252Byte(char32_t codePoint) {
+  if (codePoint < 0x80 || (codePoint >= 0xA0 && codePoint <= 0xFF)) {
+    return static_cast<int>(codePoint);
+  }
+  const auto found = std::find(kHighControls.begin(), kHighControls.end(), codePoint);
+  if (found == kHighControls.end()) return -1;
+  return 0x80 + static_cast<int>(std::distance(kHighControls.begin(), found));
+}
+
+[[noreturn]] void RaiseNotInCodePage(char32_t codePoint) {
+  if (codePoint == kInvalidCodePoint) {
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "the text is not well-formed UTF-8");
+  }
+  char name[16];
+  std::snprintf(name, sizeof name, "(U+%04X)", static_cast<unsigned>(codePoint));
+  std::string detail = "the character ";
+  AppendCodePoint(detail, codePoint);
+  throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                     detail + " " + name + " is not in Windows-1252; use another one");
+}
+
+/// UTF-8 to Windows-1252; `otherwise(codePoint)` gives the byte for what the code page lacks.
+template <class Otherwise>
+std::string Encode(std::string_view text, Otherwise otherwise) {
+  if (IsAscii(text)) return std::string(text);
+  std::string bytes;
+  bytes.reserve(text.size());
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t codePoint = NextCodePoint(text, at);
+    const int byte = codePoint == kInvalidCodePoint ? -1 : Windows1252Byte(codePoint);
+    bytes += byte < 0 ? otherwise(codePoint) : static_cast<char>(byte);
+  }
+  return bytes;
+}
+
+}  // namespace
+
+std::string_view TrimSpaces(std::string_view text) {
+  const auto first = text.find_first_not_of(' ');
+  if (first == text.npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
+}
+
+bool HasLineBreak(std::string_view text) {
+  return text.find_first_of("\r\n") != text.npos;
+}
+
+std::string ReplaceAll(std::string_view text, std::string_view part, std::string_view replacement) {
+  std::string result;
+  for (std::size_t at = text.find(part); at != text.npos; at = text.find(part)) {
+    result.append(text.substr(0, at)).append(replacement);
+    text.remove_prefix(at + part.size());
+  }
+  return result.append(text);
+}
+
+std::size_t CountCharacters(std::string_view text) {
+  return static_cast<std::size_t>(
+      std::count_if(text.begin(), text.end(), [](char byte) { return !IsContinuation(byte); }));
+}
+
+std::string_view FirstCharacters(std::string_view text, std::size_t count) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (!IsContinuation(text[at]) && count-- == 0) return text.substr(0, at);
+  }
+  return text;
+}
+
+char32_t NextCodePoint(std::string_view text, std::size_t& at) {
+  const auto lead = static_cast<unsigned char>(text[at++]);
+  if (lead < 0x80) return lead;
+  const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+  constexpr char32_t kSmallest[] = {0, 0x80, 0x800, 0x10000};
+  if (lead < 0xC0 || lead > 0xF4) return kInvalidCodePoint;
+  char32_t codePoint = lead & (0x3FU >> more);
+  std::size_t next = at;
+  for (int i = 0; i < more; ++i, ++next) {
+    if (next >= text.size() || !IsContinuation(text[next])) return kInvalidCodePoint;
+    codePoint = codePoint << 6 | (static_cast<unsigned char>(text[next]) & 0x3FU);
+  }
+  const bool surrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
+  if (codePoint < kSmallest[more] || codePoint > 0x10FFFF || surrogate) return kInvalidCodePoint;
+  at = next;
+  return codePoint;
+}
+
+void AppendCodePoint(std::string& text, char32_t codePoint) {
+  const auto tail = [&](int shift) {
+    text += static_cast<char>(0x80 | (codePoint >> shift & 0x3F));
+  };
+  if (codePoint < 0x80) {
+    text += static_cast<char>(codePoint);
+  } else if (codePoint < 0x800) {
+    text += static_cast<char>(0xC0 | codePoint >> 6);
+    tail(0);
+  } else if (codePoint < 0x10000) {
+    text += static_cast<char>(0xE0 | codePoint >> 12);
+    tail(6);
+    tail(0);
+  } else {
+    text += static_cast<char>(0xF0 | codePoint >> 18);
+    tail(12);
+    tail(6);
+    tail(0);
+  }
+}
+
+bool IsValidUtf8(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    if (NextCodePoint(text, at) == kInvalidCodePoint) return false;
+  }
+  return true;
+}
+
+std::string FromWindows1252(std::string_view bytes) {
+  if (IsAscii(bytes)) return std::string(bytes);
+  std::string text;
+  text.reserve(bytes.size() * 2);
+  for (const char letter : bytes) {
+    const auto byte = static_cast<unsigned char>(letter);
+    AppendCodePoint(text, byte >= 0x80 && byte < 0xA0 ? kHighControls[byte - 0x80] : byte);
+  }
+  return text;
+}
+
+std::string ToWindows1252(std::string_view text) {
+  return Encode(text, [](char32_t codePoint) -> char { RaiseNotInCodePage(codePoint); });
+}
+
+std::string ToWindows1252(std::string_view text, char substitute) {
+  return Encode(text, [substitute](char32_t) { return substitute; });
+}
+
+}  // namespace rotacasts

@@ -1,0 +1,157 @@
+#include "com/late_components.h"
+
+#include "base/conversions.h"
+#include "com/error_object.h"
+#include "com/late_bound.h"
+
+namespace rotacasts::win32 {
+namespace {
+
+std::int32_t LongOf(const ComVariant& value) {
+  return value.Get().vt == VT_I4 ? value.Get().lVal : ToLong(FromVariant(value.Get()));
+}
+
+std::string TextOf(const ComVariant& value) {
+  return ToText(FromVariant(value.Get()));
+}
+
+/// The elements of an array of texts.
+std::vector<std::string> TextsOf(const ComVariant& value) {
+  const Variant array = FromVariant(value.Get());
+  const Variant::Array* elements = array.AsArray();
+  if (elements == nullptr) throw RuntimeError(ErrorNumber::TypeMismatch);
+  std::vector<std::string> texts;
+  texts.reserve(elements->size());
+  for (const Variant& element : *elements) texts.push_back(ToText(element));
+  return texts;
+}
+
+class LateMemory final : public MemoryComponent {
+ public:
+  std::int32_t ReadLong(std::int32_t& processHandle, std::int32_t address) override {
+    return LongOf(readLong_(NumberReference(processHandle), NumberArgument(address)));
+  }
+  std::string ReadStr(std::int32_t& processHandle, std::int32_t address) override {
+    return TextOf(readStr_(NumberReference(processHandle), NumberArgument(address)));
+  }
+  void AddMsg(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
+              bool& isAffiliate, const std::string& kind, std::int16_t mode) override {
+    addMsg_(NumberReference(profileIndex), NumberReference(messageTarget), TextReference(text),
+            BooleanReference(isAffiliate), TextArgument(kind), NumberArgument(mode));
+  }
+  void AddMsgB(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
+               bool& isAffiliate, const std::string& kind, std::int16_t mode,
+               std::string& gameCode) override {
+    addMsgB_(NumberReference(profileIndex), NumberReference(messageTarget), TextReference(text),
+             BooleanReference(isAffiliate), TextArgument(kind), NumberArgument(mode),
+             TextReference(gameCode));
+  }
+  std::string Enc64(const std::string& text) override { return TextOf(enc64_(TextArgument(text))); }
+  std::string Dec64(const std::string& text) override { return TextOf(dec64_(TextArgument(text))); }
+
+ private:
+  LateBound object_ = LateBound::Create(kProgId);
+  Member readLong_{object_, "ReadLong"};
+  Member readStr_{object_, "ReadStr"};
+  Member addMsg_{object_, "AddMsg"};
+  Member addMsgB_{object_, "AddMsgB"};
+  Member enc64_{object_, "Enc64"};
+  Member dec64_{object_, "Dec64"};
+};
+
+class LateUtility final : public UtilityComponent {
+ public:
+  std::string GetIniKey(const std::string& section, const std::string& key,
+                        std::string& file) override {
+    return TextOf(getIniKey_(TextArgument(section), TextArgument(key), TextReference(file)));
+  }
+  void WriteIniKey(const std::string& section, const Key& key,
+                   const std::optional<std::string>& value, std::string& file) override {
+    const TextArgument text = value ? TextArgument(*value) : TextArgument();
+    if (const auto* number = std::get_if<std::int32_t>(&key)) {
+      writeIniKey_(TextArgument(section), NumberArgument(*number), text, TextReference(file));
+    } else {
+      const auto* name = std::get_if<std::string>(&key);
+      writeIniKey_(TextArgument(section), name != nullptr ? TextArgument(*name) : TextArgument(),
+                   text, TextReference(file));
+    }
+  }
+  std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override {
+    return TextsOf(getIniSection_(TextArgument(section), TextReference(file)));
+  }
+  Variant ParseIniKey(const std::string& line, bool asPair) override {
+    return FromVariant(parseIniKey_(TextArgument(line), ValueArgument(asPair)).Get());
+  }
+  std::vector<std::string> ReadFile(std::string& file) override {
+    return TextsOf(readFile_(TextReference(file)));
+  }
+  void AppendFile(const std::string& file, const std::string& text) override {
+    appendFile_(TextArgument(file), TextArgument(text));
+  }
+  void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
+                std::int32_t& line) override {
+    VARIANT object;
+    ::VariantInit(&object);
+    object.vt = VT_DISPATCH;
+    object.pdispVal = MakeErrorObject(error).Detach();
+    ComVariant owned(object);
+    logError_(TextArgument(module), TextReference(procedure), VariantReference(owned),
+              NumberReference(line));
+  }
+  bool SendErrorReport(Variant& report) override {
+    const Variant::Array* elements = report.AsArray();
+    if (elements == nullptr) throw RuntimeError(ErrorNumber::TypeMismatch);
+    ComVariant array = ToVariantArray(*elements);
+    return ToBoolean(FromVariant(sendErrorReport_(VariantReference(array)).Get()));
+  }
+
+ private:
+  LateBound object_ = LateBound::Create(kProgId);
+  Member getIniKey_{object_, "GetIniKey"};
+  Member writeIniKey_{object_, "WriteIniKey"};
+  Member getIniSection_{object_, "GetIniSection"};
+  Member parseIniKey_{object_, "ParseIniKey"};
+  Member readFile_{object_, "ReadFile"};
+  Member appendFile_{object_, "AppendFile"};
+  Member logError_{object_, "LogError"};
+  Member sendErrorReport_{object_, "SendErrorReport"};
+};
+
+class LateFileSystem final : public FileSystemObject {
+ public:
+  bool FileExists(const std::string& path) override {
+    return ToBoolean(FromVariant(fileExists_(TextArgument(path)).Get()));
+  }
+  bool FolderExists(const std::string& path) override {
+    return ToBoolean(FromVariant(folderExists_(TextArgument(path)).Get()));
+  }
+  void CreateFolder(const std::string& path) override { createFolder_(TextArgument(path)); }
+  void CreateTextFile(const std::string& path) override {
+    const ComVariant stream = createTextFile_(TextArgument(path));
+    if (stream.Get().vt != VT_DISPATCH || stream.Get().pdispVal == nullptr) return;
+    stream.Get().pdispVal->AddRef();
+    const LateBound text(ComPtr<IDispatch>::Take(stream.Get().pdispVal));
+    Member(text, "Close")();
+  }
+
+ private:
+  LateBound object_ = LateBound::Create(kProgId);
+  Member fileExists_{object_, "FileExists"};
+  Member folderExists_{object_, "FolderExists"};
+  Member createFolder_{object_, "CreateFolder"};
+  Member createTextFile_{object_, "CreateTextFile"};
+};
+
+}  // namespace
+
+std::unique_ptr<MemoryComponent> CreateMemoryComponent() {
+  return std::make_unique<LateMemory>();
+}
+std::unique_ptr<UtilityComponent> CreateUtilityComponent() {
+  return std::make_unique<LateUtility>();
+}
+std::unique_ptr<FileSystemObject> CreateFileSystemObject() {
+  return std::make_unique<LateFileSystem>();
+}
+
+}  // namespace rotacasts::win32

@@ -1,0 +1,233 @@
+#include "com/variant_conversion.h"
+
+#include <algorithm>
+
+namespace rotacasts::win32 {
+namespace {
+
+// Deeper nesting is no data: a by-reference VARIANT can even refer to itself.
+constexpr int kDeepest = 8;
+
+Variant From(const VARIANT& value, int depth);
+
+/// A whole number as the smallest kind that the core has for it.
+Variant FromWhole(std::int64_t number) {
+  if (number >= INT32_MIN && number <= INT32_MAX) return static_cast<std::int32_t>(number);
+  return static_cast<double>(number);
+}
+
+Variant FromArray(SAFEARRAY* array, VARTYPE kind, int depth) {
+  LONG lower = 0;
+  LONG upper = -1;
+  if (array == nullptr || ::SafeArrayGetDim(array) != 1 ||
+      FAILED(::SafeArrayGetLBound(array, 1, &lower)) ||
+      FAILED(::SafeArrayGetUBound(array, 1, &upper))) {
+    return Variant::Foreign{};
+  }
+  const LONG before = std::max<LONG>(lower, 0);
+  Variant::Array elements(static_cast<std::size_t>(std::min<LONG>(before, upper + 1)),
+                          Variant(Variant::Missing{}));
+  void* data = nullptr;
+  if (upper < before || FAILED(::SafeArrayAccessData(array, &data))) return elements;
+  auto* element =
+      static_cast<char*>(data) + (before - lower) * static_cast<LONG>(array->cbElements);
+  for (LONG index = before; index <= upper; ++index, element += array->cbElements) {
+    VARIANT reference;  // to the element in its place
+    ::VariantInit(&reference);
+    reference.vt = static_cast<VARTYPE>(kind | VT_BYREF);
+    reference.byref = element;
+    elements.push_back(From(reference, depth + 1));
+  }
+  ::SafeArrayUnaccessData(array);
+  return elements;
+}
+
+/// Kinds that the system itself knows how to express as a number or a text.
+Variant FromConverted(const VARIANT& value, VARTYPE wanted) {
+  ComVariant converted;
+  if (FAILED(::VariantChangeType(converted.Address(), const_cast<VARIANT*>(&value), 0, wanted)))
+    return Variant::Foreign{};
+  if (wanted == VT_R8) return converted.Get().dblVal;
+  return FromBstr(converted.Get().bstrVal);
+}
+
+Variant FromPlain(const VARIANT& value, int depth) {
+  switch (value.vt) {
+    case VT_EMPTY:
+      return {};
+    case VT_NULL:
+      return Variant::Null{};
+    case VT_ERROR:
+      if (value.scode == DISP_E_PARAMNOTFOUND) return Variant::Missing{};
+      return Variant::Foreign{};
+    case VT_BOOL:
+      return value.boolVal != VARIANT_FALSE;
+    case VT_I1:
+      return std::int16_t{value.cVal};
+    case VT_UI1:
+      return std::int16_t{value.bVal};
+    case VT_I2:
+      return std::int16_t{value.iVal};
+    case VT_UI2:
+      return std::int32_t{value.uiVal};
+    case VT_I4:
+    case VT_INT:
+      return FromWhole(value.lVal);
+    case VT_UI4:
+    case VT_UINT:
+      return FromWhole(value.ulVal);
+    case VT_I8:
+      return FromWhole(value.llVal);
+    case VT_R4:
+      return static_cast<double>(value.fltVal);
+    case VT_R8:
+      return value.dblVal;
+    case VT_BSTR:
+      return FromBstr(value.bstrVal);
+    case VT_UI8:
+    case VT_CY:
+    case VT_DECIMAL:
+      return FromConverted(value, VT_R8);
+    case VT_DATE:
+      return FromConverted(value, VT_BSTR);
+    default:
+      if ((value.vt & VT_ARRAY) != 0) {
+        return FromArray(value.parray, static_cast<VARTYPE>(value.vt & ~VT_ARRAY), depth);
+      }
+      return Variant::Foreign{};
+  }
+}
+
+/// What a by-reference VARIANT refers to, as a plain one that owns nothing.
+Variant FromReference(const VARIANT& value, int depth) {
+  if (value.byref == nullptr) return Variant::Foreign{};
+  const auto kind = static_cast<VARTYPE>(value.vt & ~VT_BYREF);
+  if (kind == VT_VARIANT) return From(*value.pvarVal, depth + 1);
+  VARIANT target;
+  ::VariantInit(&target);
+  if (kind == VT_DECIMAL) {
+    target.decVal = *value.pdecVal;
+  } else if ((kind & VT_ARRAY) != 0 || kind == VT_BSTR) {
+    target.byref = *static_cast<void**>(value.byref);
+  } else {
+    switch (kind) {
+      case VT_I1:
+      case VT_UI1:
+        target.bVal = *value.pbVal;
+        break;
+      case VT_I2:
+      case VT_UI2:
+      case VT_BOOL:
+        target.iVal = *value.piVal;
+        break;
+      case VT_I4:
+      case VT_UI4:
+      case VT_INT:
+      case VT_UINT:
+      case VT_R4:
+      case VT_ERROR:
+        target.lVal = *value.plVal;
+        break;
+      case VT_I8:
+      case VT_UI8:
+      case VT_R8:
+      case VT_CY:
+      case VT_DATE:
+        target.llVal = *value.pllVal;
+        break;
+      default:
+        return Variant::Foreign{};
+    }
+  }
+  target.vt = kind;
+  return FromPlain(target, depth);
+}
+
+Variant From(const VARIANT& value, int depth) {
+  if (depth > kDeepest) return Variant::Foreign{};
+  return (value.vt & VT_BYREF) != 0 ? FromReference(value, depth) : FromPlain(value, depth);
+}
+
+VARIANT OfKind(VARTYPE kind) {
+  VARIANT value;
+  ::VariantInit(&value);
+  value.vt = kind;
+  return value;
+}
+
+/// Fills one element of a new array.
+template <class Element, class Fill>
+ComVariant MakeArray(const Variant::Array& elements, VARTYPE kind, Fill fill) {
+  ComVariant result;
+  SAFEARRAY* array = ::SafeArrayCreateVector(kind, 0, static_cast<ULONG>(elements.size()));
+  if (array == nullptr) throw RuntimeError(ErrorNumber::OutOfMemory);
+  result.Address()->vt = static_cast<VARTYPE>(VT_ARRAY | kind);
+  result.Address()->parray = array;
+  auto* slots = static_cast<Element*>(array->pvData);
+  for (std::size_t i = 0; i < elements.size(); ++i) fill(slots[i], elements[i]);
+  return result;
+}
+
+struct Converter {
+  ComVariant operator()(std::monostate) const { return {}; }
+  ComVariant operator()(Variant::Missing) const {
+    VARIANT value = OfKind(VT_ERROR);
+    value.scode = DISP_E_PARAMNOTFOUND;
+    return ComVariant(value);
+  }
+  ComVariant operator()(Variant::Null) const { return ComVariant(OfKind(VT_NULL)); }
+  ComVariant operator()(bool truth) const {
+    VARIANT value = OfKind(VT_BOOL);
+    value.boolVal = truth ? VARIANT_TRUE : VARIANT_FALSE;
+    return ComVariant(value);
+  }
+  ComVariant operator()(std::int16_t number) const {
+    VARIANT value = OfKind(VT_I2);
+    value.iVal = number;
+    return ComVariant(value);
+  }
+  ComVariant operator()(std::int32_t number) const {
+    VARIANT value = OfKind(VT_I4);
+    value.lVal = number;
+    return ComVariant(value);
+  }
+  ComVariant operator()(double number) const {
+    VARIANT value = OfKind(VT_R8);
+    value.dblVal = number;
+    return ComVariant(value);
+  }
+  ComVariant operator()(const std::string& text) const {
+    Bstr copy(text);
+    VARIANT value = OfKind(VT_BSTR);
+    value.bstrVal = copy.Release();
+    return ComVariant(value);
+  }
+  ComVariant operator()(const Variant::Array& elements) const {
+    const bool textsOnly = std::all_of(
+        elements.begin(), elements.end(),
+        [](const Variant& element) { return std::holds_alternative<std::string>(element.Get()); });
+    if (!textsOnly || elements.empty()) return ToVariantArray(elements);
+    return MakeArray<BSTR>(elements, VT_BSTR, [](BSTR& slot, const Variant& element) {
+      slot = Bstr(std::get<std::string>(element.Get())).Release();
+    });
+  }
+  ComVariant operator()(Variant::Foreign) const { return {}; }
+};
+
+}  // namespace
+
+Variant FromVariant(const VARIANT& value) {
+  return From(value, 0);
+}
+
+ComVariant ToVariant(const Variant& value) {
+  return std::visit(Converter{}, value.Get());
+}
+
+ComVariant ToVariantArray(const Variant::Array& elements) {
+  return MakeArray<VARIANT>(elements, VT_VARIANT, [](VARIANT& slot, const Variant& element) {
+    slot = ToVariant(element).Release();
+  });
+}
+
+}  // namespace rotacasts::win32

@@ -1,0 +1,140 @@
+#include "component/member_table.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include "base/conversions.h"
+#include "com/variant_conversion.h"
+
+namespace rotacasts::win32 {
+namespace {
+
+using Arguments = std::vector<Variant>;
+using enum ParameterKind;
+
+constexpr Parameter kOfLoad[] = {
+    {L"Index", Number}, {L"PHWND", Number}, {L"PDAT", Any}, {L"fName", Text, true}};
+constexpr Parameter kOfHide[] = {{L"fName", Text, true}};
+constexpr Parameter kOfUnload[] = {{L"fName", Text}};
+constexpr Parameter kOfDisable[] = {{L"Index", Number}};
+constexpr Parameter kOfRemote[] = {{L"Index", Number}, {L"PDAT", Any}, {L"Data", Any, true}};
+
+/// An omitted text is an empty one.
+std::string TextOr(const Variant& argument) {
+  return argument == Variant(Variant::Missing{}) ? std::string() : ToText(argument);
+}
+
+template <std::string (clsPlugin::*Operation)(std::int32_t, const Variant&, const Variant&)>
+Variant CallRemote(clsPlugin& plugin, const Arguments& arguments) {
+  return (plugin.*Operation)(ToLong(arguments[0]), arguments[1], arguments[2]);
+}
+
+const MemberRow kMembers[] = {
+    {kGetData, L"GetData", {}, nullptr},
+    {kGetPrivis,
+     L"GetPrivis",
+     {},
+     [](clsPlugin& plugin, const Arguments&) { return plugin.GetPrivis(); }},
+    {kLoadInterface, L"LoadInterface", kOfLoad,
+     [](clsPlugin& plugin, const Arguments& arguments) {
+       plugin.LoadInterface(ToLong(arguments[0]), ToLong(arguments[1]), arguments[2],
+                            TextOr(arguments[3]));
+       return Variant();
+     }},
+    {kUnLoadInterface, L"UnLoadInterface", kOfUnload,
+     [](clsPlugin& plugin, const Arguments& arguments) {
+       plugin.UnLoadInterface(TextOr(arguments[0]));
+       return Variant();
+     }},
+    {kDisableProfile, L"DisableProfile", kOfDisable,
+     [](clsPlugin& plugin, const Arguments& arguments) {
+       plugin.DisableProfile(ToLong(arguments[0]));
+       return Variant();
+     }},
+    {kGetMessagesRem, L"GetMessagesRem", kOfRemote, CallRemote<&clsPlugin::GetMessagesRem>},
+    {kAddMessageRem, L"AddMessageRem", kOfRemote, CallRemote<&clsPlugin::AddMessageRem>},
+    {kEnableRTRem, L"EnableRTRem", kOfRemote, CallRemote<&clsPlugin::EnableRTRem>},
+    {kChangeIntervalRem, L"ChangeIntervalRem", kOfRemote,
+     CallRemote<&clsPlugin::ChangeIntervalRem>},
+    {kMoveMessageDownRem, L"MoveMessageDownRem", kOfRemote,
+     CallRemote<&clsPlugin::MoveMessageDownRem>},
+    {kMoveMessageUpRem, L"MoveMessageUpRem", kOfRemote, CallRemote<&clsPlugin::MoveMessageUpRem>},
+    {kDeleteMessageRem, L"DeleteMessageRem", kOfRemote, CallRemote<&clsPlugin::DeleteMessageRem>},
+    {kHideInterface, L"HideInterface", kOfHide,
+     [](clsPlugin& plugin, const Arguments& arguments) {
+       plugin.HideInterface(TextOr(arguments[0]));
+       return Variant();
+     }},
+};
+
+/// Where each parameter's argument stands in the call, whose arguments run from the last to the
+/// first with the named ones in front; -1 for an omitted one.
+HRESULT Locate(const MemberRow& member, const DISPPARAMS& call, std::vector<int>& places) {
+  const std::size_t count = member.parameters.size();
+  places.assign(count, -1);
+  if (call.cNamedArgs > call.cArgs || call.cArgs > count) return DISP_E_BADPARAMCOUNT;
+  for (UINT i = 0; i < call.cNamedArgs; ++i) {
+    const DISPID parameter = call.rgdispidNamedArgs[i];
+    if (parameter < 0 || static_cast<std::size_t>(parameter) >= count) return DISP_E_PARAMNOTFOUND;
+    places[static_cast<std::size_t>(parameter)] = static_cast<int>(i);
+  }
+  const UINT positional = call.cArgs - call.cNamedArgs;
+  for (UINT i = 0; i < positional; ++i) places[i] = static_cast<int>(call.cArgs - 1 - i);
+  return S_OK;
+}
+
+Variant Converted(const Variant& value, ParameterKind kind) {
+  switch (kind) {
+    case Number:
+      return ToLong(value);
+    case Text:
+      return ToText(value);
+    default:
+      return value;
+  }
+}
+
+}  // namespace
+
+std::span<const MemberRow> Members() {
+  return kMembers;
+}
+
+const MemberRow* FindMember(DISPID id) {
+  const auto found = std::find_if(std::begin(kMembers), std::end(kMembers),
+                                  [id](const MemberRow& row) { return row.id == id; });
+  return found != std::end(kMembers) ? &*found : nullptr;
+}
+
+const MemberRow* FindMember(const wchar_t* name) {
+  const auto found =
+      std::find_if(std::begin(kMembers), std::end(kMembers),
+                   [name](const MemberRow& row) { return ::_wcsicmp(row.name, name) == 0; });
+  return found != std::end(kMembers) ? &*found : nullptr;
+}
+
+HRESULT CollectArguments(const MemberRow& member, const DISPPARAMS& parameters,
+                         Arguments& arguments, UINT* badArgument) {
+  std::vector<int> places;
+  const HRESULT located = Locate(member, parameters, places);
+  if (FAILED(located)) return located;
+  arguments.assign(places.size(), Variant(Variant::Missing{}));
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const Parameter& parameter = member.parameters[i];
+    Variant value = Variant::Missing{};
+    if (places[i] >= 0) value = FromVariant(parameters.rgvarg[places[i]]);
+    if (value == Variant(Variant::Missing{})) {
+      if (!parameter.optional) return DISP_E_PARAMNOTOPTIONAL;
+      continue;
+    }
+    try {
+      arguments[i] = Converted(value, parameter.kind);
+    } catch (const RuntimeError& error) {
+      if (badArgument != nullptr) *badArgument = static_cast<UINT>(places[i]);
+      return error.Is(ErrorNumber::Overflow) ? DISP_E_OVERFLOW : DISP_E_TYPEMISMATCH;
+    }
+  }
+  return S_OK;
+}
+
+}  // namespace rotacasts::win32

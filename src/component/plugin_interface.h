@@ -1,0 +1,82 @@
+// The component's interface and record as C++ sees them; the type library declares the same.
+#pragma once
+
+#include <cstddef>
+
+#include "com/windows_api.h"
+#include "plugin/descriptor.h"
+
+namespace rotacasts::win32 {
+
+/// The dispatch identifiers of the members, as the host may call them.
+enum MemberId : DISPID {
+  kGetData = 0x60030003,
+  kGetPrivis = 0x60030004,
+  kLoadInterface = 0x60030005,
+  kUnLoadInterface = 0x60030006,
+  kDisableProfile = 0x60030007,
+  kGetMessagesRem = 0x60030009,
+  kAddMessageRem = 0x6003000a,
+  kEnableRTRem = 0x6003000b,
+  kChangeIntervalRem = 0x6003000c,
+  kMoveMessageDownRem = 0x6003000d,
+  kMoveMessageUpRem = 0x6003000e,
+  kDeleteMessageRem = 0x6003000f,
+  kHideInterface = 0x60030010,
+};
+
+/// The PLUGIN record of the type library, field for field. Strings and arrays belong to the record.
+struct PluginRecord {
+  BSTR Name;
+  BSTR File;
+  BSTR Version;
+  BSTR Author;
+  BSTR Description;
+  VARIANT Game;
+  VARIANT_BOOL HasInterface;
+  VARIANT_BOOL ProfileMenu;
+  VARIANT_BOOL ServerMenu;
+  VARIANT_BOOL MainMenu;
+  VARIANT ProfileMenuItems;
+  VARIANT ServerMenuItems;
+  VARIANT MainMenuItems;
+  VARIANT_BOOL HasPrivis;
+  BSTR HelpFile;
+  BSTR MinKXVer;
+  BSTR MinQMRVer;
+  BSTR MinZDLVer;
+  BSTR MinTVXVer;
+};
+// A VARIANT is 16 bytes, aligned to 8; the library's layout has the gaps that follow from that.
+static_assert(sizeof(VARIANT) == 16 && offsetof(PluginRecord, Game) == 24 &&
+              offsetof(PluginRecord, ProfileMenuItems) == 48 && sizeof(PluginRecord) == 120);
+
+/// Fills a record that holds nothing yet; what was filled before an error stays valid to clear.
+void FillRecord(const PLUGIN& plugin, PluginRecord& record);
+
+/// The dual interface, in the order of the dispatch identifiers.
+struct _clsPlugin : IDispatch {
+  virtual HRESULT STDMETHODCALLTYPE GetData(PluginRecord* result) = 0;
+  virtual HRESULT STDMETHODCALLTYPE GetPrivis(VARIANT* result) = 0;
+  virtual HRESULT STDMETHODCALLTYPE LoadInterface(LONG Index, LONG PHWND, VARIANT PDAT,
+                                                  BSTR fName) = 0;
+  virtual HRESULT STDMETHODCALLTYPE UnLoadInterface(BSTR fName) = 0;
+  virtual HRESULT STDMETHODCALLTYPE DisableProfile(LONG Index) = 0;
+  virtual HRESULT STDMETHODCALLTYPE GetMessagesRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                                   BSTR* result) = 0;
+  virtual HRESULT STDMETHODCALLTYPE AddMessageRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                                  BSTR* result) = 0;
+  virtual HRESULT STDMETHODCALLTYPE EnableRTRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                                BSTR* result) = 0;
+  virtual HRESULT STDMETHODCALLTYPE ChangeIntervalRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                                      BSTR* result) = 0;
+  virtual HRESULT STDMETHODCALLTYPE MoveMessageDownRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                                       BSTR* result) = 0;
+  virtual HRESULT STDMETHODCALLTYPE MoveMessageUpRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                                     BSTR* result) = 0;
+  virtual HRESULT STDMETHODCALLTYPE DeleteMessageRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                                     BSTR* result) = 0;
+  virtual HRESULT STDMETHODCALLTYPE HideInterface(BSTR fName) = 0;
+};
+
+}  // namespace rotacasts::win32

@@ -1,0 +1,235 @@
+#include "component/plugin_object.h"
+
+#include "base/conversions.h"
+#include "com/late_bound.h"
+#include "component/member_table.h"
+#include "component/server.h"
+#include "component/type_library.h"
+
+namespace rotacasts::win32 {
+namespace {
+
+/// Tells a caller through the dual interface what went wrong.
+HRESULT AnswerError(const RuntimeError& error) {
+  ComPtr<ICreateErrorInfo> creation;
+  if (SUCCEEDED(::CreateErrorInfo(creation.Receive()))) {
+    std::wstring source = kProgId;
+    std::wstring description = ToWide(error.description);
+    creation->SetGUID(InterfaceId());
+    creation->SetSource(source.data());
+    creation->SetDescription(description.data());
+    ComPtr<IErrorInfo> info;
+    if (SUCCEEDED(creation->QueryInterface(IID_IErrorInfo, info.ReceiveVoid()))) {
+      ::SetErrorInfo(0, info.Get());
+    }
+  }
+  const HRESULT result = ResultOf(error.number);
+  return FAILED(result) ? result : E_FAIL;
+}
+
+/// Runs a body; nothing thrown leaves it, but becomes the caller's error information.
+template <class Body>
+HRESULT Contain(Body&& body) {
+  try {
+    body();
+    return S_OK;
+  } catch (...) {
+    try {
+      return AnswerError(CurrentRuntimeError());
+    } catch (...) {
+      return E_OUTOFMEMORY;
+    }
+  }
+}
+
+/// Takes the error information that AnswerError left into the form that Invoke's callers read.
+void MoveErrorInto(EXCEPINFO* exception, HRESULT result) {
+  ComPtr<IErrorInfo> info;
+  const bool told = ::GetErrorInfo(0, info.Receive()) == S_OK;
+  if (exception == nullptr) return;
+  *exception = {};
+  exception->scode = result;
+  if (!told) return;
+  info->GetSource(&exception->bstrSource);
+  info->GetDescription(&exception->bstrDescription);
+}
+
+}  // namespace
+
+PluginObject::PluginObject() : plugin_(Server::Get().State()) {
+  Server::Get().Hold();
+}
+PluginObject::~PluginObject() {
+  Server::Get().Drop();
+}
+
+HRESULT PluginObject::QueryInterface(REFIID id, void** object) {
+  if (object == nullptr) return E_POINTER;
+  *object = nullptr;
+  if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch) ||
+      IsEqualIID(id, InterfaceId())) {
+    *object = static_cast<_clsPlugin*>(this);
+  } else if (IsEqualIID(id, IID_ISupportErrorInfo)) {
+    *object = static_cast<ISupportErrorInfo*>(this);
+  } else {
+    return E_NOINTERFACE;
+  }
+  AddRef();
+  return S_OK;
+}
+
+ULONG PluginObject::Release() {
+  const ULONG left = --references_;
+  if (left == 0) delete this;
+  return left;
+}
+
+HRESULT PluginObject::InterfaceSupportsErrorInfo(REFIID id) {
+  return IsEqualIID(id, InterfaceId()) || IsEqualIID(id, IID_IDispatch) ? S_OK : S_FALSE;
+}
+
+HRESULT PluginObject::GetTypeInfoCount(UINT* count) {
+  if (count == nullptr) return E_POINTER;
+  *count = 1;
+  return S_OK;
+}
+
+HRESULT PluginObject::GetTypeInfo(UINT index, LCID, ITypeInfo** info) {
+  if (info == nullptr) return E_POINTER;
+  *info = nullptr;
+  if (index != 0) return DISP_E_BADINDEX;
+  return LoadTypeInfo(InterfaceId(), info);
+}
+
+HRESULT PluginObject::GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
+  if (!IsEqualIID(id, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  if (names == nullptr || ids == nullptr || count == 0) return E_POINTER;
+  for (UINT i = 0; i < count; ++i) ids[i] = DISPID_UNKNOWN;
+  const MemberRow* member = FindMember(names[0]);
+  if (member == nullptr) return DISP_E_UNKNOWNNAME;
+  ids[0] = member->id;
+  HRESULT result = S_OK;
+  for (UINT i = 1; i < count; ++i) {  // the member's name is followed by those of its parameters
+    for (std::size_t p = 0; p < member->parameters.size(); ++p) {
+      if (::_wcsicmp(member->parameters[p].name, names[i]) == 0) ids[i] = static_cast<DISPID>(p);
+    }
+    if (ids[i] == DISPID_UNKNOWN) result = DISP_E_UNKNOWNNAME;
+  }
+  return result;
+}
+
+Variant PluginObject::Call(MemberId member, const std::vector<Variant>& arguments) {
+  AddRef();  // a call can bring about the last release from outside
+  const ComPtr<_clsPlugin> keepAlive = ComPtr<_clsPlugin>::Take(this);
+  return FindMember(member)->call(plugin_, arguments);
+}
+
+HRESULT PluginObject::GetDataAsVariant(VARIANT* result) {
+  ComPtr<IRecordInfo> info;
+  HRESULT outcome = LoadRecordInfo(info.Receive());
+  if (FAILED(outcome)) return outcome;
+  void* record = info->RecordCreate();
+  if (record == nullptr) return E_OUTOFMEMORY;
+  outcome = GetData(static_cast<PluginRecord*>(record));
+  if (FAILED(outcome) || result == nullptr) {
+    info->RecordDestroy(record);
+    return outcome;
+  }
+  ::VariantInit(result);
+  result->vt = VT_RECORD;
+  result->pvRecord = record;
+  result->pRecInfo = info.Detach();
+  return S_OK;
+}
+
+HRESULT PluginObject::Invoke(DISPID id, REFIID interfaceId, LCID, WORD flags,
+                             DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                             UINT* badArgument) {
+  if (!IsEqualIID(interfaceId, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  if (parameters == nullptr) return E_POINTER;
+  const MemberRow* member = FindMember(id);
+  if (member == nullptr || (flags & DISPATCH_METHOD) == 0) return DISP_E_MEMBERNOTFOUND;
+  HRESULT collected = S_OK;
+  const HRESULT outcome = Contain([&] {
+    std::vector<Variant> arguments;
+    collected = CollectArguments(*member, *parameters, arguments, badArgument);
+    if (FAILED(collected)) return;
+    if (member->id == kGetData) {
+      collected = GetDataAsVariant(result);
+      return;
+    }
+    const Variant value = Call(member->id, arguments);
+    if (result != nullptr) *result = ToVariant(value).Release();
+  });
+  if (FAILED(collected)) return collected;
+  if (SUCCEEDED(outcome)) return S_OK;
+  MoveErrorInto(exception, outcome);
+  return DISP_E_EXCEPTION;
+}
+
+// --- the dual interface ---
+
+HRESULT PluginObject::GetData(PluginRecord* result) {
+  if (result == nullptr) return E_POINTER;
+  *result = {};
+  return Contain([&] { FillRecord(plugin_.GetData(), *result); });
+}
+
+HRESULT PluginObject::GetPrivis(VARIANT* result) {
+  if (result == nullptr) return E_POINTER;
+  ::VariantInit(result);
+  return Contain([&] { *result = ToVariant(Call(kGetPrivis, {})).Release(); });
+}
+
+HRESULT PluginObject::LoadInterface(LONG Index, LONG PHWND, VARIANT PDAT, BSTR fName) {
+  return Contain([&] {
+    Call(kLoadInterface,
+         {std::int32_t{Index}, std::int32_t{PHWND}, FromVariant(PDAT), FromBstr(fName)});
+  });
+}
+
+HRESULT PluginObject::UnLoadInterface(BSTR fName) {
+  return Contain([&] { Call(kUnLoadInterface, {FromBstr(fName)}); });
+}
+
+HRESULT PluginObject::DisableProfile(LONG Index) {
+  return Contain([&] { Call(kDisableProfile, {std::int32_t{Index}}); });
+}
+
+HRESULT PluginObject::HideInterface(BSTR fName) {
+  return Contain([&] { Call(kHideInterface, {FromBstr(fName)}); });
+}
+
+HRESULT PluginObject::CallRemote(MemberId member, LONG Index, const VARIANT& PDAT,
+                                 const VARIANT& Data, BSTR* result) {
+  if (result == nullptr) return E_POINTER;
+  *result = nullptr;
+  return Contain([&] {
+    const Variant reply = Call(member, {std::int32_t{Index}, FromVariant(PDAT), FromVariant(Data)});
+    *result = Bstr(ToText(reply)).Release();
+  });
+}
+
+HRESULT PluginObject::GetMessagesRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
+  return CallRemote(kGetMessagesRem, Index, PDAT, Data, result);
+}
+HRESULT PluginObject::AddMessageRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
+  return CallRemote(kAddMessageRem, Index, PDAT, Data, result);
+}
+HRESULT PluginObject::EnableRTRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
+  return CallRemote(kEnableRTRem, Index, PDAT, Data, result);
+}
+HRESULT PluginObject::ChangeIntervalRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
+  return CallRemote(kChangeIntervalRem, Index, PDAT, Data, result);
+}
+HRESULT PluginObject::MoveMessageDownRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
+  return CallRemote(kMoveMessageDownRem, Index, PDAT, Data, result);
+}
+HRESULT PluginObject::MoveMessageUpRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
+  return CallRemote(kMoveMessageUpRem, Index, PDAT, Data, result);
+}
+HRESULT PluginObject::DeleteMessageRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
+  return CallRemote(kDeleteMessageRem, Index, PDAT, Data, result);
+}
+
+}  // namespace rotacasts::win32

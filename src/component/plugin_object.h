@@ -1,0 +1,67 @@
+// clsPlugin as a COM object.
+#pragma once
+
+#include <atomic>
+#include <vector>
+
+#include "component/plugin_interface.h"
+#include "plugin/cls_plugin.h"
+
+namespace rotacasts::win32 {
+
+/// The object behind the class's interfaces. Calls by identifier, by name and through the dual
+/// interface meet in one table of members. Nothing thrown leaves it: a member that lets an error
+/// through answers it as an exception, with the error's number and description.
+class PluginObject final : public _clsPlugin, public ISupportErrorInfo {
+ public:
+  PluginObject();
+  virtual ~PluginObject();
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override;
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() override;
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID locale,
+                                          DISPID* ids) override;
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID id, LCID locale, WORD flags,
+                                   DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                                   UINT* badArgument) override;
+
+  HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override;
+
+  HRESULT STDMETHODCALLTYPE GetData(PluginRecord* result) override;
+  HRESULT STDMETHODCALLTYPE GetPrivis(VARIANT* result) override;
+  HRESULT STDMETHODCALLTYPE LoadInterface(LONG Index, LONG PHWND, VARIANT PDAT,
+                                          BSTR fName) override;
+  HRESULT STDMETHODCALLTYPE UnLoadInterface(BSTR fName) override;
+  HRESULT STDMETHODCALLTYPE DisableProfile(LONG Index) override;
+  HRESULT STDMETHODCALLTYPE GetMessagesRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                           BSTR* result) override;
+  HRESULT STDMETHODCALLTYPE AddMessageRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                          BSTR* result) override;
+  HRESULT STDMETHODCALLTYPE EnableRTRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                        BSTR* result) override;
+  HRESULT STDMETHODCALLTYPE ChangeIntervalRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                              BSTR* result) override;
+  HRESULT STDMETHODCALLTYPE MoveMessageDownRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                               BSTR* result) override;
+  HRESULT STDMETHODCALLTYPE MoveMessageUpRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                             BSTR* result) override;
+  HRESULT STDMETHODCALLTYPE DeleteMessageRem(LONG Index, VARIANT PDAT, VARIANT Data,
+                                             BSTR* result) override;
+  HRESULT STDMETHODCALLTYPE HideInterface(BSTR fName) override;
+
+ private:
+  /// Calls a member on converted arguments; lets through what it throws.
+  Variant Call(MemberId member, const std::vector<Variant>& arguments);
+  HRESULT CallRemote(MemberId member, LONG Index, const VARIANT& PDAT, const VARIANT& Data,
+                     BSTR* result);
+  HRESULT GetDataAsVariant(VARIANT* result);
+
+  std::atomic<ULONG> references_ = 1;
+  clsPlugin plugin_;
+};
+
+}  // namespace rotacasts::win32

@@ -1,0 +1,18 @@
+// The type library that the DLL carries.
+#pragma once
+
+#include "com/windows_api.h"
+#include "component/identities.h"
+
+namespace rotacasts::win32 {
+
+const GUID& ClassId();
+const GUID& InterfaceId();
+const GUID& LibraryId();
+
+/// The caller owns what it receives; each answers the failure code of what went wrong.
+HRESULT LoadLibraryOfModule(ITypeLib** library);
+HRESULT LoadTypeInfo(REFGUID id, ITypeInfo** info);
+HRESULT LoadRecordInfo(IRecordInfo** info);
+
+}  // namespace rotacasts::win32

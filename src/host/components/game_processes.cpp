@@ -1,0 +1,92 @@
+#include "host/components/game_processes.h"
+
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+
+#include "base/runtime_error.h"
+
+namespace rotacasts::host {
+namespace {
+
+// The longest text that is read; a game's names are shorter.
+constexpr std::size_t kLongestText = 255;
+
+/// The process id that the text is; 0 for a program name.
+ProcessId AsNumber(const std::string& text) {
+  ProcessId number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() && number > 0 ? number : 0;
+}
+
+[[noreturn]] void Raise(const std::string& what) {
+  throw RuntimeError(ErrorNumber::DeviceIoError, what);
+}
+
+}  // namespace
+
+std::int32_t GameProcesses::Register(std::string process, std::string label) {
+  entries_.push_back({std::move(process), std::move(label)});
+  return static_cast<std::int32_t>(entries_.size());
+}
+
+void GameProcesses::Change(std::int32_t handle, std::string process, std::string label) {
+  At(handle) = {std::move(process), std::move(label)};
+}
+
+GameProcesses::Entry& GameProcesses::At(std::int32_t handle) {
+  if (handle < 1 || static_cast<std::size_t>(handle) > entries_.size()) {
+    Raise("no game server has the handle " + std::to_string(handle));
+  }
+  return entries_[static_cast<std::size_t>(handle) - 1];
+}
+
+ProcessId GameProcesses::Find(Entry& entry) {
+  if (entry.found != 0) return entry.found;
+  const std::string& name = entry.process;
+  if (const ProcessId number = AsNumber(name); number != 0) return entry.found = number;
+  const std::vector<ProcessId> processes = FindProcesses(name);
+  if (processes.empty()) Raise(entry.label + ": no program " + name + " is running; start it");
+  if (processes.size() > 1) {
+    Raise(entry.label + ": " + std::to_string(processes.size()) + " programs " + name +
+          " are running; name one by its process id");
+  }
+  return entry.found = processes.front();
+}
+
+void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t address) {
+  const std::string who = entry.label + ": process " + std::to_string(entry.found);
+  char place[16];
+  std::snprintf(place, sizeof place, "0x%08X", static_cast<unsigned>(address));
+  switch (outcome) {
+    case ReadOutcome::ProcessGone:
+      entry.found = 0;  // one of the same name may be started later
+      Raise(who + " has ended; start the game server" +
+            (AsNumber(entry.process) != 0 ? " and give its process id in profile.ini" : ""));
+    case ReadOutcome::NotAllowed:
+      Raise(who + " may not be read; run this host as the game server's user");
+    default:
+      Raise(who + " has no memory at " + place + "; is GameCode the right one?");
+  }
+}
+
+std::int32_t GameProcesses::ReadLong(std::int32_t handle, std::int32_t address) {
+  Entry& entry = At(handle);
+  std::int32_t value = 0;
+  const ReadOutcome outcome =
+      ReadProcess(Find(entry), static_cast<std::uint32_t>(address), &value, sizeof value);
+  if (outcome != ReadOutcome::Complete) RaiseOutcome(entry, outcome, address);
+  return value;
+}
+
+std::string GameProcesses::ReadBytes(std::int32_t handle, std::int32_t address) {
+  Entry& entry = At(handle);
+  char buffer[kLongestText];
+  std::size_t count = 0;
+  const ReadOutcome outcome = ReadProcessUpTo(Find(entry), static_cast<std::uint32_t>(address),
+                                              buffer, sizeof buffer, count);
+  if (outcome != ReadOutcome::Complete) RaiseOutcome(entry, outcome, address);
+  return {buffer, ::strnlen(buffer, count)};
+}
+
+}  // namespace rotacasts::host

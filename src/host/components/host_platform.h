@@ -1,0 +1,40 @@
+// The platform that the stand-alone host gives the plugin.
+#pragma once
+
+#include <string>
+
+#include "host/components/memory_component.h"
+#include "host/components/utility_component.h"
+#include "platform/platform.h"
+
+namespace rotacasts::host {
+
+/// The machine's local time.
+class SystemClock final : public LocalClock {
+ public:
+  LocalTime Now() const override;
+};
+
+/// Both sibling components and the file-system object, served by the host itself, and the plugin's
+/// module as if it lay in the host folder's `Plugins`.
+class HostPlatform final : public ComponentFactory, public Module {
+ public:
+  explicit HostPlatform(std::string hostFolder) : hostFolder_(std::move(hostFolder)) {}
+
+  std::unique_ptr<UtilityComponent> CreateUtility() override;
+  std::unique_ptr<MemoryComponent> CreateMemory() override;
+  std::unique_ptr<FileSystemObject> CreateFileSystem() override;
+  std::string Folder() const override { return hostFolder_ + "\\Plugins"; }
+  ModuleVersion Version() const override;
+
+  GameProcesses& Processes() { return processes_; }
+  SystemClock& Clock() { return clock_; }
+  Platform Bundle(forms::Toolkit& toolkit) { return {*this, *this, clock_, toolkit}; }
+
+ private:
+  const std::string hostFolder_;
+  SystemClock clock_;
+  GameProcesses processes_;
+};
+
+}  // namespace rotacasts::host

@@ -1,0 +1,49 @@
+#include "host/components/memory_component.h"
+
+#include "base/text.h"
+#include "host/machine/base64.h"
+
+namespace rotacasts::host {
+
+std::int32_t HostMemoryComponent::ReadLong(std::int32_t& processHandle, std::int32_t address) {
+  return processes_.ReadLong(processHandle, address);
+}
+
+std::string HostMemoryComponent::ReadStr(std::int32_t& processHandle, std::int32_t address) {
+  return FromWindows1252(processes_.ReadBytes(processHandle, address));
+}
+
+void HostMemoryComponent::Send(std::int16_t profileIndex, std::int32_t messageTarget,
+                               const std::string& text) {
+  if (messageTarget < 1 || messageTarget > 0xFFFF) {
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                       "profile " + std::to_string(profileIndex) + ": Target " +
+                           std::to_string(messageTarget) + " is no port; give one from 1 to 65535");
+  }
+  socket_.Send(static_cast<std::uint16_t>(messageTarget), text);
+}
+
+void HostMemoryComponent::AddMsg(std::int16_t& profileIndex, std::int32_t& messageTarget,
+                                 std::string& text, bool&, const std::string&, std::int16_t) {
+  Send(profileIndex, messageTarget, text);
+}
+
+void HostMemoryComponent::AddMsgB(std::int16_t& profileIndex, std::int32_t& messageTarget,
+                                  std::string& text, bool&, const std::string&, std::int16_t,
+                                  std::string&) {
+  Send(profileIndex, messageTarget, text);
+}
+
+std::string HostMemoryComponent::Enc64(const std::string& text) {
+  return EncodeBase64(text);
+}
+
+std::string HostMemoryComponent::Dec64(const std::string& text) {
+  std::string decoded = DecodeBase64(text);
+  if (!IsValidUtf8(decoded)) {
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "the Base64 text packs no UTF-8");
+  }
+  return decoded;
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,174 @@
+#include "host/components/utility_component.h"
+
+#include <algorithm>
+
+#include "base/conversions.h"
+#include "base/text.h"
+#include "host/components/host_file_system.h"
+#include "host/machine/native_files.h"
+
+namespace rotacasts::host {
+namespace {
+
+[[noreturn]] void RaiseNoText(const std::string& path, const char* reason) {
+  throw RuntimeError(ErrorNumber::InvalidFileFormat,
+                     NativePath(path).string() + " " + reason + "; save it as plain ANSI text");
+}
+
+void RefuseNonText(const std::string& path, std::string_view bytes) {
+  if (bytes.starts_with("\xEF\xBB\xBF")) RaiseNoText(path, "is a UTF-8 file");
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
+    RaiseNoText(path, "is a UTF-16 file");
+  }
+  if (bytes.find('\0') != bytes.npos) RaiseNoText(path, "holds NUL bytes");
+}
+
+void RefuseLineBreaks(std::string_view text, const char* what) {
+  if (HasLineBreak(text) || text.find('\0') != text.npos) {
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall,
+                       std::string(what) + " cannot hold a line break or a NUL character");
+  }
+}
+
+/// Windows-1252 bytes for one line of a file.
+std::string LineBytes(std::string_view text, const char* what) {
+  RefuseLineBreaks(text, what);
+  return ToWindows1252(text);
+}
+
+std::string KeyText(const UtilityComponent::Key& key) {
+  const auto* number = std::get_if<std::int32_t>(&key);
+  return number != nullptr ? std::to_string(*number) : std::get<std::string>(key);
+}
+
+/// The bytes of a key to write, which must read back as that key.
+std::string KeyBytes(const UtilityComponent::Key& key) {
+  std::string bytes = LineBytes(KeyText(key), "a key");
+  const bool wouldNotReadBack = bytes.empty() || bytes.find('=') != bytes.npos ||
+                                bytes.find_first_of(";#[ \t") == 0 || bytes.back() == ' ';
+  if (wouldNotReadBack) {
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall, "\"" + bytes + "\" is no key");
+  }
+  return bytes;
+}
+
+}  // namespace
+
+IniText ReadIni(const std::string& path) {
+  std::string bytes = ReadWholeFile(path).value_or("");
+  RefuseNonText(path, bytes);
+  return IniText(std::move(bytes));
+}
+
+std::string HostUtilityComponent::GetIniKey(const std::string& section, const std::string& key,
+                                            std::string& file) {
+  const IniText ini = ReadIni(file);
+  return FromWindows1252(ini.Value(section, ToWindows1252(key)).value_or(""));
+}
+
+void HostUtilityComponent::WriteIniKey(const std::string& section, const Key& key,
+                                       const std::optional<std::string>& value, std::string& file) {
+  IniText ini = ReadIni(file);
+  const std::string sectionBytes = LineBytes(section, "a section name");
+  if (std::holds_alternative<std::monostate>(key)) {
+    if (value) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "a value needs a key");
+    ini.RemoveSection(sectionBytes);
+  } else if (value) {
+    ini.SetValue(sectionBytes, KeyBytes(key), LineBytes(*value, "a value"));
+  } else {
+    ini.RemoveKey(sectionBytes, ToWindows1252(KeyText(key)));  // whatever a hand has written
+  }
+  if (ini.IsChanged()) ReplaceFile(file, ini.Bytes());
+}
+
+std::vector<std::string> HostUtilityComponent::GetIniSection(const std::string& section,
+                                                             std::string& file) {
+  const IniText ini = ReadIni(file);
+  std::vector<std::string> lines;
+  for (const IniText::Line& line : ini.Lines(section)) {
+    std::string text = FromWindows1252(line.key);
+    text += '=';
+    text += FromWindows1252(line.value);
+    lines.push_back(std::move(text));
+  }
+  lines.emplace_back();  // the one further element that is no line
+  return lines;
+}
+
+Variant HostUtilityComponent::ParseIniKey(const std::string& line, bool asPair) {
+  const auto equals = line.find('=');
+  if (equals == line.npos) {
+    throw RuntimeError(ErrorNumber::InvalidProcedureCall, line + " has no '='");
+  }
+  const std::string value = line.substr(equals + 1);
+  if (!asPair) return value;
+  return Variant::Array{line.substr(0, equals), value};
+}
+
+std::vector<std::string> HostUtilityComponent::ReadFile(std::string& file) {
+  const std::optional<std::string> bytes = ReadWholeFile(file);
+  if (!bytes) throw RuntimeError(ErrorNumber::FileNotFound, NativePath(file).string());
+  std::vector<std::string> lines;
+  std::string_view rest = *bytes;
+  while (!rest.empty()) {
+    const auto end = std::min(rest.find('\n'), rest.size());
+    std::string_view line = rest.substr(0, end);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    lines.push_back(FromWindows1252(line));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  return lines;
+}
+
+void HostUtilityComponent::AppendFile(const std::string& file, const std::string& text) {
+  RefuseLineBreaks(text, "a line");
+  AppendToFile(file, ToWindows1252(text, '?') + "\r\n");  // a log is for people to read
+}
+
+void HostUtilityComponent::LogError(const std::string& module, std::string& procedure,
+                                    RuntimeError& error, std::int32_t& line) {
+  HostFileSystem files;
+  const std::string folder = hostFolder_ + "\\logs";
+  const std::string file = folder + "\\errors.log";
+  if (!files.FolderExists(folder)) files.CreateFolder(folder);
+  if (!files.FileExists(file)) files.CreateTextFile(file);
+  const LocalTime now = clock_.Now();
+  std::string entry = FormatDate(now) + " " + FormatTime(now) + " " + module + " " + procedure +
+                      " line " + std::to_string(line) + ": error " + std::to_string(error.number) +
+                      ": " + error.description;
+  // One error, one line, whatever its description quotes; the log is read by people: UTF-8.
+  std::replace_if(
+      entry.begin(), entry.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
+  AppendToFile(file, entry + "\r\n");
+}
+
+bool HostUtilityComponent::SendErrorReport(Variant& report) {
+  constexpr const char* kLabels[] = {"Error number", "Description", "Module",
+                                     "Procedure",    "Affiliate",   "Line"};
+  const LocalTime now = clock_.Now();
+  const std::string stamp = FormatDate(now) + " " + FormatTime(now);
+  std::string text = "Date: " + stamp + "\r\n";
+  for (std::size_t i = 0; i < std::size(kLabels); ++i) {
+    text.append(kLabels[i]).append(": ").append(ToText(report.At(i))).append("\r\n");
+  }
+  try {
+    Deliver(stamp, text);
+    return true;
+  } catch (const RuntimeError&) {  // the error that is reported matters more than this one
+    return false;
+  }
+}
+
+void HostUtilityComponent::Deliver(std::string stamp, const std::string& text) const {
+  HostFileSystem files;
+  const std::string folder = hostFolder_ + "\\reports";
+  if (!files.FolderExists(folder)) files.CreateFolder(folder);
+  std::replace(stamp.begin(), stamp.end(), ':', '-');
+  std::string file;
+  for (int number = 1; file.empty() || files.FileExists(file); ++number) {
+    file = folder + "\\" + stamp + " " + std::to_string(number) + ".txt";
+  }
+  ReplaceFile(file, text);
+}
+
+}  // namespace rotacasts::host

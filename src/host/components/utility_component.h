@@ -1,0 +1,43 @@
+// The utility component of the stand-alone host: INI and text files, the error log, error reports.
+#pragma once
+
+#include <string>
+
+#include "host/components/ini_text.h"
+#include "platform/platform.h"
+
+namespace rotacasts::host {
+
+/// Reads an INI file; an empty text when the file does not exist. Error 321 for a file that is no
+/// Windows-1252 text.
+IniText ReadIni(const std::string& path);
+
+/// Reports go to `reports` and errors to `logs\errors.log` below the host folder; both folders are
+/// made when they are missing.
+class HostUtilityComponent : public UtilityComponent {
+ public:
+  HostUtilityComponent(std::string hostFolder, const LocalClock& clock)
+      : hostFolder_(std::move(hostFolder)), clock_(clock) {}
+
+  std::string GetIniKey(const std::string& section, const std::string& key,
+                        std::string& file) override;
+  void WriteIniKey(const std::string& section, const Key& key,
+                   const std::optional<std::string>& value, std::string& file) override;
+  std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override;
+  Variant ParseIniKey(const std::string& line, bool asPair) override;
+  std::vector<std::string> ReadFile(std::string& file) override;
+  void AppendFile(const std::string& file, const std::string& text) override;
+  void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
+                std::int32_t& line) override;
+  /// False when the report cannot be written.
+  bool SendErrorReport(Variant& report) override;
+
+ private:
+  /// Writes a report to a file of its own.
+  void Deliver(std::string stamp, const std::string& text) const;
+
+  const std::string hostFolder_;
+  const LocalClock& clock_;
+};
+
+}  // namespace rotacasts::host

@@ -1,0 +1,13 @@
+#include "host/machine/program_arguments.h"
+
+#include <algorithm>
+
+namespace rotacasts::host {
+
+std::vector<std::string> ProgramArguments(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  std::reverse(arguments.begin(), arguments.end());
+  return arguments;
+}
+
+}  // namespace rotacasts::host

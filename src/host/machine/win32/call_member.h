@@ -1,0 +1,105 @@
+// Calling a member function with the VARIANTs of a late-bound call. The function's own signature
+// says which kind each argument has and which ones are by reference.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "com/variant_conversion.h"
+#include "platform/components.h"
+
+namespace rotacasts::host {
+
+// An argument's value by its kind. Raise error 13 and the like for a value that has none of it.
+void Take(const VARIANT& argument, std::int16_t& value);
+void Take(const VARIANT& argument, std::int32_t& value);
+void Take(const VARIANT& argument, bool& value);
+void Take(const VARIANT& argument, std::string& value);
+void Take(const VARIANT& argument, std::optional<std::string>& value);
+void Take(const VARIANT& argument, UtilityComponent::Key& value);
+void Take(const VARIANT& argument, Variant& value);
+/// An object with the properties Number and Description.
+void Take(const VARIANT& argument, RuntimeError& value);
+
+/// Puts the value in the place that a by-reference argument refers to, in that place's own kind;
+/// one that is by value or of another kind stays as it is.
+void GiveBack(const VARIANT& argument, const Variant& value);
+
+/// One argument during a call: its value, given back if the function may and did change it.
+template <class Parameter>
+class CallArgument {
+ public:
+  using Value = std::remove_cvref_t<Parameter>;
+
+  explicit CallArgument(const VARIANT& argument) : argument_(argument) {
+    Take(argument, value_);
+    if constexpr (kGivenBack) before_ = value_;
+  }
+  Value& Get() { return value_; }
+  void Return() const {
+    if constexpr (kGivenBack) {
+      if (value_ != before_) GiveBack(argument_, value_);
+    }
+  }
+
+ private:
+  static constexpr bool kIsReference =
+      std::is_lvalue_reference_v<Parameter> && !std::is_const_v<std::remove_reference_t<Parameter>>;
+  // An error is an object of the caller's: what it refers to is not replaced.
+  static constexpr bool kGivenBack = kIsReference && !std::is_same_v<Value, RuntimeError>;
+  struct Nothing {};
+
+  static Value MakeValue() {
+    if constexpr (std::is_same_v<Value, RuntimeError>) {
+      return RuntimeError(0, {});
+    } else {
+      return Value();
+    }
+  }
+
+  const VARIANT& argument_;
+  Value value_ = MakeValue();
+  std::conditional_t<kGivenBack, Value, Nothing> before_{};
+};
+
+inline Variant ResultOfCall(const std::vector<std::string>& texts) {
+  return Variant::Texts(texts);
+}
+template <class Result>
+Variant ResultOfCall(Result result) {
+  return Variant(std::move(result));
+}
+
+template <auto Function>
+struct MemberCall;
+
+/// Calls `Function`. The arguments stand in call order reversed, as in DISPPARAMS.
+template <class Component, class Result, class... Parameters,
+          Result (Component::*Function)(Parameters...)>
+struct MemberCall<Function> {
+  static constexpr UINT kCount = sizeof...(Parameters);
+
+  static Variant Run(Component& component, const VARIANT* reversed) {
+    return Run(component, reversed, std::index_sequence_for<Parameters...>());
+  }
+
+ private:
+  template <std::size_t... Index>
+  static Variant Run(Component& component, const VARIANT* reversed, std::index_sequence<Index...>) {
+    std::tuple<CallArgument<Parameters>...> arguments{reversed[kCount - 1 - Index]...};
+    Variant result;
+    if constexpr (std::is_void_v<Result>) {
+      (component.*Function)(std::get<Index>(arguments).Get()...);
+    } else {
+      result = ResultOfCall((component.*Function)(std::get<Index>(arguments).Get()...));
+    }
+    (std::get<Index>(arguments).Return(), ...);
+    return result;
+  }
+};
+
+}  // namespace rotacasts::host

@@ -1,0 +1,66 @@
+// The host's window: the profiles at the left, the plugin's window at the right.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "forms/win32/gdi.h"
+#include "host/hosted_plugin.h"
+
+namespace rotacasts::host {
+
+/// A top-level window, shown at once, that lives until it is destroyed with this object. Closing
+/// it ends the message loop.
+class FrameWindow final : public PluginSite {
+ public:
+  struct Row {
+    std::int32_t profile;
+    std::string label;
+  };
+  /// One row for each profile. Error 7 when the system has no window left.
+  explicit FrameWindow(std::vector<Row> rows);
+  ~FrameWindow() override;
+  FrameWindow(const FrameWindow&) = delete;
+  FrameWindow& operator=(const FrameWindow&) = delete;
+
+  /// The person has chosen a profile.
+  std::function<void(std::int32_t profile)> onChoose;
+  /// A line of the console's arrived (kConsoleLine); false ends the message loop.
+  std::function<bool(const std::string& line)> onConsoleLine;
+  static constexpr UINT kConsoleLine = WM_APP + 1;
+
+  HWND Window() const { return window_; }
+  PluginArea Area() const override;
+  void Shown(std::int32_t profile) override;
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
+  void CreateParts();
+  HWND CreatePart(HWND parent, DWORD extendedStyle, const wchar_t* windowClass, const wchar_t* text,
+                  DWORD style, double points);
+  void FillList();
+  void Arrange() const;
+  SIZE SmallestSize() const;
+  HBRUSH Face();
+  void HandleChoice();
+  void HandleLine(LPARAM line);
+
+  const std::vector<Row> rows_;
+  win32::Fonts fonts_;
+  win32::Brushes brushes_;
+  int listWidth_ = 0;  // pixels
+  HWND window_ = nullptr;
+  HWND caption_ = nullptr;
+  HWND list_ = nullptr;
+  HWND area_ = nullptr;
+  HWND heading_ = nullptr;
+  HWND lastFocus_ = nullptr;
+};
+
+/// Runs until the frame is closed or the console's quit.
+void RunMessageLoop(const FrameWindow& frame);
+
+}  // namespace rotacasts::host

@@ -1,0 +1,82 @@
+#include "host/machine/win32/late_bound_plugin.h"
+
+#include <filesystem>
+
+#include "base/conversions.h"
+#include "com/win32_platform.h"
+#include "host/complaint.h"
+#include "host/machine/native_files.h"
+#include "services/host_services.h"
+
+namespace rotacasts::host {
+namespace {
+
+using win32::LateBound;
+using win32::Member;
+using win32::NumberArgument;
+using win32::TextArgument;
+using win32::ValueArgument;
+
+constexpr const char* kProgId = "tvxRT.clsPlugin";
+constexpr const wchar_t* kModule = L"tvxRT.dll";
+
+LateBound CreatePlugin(const std::string& hostFolder) {
+  try {
+    return LateBound::Create(kProgId);
+  } catch (const RuntimeError&) {
+    throw Complaint(std::string(kProgId) + " cannot be created; register " + hostFolder +
+                    "\\Plugins\\tvxRT.dll with regsvr32");
+  }
+}
+
+/// The plugin works in the folder that its own file lies below, whatever its host says.
+void RefuseOtherFolder(const std::string& hostFolder) {
+  const HMODULE module = ::GetModuleHandleW(kModule);
+  if (module == nullptr) return;  // of another name, or in another process: nothing to compare
+  const std::string own = HostFolderOf(win32::LoadedModule(module).Folder());
+  std::error_code ignored;
+  if (std::filesystem::equivalent(NativePath(own), NativePath(hostFolder), ignored)) return;
+  throw Complaint("the registered plugin works in " + own + "; register " + hostFolder +
+                  "\\Plugins\\tvxRT.dll with regsvr32, or name that folder");
+}
+
+}  // namespace
+
+LateBoundPlugin::LateBoundPlugin(const std::string& hostFolder)
+    : object_(CreatePlugin(hostFolder)) {
+  RefuseOtherFolder(hostFolder);
+}
+
+LateBoundPlugin::~LateBoundPlugin() {
+  object_ = LateBound({});
+  ::CoFreeUnusedLibrariesEx(0, 0);  // the plugin lets go of its siblings while they are there
+}
+
+void LateBoundPlugin::LoadInterface(std::int32_t index, forms::WindowHandle parent,
+                                    const Variant& data) {
+  Member(object_, "LoadInterface")(NumberArgument(index),
+                                   NumberArgument(static_cast<std::int32_t>(parent)),
+                                   ValueArgument(data), TextArgument(""));
+}
+
+void LateBoundPlugin::HideInterface() {
+  Member(object_, "HideInterface")(TextArgument(""));
+}
+
+void LateBoundPlugin::UnLoadInterface() {
+  Member(object_, "UnLoadInterface")(TextArgument(""));
+}
+
+void LateBoundPlugin::DisableProfile(std::int32_t index) {
+  Member(object_, "DisableProfile")(NumberArgument(index));
+}
+
+std::string LateBoundPlugin::Remote(RemoteOperation operation, std::int32_t index,
+                                    const Variant& data, const Variant& value) {
+  Member member(object_, kRemoteOperations[static_cast<std::size_t>(operation)]);
+  const win32::ComVariant reply =
+      member(NumberArgument(index), ValueArgument(data), ValueArgument(value));
+  return ToText(win32::FromVariant(reply.Get()));
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,27 @@
+// The plugin as the component tvxRT.clsPlugin, called by member name like any host calls it.
+#pragma once
+
+#include "com/late_bound.h"
+#include "host/hosted_plugin.h"
+
+namespace rotacasts::host {
+
+class LateBoundPlugin final : public HostedPlugin {
+ public:
+  /// Error 5, with the way out, when the component is not registered or when the registered one
+  /// belongs to another host folder than `hostFolder`. The siblings can be created by now.
+  explicit LateBoundPlugin(const std::string& hostFolder);
+  ~LateBoundPlugin() override;
+
+  void LoadInterface(std::int32_t index, forms::WindowHandle parent, const Variant& data) override;
+  void HideInterface() override;
+  void UnLoadInterface() override;
+  void DisableProfile(std::int32_t index) override;
+  std::string Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
+                     const Variant& value) override;
+
+ private:
+  win32::LateBound object_;
+};
+
+}  // namespace rotacasts::host

@@ -1,0 +1,105 @@
+#include "host/machine/process_reader.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <utility>
+
+// clang-format off
+#include "com/com_support.h"
+#include <tlhelp32.h>
+// clang-format on
+
+namespace rotacasts::host {
+namespace {
+
+constexpr std::size_t kPage = 4096;
+
+/// A number too large to be a process's stands for none: cut to size, it would stand for another
+/// process.
+HANDLE Open(ProcessId process) {
+  if (!std::in_range<DWORD>(process)) {
+    ::SetLastError(ERROR_INVALID_PARAMETER);
+    return nullptr;
+  }
+  return ::OpenProcess(PROCESS_VM_READ | PROCESS_QUERY_INFORMATION | SYNCHRONIZE, FALSE,
+                       static_cast<DWORD>(process));
+}
+
+/// A process opened for reading.
+class OpenedProcess {
+ public:
+  explicit OpenedProcess(ProcessId process) : handle_(Open(process)) {}
+  ~OpenedProcess() {
+    if (handle_ != nullptr) ::CloseHandle(handle_);
+  }
+  OpenedProcess(const OpenedProcess&) = delete;
+  OpenedProcess& operator=(const OpenedProcess&) = delete;
+
+  /// Why the process could not be opened; Complete when it was.
+  ReadOutcome Outcome() const {
+    if (handle_ != nullptr) return ReadOutcome::Complete;
+    return ::GetLastError() == ERROR_ACCESS_DENIED ? ReadOutcome::NotAllowed
+                                                   : ReadOutcome::ProcessGone;
+  }
+  ReadOutcome Read(std::uint32_t address, void* buffer, std::size_t size) const {
+    SIZE_T count = 0;
+    const void* place = reinterpret_cast<const void*>(address);
+    if (::ReadProcessMemory(handle_, place, buffer, size, &count) != FALSE && count == size) {
+      return ReadOutcome::Complete;
+    }
+    // One that has ended can still be opened while somebody else holds it.
+    return ::WaitForSingleObject(handle_, 0) == WAIT_OBJECT_0 ? ReadOutcome::ProcessGone
+                                                              : ReadOutcome::NotMapped;
+  }
+
+ private:
+  const HANDLE handle_;
+};
+
+/// Whether a program file has the name, which may leave its ending out.
+bool HasName(const wchar_t* programFile, const std::wstring& name) {
+  return ::_wcsicmp(programFile, name.c_str()) == 0 ||
+         ::_wcsicmp(programFile, (name + L".exe").c_str()) == 0;
+}
+
+}  // namespace
+
+ReadOutcome ReadProcess(ProcessId process, std::uint32_t address, void* buffer, std::size_t size) {
+  const OpenedProcess opened(process);
+  if (opened.Outcome() != ReadOutcome::Complete) return opened.Outcome();
+  return opened.Read(address, buffer, size);
+}
+
+ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buffer,
+                            std::size_t size, std::size_t& count) {
+  const OpenedProcess opened(process);
+  count = 0;
+  if (opened.Outcome() != ReadOutcome::Complete) return opened.Outcome();
+  // The system reads all or nothing; what is mapped ends where a page ends.
+  count = size;
+  ReadOutcome outcome = opened.Read(address, buffer, size);
+  const std::size_t toPageEnd = kPage - address % kPage;
+  if (outcome == ReadOutcome::NotMapped && toPageEnd < size) {
+    count = toPageEnd;
+    outcome = opened.Read(address, buffer, toPageEnd);
+  }
+  if (outcome != ReadOutcome::Complete) count = 0;
+  return outcome;
+}
+
+std::vector<ProcessId> FindProcesses(const std::string& programName) {
+  std::vector<ProcessId> found;
+  const HANDLE snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+  if (snapshot == INVALID_HANDLE_VALUE) return found;
+  const std::wstring name = win32::ToWide(programName);
+  PROCESSENTRY32W entry{};
+  entry.dwSize = sizeof entry;
+  for (BOOL more = ::Process32FirstW(snapshot, &entry); more != FALSE;
+       more = ::Process32NextW(snapshot, &entry)) {
+    if (HasName(entry.szExeFile, name)) found.push_back(entry.th32ProcessID);
+  }
+  ::CloseHandle(snapshot);
+  return found;
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,72 @@
+#include "host/machine/run_host.h"
+
+#include <algorithm>
+#include <atomic>
+
+#include "host/console.h"
+#include "host/machine/win32/console_input.h"
+#include "host/machine/win32/frame_window.h"
+#include "host/machine/win32/late_bound_plugin.h"
+#include "host/machine/win32/sibling_objects.h"
+
+namespace rotacasts::host {
+namespace {
+
+/// COM on this thread.
+class Apartment {
+ public:
+  Apartment() { ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+  ~Apartment() { ::CoUninitialize(); }
+  Apartment(const Apartment&) = delete;
+  Apartment& operator=(const Apartment&) = delete;
+};
+
+/// Ctrl-C closes the frame. The system asks on a thread of its own.
+std::atomic<HWND> frameToClose = nullptr;
+
+BOOL WINAPI CloseFrame(DWORD) {
+  return ::PostMessageW(frameToClose, WM_CLOSE, 0, 0);
+}
+
+/// The plugin's timers take the length of a minute from the environment.
+void TellMinute(std::chrono::nanoseconds minute) {
+  if (minute == std::chrono::minutes(1)) return;
+  const auto length = std::chrono::duration_cast<std::chrono::milliseconds>(minute).count();
+  const std::wstring text = std::to_wstring(std::max<std::int64_t>(length, 1));
+  ::SetEnvironmentVariableW(L"ROTACASTS_MINUTE_MS", text.c_str());
+}
+
+std::vector<FrameWindow::Row> RowsOf(const ProfileWatch& watch) {
+  std::vector<FrameWindow::Row> rows;
+  for (const auto& [index, profile] : watch.Profiles()) {
+    rows.push_back(
+        {index, std::to_string(index) + "  " + profile.folder + "  (" + profile.gameCode + ")"});
+  }
+  return rows;
+}
+
+}  // namespace
+
+void RunHost(ProfileWatch& watch, const HostOptions& options, std::ostream& out) {
+  const Apartment apartment;
+  TellMinute(options.minute);
+  const auto memory = watch.Components().CreateMemory();
+  const auto utility = watch.Components().CreateUtility();
+  const SiblingRegistration siblings(*memory, *utility);
+  FrameWindow frame(RowsOf(watch));
+  LateBoundPlugin plugin(options.folder);
+  ServerHost host(watch, plugin, frame, options, out);
+  Console console(host, out);
+  frame.onChoose = [&](std::int32_t profile) { host.Show(profile); };
+  frame.onConsoleLine = [&](const std::string& line) { return console.Execute(line); };
+  console.Start();
+  PostConsoleLines(frame.Window(), FrameWindow::kConsoleLine);
+  frameToClose = frame.Window();
+  ::SetConsoleCtrlHandler(CloseFrame, TRUE);
+  RunMessageLoop(frame);
+  ::SetConsoleCtrlHandler(CloseFrame, FALSE);
+  frame.onConsoleLine = nullptr;
+  host.Unload();
+}
+
+}  // namespace rotacasts::host
