@@ -12,7 +12,7 @@
 #include "game/address_table.h"
 #include "host/components/game_processes.h"
 #include "host/console.h"
-#include "host/headless_plugin.h"
+#include "host/linux/headless_plugin.h"
 #include "host/plain_output.h"
 #include "simulator/game_image.h"
 #include "support/fake_host.h"

@@ -8,8 +8,8 @@
 #include <stdexcept>
 
 #include "host/components/host_platform.h"
-#include "host/machine/win32/late_bound_plugin.h"
-#include "host/machine/win32/sibling_objects.h"
+#include "host/win32/late_bound_plugin.h"
+#include "host/win32/sibling_objects.h"
 #include "services/profile_tables.h"
 #include "ui/layout.h"
 #include "win32/turns.h"

@@ -7,8 +7,8 @@
 #include "host/check.h"
 #include "host/machine/native_files.h"
 #include "host/machine/program_arguments.h"
-#include "host/machine/run_host.h"
 #include "host/plain_output.h"
+#include "host/run_host.h"
 #include "host/version.h"
 #include "store/profile_paths.h"
 

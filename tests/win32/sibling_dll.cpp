@@ -3,7 +3,7 @@
 
 #include "com/registry.h"
 #include "host/components/host_platform.h"
-#include "host/machine/win32/sibling_objects.h"
+#include "host/win32/sibling_objects.h"
 
 namespace rotacasts {
 namespace {

@@ -1,10 +1,10 @@
-#include "host/machine/win32/sibling_objects.h"
+#include "host/win32/sibling_objects.h"
 
 #include <cwchar>
 #include <span>
 
 #include "com/late_bound.h"
-#include "host/machine/win32/call_member.h"
+#include "host/win32/call_member.h"
 
 namespace rotacasts::host {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/machine/win32/late_bound_plugin.h"
+#include "host/win32/late_bound_plugin.h"
 
 #include <filesystem>
 

@@ -1,7 +1,7 @@
-#include "host/machine/run_host.h"
+#include "host/run_host.h"
 
 #include "host/console.h"
-#include "host/headless_plugin.h"
+#include "host/linux/headless_plugin.h"
 #include "host/machine/linux/event_loop.h"
 
 namespace rotacasts::host {

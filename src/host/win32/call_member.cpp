@@ -1,4 +1,4 @@
-#include "host/machine/win32/call_member.h"
+#include "host/win32/call_member.h"
 
 #include "base/conversions.h"
 #include "com/late_bound.h"

@@ -1,4 +1,4 @@
-#include "host/machine/win32/frame_window.h"
+#include "host/win32/frame_window.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "host/headless_plugin.h"
+#include "host/linux/headless_plugin.h"
 
 #include "host/print_box.h"
 #include "ui/layout.h"

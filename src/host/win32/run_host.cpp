@@ -1,13 +1,13 @@
-#include "host/machine/run_host.h"
+#include "host/run_host.h"
 
 #include <algorithm>
 #include <atomic>
 
 #include "host/console.h"
 #include "host/machine/win32/console_input.h"
-#include "host/machine/win32/frame_window.h"
-#include "host/machine/win32/late_bound_plugin.h"
-#include "host/machine/win32/sibling_objects.h"
+#include "host/win32/frame_window.h"
+#include "host/win32/late_bound_plugin.h"
+#include "host/win32/sibling_objects.h"
 
 namespace rotacasts::host {
 namespace {
