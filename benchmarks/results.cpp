@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <iostream>
 
-#include "host/text_table.h"
+#include "host/terminal.h"
 
 namespace rotacasts::bench {
 

@@ -5,7 +5,7 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "broadcast/placeholders.h"
-#include "host/components/utility_component.h"
+#include "host/components/ini_text.h"
 #include "store/message_file.h"
 
 namespace rotacasts::host {

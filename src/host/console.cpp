@@ -4,8 +4,7 @@
 #include <optional>
 
 #include "base/conversions.h"
-#include "host/complaint.h"
-#include "host/text_table.h"
+#include "host/terminal.h"
 
 namespace rotacasts::host {
 namespace {

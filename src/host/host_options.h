@@ -1,16 +1,19 @@
-// What the person who starts the stand-alone host decides.
+// What the command line of the stand-alone host says.
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace rotacasts::host {
 
 struct HostOptions {
   std::string folder;  // the host folder, absolute, in the machine's spelling
   std::chrono::nanoseconds minute = std::chrono::minutes(1);  // how long a minute lasts
-  std::string administrator = "console";  // who the remote commands come from, for the log
-  bool sharedLog = false;                 // log them for the whole host, not for each profile
+  std::string administrator = "console";    // who the console's changes come from, for the log
+  bool sharedLog = false;                   // log them for the whole host, not for each profile
+  std::vector<std::int32_t> profiles = {};  // the ones to preview; none: all
 };
 
 }  // namespace rotacasts::host

@@ -7,8 +7,8 @@
 #include "host/check.h"
 #include "host/machine/native_files.h"
 #include "host/machine/program_arguments.h"
-#include "host/plain_output.h"
 #include "host/run_host.h"
+#include "host/terminal.h"
 #include "host/version.h"
 #include "store/profile_paths.h"
 
@@ -16,15 +16,6 @@ namespace {
 
 using namespace rotacasts;
 using namespace rotacasts::host;
-
-/// What the command line says.
-struct CommandLine {
-  std::string folder;
-  std::int64_t minute = 60000;  // milliseconds
-  std::string administrator = "console";
-  bool sharedLog = false;
-  std::vector<std::int32_t> profiles;
-};
 
 std::ostream& Out() {
   static PlainOutput out(std::cout);
@@ -36,17 +27,11 @@ std::ostream& Errors() {
   return errors;
 }
 
-HostOptions OptionsOf(const CommandLine& line) {
-  return {std::filesystem::absolute(PathOf(line.folder)).lexically_normal().string(),
-          std::chrono::milliseconds(line.minute), line.administrator, line.sharedLog};
-}
-
-int Run(const CommandLine& line) {
-  const HostOptions options = OptionsOf(line);
+int Run(const HostOptions& options) {
   ProfileWatch watch(options.folder, Out());
   watch.MakeWhatIsMissing();
   if (watch.Profiles().empty()) {
-    Errors() << line.folder
+    Errors() << options.folder
              << " has no usable profile; each needs a file profiles/NAME/profile.ini "
              << "with the section [Profile] and the keys Index, GameCode, Process and Target\n";
     return 2;
@@ -56,18 +41,18 @@ int Run(const CommandLine& line) {
 }
 
 /// The profiles that the person named, or all of them.
-std::vector<std::int32_t> Chosen(const CommandLine& line, const ProfileWatch& watch) {
-  if (!line.profiles.empty()) return line.profiles;
+std::vector<std::int32_t> Chosen(const HostOptions& options, const ProfileWatch& watch) {
+  if (!options.profiles.empty()) return options.profiles;
   std::vector<std::int32_t> all;
   for (const auto& [index, profile] : watch.Profiles()) all.push_back(index);
   return all;
 }
 
 /// 0 when every profile could be previewed, 1 when there is one that could not.
-int Preview(const CommandLine& line) {
-  ProfileWatch watch(OptionsOf(line).folder, Out());
+int Preview(const HostOptions& options) {
+  ProfileWatch watch(options.folder, Out());
   int status = 0;
-  for (const std::int32_t index : Chosen(line, watch)) {
+  for (const std::int32_t index : Chosen(options, watch)) {
     try {
       watch.PrintPreview(index);
     } catch (const RuntimeError& error) {
@@ -79,8 +64,8 @@ int Preview(const CommandLine& line) {
 }
 
 /// 0 when every file is in order, 1 when there is a warning.
-int Check(const CommandLine& line) {
-  const std::string folder = OptionsOf(line).folder;
+int Check(const HostOptions& options) {
+  const std::string& folder = options.folder;
   LoadedProfiles loaded = LoadProfiles(folder);
   std::size_t warnings = loaded.problems.size();
   for (const std::string& problem : loaded.problems) Out() << problem << "\n";
@@ -110,25 +95,35 @@ int main(int argc, char** argv) {
                                         std::to_string(ROTACASTS_VERSION_PATCH));
   app.require_subcommand(1);
   const std::map<std::string, std::int64_t> units = {{"ms", 1}, {"s", 1000}, {"m", 60000}};
-  CommandLine line;
+  HostOptions options;
   int status = 0;
-  const auto add = [&](const char* name, const char* help, int (*command)(const CommandLine&)) {
+  const auto add = [&](const char* name, const char* help, int (*command)(const HostOptions&)) {
     CLI::App* added = app.add_subcommand(name, help);
-    added->add_option("--host-folder", line.folder, "folder with profiles/ and settings/")
+    added
+        ->add_option_function<std::string>(
+            "--host-folder",
+            [&options](const std::string& folder) {
+              options.folder =
+                  std::filesystem::absolute(PathOf(folder)).lexically_normal().string();
+            },
+            "folder with profiles/ and settings/")
         ->required();
-    added->callback([&line, &status, command] { status = command(line); });
+    added->callback([&options, &status, command] { status = command(options); });
     return added;
   };
   CLI::App* run = add("run", "Start every profile and listen to the console", Run);
-  run->add_option("--admin", line.administrator, "who the console's changes are logged under")
+  run->add_option("--admin", options.administrator, "who the console's changes are logged under")
       ->capture_default_str();
-  run->add_flag("--shared-log", line.sharedLog, "log changes for the whole host");
-  run->add_option("--minute", line.minute, "how long a minute lasts, such as 1s or 300ms")
+  run->add_flag("--shared-log", options.sharedLog, "log changes for the whole host");
+  run->add_option_function<std::int64_t>(
+         "--minute",
+         [&options](std::int64_t length) { options.minute = std::chrono::milliseconds(length); },
+         "how long a minute lasts, such as 1s or 300ms")
       ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
       ->check(CLI::PositiveNumber)
       ->default_str("60s");
   add("preview", "Print what every message would say at this moment", Preview)
-      ->add_option("--profile", line.profiles, "only these profiles");
+      ->add_option("--profile", options.profiles, "only these profiles");
   add("check", "Look over the message files and warn", Check);
   try {
     app.parse(ProgramArguments(argc, argv));

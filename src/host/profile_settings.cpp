@@ -7,10 +7,10 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "game/address_table.h"
-#include "host/complaint.h"
 #include "host/components/host_file_system.h"
-#include "host/components/utility_component.h"
+#include "host/components/ini_text.h"
 #include "host/machine/native_files.h"
+#include "host/terminal.h"
 #include "store/profile_paths.h"
 
 namespace rotacasts::host {

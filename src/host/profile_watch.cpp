@@ -2,11 +2,10 @@
 
 #include "base/text.h"
 #include "broadcast/placeholders.h"
-#include "host/complaint.h"
 #include "host/components/host_file_system.h"
+#include "host/components/ini_text.h"
 #include "host/machine/native_files.h"
-#include "host/print_box.h"
-#include "host/text_table.h"
+#include "host/terminal.h"
 #include "store/profile_paths.h"
 
 namespace rotacasts::host {

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "host/complaint.h"
 #include "host/machine/base64.h"
-#include "host/text_table.h"
+#include "host/terminal.h"
 #include "store/message_file.h"
 
 namespace rotacasts::host {

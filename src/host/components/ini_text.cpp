@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "base/runtime_error.h"
 #include "base/text.h"
+#include "host/machine/native_files.h"
 
 namespace rotacasts::host {
 namespace {
@@ -13,6 +15,19 @@ std::string_view TrimBlanks(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
   if (first == text.npos) return {};
   return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+[[noreturn]] void RaiseNoText(const std::string& path, const char* reason) {
+  throw RuntimeError(ErrorNumber::InvalidFileFormat,
+                     NativePath(path).string() + " " + reason + "; save it as plain ANSI text");
+}
+
+void RefuseNonText(const std::string& path, std::string_view bytes) {
+  if (bytes.starts_with("\xEF\xBB\xBF")) RaiseNoText(path, "is a UTF-8 file");
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
+    RaiseNoText(path, "is a UTF-16 file");
+  }
+  if (bytes.find('\0') != bytes.npos) RaiseNoText(path, "holds NUL bytes");
 }
 
 }  // namespace
@@ -148,6 +163,12 @@ void IniText::Replace(std::size_t at, std::size_t length, std::string_view repla
   if (std::string_view(bytes_).substr(at, length) == replacement) return;
   bytes_.replace(at, length, replacement);
   changed_ = true;
+}
+
+IniText ReadIni(const std::string& path) {
+  std::string bytes = ReadWholeFile(path).value_or("");
+  RefuseNonText(path, bytes);
+  return IniText(std::move(bytes));
 }
 
 }  // namespace rotacasts::host

@@ -42,4 +42,8 @@ class IniText {
   bool changed_ = false;
 };
 
+/// Reads an INI file; an empty text when the file does not exist. Error 321 for a file that is no
+/// Windows-1252 text.
+IniText ReadIni(const std::string& path);
+
 }  // namespace rotacasts::host

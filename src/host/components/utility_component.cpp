@@ -5,23 +5,11 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "host/components/host_file_system.h"
+#include "host/components/ini_text.h"
 #include "host/machine/native_files.h"
 
 namespace rotacasts::host {
 namespace {
-
-[[noreturn]] void RaiseNoText(const std::string& path, const char* reason) {
-  throw RuntimeError(ErrorNumber::InvalidFileFormat,
-                     NativePath(path).string() + " " + reason + "; save it as plain ANSI text");
-}
-
-void RefuseNonText(const std::string& path, std::string_view bytes) {
-  if (bytes.starts_with("\xEF\xBB\xBF")) RaiseNoText(path, "is a UTF-8 file");
-  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
-    RaiseNoText(path, "is a UTF-16 file");
-  }
-  if (bytes.find('\0') != bytes.npos) RaiseNoText(path, "holds NUL bytes");
-}
 
 void RefuseLineBreaks(std::string_view text, const char* what) {
   if (HasLineBreak(text) || text.find('\0') != text.npos) {
@@ -53,12 +41,6 @@ std::string KeyBytes(const UtilityComponent::Key& key) {
 }
 
 }  // namespace
-
-IniText ReadIni(const std::string& path) {
-  std::string bytes = ReadWholeFile(path).value_or("");
-  RefuseNonText(path, bytes);
-  return IniText(std::move(bytes));
-}
 
 std::string HostUtilityComponent::GetIniKey(const std::string& section, const std::string& key,
                                             std::string& file) {

@@ -3,14 +3,9 @@
 
 #include <string>
 
-#include "host/components/ini_text.h"
 #include "platform/platform.h"
 
 namespace rotacasts::host {
-
-/// Reads an INI file; an empty text when the file does not exist. Error 321 for a file that is no
-/// Windows-1252 text.
-IniText ReadIni(const std::string& path);
 
 /// Reports go to `reports` and errors to `logs\errors.log` below the host folder; both folders are
 /// made when they are missing.

@@ -1,6 +1,6 @@
 #include "host/linux/headless_plugin.h"
 
-#include "host/print_box.h"
+#include "host/terminal.h"
 #include "ui/layout.h"
 
 namespace rotacasts::host {

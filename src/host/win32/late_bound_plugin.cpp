@@ -4,8 +4,8 @@
 
 #include "base/conversions.h"
 #include "com/win32_platform.h"
-#include "host/complaint.h"
 #include "host/machine/native_files.h"
+#include "host/terminal.h"
 #include "services/host_services.h"
 
 namespace rotacasts::host {
