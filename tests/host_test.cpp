@@ -1,8 +1,10 @@
 // The stand-alone host at work: reading processes, the simulator's memory, the console.
 
+#include <poll.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 #include <set>
 #include <sstream>
@@ -14,6 +16,7 @@
 #include "host/components/ini_text.h"
 #include "host/console.h"
 #include "host/linux/headless_plugin.h"
+#include "host/machine/linux/event_loop.h"
 #include "host/terminal.h"
 #include "simulator/game_image.h"
 #include "support/fake_host.h"
@@ -150,6 +153,41 @@ TEST(GameLife, EverySeedLivesThroughEveryStateWithAGameTypeThatThereIs) {
     }
     EXPECT_EQ(states, (std::set<std::int32_t>{1, 2, 3, 4})) << seed;
   }
+}
+
+TEST(EventLoopTest, ServesDescriptorsDeadlinesAndSignalsInTurns) {
+  EventLoop loop;
+  std::string said;
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  ASSERT_EQ(::write(ends[1], "x", 1), 1);
+  auto due = std::optional(EventLoop::Clock::now());
+  loop.AtTurnBegin([&] { said += '('; });
+  loop.AtTurnEnd([&] { said += ')'; });
+  loop.Watch(ends[0], POLLIN, [&](short) {
+    char byte;
+    said += ::read(ends[0], &byte, 1) == 1 ? "read " : "end ";
+    loop.Unwatch(ends[0]);
+    loop.Watch(ends[1], POLLOUT, [&](short ready) {  // begins with the next turn
+      said += (ready & POLLOUT) != 0 ? "room " : "broken ";
+      loop.Unwatch(ends[1]);
+      ::close(ends[0]);
+      said += ::write(ends[1], "x", 1) < 0 && errno == EPIPE ? "nobody reads " : "written ";
+      ::raise(SIGHUP);
+    });
+  });
+  loop.AddDeadline([&] { return due; },
+                   [&] {
+                     said += "due ";
+                     due.reset();
+                   });
+  loop.onReload = [&] {
+    said += "reload";
+    ::raise(SIGTERM);
+  };
+  loop.Run();
+  EXPECT_EQ(said, "(read due )(room nobody reads )(reload");
+  ::close(ends[1]);
 }
 
 TEST(PlainOutput, ShowsControlCharactersAsQuestionMarks) {

@@ -2,17 +2,28 @@
 
 #include "host/console.h"
 #include "host/linux/headless_plugin.h"
-#include "host/machine/linux/event_loop.h"
+#include "host/machine/linux/console_input.h"
 
 namespace rotacasts::host {
 
 void RunHost(ProfileWatch& watch, const HostOptions& options, std::ostream& out) {
+  EventLoop loop;
   HeadlessPlugin plugin(watch.Components(), options.minute, out);
   HeadlessSite site;
   ServerHost host(watch, plugin, site, options, out);
   Console console(host, out);
+  headless::TimerLoop& timers = plugin.Timers();
+  loop.AddDeadline([&timers] { return timers.NextDue(); }, [&timers] { timers.RunDue(); });
+  ConsoleInput input(
+      loop,
+      [&](const std::string& line) {
+        const bool goesOn = console.Execute(line);
+        if (!goesOn) loop.Stop();
+        return goesOn;
+      },
+      [] {});
   console.Start();
-  RunEventLoop(plugin.Timers(), [&](const std::string& line) { return console.Execute(line); });
+  loop.Run();
 }
 
 }  // namespace rotacasts::host

@@ -7,69 +7,52 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
+#include <utility>
+
+#include "base/runtime_error.h"
 
 namespace rotacasts::host {
+
+/// The signals that are taken, as a descriptor; the dispositions before are put back at the end.
+struct EventLoop::Signals {
+  Signals() {
+    sigset_t taken;
+    sigemptyset(&taken);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&taken, signal);
+    sigprocmask(SIG_BLOCK, &taken, &maskBefore);
+    descriptor = ::signalfd(-1, &taken, SFD_CLOEXEC | SFD_NONBLOCK);
+    pipeBefore = ::signal(SIGPIPE, SIG_IGN);
+  }
+  ~Signals() {
+    while (Next() != 0) {  // one left pending would end the program once it is let through again
+    }
+    ::close(descriptor);
+    ::signal(SIGPIPE, pipeBefore);
+    sigprocmask(SIG_SETMASK, &maskBefore, nullptr);
+  }
+  Signals(const Signals&) = delete;
+  Signals& operator=(const Signals&) = delete;
+
+  /// The next signal that has arrived; 0 when there is none.
+  int Next() const {
+    signalfd_siginfo signal{};
+    const ssize_t count = ::read(descriptor, &signal, sizeof signal);
+    return count == sizeof signal ? static_cast<int>(signal.ssi_signo) : 0;
+  }
+
+  int descriptor;
+  sigset_t maskBefore;
+  void (*pipeBefore)(int);
+};
+
 namespace {
 
-using headless::TimerLoop;
-
-/// Turns the signals that end a program into something to wait for.
-class EndSignals {
- public:
-  EndSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    sigprocmask(SIG_BLOCK, &signals, &before_);
-    descriptor_ = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-  }
-  ~EndSignals() {
-    signalfd_siginfo taken;  // one left pending would end the program once it is let through again
-    while (::read(descriptor_, &taken, sizeof taken) > 0) {
-    }
-    ::close(descriptor_);
-    sigprocmask(SIG_SETMASK, &before_, nullptr);
-  }
-  int Descriptor() const { return descriptor_; }
-
- private:
-  sigset_t before_;
-  int descriptor_;
-};
-
-/// Takes complete lines out of what has been read; the rest waits for its line feed, or for the end
-/// of the input.
-class LineBuffer {
- public:
-  /// False at the end of the input.
-  bool Fill() {
-    char buffer[4096];
-    const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
-    if (count < 0 && errno == EINTR) return true;
-    if (count == 0 && !text_.empty()) text_ += '\n';
-    if (count <= 0) return false;
-    text_.append(buffer, static_cast<std::size_t>(count));
-    return true;
-  }
-  bool Take(std::string& line) {
-    const auto end = text_.find('\n');
-    if (end == text_.npos) return false;
-    line = text_.substr(0, end);
-    text_.erase(0, end + 1);
-    if (line.ends_with('\r')) line.pop_back();
-    return true;
-  }
-
- private:
-  std::string text_;
-};
-
-/// How long to wait for the next timer; null for ever.
-const timespec* Until(const TimerLoop& timers, timespec& wait) {
-  const auto due = timers.NextDue();
-  if (!due) return nullptr;
-  const auto left = std::max(*due - TimerLoop::Clock::now(), TimerLoop::Clock::duration::zero());
+/// How long from now; null for ever.
+const timespec* Until(std::optional<EventLoop::Clock::time_point> time, timespec& wait) {
+  if (!time) return nullptr;
+  using Duration = EventLoop::Clock::duration;
+  const Duration left = std::max(*time - EventLoop::Clock::now(), Duration::zero());
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
   wait.tv_sec = static_cast<time_t>(seconds.count());
   wait.tv_nsec = static_cast<long>(std::chrono::nanoseconds(left - seconds).count());
@@ -78,23 +61,68 @@ const timespec* Until(const TimerLoop& timers, timespec& wait) {
 
 }  // namespace
 
-void RunEventLoop(TimerLoop& timers, const std::function<bool(const std::string&)>& onLine) {
-  const EndSignals endSignals;
-  LineBuffer input;
-  pollfd sources[] = {{endSignals.Descriptor(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
-  for (;;) {
-    timespec wait{};
-    const int ready = ::ppoll(sources, std::size(sources), Until(timers, wait), nullptr);
-    if (ready < 0 && errno != EINTR) return;
-    if (ready > 0 && sources[0].revents != 0) return;
-    if (ready > 0 && sources[1].revents != 0) {
-      if (!input.Fill()) sources[1].fd = -1;
-      for (std::string line; input.Take(line);) {
-        if (!onLine(line)) return;
-      }
-    }
-    timers.RunDue();
+EventLoop::EventLoop() : signals_(std::make_unique<Signals>()) {}
+EventLoop::~EventLoop() = default;
+
+void EventLoop::Watch(int descriptor, short events, std::function<void(short)> onReady) {
+  watches_[descriptor] = {events, std::move(onReady), ++lastNumber_};
+}
+
+void EventLoop::AddDeadline(std::function<std::optional<Clock::time_point>()> next,
+                            std::function<void()> run) {
+  deadlines_.push_back({std::move(next), std::move(run)});
+}
+
+std::optional<EventLoop::Clock::time_point> EventLoop::FirstDeadline() const {
+  std::optional<Clock::time_point> first;
+  for (const Deadline& deadline : deadlines_) {
+    const auto next = deadline.next();
+    if (next && (!first || *next < *first)) first = next;
   }
+  return first;
+}
+
+bool EventLoop::TakeSignals() {
+  for (int signal = signals_->Next(); signal != 0; signal = signals_->Next()) {
+    if (signal != SIGHUP) return false;
+    if (onReload) onReload();
+  }
+  return true;
+}
+
+void EventLoop::RunTurn() {
+  std::vector<pollfd> sources = {{signals_->descriptor, POLLIN, 0}};
+  std::vector<std::int64_t> numbers = {0};
+  for (const auto& [descriptor, watch] : watches_) {
+    sources.push_back({descriptor, watch.events, 0});
+    numbers.push_back(watch.number);
+  }
+  timespec wait{};
+  if (::ppoll(sources.data(), sources.size(), Until(FirstDeadline(), wait), nullptr) < 0) {
+    if (errno == EINTR) return;
+    throw RuntimeError(ErrorNumber::DeviceIoError,
+                       std::string("cannot wait (") + std::strerror(errno) + ")");
+  }
+  for (const auto& hook : turnBegins_) hook();
+  if (sources[0].revents != 0 && !TakeSignals()) return Stop();
+  for (std::size_t i = 1; i < sources.size() && !isStopped_; ++i) {
+    const auto found = watches_.find(sources[i].fd);
+    if (sources[i].revents == 0 || found == watches_.end()) continue;
+    if (found->second.number != numbers[i]) continue;  // watched anew meanwhile
+    const auto onReady = found->second.onReady;        // outlives an Unwatch from within
+    onReady(sources[i].revents);
+  }
+  for (const Deadline& deadline : deadlines_) {
+    if (isStopped_) return;
+    const auto next = deadline.next();
+    if (next && *next <= Clock::now()) deadline.run();
+  }
+  for (const auto& hook : turnEnds_) hook();
+}
+
+void EventLoop::Run() {
+  isStopped_ = false;
+  while (!isStopped_) RunTurn();
 }
 
 }  // namespace rotacasts::host
