@@ -44,7 +44,7 @@ TEST(EndToEnd, MessagesReachTheServersUntilOneDies) {
   const std::string far = std::to_string(joint.process.Id() + (std::int64_t{1} << 32));
   folder.AddProfile(3, "JO", far, joint.port, messages);
   ChildProcess host = StartHost(folder);
-  EXPECT_TRUE(host.ReadUntil("profile 3 (srv3): process " + far + " has ended"));
+  EXPECT_TRUE(host.ReadUntil("profile 3 (srv3): the game server has ended (process " + far + ")"));
   for (Server* server : {&joint, &hawk}) {
     for (const char* text :
          {"Grüße €", "[Next Map] ", "[Most Kills] ", "[Least Deaths] ", "Grüße €"}) {
@@ -55,7 +55,7 @@ TEST(EndToEnd, MessagesReachTheServersUntilOneDies) {
   EXPECT_TRUE(host.ReadUntil("1        srv1    DFBHD  running"));
   const std::string id = joint.Id();
   EXPECT_EQ(joint.process.Wait(SIGKILL), -SIGKILL);
-  EXPECT_TRUE(host.ReadUntil("profile 2 (srv2): process " + id + " has ended"));
+  EXPECT_TRUE(host.ReadUntil("profile 2 (srv2): the game server has ended (process " + id + ")"));
   EXPECT_TRUE(hawk.process.ReadUntil("Grüße €"));  // the other profile keeps going
   for (const char* stop : {"disable 1", "unload"}) {
     host.WriteLine(std::string(stop) + "\nstatus\nmessages 1");
@@ -81,7 +81,7 @@ TEST(EndToEnd, AServerStartedAnewUnderItsProgramNameIsFoundAgain) {
   EXPECT_TRUE(first->process.ReadUntil("Hello"));
   const std::string port = first->port;
   first.reset();
-  EXPECT_TRUE(host.ReadUntil("has ended; start the game server"));
+  EXPECT_TRUE(host.ReadUntil("the game server has ended"));
   ChildProcess second({program, "--game-code", "JO_2", "--port", port});
   EXPECT_TRUE(second.ReadUntil("Hello"));
   EXPECT_EQ(host.Wait(SIGTERM), 0);

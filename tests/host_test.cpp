@@ -207,27 +207,56 @@ TEST(PlainOutput, ShowsControlCharactersAsQuestionMarks) {
   }
 }
 
-TEST(ProfileWatchTest, LooksOnWithoutWritingAnything) {
+TEST(PreviewTest, LooksOnWithoutWritingAnything) {
   const HostFolder folder;
   const std::int32_t state = MemoryMapFor(false, false, "JO").Address(location::kGameState);
   const LowPage idleGame(static_cast<std::uintptr_t>(state) / LowPage::kPage * LowPage::kPage);
   folder.AddProfile(1, "JO", std::to_string(::getpid()), "4001",
-                    MessageFileBytes({"{ShowMostKills}"}));
+                    MessageFileBytes({"{ShowMostKills}", "{ShowNextMap}"}));
   std::ostringstream out;
-  ProfileWatch(folder.Path(), out).PrintPreview(1);
-  EXPECT_NE(out.str().find("is GameCode the right one?"), std::string::npos) << out.str();
-  EXPECT_NE(out.str().find("Error Report Sent: No"), std::string::npos) << out.str();
+  HostProfiles profiles(folder.Path(), out);
+  Preview preview(profiles);
+  const ProfileSettings& profile = profiles.At(1);
+  const Preview::Game game = preview.GameOf(profile);
+  EXPECT_EQ(game.state, Preview::Game::State::Idle);
+  const std::string kills = preview.TextOf(profile, game, "{ShowMostKills}").Shown();
+  EXPECT_NE(kills.find("(cannot tell: profile 1 (srv1): process "), kills.npos) << kills;
+  EXPECT_NE(kills.find("is GameCode the right one?"), kills.npos) << kills;
+  const std::string map = preview.TextOf(profile, game, "{ShowNextMap}").Shown();
+  EXPECT_TRUE(map.starts_with("Unknown!!! (profile 1")) << map;
   const std::filesystem::directory_iterator all(folder.Path());
   EXPECT_EQ(std::distance(begin(all), end(all)), 1);  // the profiles, and no log beside them
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST(TroublesTest, SaysWhatComesBackOnceAndThatItIsOver) {
+  std::ostringstream out;
+  Troubles troubles(out);
+  Troubles::Clock::time_point now;
+  const auto tick = [&](std::vector<std::string> problems) {
+    for (const std::string& words : problems) troubles.Met(1, words, now);
+    troubles.TickEnded(1, "A", now);
+    now += std::chrono::seconds(30);
+    return std::exchange(out, std::ostringstream()).str();
+  };
+  EXPECT_EQ(tick({}), "");
+  EXPECT_EQ(tick({"A: gone", "odd", "odd"}), "A: gone\nodd\n");
+  EXPECT_EQ(tick({"A: gone"}), "A: over after 30 s, met once: odd\n");
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(tick({"A: gone"}), "");
+  troubles.Met(2, "A: gone", now);
+  EXPECT_EQ(out.str(), "A: gone\n");  // another profile's
+  out.str("");
+  EXPECT_EQ(tick({}), "A: over after 3 min 30 s, met 7 times: gone\n");
+  EXPECT_EQ(tick({"A: gone"}), "A: gone\n");
 }
 
 class ConsoleTest : public ::testing::Test {
  protected:
   /// Runs console lines on a host of the folder and answers what was printed since.
-  std::string Execute(std::initializer_list<const char*> lines) {
+  std::string Execute(const std::vector<std::string>& lines) {
     if (!running_) Restart({folder.Path()});
     Console console(running_->host, out_);
-    for (const char* line : lines) console.Execute(line);
+    for (const std::string& line : lines) console.Execute(line);
     return std::exchange(out_, std::ostringstream()).str();
   }
   void Restart(const HostOptions& options) {
@@ -255,21 +284,22 @@ class ConsoleTest : public ::testing::Test {
     }
     return lines;
   }
-  static std::string NotAdded(const std::string& why) {
-    return "[DLL Error!]\n  Error Line: 1\n  Error 5: Invalid procedure call or argument: " + why +
-           "\n  DLL: tvxRT.dll\n  Function/Sub: AddMessageRem\n  Error Report Sent: No\n\"\"\n";
+  static std::string Refused(const std::string& why) {
+    return "profile 2 (srv2): Invalid procedure call or argument: " + why + "\n\"\"\n";
   }
   HostFolder folder;
 
  private:
   struct Running {
     Running(const HostOptions& options, std::ostream& out)
-        : watch(options.folder, out),
-          plugin(watch.Components(), options.minute, out),
-          host(watch, plugin, site, options, out) {
-      watch.MakeWhatIsMissing();
+        : profiles(options.folder, out),
+          troubles(out),
+          plugin(profiles, troubles, options.minute),
+          host(profiles, plugin, site, options) {
+      profiles.MakeWhatIsMissing();
     }
-    ProfileWatch watch;
+    HostProfiles profiles;
+    Troubles troubles;
     HeadlessPlugin plugin;
     HeadlessSite site;
     ServerHost host;
@@ -290,8 +320,10 @@ TEST_F(ConsoleTest, OneBadProfileLeavesTheOthersGoing) {
   const std::string text = Execute({"status", "messages 2"});
   for (const char* says :
        {"skipped: profile 6 (srv6): its settings folder cannot be made: File already exists: ",
-        "Target is \"x\"; give its chat port", "Function/Sub: Form_Reload",
+        "Target is \"x\"; give its chat port",
+        "profile 1 (srv1): Type mismatch (error 13 in Form_Reload)",
         "holds NUL bytes; save it as plain ANSI text", "GameCode is \"NOPE\"; give one of DFBHD, ",
+        "profile 2 (srv2): no program no-such-program is running; start it",
         "0         {ShowNextMap}  (cannot tell: no game server)",
         "2                        (nothing: it is skipped)"}) {
     EXPECT_NE(text.find(says), std::string::npos) << says << " is not in\n" << text;
@@ -315,7 +347,9 @@ TEST_F(ConsoleTest, CommandsDoWhatTheySayOrSayWhatIsWrong) {
                                    {"status", "DFX2"},
                                    {"hide", ""},
                                    {"unload", ""},
-                                   {"status", "stopped"}}) {
+                                   {"status", "stopped"},
+                                   {"add 2 x", "profile 2 (srv2) is stopped; \"show 2\" starts it"},
+                                   {"remote 2 EnableRTRem 1", "(error 9 in EnableRTRem)"}}) {
     const std::string text = Execute({line});
     EXPECT_NE(text.find(says), std::string::npos) << line << ": " << text;
   }
@@ -325,7 +359,7 @@ TEST_F(ConsoleTest, CommandsDoWhatTheySayOrSayWhatIsWrong) {
 
 TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
   struct Row {
-    const char* line;
+    std::string line;
     std::string says;
     const char* file = nullptr;  // the messages and options afterwards; null: as before
     std::string log = "";
@@ -341,23 +375,34 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
        "[Rotacasts] Move Rotacasts Down (Message: b) from Zoe\r\n"},
       {"up 2 0", "not moved: it is the first message\n"},
       {"down 2 2", "not moved: it is the last message\n"},
-      {"delete 2 3", "there is no message at position 3; \"messages 2\" lists those there are\n"},
-      {"up 2 -1", "there is no message at position -1; \"messages 2\" lists those there are\n"},
-      {"down 2 x", "usage: down PROFILE POSITION\n"},
+      {"delete 2 3", "there is no message at position 3; \"messages\" lists those there are\n"},
+      {"up 2 -1", "there is no message at position -1; \"messages\" lists those there are\n"},
+      {"down 2 x", "\"x\" is no whole number; usage: down PROFILE POSITION\n"},
+      {"delete 2 0.5", "\"0.5\" is no whole number; usage: delete PROFILE POSITION\n"},
+      {"delete 2 0 1", "\"1\" is too much; usage: delete PROFILE POSITION\n"},
+      {"enable 2 off", "\"off\" is no whole number; usage: enable PROFILE 0|1\n"},
+      {"enable 2 2", "not switched: give 1 for on, 0 for off\n"},
+      {"interval 2 abc", "\"abc\" is no whole number; usage: interval PROFILE MINUTES\n"},
+      {"interval 2 31", "not changed: an interval is 0 to 30 minutes\n"},
+      {"interval 2 -1", "not changed: an interval is 0 to 30 minutes\n"},
+      {"add 2 " + std::string(65508, 'x'),
+       "not added: the message has 65508 bytes, more than the 65507 of one datagram; give a "
+       "shorter "
+       "one\n"},
       {"add 2 ", "usage: add PROFILE TEXT\n"},
       {"add 2 Ł",
-       "not stored: a message is one line of Windows-1252 letters, in a file that can "
+       "not added: a message is one line of Windows-1252 letters, in a file that can "
        "be written\n",
        nullptr, "[Rotacasts] Add Rotacast (Message: ?) from Zoe\r\n"},
-      {"enable 2 0", "Enable is 0\n", "a;b;c;0;3;",
+      {"enable 2 0", "profile 2 (srv2) is switched off\n", "a;b;c;0;3;",
        "[Rotacasts] Enable Rotacasts (New Value: 0) from Zoe\r\n"},
-      {"interval 2 9", "Interval is 9\n", "a;b;c;0;9;",
+      {"interval 2 9", "profile 2 (srv2) says a message every 9 minutes\n", "a;b;c;0;9;",
        "[Rotacasts] Change Rotacasts Interval (New Interval: 9) from Zoe\r\n"},
       {"remote 2 GetMessagesRem", "\"YQ==|Yg==|Yw==|0|9\"\n"},
       {"remote 2 AddMessageRem ZA==", "\"1\"\n", "a;b;c;d;0;9;",
        "[Rotacasts] Add Rotacast (Message: d) from Zoe\r\n"},
-      {"remote 2 AddMessageRem Z", NotAdded("the text is not Base64")},
-      {"remote 2 AddMessageRem /w==", NotAdded("the Base64 text packs no UTF-8")},
+      {"remote 2 AddMessageRem Z", Refused("the text is not Base64")},
+      {"remote 2 AddMessageRem /w==", Refused("the Base64 text packs no UTF-8")},
       {"remote 2 MoveMessageDownRem 9", "\"0\"\n"},
       {"remote 2 Fly 1",
        "Fly is no remote operation; there are GetMessagesRem AddMessageRem EnableRTRem "
@@ -397,61 +442,68 @@ TEST_F(ConsoleTest, APositionThatCouldMeanAnotherMessageIsRefused) {
   }
 }
 
-/// A plugin in a component of its own: it is called and tells nothing of itself.
-class OpaquePlugin final : public HostedPlugin {
- public:
-  void LoadInterface(std::int32_t index, forms::WindowHandle parent, const Variant& data) override {
-    calls.push_back("load " + std::to_string(index) + " in " + std::to_string(parent) + ", " +
-                    ToText(data.At(pdat::kGameCode)) + " by " +
-                    ToText(data.At(pdat::kAdministrator)) + ", width " +
-                    ToText(data.At(pdat::kAreaWidth)));
+TEST_F(ConsoleTest, EachProfileGoesByItsOwnSwitchAndIntervalAndReloadTakesTheFilesOver) {
+  folder.AddProfile(1, "JO", "1", "4001", MessageFileBytes({"a"}, "1", "3"));
+  folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"b"}, "1", "7"));
+  const auto rows = [this] {
+    std::istringstream status(Execute({"status"}));
+    std::string found;
+    for (std::string line; std::getline(status, line);) {
+      if (const auto at = line.find("unreachable"); at != line.npos) {
+        found += line.substr(0, 1) + line.substr(at + 11, 16) + "|";
+      } else if (line.find("reload") != line.npos) {
+        found += line + "|";
+      }
+    }
+    return found;
+  };
+  EXPECT_EQ(rows(), "1  on      3 min |2  on      7 min |");
+  Execute({"show 2", "enable 1 0"});  // whatever the window shows
+  EXPECT_EQ(rows(), "1  off     3 min |2  on      7 min |");
+  folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"b"}, "0", "9"));
+  folder.AddProfile(5, "JO", "1", "4005", MessageFileBytes({"e"}, "1", "5"));
+  EXPECT_EQ(rows(),
+            "1  off     3 min |2  on      7 min |"
+            "profile 2 (srv2): its message file has another switch or interval; "
+            "\"reload\" takes them over|");
+  EXPECT_EQ(Execute({"reload"}), "added: profile 5\nread anew; profiles: 3\n");
+  EXPECT_EQ(rows(), "1  off     3 min |2  off     9 min |5  on      5 min |");
+  std::filesystem::remove(folder.File("profiles/srv1/profile.ini"));
+  folder.AddProfile(2, "NOPE", "1", "4002");  // goes on as it was
+  folder.AddProfile(5, "JO_2", "1", "4005");
+  const std::string text = Execute({"disable 2", "reload", "status"});
+  for (const char* says : {"not used: ", "GameCode is \"NOPE\"",
+                           "changed: profile 5\nremoved: "
+                           "profile 1\nread anew; profiles: 2\n",
+                           "JO    stopped", "JO_2  "}) {
+    EXPECT_NE(text.find(says), std::string::npos) << says << " is not in\n" << text;
   }
-  void HideInterface() override { calls.emplace_back("hide"); }
-  void UnLoadInterface() override { calls.emplace_back("unload"); }
-  void DisableProfile(std::int32_t index) override {
-    calls.push_back("disable " + std::to_string(index));
+}
+
+/// A plugin in a component of its own, which tells nothing of itself.
+struct OpaquePlugin final : HostedPlugin {
+  void LoadInterface(std::int32_t, forms::WindowHandle, const Variant&) override {}
+  void HideInterface() override {}
+  void UnLoadInterface() override {}
+  void DisableProfile(std::int32_t) override {}
+  Reply Remote(RemoteOperation, std::int32_t, const Variant&, const Variant&) override {
+    return {};
   }
-  std::string Remote(RemoteOperation operation, std::int32_t index, const Variant&,
-                     const Variant& value) override {
-    calls.push_back(std::string(kRemoteOperations[static_cast<std::size_t>(operation)]) + " " +
-                    std::to_string(index) +
-                    (value == Variant(Variant::Missing{}) ? "" : " " + ToText(value)));
-    return "reply";
-  }
-  std::vector<std::string> calls;
 };
 
-struct RecordingSite final : PluginSite {
-  PluginArea Area() const override { return {77, 9000, 6000}; }
-  void Shown(std::int32_t profile) override { shown.push_back(profile); }
-  std::vector<std::int32_t> shown;
-};
-
-TEST(ServerHostTest, DrivesAPluginThatItCannotLookInto) {
+TEST(ServerHostTest, ShowsOfAPluginThatItCannotLookIntoWhatTheFilesSay) {
   const HostFolder folder;
-  folder.AddProfile(1, "JO", "1", "4001");
   folder.AddProfile(2, "DFX2", "no-such-program", "4002", MessageFileBytes({"a", "{ShowNextMap}"}));
   std::ostringstream out;
-  ProfileWatch watch(folder.Path(), out);
+  HostProfiles profiles(folder.Path(), out);
   OpaquePlugin plugin;
-  RecordingSite site;
-  ServerHost host(watch, plugin, site, {folder.Path(), std::chrono::minutes(1), "Rex", false}, out);
+  HeadlessSite site;
+  ServerHost host(profiles, plugin, site, {folder.Path()});
   Console console(host, out);
   console.Start();
-  for (const char* line : {"remote 2 DeleteMessageRem 1", "remote 1 GetMessagesRem", "disable 1",
-                           "show 2", "status", "messages 2", "hide", "unload", "status"}) {
-    console.Execute(line);
-  }
-  EXPECT_EQ(plugin.calls,
-            (std::vector<std::string>{"load 1 in 77, JO by Rex, width 9000",
-                                      "load 2 in 77, DFX2 by Rex, width 9000",
-                                      "DeleteMessageRem 2 1", "GetMessagesRem 1", "disable 1",
-                                      "load 2 in 77, DFX2 by Rex, width 9000", "hide", "unload"}));
-  EXPECT_EQ(site.shown, (std::vector<std::int32_t>{1, 2, 2, 0, 0}));
-  for (const char* says :
-       {"JO    stopped, game unreachable",
-        "DFX2  unreachable                on      1 min  -      -", "(cannot tell: no game server)",
-        "DFX2  stopped, game unreachable  on      1 min  0      0: a\n"}) {
+  for (const char* line : {"status", "unload", "status"}) console.Execute(line);
+  for (const char* says : {"DFX2  unreachable  on      1 min  -      -\n",
+                           "DFX2  stopped, game unreachable  on      1 min  0      0: a\n"}) {
     EXPECT_NE(out.str().find(says), std::string::npos) << says << " is not in\n" << out.str();
   }
 }

@@ -1,16 +1,33 @@
 #include "host/console.h"
 
 #include <algorithm>
+#include <charconv>
 #include <optional>
 
-#include "base/conversions.h"
+#include "base/text.h"
+#include "host/machine/native_files.h"
 #include "host/terminal.h"
+#include "host/troubles.h"
 
 namespace rotacasts::host {
+
 namespace {
 
+/// Error 5, with their names, for an operation that there is not.
+RemoteOperation FindOperation(const std::string& name) {
+  const auto* found = std::find(std::begin(kRemoteOperations), std::end(kRemoteOperations), name);
+  if (found != std::end(kRemoteOperations)) {
+    return static_cast<RemoteOperation>(found - kRemoteOperations);
+  }
+  std::string names;
+  for (const char* operation : kRemoteOperations) names += std::string(" ") + operation;
+  throw Complaint(name + " is no remote operation; there are" + names);
+}
+
+}  // namespace
+
 /// What follows a command's name on its line.
-class Arguments {
+class Console::Arguments {
  public:
   Arguments(std::string_view usage, std::string_view rest) : usage_(usage), rest_(rest) {}
 
@@ -22,11 +39,25 @@ class Arguments {
     rest_.remove_prefix(word.size());
     return std::string(word);
   }
-  /// The next word as a whole number, such as a profile index or a position.
+  /// The next word as a whole number in plain decimal, such as a profile index or a position.
   std::int32_t Number() {
     const std::string word = Word();
-    if (!IsNumeric(word)) RaiseUsage();
-    return ToLong(word);
+    std::int32_t number = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    if (error == std::errc() && end == word.data() + word.size()) return number;
+    throw Complaint("\"" + word + "\" is no whole number; usage: " + std::string(usage_));
+  }
+  /// The last number of the line.
+  std::int32_t LastNumber() {
+    const std::int32_t number = Number();
+    End();
+    return number;
+  }
+  bool IsAtEnd() const { return rest_.find_first_not_of(' ') == rest_.npos; }
+  /// Error 5 if a word follows that nobody asked for.
+  void End() {
+    if (IsAtEnd()) return;
+    throw Complaint("\"" + Word() + "\" is too much; usage: " + std::string(usage_));
   }
   /// All that follows one blank, as it stands; nothing when not even the blank is there.
   std::optional<std::string> Rest() const {
@@ -46,72 +77,81 @@ class Arguments {
   std::string_view rest_;
 };
 
-}  // namespace
-
 struct Console::Command {
   std::string_view usage;  // its first word is the command
   std::string_view help;
-  void (*run)(Console&, Arguments);
+  void (*run)(Console&, Arguments&);
 
   std::string_view Name() const { return usage.substr(0, usage.find(' ')); }
 };
 
 const Console::Command Console::kCommands[] = {
-    {"show PROFILE", "read its profile.ini anew, load the window for it and start it",
-     [](Console& console, Arguments arguments) { console.host_.Show(arguments.Number()); }},
-    {"hide", "hide the window; the broadcasts go on",
-     [](Console& console, Arguments) { console.host_.Hide(); }},
-    {"unload", "unload the window and stop every profile",
-     [](Console& console, Arguments) { console.host_.Unload(); }},
-    {"disable PROFILE", "stop one profile",
-     [](Console& console, Arguments arguments) { console.host_.Disable(arguments.Number()); }},
-    {"messages PROFILE", "list its messages and what each says now",
-     [](Console& console, Arguments arguments) {
-       console.host_.PrintMessages(arguments.Number());
+    {"status", "a line a profile: game, switch, interval, ticks counted, next message",
+     [](Console& console, Arguments& arguments) {
+       arguments.End();
+       console.PrintAllStatus();
      }},
+    {"messages PROFILE", "list its messages and what each says now",
+     [](Console& console, Arguments& arguments) { console.PrintMessages(arguments.LastNumber()); }},
     {"add PROFILE TEXT", "add a message at the end of its list",
-     [](Console& console, Arguments arguments) {
+     [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.host_.AddMessage(profile, arguments.Text());
+       console.out_ << console.host_.AddMessage(profile, arguments.Text()) << "\n";
      }},
     {"delete PROFILE POSITION", "delete a message",
-     [](Console& console, Arguments arguments) {
+     [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.host_.DeleteMessage(profile, arguments.Number());
+       console.out_ << console.host_.DeleteMessage(profile, arguments.LastNumber()) << "\n";
      }},
     {"up PROFILE POSITION", "move a message one place up",
-     [](Console& console, Arguments arguments) {
+     [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.host_.MoveMessage(profile, arguments.Number(), true);
+       console.out_ << console.host_.MoveMessage(profile, arguments.LastNumber(), true) << "\n";
      }},
     {"down PROFILE POSITION", "move a message one place down",
-     [](Console& console, Arguments arguments) {
+     [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.host_.MoveMessage(profile, arguments.Number(), false);
+       console.out_ << console.host_.MoveMessage(profile, arguments.LastNumber(), false) << "\n";
      }},
     {"enable PROFILE 0|1", "switch its broadcasts off or on",
-     [](Console& console, Arguments arguments) {
+     [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.host_.SetOption(profile, kEnableKey, arguments.Word());
+       const std::int32_t value = arguments.LastNumber();
+       if (value != 0 && value != 1) throw Complaint("not switched: give 1 for on, 0 for off");
+       console.out_ << console.host_.SetSwitch(profile, value == 1) << "\n";
      }},
-    {"interval PROFILE MINUTES", "set the minutes between two messages",
-     [](Console& console, Arguments arguments) {
+    {"interval PROFILE MINUTES", "set the minutes between two messages, 0 to 30",
+     [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.host_.SetOption(profile, kIntervalKey, arguments.Word());
+       console.out_ << console.host_.SetInterval(profile, arguments.LastNumber()) << "\n";
+     }},
+    {"show PROFILE", "read its profile.ini anew, load the window for it and start it",
+     [](Console& console, Arguments& arguments) { console.host_.Show(arguments.LastNumber()); }},
+    {"hide", "hide the window; the broadcasts go on",
+     [](Console& console, Arguments& arguments) {
+       arguments.End();
+       console.host_.Hide();
+     }},
+    {"disable PROFILE", "stop one profile",
+     [](Console& console, Arguments& arguments) { console.host_.Disable(arguments.LastNumber()); }},
+    {"unload", "unload the window and stop every profile",
+     [](Console& console, Arguments& arguments) {
+       arguments.End();
+       console.host_.Unload();
+     }},
+    {"reload", "read every profile.ini and message file anew: added, changed, removed ones",
+     [](Console& console, Arguments& arguments) {
+       arguments.End();
+       console.PrintReloaded();
      }},
     {"remote PROFILE OPERATION [DATA]", "pass DATA as it stands; print the raw reply",
-     [](Console& console, Arguments arguments) {
-       const std::int32_t profile = arguments.Number();
-       const std::string operation = arguments.Word();
-       const std::optional<std::string> data = arguments.Rest();
-       const Variant value = data ? Variant(*data) : Variant(Variant::Missing{});
-       const std::string reply = console.host_.Remote(profile, operation, value);
-       console.out_ << '"' << reply << "\"\n";
+     [](Console& console, Arguments& arguments) { console.PrintRemote(arguments); }},
+    {"help", "this list", [](Console& console, Arguments&) { console.PrintHelp(); }},
+    {"quit", "end the host",
+     [](Console& console, Arguments& arguments) {
+       arguments.End();
+       console.goesOn_ = false;
      }},
-    {"status", "a line a profile: game, options, ticks counted, next message",
-     [](Console& console, Arguments) { console.host_.PrintStatus(); }},
-    {"help", "this list", [](Console& console, Arguments) { console.PrintHelp(); }},
-    {"quit", "end the host", [](Console& console, Arguments) { console.goesOn_ = false; }},
 };
 
 void Console::Start() {
@@ -133,8 +173,9 @@ void Console::Run(std::string_view line) {
   const std::string_view name = line.substr(0, line.find(' '));
   if (name.empty()) return;
   for (const Command& command : kCommands) {
-    if (command.Name() == name)
-      return command.run(*this, {command.usage, line.substr(name.size())});
+    if (command.Name() != name) continue;
+    Arguments arguments(command.usage, line.substr(name.size()));
+    return command.run(*this, arguments);
   }
   out_ << "\"" << name << "\" is no command; \"help\" lists them\n";
 }
@@ -145,6 +186,68 @@ void Console::PrintHelp() const {
     table.Add({std::string(command.usage), std::string(command.help)});
   }
   table.Print(out_);
+}
+
+std::vector<std::string> Console::CommandNames() {
+  std::vector<std::string> names;
+  for (const Command& command : kCommands) names.emplace_back(command.Name());
+  return names;
+}
+
+void Console::PrintMessages(std::int32_t index) {
+  const MessageList list = host_.MessagesOf(index);
+  const ProfileStatus status = host_.StatusOf(index);
+  PrintMessageTable(out_, host_.Previews(), status.profile, list);
+  out_ << status.profile.Label() << " is switched " << (status.isSwitchedOn ? "on" : "off")
+       << (status.isStopped ? ", but stopped" : "") << "; a message every " << status.interval
+       << " min\n";
+}
+
+void Console::PrintAllStatus() {
+  std::vector<ProfileStatus> all;
+  for (const auto& [index, profile] : host_.Profiles().All()) all.push_back(host_.StatusOf(index));
+  PrintStatus(out_, all);
+}
+
+void Console::PrintReloaded() {
+  const HostProfiles::Changes changes = host_.Reload();
+  const auto print = [this](const char* what, const std::vector<std::int32_t>& indexes) {
+    for (const std::int32_t index : indexes) out_ << what << ": profile " << index << "\n";
+  };
+  print("added", changes.added);
+  print("changed", changes.changed);
+  print("removed", changes.removed);
+  out_ << "read anew; profiles: " << host_.Profiles().All().size() << "\n";
+}
+
+void Console::PrintRemote(Arguments& arguments) {
+  const std::int32_t profile = arguments.Number();
+  const RemoteOperation operation = FindOperation(arguments.Word());
+  const std::optional<std::string> data = arguments.Rest();
+  const Variant value = data ? Variant(*data) : Variant(Variant::Missing{});
+  const HostedPlugin::Reply reply = host_.Remote(profile, operation, value);
+  for (const std::string& problem : reply.problems) out_ << problem << "\n";
+  out_ << '"' << reply.text << "\"\n";
+}
+
+bool PrintMessageTable(std::ostream& out, Preview& preview, const ProfileSettings& profile,
+                       const MessageList& list) {
+  const Preview::Game game = preview.GameOf(profile);
+  const bool isReached = game.state != Preview::Game::State::Unreachable;
+  if (!isReached) out << Named(profile.Label(), game.problem) << "\n";
+  if (list.messages.empty()) {
+    out << profile.Label() << " has no messages in " << NativePath(list.path).string() << "\n";
+    return isReached;
+  }
+  TextTable table({"Position", "Message", "Says now"});
+  for (std::size_t i = 0; i < list.messages.size(); ++i) {
+    const std::string& message = list.messages[i].text;
+    Preview::Text text = preview.TextOf(profile, game, message);
+    if (!isReached && !text.problem.empty()) text.problem = "no game server";
+    table.Add({std::to_string(i), message, text.Shown()});
+  }
+  table.Print(out);
+  return isReached;
 }
 
 }  // namespace rotacasts::host

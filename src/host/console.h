@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/server_host.h"
 
@@ -18,16 +19,31 @@ class Console {
   /// Carries out one line; false once the person wants to quit. An error is printed, with the way
   /// out, and changes nothing else.
   bool Execute(const std::string& line);
+  /// What the host does when it is asked to reload by a signal.
+  void Reload() { Execute("reload"); }
+
+  /// The commands' names, for whoever completes them.
+  static std::vector<std::string> CommandNames();
 
  private:
+  class Arguments;
   struct Command;
   static const Command kCommands[];
   void Run(std::string_view line);
   void PrintHelp() const;
+  void PrintMessages(std::int32_t index);
+  void PrintAllStatus();
+  void PrintReloaded();
+  void PrintRemote(Arguments& arguments);
 
   ServerHost& host_;
   std::ostream& out_;
   bool goesOn_ = true;
 };
+
+/// Prints a profile's messages with their positions and what each says now; false when its game
+/// server cannot be reached.
+bool PrintMessageTable(std::ostream& out, Preview& preview, const ProfileSettings& profile,
+                       const MessageList& list);
 
 }  // namespace rotacasts::host

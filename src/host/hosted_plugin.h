@@ -1,9 +1,11 @@
 // The plugin as the stand-alone host sees it, wherever the plugin runs.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/variant.h"
 #include "forms/toolkit.h"
@@ -51,26 +53,26 @@ class HostedPlugin {
   virtual void HideInterface() = 0;
   virtual void UnLoadInterface() = 0;
   virtual void DisableProfile(std::int32_t index) = 0;
-  /// The raw reply. `value` is the operation's last argument; a missing one is left out.
-  virtual std::string Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
-                             const Variant& value) = 0;
+  /// A remote operation's raw reply, and what the plugin had to report meanwhile, in words. `value`
+  /// is the operation's last argument; a missing one is left out.
+  struct Reply {
+    std::string text;
+    std::vector<std::string> problems;
+  };
+  virtual Reply Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
+                       const Variant& value) = 0;
 
-  // What the plugin alone knows. Nothing is answered where its insides are not at hand.
-
-  /// How far a profile's broadcasts have come.
+  /// How far a profile's broadcasts have come, and what they go by. The plugin alone knows: nothing
+  /// is answered where its insides are not at hand.
   struct Progress {
     bool isStarted = false;
+    bool isSwitchedOn = false;
+    std::string interval;  // minutes, as the settings window has it
     std::int32_t elapsedTicks = 0;
     std::int32_t nextMessage = 0;
+    std::chrono::steady_clock::time_point nextTick = {};
   };
   virtual std::optional<Progress> ProgressOf(std::int32_t) const { return std::nullopt; }
-  /// What the settings window shows, as long as it is loaded.
-  struct Window {
-    std::int32_t profile = 0;
-    bool isSwitchedOn = false;
-    std::string interval;
-  };
-  virtual std::optional<Window> ShownWindow() const { return std::nullopt; }
 };
 
 }  // namespace rotacasts::host

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "host/check.h"
+#include "host/console.h"
 #include "host/machine/native_files.h"
 #include "host/machine/program_arguments.h"
 #include "host/run_host.h"
@@ -28,33 +29,38 @@ std::ostream& Errors() {
 }
 
 int Run(const HostOptions& options) {
-  ProfileWatch watch(options.folder, Out());
-  watch.MakeWhatIsMissing();
-  if (watch.Profiles().empty()) {
+  HostProfiles profiles(options.folder, Out());
+  profiles.MakeWhatIsMissing();
+  if (profiles.All().empty()) {
     Errors() << options.folder
              << " has no usable profile; each needs a file profiles/NAME/profile.ini "
              << "with the section [Profile] and the keys Index, GameCode, Process and Target\n";
     return 2;
   }
-  RunHost(watch, options, Out());
+  RunHost(profiles, options, Out());
   return 0;
 }
 
 /// The profiles that the person named, or all of them.
-std::vector<std::int32_t> Chosen(const HostOptions& options, const ProfileWatch& watch) {
+std::vector<std::int32_t> Chosen(const HostOptions& options, const HostProfiles& profiles) {
   if (!options.profiles.empty()) return options.profiles;
   std::vector<std::int32_t> all;
-  for (const auto& [index, profile] : watch.Profiles()) all.push_back(index);
+  for (const auto& [index, profile] : profiles.All()) all.push_back(index);
   return all;
 }
 
-/// 0 when every profile could be previewed, 1 when there is one that could not.
-int Preview(const HostOptions& options) {
-  ProfileWatch watch(options.folder, Out());
+/// 0 when every profile could be previewed, 1 when there is one that could not, or whose game
+/// server cannot be reached.
+int PrintPreviews(const HostOptions& options) {
+  HostProfiles profiles(options.folder, Out());
+  Preview preview(profiles);
   int status = 0;
-  for (const std::int32_t index : Chosen(options, watch)) {
+  for (const std::int32_t index : Chosen(options, profiles)) {
     try {
-      watch.PrintPreview(index);
+      const ProfileSettings& profile = profiles.At(index);
+      Out() << profile.Label() << ", " << profile.gameCode << "\n";
+      const MessageList list(MessageFilePath(options.folder, profile.folder));
+      if (!PrintMessageTable(Out(), preview, profile, list)) status = 1;
     } catch (const RuntimeError& error) {
       Out() << error.description << "\n";
       status = 1;
@@ -122,7 +128,7 @@ int main(int argc, char** argv) {
       ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
       ->check(CLI::PositiveNumber)
       ->default_str("60s");
-  add("preview", "Print what every message would say at this moment", Preview)
+  add("preview", "Print what every message would say at this moment", PrintPreviews)
       ->add_option("--profile", options.profiles, "only these profiles");
   add("check", "Look over the message files and warn", Check);
   try {

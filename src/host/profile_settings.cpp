@@ -67,6 +67,10 @@ class Reader {
 
 }  // namespace
 
+bool HasProfileFile(const std::string& hostFolder, const std::string& folder) {
+  return HostFileSystem().FileExists(ProfileFile(hostFolder, folder));
+}
+
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder) {
   ProfileFolderPath(hostFolder, folder);  // a name that the plugin refuses is refused here
   const Reader reader(ProfileFile(hostFolder, folder));
@@ -83,7 +87,6 @@ ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& fo
 
 LoadedProfiles LoadProfiles(const std::string& hostFolder) {
   LoadedProfiles loaded;
-  HostFileSystem files;
   std::map<std::int32_t, ProfileSettings> byIndex;
   std::vector<std::string> folders;
   std::error_code problem;
@@ -97,7 +100,7 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
   }
   std::sort(folders.begin(), folders.end());
   for (const std::string& folder : folders) {
-    if (!files.FileExists(ProfileFile(hostFolder, folder))) continue;
+    if (!HasProfileFile(hostFolder, folder)) continue;
     try {
       const ProfileSettings profile = ReadProfile(hostFolder, folder);
       const auto [other, added] = byIndex.try_emplace(profile.index, profile);

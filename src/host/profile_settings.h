@@ -15,6 +15,7 @@ struct ProfileSettings {
   std::string process;      // process id or program name
   std::int32_t target = 0;  // UDP port of the game server's chat on 127.0.0.1
 
+  bool operator==(const ProfileSettings&) const = default;
   /// The profile as errors and listings name it.
   std::string Label() const { return "profile " + std::to_string(index) + " (" + folder + ")"; }
 };
@@ -30,5 +31,8 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder);
 
 /// Reads one profile. Error 5, naming the file and what to do, for nonsense in it.
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder);
+
+/// Whether the folder has a profile.ini, usable or not.
+bool HasProfileFile(const std::string& hostFolder, const std::string& folder);
 
 }  // namespace rotacasts::host

@@ -1,21 +1,31 @@
 #include "host/server_host.h"
 
-#include <algorithm>
-
 #include "host/machine/base64.h"
 #include "host/terminal.h"
 #include "store/message_file.h"
+#include "store/profile_paths.h"
 
 namespace rotacasts::host {
 namespace {
 
-constexpr const char* kNotKnown = "-";
+/// What one datagram of UDP over IPv4 carries.
+constexpr std::size_t kLongestMessage = 65507;
+constexpr std::int32_t kLongestInterval = 30;
+
+[[noreturn]] void RaiseUnchanged(const char* what, const HostedPlugin::Reply& reply,
+                                 const std::string& likely) {
+  std::string reasons;
+  for (const std::string& problem : reply.problems) {
+    reasons += (reasons.empty() ? "" : "; ") + problem;
+  }
+  throw Complaint(std::string(what) + ": " + (reasons.empty() ? likely : reasons));
+}
 
 }  // namespace
 
-Variant ServerHost::DataOf(const ProfileSettings& profile) const {
-  Variant::Array data = watch_.DataOf(profile);
-  data[pdat::kAdministrator] = options_.administrator;
+Variant ServerHost::DataOf(const ProfileSettings& profile, const std::string& administrator) const {
+  Variant::Array data = profiles_.DataOf(profile);
+  data[pdat::kAdministrator] = administrator.empty() ? options_.administrator : administrator;
   data[pdat::kSharedLog] = options_.sharedLog;
   const PluginArea area = site_.Area();
   data[pdat::kAreaHeight] = area.height;
@@ -24,18 +34,18 @@ Variant ServerHost::DataOf(const ProfileSettings& profile) const {
 }
 
 void ServerHost::Load(const ProfileSettings& profile) {
-  plugin_.LoadInterface(profile.index, site_.Area().window, DataOf(profile));
+  plugin_.LoadInterface(profile.index, site_.Area().window, DataOf(profile, {}));
   started_.insert(profile.index);
   site_.Shown(profile.index);
 }
 
 std::size_t ServerHost::LoadEveryProfile() {
-  for (const auto& [index, profile] : watch_.Profiles()) Load(profile);
-  return watch_.Profiles().size();
+  for (const auto& [index, profile] : profiles_.All()) Load(profile);
+  return profiles_.All().size();
 }
 
 void ServerHost::Show(std::int32_t index) {
-  Load(watch_.ReadAnew(index));
+  Load(profiles_.ReadAnew(index));
 }
 
 void ServerHost::Hide() {
@@ -50,113 +60,106 @@ void ServerHost::Unload() {
 }
 
 void ServerHost::Disable(std::int32_t index) {
-  watch_.Profile(index);
+  profiles_.At(index);
   plugin_.DisableProfile(index);
   started_.erase(index);
 }
 
-std::string ServerHost::Remote(std::int32_t index, RemoteOperation operation,
-                               const Variant& value) {
-  return plugin_.Remote(operation, index, DataOf(watch_.Profile(index)), value);
-}
-
-std::string ServerHost::Remote(std::int32_t index, const std::string& operation,
-                               const Variant& data) {
-  const auto* found =
-      std::find(std::begin(kRemoteOperations), std::end(kRemoteOperations), operation);
-  if (found != std::end(kRemoteOperations)) {
-    return Remote(index, static_cast<RemoteOperation>(found - kRemoteOperations), data);
+HostProfiles::Changes ServerHost::Reload() {
+  HostProfiles::Changes changes = profiles_.ReadAllAnew();
+  for (const std::int32_t index : changes.removed) {
+    plugin_.DisableProfile(index);
+    started_.erase(index);
   }
-  std::string names;
-  for (const char* name : kRemoteOperations) names += std::string(" ") + name;
-  throw Complaint(operation + " is no remote operation; there are" + names);
+  for (const std::int32_t index : changes.added) started_.insert(index);
+  const std::set<std::int32_t> running = started_;
+  for (const std::int32_t index : running) Load(profiles_.At(index));
+  return changes;
 }
 
-void ServerHost::AddMessage(std::int32_t index, const std::string& text) {
-  const std::string reply = Remote(index, RemoteOperation::AddMessage, EncodeBase64(text));
-  if (reply == "1") {
-    out_ << "added at position " << watch_.MessagesOf(watch_.Profile(index)).size() - 1 << "\n";
-  } else if (reply == "0") {
-    out_ << "not stored: a message is one line of Windows-1252 letters, in a file that can be "
-            "written\n";
+HostedPlugin::Reply ServerHost::Remote(std::int32_t index, RemoteOperation operation,
+                                       const Variant& value, const std::string& administrator) {
+  return plugin_.Remote(operation, index, DataOf(profiles_.At(index), administrator), value);
+}
+
+void ServerHost::RequireStarted(std::int32_t index) const {
+  const ProfileSettings& profile = profiles_.At(index);
+  if (started_.contains(index)) return;
+  throw Complaint(profile.Label() + " is stopped; \"show " + std::to_string(index) +
+                  "\" starts it");
+}
+
+std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
+                                   const std::string& administrator) {
+  RequireStarted(index);
+  if (text.size() > kLongestMessage) {
+    throw Complaint("not added: the message has " + std::to_string(text.size()) +
+                    " bytes, more than the " + std::to_string(kLongestMessage) +
+                    " of one datagram; give a shorter one");
   }
+  const HostedPlugin::Reply reply =
+      Remote(index, RemoteOperation::AddMessage, EncodeBase64(text), administrator);
+  if (reply.text != "1") {
+    RaiseUnchanged("not added", reply,
+                   "a message is one line of Windows-1252 letters, in a file that can be written");
+  }
+  return "added at position " + std::to_string(MessagesOf(index).messages.size() - 1);
 }
 
-void ServerHost::DeleteMessage(std::int32_t index, std::int32_t position) {
-  const std::string text = RequireMessage(index, position);
-  const std::string reply = Remote(index, RemoteOperation::DeleteMessage, position);
-  if (reply == "1") out_ << "deleted: " << text << "\n";
+std::string ServerHost::DeleteMessage(std::int32_t index, std::int32_t position,
+                                      const std::string& administrator) {
+  RequireStarted(index);
+  const std::string text = MessagesOf(index).TextAt(position);
+  const HostedPlugin::Reply reply =
+      Remote(index, RemoteOperation::DeleteMessage, position, administrator);
+  if (reply.text != "1") RaiseUnchanged("not deleted", reply, "the file cannot be written");
+  return "deleted: " + text;
 }
 
-void ServerHost::MoveMessage(std::int32_t index, std::int32_t position, bool up) {
-  const std::string text = RequireMessage(index, position);
+std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, bool up,
+                                    const std::string& administrator) {
+  RequireStarted(index);
+  const std::string text = MessagesOf(index).TextAt(position);
   const auto operation = up ? RemoteOperation::MoveMessageUp : RemoteOperation::MoveMessageDown;
-  const std::string reply = Remote(index, operation, position);
-  if (reply == "1") out_ << "moved " << (up ? "up: " : "down: ") << text << "\n";
-  if (reply == "0") out_ << "not moved: it is the " << (up ? "first" : "last") << " message\n";
-}
-
-void ServerHost::SetOption(std::int32_t index, const char* key, const std::string& value) {
-  const bool isSwitch = key == std::string(kEnableKey);
-  Remote(index, isSwitch ? RemoteOperation::Enable : RemoteOperation::ChangeInterval, value);
-  out_ << key << " is " << watch_.OptionOf(watch_.Profile(index), key) << "\n";
-}
-
-std::string ServerHost::RequireMessage(std::int32_t index, std::int32_t position) {
-  const ProfileSettings& profile = watch_.Profile(index);
-  watch_.RequireNumbering(profile);
-  const std::vector<std::string> messages = watch_.MessagesOf(profile);
-  if (position >= 0 && static_cast<std::size_t>(position) < messages.size()) {
-    return messages[static_cast<std::size_t>(position)];
+  const HostedPlugin::Reply reply = Remote(index, operation, position, administrator);
+  if (reply.text != "1") {
+    RaiseUnchanged("not moved", reply,
+                   std::string("it is the ") + (up ? "first" : "last") + " message");
   }
-  throw Complaint("there is no message at position " + std::to_string(position) + "; \"messages " +
-                  std::to_string(index) + "\" lists those there are");
+  return std::string("moved ") + (up ? "up: " : "down: ") + text;
 }
 
-std::string ServerHost::MessageAt(const ProfileSettings& profile, ProfileWatch::Game game,
-                                  std::int32_t position) {
-  const std::vector<std::string> messages = watch_.MessagesOf(profile);
-  if (messages.empty()) return "(no messages)";
-  auto at = static_cast<std::size_t>(position);
-  if (at >= messages.size()) at = 0;
-  const std::string says = watch_.SaysNow(profile.index, game, messages[at]);
-  return std::to_string(at) + ": " + (says == messages[at] ? says : messages[at] + " -> " + says);
+std::string ServerHost::SetSwitch(std::int32_t index, bool isOn, const std::string& administrator) {
+  RequireStarted(index);
+  const HostedPlugin::Reply reply =
+      Remote(index, RemoteOperation::Enable, isOn ? "1" : "0", administrator);
+  if (!reply.problems.empty()) RaiseUnchanged("not switched", reply, {});
+  return profiles_.At(index).Label() + " is switched " + (isOn ? "on" : "off");
 }
 
-std::vector<std::string> ServerHost::StatusRow(const ProfileSettings& profile) {
-  constexpr const char* kGames[] = {"unreachable", "idle", "running"};
-  auto progress = plugin_.ProgressOf(profile.index);
-  if (!progress && !started_.contains(profile.index)) {
+std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
+                                    const std::string& administrator) {
+  RequireStarted(index);
+  if (minutes < 0 || minutes > kLongestInterval) {
+    throw Complaint("not changed: an interval is 0 to 30 minutes");
+  }
+  const HostedPlugin::Reply reply =
+      Remote(index, RemoteOperation::ChangeInterval, std::to_string(minutes), administrator);
+  if (!reply.problems.empty()) RaiseUnchanged("not changed", reply, {});
+  return profiles_.At(index).Label() + " says a message every " + std::to_string(minutes) +
+         (minutes == 1 ? " minute" : " minutes");
+}
+
+MessageList ServerHost::MessagesOf(std::int32_t index) const {
+  return MessageList(MessageFilePath(profiles_.Folder(), profiles_.At(index).folder));
+}
+
+ProfileStatus ServerHost::StatusOf(std::int32_t index) {
+  auto progress = plugin_.ProgressOf(index);
+  if (!progress && !started_.contains(index)) {
     progress = HostedPlugin::Progress();  // a stopped one begins anew
   }
-  const bool isStopped = progress && !progress->isStarted;
-  const ProfileWatch::Game game = watch_.GameOf(profile.index);
-  return {std::to_string(profile.index),
-          profile.folder,
-          profile.gameCode,
-          std::string(isStopped ? "stopped, game " : "") + kGames[static_cast<int>(game)],
-          watch_.OptionOf(profile, kEnableKey) == "1" ? "on" : "off",
-          watch_.OptionOf(profile, kIntervalKey) + " min",
-          progress ? std::to_string(progress->elapsedTicks) : kNotKnown,
-          progress ? MessageAt(profile, game, progress->nextMessage) : kNotKnown};
-}
-
-void ServerHost::PrintStatus() {
-  TextTable table(
-      {"Profile", "Folder", "Code", "Game", "Switch", "Every", "Ticks", "Next message"});
-  for (const auto& [index, profile] : watch_.Profiles()) {
-    try {
-      table.Add(StatusRow(profile));
-    } catch (const RuntimeError& error) {
-      table.Add({std::to_string(index), profile.folder, profile.gameCode, error.description});
-    }
-  }
-  table.Print(out_);
-  if (const auto window = plugin_.ShownWindow()) {
-    out_ << "The window shows profile " << window->profile << "; every profile goes by its switch ("
-         << (window->isSwitchedOn ? "on" : "off") << ") and its interval (" << window->interval
-         << " min).\n";
-  }
+  return ReadStatus(profiles_, preview_, profiles_.At(index), progress);
 }
 
 }  // namespace rotacasts::host

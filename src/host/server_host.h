@@ -1,4 +1,4 @@
-// The stand-alone host: the plugin at work on the profiles, and what a console asks of both.
+// The stand-alone host: the plugin at work on the profiles, and what people ask of both.
 #pragma once
 
 #include <cstdint>
@@ -10,18 +10,24 @@
 
 #include "host/host_options.h"
 #include "host/hosted_plugin.h"
-#include "host/profile_watch.h"
+#include "host/message_list.h"
+#include "host/status.h"
 
 namespace rotacasts::host {
 
-/// Plays the administration host for the plugin. What it has to say goes to `out`. An index that
-/// no profile has raises error 5.
+/// Plays the administration host for the plugin. An index that no profile has raises error 5.
 class ServerHost {
  public:
   /// All that is referred to outlives the host.
-  ServerHost(ProfileWatch& watch, HostedPlugin& plugin, PluginSite& site, HostOptions options,
-             std::ostream& out)
-      : watch_(watch), plugin_(plugin), site_(site), options_(std::move(options)), out_(out) {}
+  ServerHost(HostProfiles& profiles, HostedPlugin& plugin, PluginSite& site, HostOptions options)
+      : profiles_(profiles),
+        preview_(profiles),
+        plugin_(plugin),
+        site_(site),
+        options_(std::move(options)) {}
+
+  HostProfiles& Profiles() { return profiles_; }
+  Preview& Previews() { return preview_; }
 
   /// Loads the window for every profile, in the order of their indexes, so that each is started;
   /// their number.
@@ -31,37 +37,42 @@ class ServerHost {
   void Hide();
   void Unload();
   void Disable(std::int32_t index);
+  /// Reads every profile.ini anew: starts what is new, stops what is gone, and lets every profile
+  /// that is started go by its files as they are now. A profile that was stopped stays so.
+  HostProfiles::Changes Reload();
 
-  /// Passes a remote operation to the plugin, `data` as it stands; the raw reply. Error 5 for an
-  /// operation that there is not.
-  std::string Remote(std::int32_t index, const std::string& operation, const Variant& data);
-  // The same for people: texts as they are read, positions that must exist, the outcome in words.
-  void AddMessage(std::int32_t index, const std::string& text);
-  void DeleteMessage(std::int32_t index, std::int32_t position);
-  void MoveMessage(std::int32_t index, std::int32_t position, bool up);
-  void SetOption(std::int32_t index, const char* key, const std::string& value);
+  /// Passes a remote operation to the plugin, `value` as it stands, in the name of an
+  /// administrator; no name: the console's.
+  HostedPlugin::Reply Remote(std::int32_t index, RemoteOperation operation, const Variant& value,
+                             const std::string& administrator = {});
+  // The same for people: values that are checked before anything is written, and the outcome in
+  // words. Error 5 with the reason when nothing has been changed.
+  std::string AddMessage(std::int32_t index, const std::string& text,
+                         const std::string& administrator = {});
+  std::string DeleteMessage(std::int32_t index, std::int32_t position,
+                            const std::string& administrator = {});
+  std::string MoveMessage(std::int32_t index, std::int32_t position, bool up,
+                          const std::string& administrator = {});
+  std::string SetSwitch(std::int32_t index, bool isOn, const std::string& administrator = {});
+  /// 0 to 30 minutes.
+  std::string SetInterval(std::int32_t index, std::int32_t minutes,
+                          const std::string& administrator = {});
 
-  /// Prints the profile's messages with their positions, what each says now, and its options.
-  void PrintMessages(std::int32_t index) { watch_.PrintMessages(index); }
-  /// Prints a line a profile: whether it is stopped, the game's state, its options, the ticks
-  /// counted, the next message and what that says now.
-  void PrintStatus();
+  MessageList MessagesOf(std::int32_t index) const;
+  ProfileStatus StatusOf(std::int32_t index);
 
  private:
   /// The profile data array that the host hands to the plugin.
-  Variant DataOf(const ProfileSettings& profile) const;
+  Variant DataOf(const ProfileSettings& profile, const std::string& administrator) const;
   void Load(const ProfileSettings& profile);
-  std::string Remote(std::int32_t index, RemoteOperation operation, const Variant& value);
-  std::string RequireMessage(std::int32_t index, std::int32_t position);
-  std::string MessageAt(const ProfileSettings& profile, ProfileWatch::Game game,
-                        std::int32_t position);
-  std::vector<std::string> StatusRow(const ProfileSettings& profile);
+  /// Error 5, with the way out, for a profile that is stopped.
+  void RequireStarted(std::int32_t index) const;
 
-  ProfileWatch& watch_;
+  HostProfiles& profiles_;
+  Preview preview_;
   HostedPlugin& plugin_;
   PluginSite& site_;
   const HostOptions options_;
-  std::ostream& out_;
   std::set<std::int32_t> started_;  // what has been asked of the plugin
 };
 

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "base/runtime_error.h"
 
@@ -20,7 +21,7 @@ ProcessId AsNumber(const std::string& text) {
 }
 
 [[noreturn]] void Raise(const std::string& what) {
-  throw RuntimeError(ErrorNumber::DeviceIoError, what);
+  throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError), what);
 }
 
 }  // namespace
@@ -55,18 +56,20 @@ ProcessId GameProcesses::Find(Entry& entry) {
 }
 
 void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t address) {
-  const std::string who = entry.label + ": process " + std::to_string(entry.found);
+  const bool isNumber = AsNumber(entry.process) != 0;
+  const std::string process = "process " + std::to_string(std::exchange(entry.found, 0));
   char place[16];
   std::snprintf(place, sizeof place, "0x%08X", static_cast<unsigned>(address));
   switch (outcome) {
     case ReadOutcome::ProcessGone:
-      entry.found = 0;  // one of the same name may be started later
-      Raise(who + " has ended; start the game server" +
-            (AsNumber(entry.process) != 0 ? " and give its process id in profile.ini" : ""));
+      Raise(entry.label + ": the game server has ended (" + process + "); start it" +
+            (isNumber ? " and give its process id in profile.ini" : ""));
     case ReadOutcome::NotAllowed:
-      Raise(who + " may not be read; run this host as the game server's user");
+      Raise(entry.label + ": " + process +
+            " may not be read; run this host as the game server's user");
     default:
-      Raise(who + " has no memory at " + place + "; is GameCode the right one?");
+      Raise(entry.label + ": " + process + " has no memory at " + place +
+            "; is GameCode the right one?");
   }
 }
 

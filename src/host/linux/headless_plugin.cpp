@@ -1,16 +1,170 @@
 #include "host/linux/headless_plugin.h"
 
-#include "host/terminal.h"
+#include <utility>
+
+#include "plugin/cls_plugin.h"
 #include "ui/layout.h"
 
 namespace rotacasts::host {
 
-HeadlessPlugin::HeadlessPlugin(HostPlatform& platform, std::chrono::nanoseconds minute,
-                               std::ostream& out)
-    : timers_(minute), toolkit_(timers_), state_(platform.Bundle(toolkit_)), plugin_(state_) {
-  toolkit_.onMessageBox = [&out](const std::string& text, const std::string& title) {
-    PrintBox(out, text, title);
+using headless::TimerLoop;
+
+/// One profile's plugin, and the components that it has from the host.
+class HeadlessPlugin::Instance final : public ComponentFactory {
+ public:
+  Instance(HostProfiles& profiles, Troubles& troubles, std::int32_t index,
+           std::chrono::nanoseconds minute);
+
+  void RunDue();
+  /// Has what goes wrong meanwhile put into a list.
+  std::vector<std::string> ProblemsOf(const std::function<void()>& call);
+  Progress GetProgress() const;
+
+  std::unique_ptr<UtilityComponent> CreateUtility() override;
+  std::unique_ptr<MemoryComponent> CreateMemory() override {
+    return profiles_.Components().CreateMemory();
+  }
+  std::unique_ptr<FileSystemObject> CreateFileSystem() override {
+    return profiles_.Components().CreateFileSystem();
+  }
+
+  clsPlugin& Plugin() { return plugin_; }
+  const TimerLoop& Timers() const { return timers_; }
+
+ private:
+  /// Tells of an error before it is recorded; what goes on from tick to tick is recorded once.
+  class Utility;
+  void Tell(const std::string& words);
+  /// Puts a line into the error log.
+  void Record(const std::string& words);
+  std::string Label() const;
+
+  HostProfiles& profiles_;
+  Troubles& troubles_;
+  const std::int32_t index_;
+  TimerLoop timers_;
+  headless::HeadlessToolkit toolkit_;
+  mutable PluginState state_;  // its tables make an element when it is looked at
+  clsPlugin plugin_;
+  bool isInTick_ = false;
+  std::vector<std::string>* problems_ = nullptr;  // of the call that is under way
+};
+
+class HeadlessPlugin::Instance::Utility final : public HostUtilityComponent {
+ public:
+  Utility(Instance& instance, const std::string& folder, const LocalClock& clock)
+      : HostUtilityComponent(folder, clock), instance_(instance) {}
+  void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
+                std::int32_t& line) override {
+    const std::string words = Named(instance_.Label(), WordsOf(error, procedure));
+    goesOn_ = instance_.troubles_.IsOld(instance_.index_, words);
+    instance_.Tell(words);
+    if (!goesOn_) HostUtilityComponent::LogError(module, procedure, error, line);
+  }
+  bool SendErrorReport(Variant& report) override {
+    return goesOn_ || HostUtilityComponent::SendErrorReport(report);
+  }
+
+ private:
+  Instance& instance_;
+  bool goesOn_ = false;  // the last error
+};
+
+HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, std::int32_t index,
+                                   std::chrono::nanoseconds minute)
+    : profiles_(profiles),
+      troubles_(troubles),
+      index_(index),
+      timers_(minute),
+      toolkit_(timers_),
+      state_({profiles.Components(), *this, profiles.Components().Clock(), toolkit_}),
+      plugin_(state_) {
+  toolkit_.onMessageBox = [this](const std::string& text, const std::string& title) {
+    if (title != "DLL Error!") Tell(title + ": " + text);  // that one has been told of already
   };
+}
+
+std::unique_ptr<UtilityComponent> HeadlessPlugin::Instance::CreateUtility() {
+  return std::make_unique<Utility>(*this, profiles_.Folder(), profiles_.Components().Clock());
+}
+
+std::string HeadlessPlugin::Instance::Label() const {
+  const auto profile = profiles_.All().find(index_);
+  return profile != profiles_.All().end() ? profile->second.Label()
+                                          : "profile " + std::to_string(index_);
+}
+
+void HeadlessPlugin::Instance::Tell(const std::string& words) {
+  const std::string named = Named(Label(), words);
+  if (problems_ != nullptr) {
+    problems_->push_back(named);
+  } else if (isInTick_) {
+    troubles_.Met(index_, named);
+  } else {
+    troubles_.Once(named);
+  }
+}
+
+std::vector<std::string> HeadlessPlugin::Instance::ProblemsOf(const std::function<void()>& call) {
+  std::vector<std::string> problems;
+  problems_ = &problems;
+  call();
+  problems_ = nullptr;
+  return problems;
+}
+
+void HeadlessPlugin::Instance::RunDue() {
+  isInTick_ = true;
+  const int ran = timers_.RunDue();
+  isInTick_ = false;
+  if (ran == 0) return;
+  for (const std::string& ended : troubles_.TickEnded(index_, Label())) Record(ended);
+}
+
+void HeadlessPlugin::Instance::Record(const std::string& words) try {
+  std::string procedure = "tmrRT";
+  RuntimeError note(0, Named(Label(), words));
+  std::int32_t line = 0;
+  HostUtilityComponent(profiles_.Folder(), profiles_.Components().Clock())
+      .LogError("rotacasts-host", procedure, note, line);
+} catch (const RuntimeError&) {  // it has been told
+}
+
+HostedPlugin::Progress HeadlessPlugin::Instance::GetProgress() const {
+  const auto window = state_.window.IfLoaded();
+  const auto next = timers_.NextDue();
+  if (!window || !next) return {};
+  return {true,
+          window->chkAuto().Value() == 1,
+          window->txtInterval().Text(),
+          state_.tables.ElapsedTicks(index_),
+          state_.tables.NextMessage(index_),
+          *next};
+}
+
+HeadlessPlugin::HeadlessPlugin(HostProfiles& profiles, Troubles& troubles,
+                               std::chrono::nanoseconds minute)
+    : profiles_(profiles), troubles_(troubles), minute_(minute) {}
+
+HeadlessPlugin::~HeadlessPlugin() = default;
+
+HeadlessPlugin::Instance& HeadlessPlugin::At(std::int32_t index) {
+  std::unique_ptr<Instance>& instance = instances_[index];
+  if (!instance) instance = std::make_unique<Instance>(profiles_, troubles_, index, minute_);
+  return *instance;
+}
+
+std::optional<TimerLoop::Clock::time_point> HeadlessPlugin::NextDue() const {
+  std::optional<TimerLoop::Clock::time_point> first;
+  for (const auto& [index, instance] : instances_) {
+    const auto next = instance->Timers().NextDue();
+    if (next && (!first || *next < *first)) first = next;
+  }
+  return first;
+}
+
+void HeadlessPlugin::RunDue() {
+  for (const auto& [index, instance] : instances_) instance->RunDue();
 }
 
 PluginArea HeadlessSite::Area() const {
@@ -20,23 +174,23 @@ PluginArea HeadlessSite::Area() const {
 
 void HeadlessPlugin::LoadInterface(std::int32_t index, forms::WindowHandle parent,
                                    const Variant& data) {
-  plugin_.LoadInterface(index, parent, data);
+  At(index).Plugin().LoadInterface(index, parent, data);
 }
 
 void HeadlessPlugin::HideInterface() {
-  plugin_.HideInterface();
+  for (const auto& [index, instance] : instances_) instance->Plugin().HideInterface();
 }
 
 void HeadlessPlugin::UnLoadInterface() {
-  plugin_.UnLoadInterface("");
+  for (const auto& [index, instance] : instances_) instance->Plugin().UnLoadInterface("");
 }
 
 void HeadlessPlugin::DisableProfile(std::int32_t index) {
-  plugin_.DisableProfile(index);
+  At(index).Plugin().DisableProfile(index);
 }
 
-std::string HeadlessPlugin::Remote(RemoteOperation operation, std::int32_t index,
-                                   const Variant& data, const Variant& value) {
+HostedPlugin::Reply HeadlessPlugin::Remote(RemoteOperation operation, std::int32_t index,
+                                           const Variant& data, const Variant& value) {
   using Call = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
   static constexpr Call kCalls[] = {
       &clsPlugin::GetMessagesRem,    &clsPlugin::AddMessageRem,      &clsPlugin::EnableRTRem,
@@ -44,22 +198,17 @@ std::string HeadlessPlugin::Remote(RemoteOperation operation, std::int32_t index
       &clsPlugin::DeleteMessageRem,
   };
   static_assert(std::size(kCalls) == std::size(kRemoteOperations));
-  return (plugin_.*kCalls[static_cast<std::size_t>(operation)])(index, data, value);
+  const Call call = kCalls[static_cast<std::size_t>(operation)];
+  Instance& instance = At(index);
+  Reply reply;
+  reply.problems =
+      instance.ProblemsOf([&] { reply.text = (instance.Plugin().*call)(index, data, value); });
+  return reply;
 }
 
 std::optional<HostedPlugin::Progress> HeadlessPlugin::ProgressOf(std::int32_t index) const {
-  const auto window = state_.window.IfLoaded();
-  if (!window || !window->Timers().Elements().contains(static_cast<std::int16_t>(index))) {
-    return Progress();
-  }
-  return Progress{true, state_.tables.ElapsedTicks(index), state_.tables.NextMessage(index)};
-}
-
-std::optional<HostedPlugin::Window> HeadlessPlugin::ShownWindow() const {
-  const auto window = state_.window.IfLoaded();
-  if (!window) return std::nullopt;
-  return Window{state_.tables.currentWindowProfile, window->chkAuto().Value() == 1,
-                window->txtInterval().Text()};
+  const auto found = instances_.find(index);
+  return found != instances_.end() ? found->second->GetProgress() : Progress();
 }
 
 }  // namespace rotacasts::host

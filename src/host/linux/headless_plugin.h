@@ -1,13 +1,16 @@
-// The plugin inside this program, on the toolkit without pixels.
+// The plugin inside this program, on the toolkit without pixels: one of its own for each profile,
+// so that each goes by its own switch and interval.
 #pragma once
 
 #include <chrono>
-#include <ostream>
+#include <functional>
+#include <map>
+#include <memory>
 
 #include "forms/headless/headless_toolkit.h"
-#include "host/components/host_platform.h"
+#include "host/host_profiles.h"
 #include "host/hosted_plugin.h"
-#include "plugin/cls_plugin.h"
+#include "host/troubles.h"
 
 namespace rotacasts::host {
 
@@ -19,25 +22,32 @@ class HeadlessSite final : public PluginSite {
 
 class HeadlessPlugin final : public HostedPlugin {
  public:
-  /// `minute` is how long a minute of its timers lasts; message boxes go to `out`.
-  HeadlessPlugin(HostPlatform& platform, std::chrono::nanoseconds minute, std::ostream& out);
+  /// `minute` is how long a minute of its timers lasts. What goes wrong with a profile is told to
+  /// `troubles`, but for what a remote operation answers.
+  HeadlessPlugin(HostProfiles& profiles, Troubles& troubles, std::chrono::nanoseconds minute);
+  ~HeadlessPlugin() override;
 
-  headless::TimerLoop& Timers() { return timers_; }
+  // The profiles' timers: when the next one is due, and running those that are.
+  std::optional<headless::TimerLoop::Clock::time_point> NextDue() const;
+  void RunDue();
 
   void LoadInterface(std::int32_t index, forms::WindowHandle parent, const Variant& data) override;
   void HideInterface() override;
   void UnLoadInterface() override;
   void DisableProfile(std::int32_t index) override;
-  std::string Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
-                     const Variant& value) override;
+  Reply Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
+               const Variant& value) override;
   std::optional<Progress> ProgressOf(std::int32_t index) const override;
-  std::optional<Window> ShownWindow() const override;
 
  private:
-  headless::TimerLoop timers_;
-  headless::HeadlessToolkit toolkit_;
-  mutable PluginState state_;  // its tables make an element when it is looked at
-  clsPlugin plugin_;
+  class Instance;
+
+  Instance& At(std::int32_t index);
+
+  HostProfiles& profiles_;
+  Troubles& troubles_;
+  const std::chrono::nanoseconds minute_;
+  std::map<std::int32_t, std::unique_ptr<Instance>> instances_;
 };
 
 }  // namespace rotacasts::host

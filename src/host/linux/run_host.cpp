@@ -6,14 +6,15 @@
 
 namespace rotacasts::host {
 
-void RunHost(ProfileWatch& watch, const HostOptions& options, std::ostream& out) {
+void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
   EventLoop loop;
-  HeadlessPlugin plugin(watch.Components(), options.minute, out);
+  Troubles troubles(out);
+  HeadlessPlugin plugin(profiles, troubles, options.minute);
   HeadlessSite site;
-  ServerHost host(watch, plugin, site, options, out);
+  ServerHost host(profiles, plugin, site, options);
   Console console(host, out);
-  headless::TimerLoop& timers = plugin.Timers();
-  loop.AddDeadline([&timers] { return timers.NextDue(); }, [&timers] { timers.RunDue(); });
+  loop.AddDeadline([&plugin] { return plugin.NextDue(); }, [&plugin] { plugin.RunDue(); });
+  loop.onReload = [&console] { console.Reload(); };
   ConsoleInput input(
       loop,
       [&](const std::string& line) {
@@ -21,7 +22,12 @@ void RunHost(ProfileWatch& watch, const HostOptions& options, std::ostream& out)
         if (!goesOn) loop.Stop();
         return goesOn;
       },
-      [] {});
+      [&out] {
+        out << "the console's input has ended; the host goes on without it (SIGTERM ends it, "
+               "SIGHUP "
+               "reloads)\n"
+            << std::flush;
+      });
   console.Start();
   loop.Run();
 }

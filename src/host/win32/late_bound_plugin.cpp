@@ -71,12 +71,12 @@ void LateBoundPlugin::DisableProfile(std::int32_t index) {
   Member(object_, "DisableProfile")(NumberArgument(index));
 }
 
-std::string LateBoundPlugin::Remote(RemoteOperation operation, std::int32_t index,
-                                    const Variant& data, const Variant& value) {
+HostedPlugin::Reply LateBoundPlugin::Remote(RemoteOperation operation, std::int32_t index,
+                                            const Variant& data, const Variant& value) {
   Member member(object_, kRemoteOperations[static_cast<std::size_t>(operation)]);
   const win32::ComVariant reply =
       member(NumberArgument(index), ValueArgument(data), ValueArgument(value));
-  return ToText(win32::FromVariant(reply.Get()));
+  return {ToText(win32::FromVariant(reply.Get())), {}};
 }
 
 }  // namespace rotacasts::host

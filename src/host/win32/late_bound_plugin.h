@@ -17,8 +17,8 @@ class LateBoundPlugin final : public HostedPlugin {
   void HideInterface() override;
   void UnLoadInterface() override;
   void DisableProfile(std::int32_t index) override;
-  std::string Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
-                     const Variant& value) override;
+  Reply Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
+               const Variant& value) override;
 
  private:
   win32::LateBound object_;

@@ -36,9 +36,9 @@ void TellMinute(std::chrono::nanoseconds minute) {
   ::SetEnvironmentVariableW(L"ROTACASTS_MINUTE_MS", text.c_str());
 }
 
-std::vector<FrameWindow::Row> RowsOf(const ProfileWatch& watch) {
+std::vector<FrameWindow::Row> RowsOf(const HostProfiles& profiles) {
   std::vector<FrameWindow::Row> rows;
-  for (const auto& [index, profile] : watch.Profiles()) {
+  for (const auto& [index, profile] : profiles.All()) {
     rows.push_back(
         {index, std::to_string(index) + "  " + profile.folder + "  (" + profile.gameCode + ")"});
   }
@@ -47,15 +47,15 @@ std::vector<FrameWindow::Row> RowsOf(const ProfileWatch& watch) {
 
 }  // namespace
 
-void RunHost(ProfileWatch& watch, const HostOptions& options, std::ostream& out) {
+void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
   const Apartment apartment;
   TellMinute(options.minute);
-  const auto memory = watch.Components().CreateMemory();
-  const auto utility = watch.Components().CreateUtility();
+  const auto memory = profiles.Components().CreateMemory();
+  const auto utility = profiles.Components().CreateUtility();
   const SiblingRegistration siblings(*memory, *utility);
-  FrameWindow frame(RowsOf(watch));
+  FrameWindow frame(RowsOf(profiles));
   LateBoundPlugin plugin(options.folder);
-  ServerHost host(watch, plugin, frame, options, out);
+  ServerHost host(profiles, plugin, frame, options);
   Console console(host, out);
   frame.onChoose = [&](std::int32_t profile) { host.Show(profile); };
   frame.onConsoleLine = [&](const std::string& line) { return console.Execute(line); };

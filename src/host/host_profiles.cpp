@@ -1,0 +1,121 @@
+#include "host/host_profiles.h"
+
+#include <algorithm>
+
+#include "host/components/host_file_system.h"
+#include "host/machine/native_files.h"
+#include "host/terminal.h"
+#include "store/profile_paths.h"
+
+namespace rotacasts::host {
+namespace {
+
+/// The folder itself. Error 76 when it is missing.
+const std::string& Existing(const std::string& folder) {
+  if (!HostFileSystem().FolderExists(folder)) {
+    throw RuntimeError(ErrorNumber::PathNotFound, folder + "; make it, or name another folder");
+  }
+  if (NativePath(folder).string() != folder) {  // spelt with "\" it is another one
+    throw RuntimeError(ErrorNumber::PathNotFound, folder + "; a name with \"\\\" cannot be used");
+  }
+  return folder;
+}
+
+void MakeSettingsFolder(const std::string& folder) {
+  HostFileSystem files;
+  const std::string settings = folder + "\\settings";
+  if (!files.FolderExists(settings)) files.CreateFolder(settings);
+}
+
+}  // namespace
+
+HostProfiles::HostProfiles(const std::string& hostFolder, std::ostream& out)
+    : out_(out), folder_(Existing(hostFolder)), platform_(folder_) {
+  LoadedProfiles loaded = LoadProfiles(folder_);
+  for (const std::string& problem : loaded.problems) out_ << "skipped: " << problem << "\n";
+  for (ProfileSettings& profile : loaded.profiles) Use(std::move(profile));
+}
+
+void HostProfiles::Use(ProfileSettings profile) {
+  const auto handle = handles_.find(profile.index);
+  if (handle == handles_.end()) {
+    handles_[profile.index] = platform_.Processes().Register(profile.process, profile.Label());
+  } else {
+    platform_.Processes().Change(handle->second, profile.process, profile.Label());
+  }
+  profiles_.insert_or_assign(profile.index, std::move(profile));
+}
+
+void HostProfiles::MakeWhatIsMissing() {
+  if (profiles_.empty()) return;
+  MakeSettingsFolder(folder_);
+  const std::string config = folder_ + "\\settings\\config.ini";
+  if (!HostFileSystem().FileExists(config)) {
+    ReplaceFile(config, "[Settings]\r\nReportErrors=0\r\n");
+  }
+  std::erase_if(profiles_,
+                [this](const auto& entry) { return !MakeSettingsFolderOf(entry.second); });
+}
+
+bool HostProfiles::MakeSettingsFolderOf(const ProfileSettings& profile) try {
+  MakeSettingsFolder(ProfileFolderPath(folder_, profile.folder));
+  return true;
+} catch (const RuntimeError& error) {
+  out_ << "skipped: " << profile.Label()
+       << ": its settings folder cannot be made: " << error.description << "\n";
+  return false;
+}
+
+const ProfileSettings& HostProfiles::At(std::int32_t index) const {
+  const auto found = profiles_.find(index);
+  if (found != profiles_.end()) return found->second;
+  throw Complaint("there is no profile " + std::to_string(index) +
+                  "; \"status\" lists those there are, \"reload\" looks for new ones");
+}
+
+const ProfileSettings& HostProfiles::ReadAnew(std::int32_t index) {
+  const ProfileSettings known = At(index);
+  ProfileSettings fresh = ReadProfile(folder_, known.folder);
+  if (fresh.index != index) {
+    throw Complaint(known.Label() + " has the index " + std::to_string(fresh.index) +
+                    " now; \"reload\" takes that over");
+  }
+  Use(std::move(fresh));
+  return profiles_.at(index);
+}
+
+bool HostProfiles::IsStillDescribed(const ProfileSettings& profile) const try {
+  return ReadProfile(folder_, profile.folder).index == profile.index;
+} catch (const RuntimeError&) {  // broken, or gone
+  return HasProfileFile(folder_, profile.folder);
+}
+
+HostProfiles::Changes HostProfiles::ReadAllAnew() {
+  Changes changes;
+  LoadedProfiles loaded = LoadProfiles(folder_);
+  for (const std::string& problem : loaded.problems) out_ << "not used: " << problem << "\n";
+  for (ProfileSettings& profile : loaded.profiles) {
+    const auto known = profiles_.find(profile.index);
+    if (known != profiles_.end() && known->second == profile) continue;
+    if (!MakeSettingsFolderOf(profile)) continue;
+    (known == profiles_.end() ? changes.added : changes.changed).push_back(profile.index);
+    Use(std::move(profile));
+  }
+  for (const auto& [index, profile] : profiles_) {
+    if (!IsStillDescribed(profile)) changes.removed.push_back(index);
+  }
+  for (const std::int32_t index : changes.removed) profiles_.erase(index);
+  return changes;
+}
+
+Variant::Array HostProfiles::DataOf(const ProfileSettings& profile) const {
+  Variant::Array data(pdat::kSize);
+  data[pdat::kData0] = profile.folder;
+  data[pdat::kGameCode] = profile.gameCode;
+  data[pdat::kProcessHandle] = handles_.at(profile.index);
+  data[pdat::kMessageTarget] = profile.target;
+  data[pdat::kProfileFolder] = profile.folder;
+  return data;
+}
+
+}  // namespace rotacasts::host
