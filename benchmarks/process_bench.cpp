@@ -85,7 +85,7 @@ struct Plugin {
     Variant::Array data(pdat::kSize);
     data[pdat::kGameCode] = "JO";
     data[pdat::kProcessHandle] =
-        platform.Processes().Register(std::to_string(server.process.Id()), "profile 1");
+        platform.Processes().Register({std::to_string(server.process.Id()), 0, "profile 1"});
     data[pdat::kMessageTarget] = server.port;
     data[pdat::kProfileFolder] = "srv1";
     data[pdat::kAreaHeight] = data[pdat::kAreaWidth] = 9000;

@@ -70,20 +70,26 @@ TEST(EndToEnd, MessagesReachTheServersUntilOneDies) {
   EXPECT_EQ(folder.Read("profiles/srv2/settings/Rotacasts.ini"), messages);
 }
 
-TEST(EndToEnd, AServerStartedAnewUnderItsProgramNameIsFoundAgain) {
+TEST(EndToEnd, OfTheServersOfOneProgramEachProfileKeepsItsOwn) {
   HostFolder folder;
-  const std::string program = folder.File("server-of-" + std::to_string(::getpid()));
+  const std::string name = "server-of-" + std::to_string(::getpid());
+  const std::string program = folder.File(name);
   std::filesystem::copy_file(SIMULATOR_PROGRAM, program);
   auto first = std::make_unique<Server>("JO_2", program);
-  folder.AddProfile(1, "JO_2", std::filesystem::path(program).filename().string(), first->port,
-                    MessageFileBytes({"Hello"}));
+  Server other("JO_2", program);
+  const std::string port = first->port;
+  folder.AddProfile(1, "JO_2", name, port, MessageFileBytes({"Hello", "{ShowNextMap}"}));
+  folder.AddProfile(2, "JO_2", name, other.port, MessageFileBytes({"Other"}));
   ChildProcess host = StartHost(folder);
   EXPECT_TRUE(first->process.ReadUntil("Hello"));
-  const std::string port = first->port;
+  EXPECT_TRUE(other.process.ReadUntil("Other"));
   first.reset();
-  EXPECT_TRUE(host.ReadUntil("the game server has ended"));
+  EXPECT_TRUE(host.ReadUntil("profile 1 (srv1): the game server has ended"));
+  EXPECT_TRUE(host.ReadUntil("profile 1 (srv1): a program " + name +
+                             " is running, but none receives at the Target port " + port));
   ChildProcess second({program, "--game-code", "JO_2", "--port", port});
   EXPECT_TRUE(second.ReadUntil("Hello"));
+  EXPECT_TRUE(host.ReadUntil("profile 1 (srv1): over after "));
   EXPECT_EQ(host.Wait(SIGTERM), 0);
 }
 

@@ -52,7 +52,7 @@ class LowPage {
 TEST(GameProcesses, ReadsNumbersAndTextsUpToTheEndOfTheMap) {
   LowPage page;
   GameProcesses processes;
-  const std::int32_t self = processes.Register(std::to_string(::getpid()), "profile 1 (self)");
+  const std::int32_t self = processes.Register({std::to_string(::getpid()), 0, "profile 1 (self)"});
   const std::int32_t value = -123456;
   std::memcpy(page.At(8), &value, sizeof value);
   EXPECT_EQ(processes.ReadLong(self, LowPage::Address(8)), value);
@@ -72,7 +72,7 @@ TEST(GameProcesses, ReadsNumbersAndTextsUpToTheEndOfTheMap) {
 
 TEST(GameProcesses, ErrorsNameTheProfileAndTheWayOut) {
   GameProcesses processes;
-  const std::int32_t none = processes.Register("no-such-program", "profile 3 (srv3)");
+  const std::int32_t none = processes.Register({"no-such-program", 4003, "profile 3 (srv3)"});
   EXPECT_EQ(ErrorOf([&] { processes.ReadLong(none, 0); }), 57);
   try {
     processes.ReadLong(none, 0);

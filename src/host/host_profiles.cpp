@@ -37,11 +37,12 @@ HostProfiles::HostProfiles(const std::string& hostFolder, std::ostream& out)
 }
 
 void HostProfiles::Use(ProfileSettings profile) {
+  GameProcess process{profile.process, static_cast<std::uint16_t>(profile.target), profile.Label()};
   const auto handle = handles_.find(profile.index);
   if (handle == handles_.end()) {
-    handles_[profile.index] = platform_.Processes().Register(profile.process, profile.Label());
+    handles_[profile.index] = platform_.Processes().Register(std::move(process));
   } else {
-    platform_.Processes().Change(handle->second, profile.process, profile.Label());
+    platform_.Processes().Change(handle->second, std::move(process));
   }
   profiles_.insert_or_assign(profile.index, std::move(profile));
 }

@@ -14,9 +14,9 @@ TEST(GameProcesses, ANumberTooLargeForAProcessIsNotCutToAnothersNumber) {
   const auto address = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(&value));
   const ProcessId own = ::GetCurrentProcessId();
   GameProcesses processes;
-  const std::int32_t self = processes.Register(std::to_string(own), "self");
+  const std::int32_t self = processes.Register({std::to_string(own), 0, "self"});
   const std::int32_t beyond =
-      processes.Register(std::to_string(own + (ProcessId{1} << 32)), "beyond");
+      processes.Register({std::to_string(own + (ProcessId{1} << 32)), 0, "beyond"});
   EXPECT_EQ(processes.ReadLong(self, address), value);
   EXPECT_EQ(testing::ErrorOf([&] { processes.ReadLong(beyond, address); }), 57);
 }

@@ -20,19 +20,31 @@ ProcessId AsNumber(const std::string& text) {
   return error == std::errc() && end == text.data() + text.size() && number > 0 ? number : 0;
 }
 
+/// Those that receive at the port; if that is certain of none, those of which it may be true.
+std::vector<ProcessId> Receiving(const std::vector<ProcessId>& processes, std::uint16_t port) {
+  std::vector<ProcessId> certain;
+  std::vector<ProcessId> possible;
+  for (const ProcessId process : processes) {
+    const HoldsPort holds = HoldsUdpPort(process, port);
+    if (holds == HoldsPort::Yes) certain.push_back(process);
+    if (holds == HoldsPort::Perhaps) possible.push_back(process);
+  }
+  return certain.empty() ? possible : certain;
+}
+
 [[noreturn]] void Raise(const std::string& what) {
   throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError), what);
 }
 
 }  // namespace
 
-std::int32_t GameProcesses::Register(std::string process, std::string label) {
-  entries_.push_back({std::move(process), std::move(label)});
+std::int32_t GameProcesses::Register(GameProcess process) {
+  entries_.push_back({std::move(process)});
   return static_cast<std::int32_t>(entries_.size());
 }
 
-void GameProcesses::Change(std::int32_t handle, std::string process, std::string label) {
-  At(handle) = {std::move(process), std::move(label)};
+void GameProcesses::Change(std::int32_t handle, GameProcess process) {
+  At(handle) = {std::move(process)};
 }
 
 GameProcesses::Entry& GameProcesses::At(std::int32_t handle) {
@@ -46,13 +58,18 @@ ProcessId GameProcesses::Find(Entry& entry) {
   if (entry.found != 0) return entry.found;
   const std::string& name = entry.process;
   if (const ProcessId number = AsNumber(name); number != 0) return entry.found = number;
-  const std::vector<ProcessId> processes = FindProcesses(name);
+  std::vector<ProcessId> processes = FindProcesses(name);
   if (processes.empty()) Raise(entry.label + ": no program " + name + " is running; start it");
-  if (processes.size() > 1) {
-    Raise(entry.label + ": " + std::to_string(processes.size()) + " programs " + name +
-          " are running; name one by its process id");
-  }
-  return entry.found = processes.front();
+  const std::size_t running = processes.size();
+  if (entry.port != 0) processes = Receiving(processes, entry.port);
+  if (processes.size() == 1) return entry.found = processes.front();
+  const std::string programs = running == 1
+                                   ? "a program " + name + " is running"
+                                   : std::to_string(running) + " programs " + name + " are running";
+  if (entry.port == 0) Raise(entry.label + ": " + programs + "; name one by its process id");
+  Raise(entry.label + ": " + programs + ", but " + (processes.empty() ? "none" : "more than one") +
+        " receives at the Target port " + std::to_string(entry.port) +
+        "; start this profile's server, correct Target, or name the process by its id");
 }
 
 void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t address) {

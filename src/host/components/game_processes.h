@@ -9,15 +9,22 @@
 
 namespace rotacasts::host {
 
-/// The process of each profile, by process id or by program name. A handle stands for the profile's
-/// entry, not for the process: a server that was started anew under the same program name is found
-/// again by itself.
+/// A game server's process as a profile names it.
+struct GameProcess {
+  std::string process;     // a process id or a program name
+  std::uint16_t port = 0;  // the UDP port that the server receives at; 0 when it is not known
+  std::string label;       // names the profile in errors
+};
+
+/// The process of each profile. A handle stands for the profile's entry, not for the process: a
+/// server that was started anew under the same program name is found again by itself. Of the
+/// programs of a name it is the one that receives at the port; if none does, that is an error, for
+/// another one would be another profile's server. Without a port there must be one only.
 class GameProcesses {
  public:
-  /// `process` is a process id or a program name; `label` names the profile in errors.
-  std::int32_t Register(std::string process, std::string label);
+  std::int32_t Register(GameProcess process);
   /// Gives the handle another process.
-  void Change(std::int32_t handle, std::string process, std::string label);
+  void Change(std::int32_t handle, GameProcess process);
 
   /// Errors 57, with the profile and the way out, unless the read is complete.
   std::int32_t ReadLong(std::int32_t handle, std::int32_t address);
@@ -25,9 +32,7 @@ class GameProcesses {
   std::string ReadBytes(std::int32_t handle, std::int32_t address);
 
  private:
-  struct Entry {
-    std::string process;
-    std::string label;
+  struct Entry : GameProcess {
     ProcessId found = 0;  // 0 until it is looked up
   };
 

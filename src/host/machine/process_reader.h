@@ -22,8 +22,13 @@ ReadOutcome ReadProcess(ProcessId process, std::uint32_t address, void* buffer, 
 ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buffer,
                             std::size_t size, std::size_t& count);
 
-/// The running processes whose program file has this name: no folder, letter case as the machine
-/// compares names.
+/// The running processes of the program with this name, without its folder; letter case counts as
+/// the machine compares names. A Windows program that runs under Wine is found by its own name.
 std::vector<ProcessId> FindProcesses(const std::string& programName);
+
+/// Whether the process receives UDP at the port. Perhaps: another process holds its sockets for it,
+/// and for others too, as Wine's server does. No, too, for a process that may not be looked into.
+enum class HoldsPort { No, Perhaps, Yes };
+HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port);
 
 }  // namespace rotacasts::host

@@ -1,14 +1,21 @@
 #include "host/machine/process_reader.h"
 
+#include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
+#include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
 #include <span>
+#include <sstream>
 #include <utility>
+
+#include "base/text.h"
 
 namespace rotacasts::host {
 namespace {
@@ -41,10 +48,85 @@ ssize_t ReadPieces(ProcessId process, const iovec& local, std::span<const iovec>
                             0);
 }
 
-/// The name of the program file that a process runs; empty when it cannot be told.
-std::string ProgramName(const fs::path& processFolder) {
+/// Whether the process runs the program: by its file, or by the name that it was started under,
+/// which for a Windows program is a Windows path, while its file is Wine's loader.
+bool IsProgram(const fs::path& process, const std::string& name) {
   std::error_code problem;
-  return fs::read_symlink(processFolder / "exe", problem).filename().string();
+  if (fs::read_symlink(process / "exe", problem).filename().string() == name) return true;
+  std::ifstream file(process / "cmdline", std::ios::binary);
+  std::string started;
+  std::getline(file, started, '\0');
+  const std::string_view own =
+      std::string_view(started).substr(started.find_last_of("/\\") + 1);  // npos + 1 is 0
+  return own.ends_with(".exe") || own.ends_with(".EXE") ? EqualsIgnoringCase(own, name)
+                                                        : own == name;
+}
+
+/// The folder of every process below /proc.
+std::vector<fs::path> AllProcesses() {
+  std::vector<fs::path> processes;
+  std::error_code problem;
+  for (const fs::directory_entry& entry : fs::directory_iterator("/proc", problem)) {
+    const std::string name = entry.path().filename().string();
+    if (name.find_first_not_of("0123456789") == name.npos) processes.push_back(entry.path());
+  }
+  return processes;
+}
+
+/// A variable of the environment that the process was started with; empty when it has none.
+std::string VariableOf(const fs::path& process, const std::string& name) {
+  std::ifstream file(process / "environ", std::ios::binary);
+  for (std::string variable; std::getline(file, variable, '\0');) {
+    if (variable.starts_with(name + "=")) return variable.substr(name.size() + 1);
+  }
+  return {};
+}
+
+/// The name of the folder that the process's Wine server works in, which Wine makes of the device
+/// and the inode of the prefix; empty for a process without Wine.
+std::string WineServerFolder(const fs::path& process) {
+  std::error_code problem;
+  const std::string program = fs::read_symlink(process / "exe", problem).filename().string();
+  if (!program.starts_with("wine")) return {};
+  std::string prefix = VariableOf(process, "WINEPREFIX");
+  if (prefix.empty()) prefix = VariableOf(process, "HOME") + "/.wine";
+  struct stat status {};
+  if (::stat(prefix.c_str(), &status) != 0) return {};
+  char name[64];
+  std::snprintf(name, sizeof name, "server-%llx-%llx",
+                static_cast<unsigned long long>(status.st_dev),
+                static_cast<unsigned long long>(status.st_ino));
+  return name;
+}
+
+bool HoldsOneOf(const fs::path& process, const std::set<std::string>& sockets) {
+  std::error_code problem;
+  fs::directory_iterator open(process / "fd", problem);
+  for (; !problem && open != fs::directory_iterator(); open.increment(problem)) {
+    std::error_code gone;
+    if (sockets.contains(fs::read_symlink(open->path(), gone).string())) return true;
+  }
+  return false;
+}
+
+/// The inodes of the sockets that receive at the port, in the process's network.
+std::set<std::string> UdpSockets(const fs::path& process, std::uint16_t port) {
+  char ending[6];  // of a local address, such as "0100007F:0FA1"
+  std::snprintf(ending, sizeof ending, ":%04X", static_cast<unsigned>(port));
+  std::set<std::string> inodes;
+  for (const char* table : {"net/udp", "net/udp6"}) {
+    std::ifstream rows(process / table);
+    for (std::string row; std::getline(rows, row);) {
+      std::istringstream columns(row);
+      const std::vector<std::string> cells(std::istream_iterator<std::string>(columns), {});
+      constexpr std::size_t kLocalAddress = 1;
+      constexpr std::size_t kInode = 9;
+      if (cells.size() > kInode && cells[kLocalAddress].ends_with(ending)) {
+        inodes.insert("socket:[" + cells[kInode] + "]");
+      }
+    }
+  }
+  return inodes;
 }
 
 }  // namespace
@@ -75,15 +157,27 @@ ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buff
 
 std::vector<ProcessId> FindProcesses(const std::string& programName) {
   std::vector<ProcessId> found;
-  std::error_code problem;
-  for (const fs::directory_entry& entry : fs::directory_iterator("/proc", problem)) {
-    const std::string name = entry.path().filename().string();
-    ProcessId process = 0;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
-    if (error != std::errc() || end != name.data() + name.size()) continue;
-    if (ProgramName(entry.path()) == programName) found.push_back(process);
+  for (const fs::path& process : AllProcesses()) {
+    if (IsProgram(process, programName)) found.push_back(std::stoll(process.filename().string()));
   }
   return found;
+}
+
+HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port) {
+  const fs::path folder = fs::path("/proc") / std::to_string(process);
+  const std::set<std::string> sockets = UdpSockets(folder, port);
+  if (sockets.empty()) return HoldsPort::No;
+  if (HoldsOneOf(folder, sockets)) return HoldsPort::Yes;
+  const std::string prefix = WineServerFolder(folder);
+  if (prefix.empty()) return HoldsPort::No;
+  for (const fs::path& other : AllProcesses()) {
+    std::error_code problem;
+    if (fs::read_symlink(other / "cwd", problem).filename() == prefix &&
+        HoldsOneOf(other, sockets)) {
+      return HoldsPort::Perhaps;
+    }
+  }
+  return HoldsPort::No;
 }
 
 }  // namespace rotacasts::host

@@ -5,7 +5,9 @@
 #include <utility>
 
 // clang-format off
+#include "host/machine/win32/sockets.h"
 #include "com/com_support.h"
+#include <iphlpapi.h>
 #include <tlhelp32.h>
 // clang-format on
 
@@ -100,6 +102,23 @@ std::vector<ProcessId> FindProcesses(const std::string& programName) {
   }
   ::CloseHandle(snapshot);
   return found;
+}
+
+HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port) {
+  std::vector<char> bytes;
+  DWORD size = 0;
+  DWORD outcome = ERROR_INSUFFICIENT_BUFFER;
+  while (outcome == ERROR_INSUFFICIENT_BUFFER) {  // the table may grow meanwhile
+    bytes.resize(size);
+    outcome = ::GetExtendedUdpTable(bytes.data(), &size, FALSE, AF_INET, UDP_TABLE_OWNER_PID, 0);
+  }
+  if (outcome != NO_ERROR || bytes.size() < sizeof(DWORD)) return HoldsPort::No;
+  const auto* table = reinterpret_cast<const MIB_UDPTABLE_OWNER_PID*>(bytes.data());
+  const bool holds =
+      std::any_of(table->table, table->table + table->dwNumEntries, [&](const auto& row) {
+        return row.dwOwningPid == process && row.dwLocalPort == ::htons(port);
+      });
+  return holds ? HoldsPort::Yes : HoldsPort::No;
 }
 
 }  // namespace rotacasts::host
