@@ -13,10 +13,11 @@ demo: ## six simulated game servers, one host: see what the program is for
 
 demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves a screenshot
 	@scripts/bootstrap build windows
-	@scripts/quietly cmake --preset windows
-	@scripts/quietly cmake --build --preset windows --target keeper tvxRT rotacasts-host game-server-sim
-	@scripts/under-wine build/windows/tests/win32/keeper.exe \
-	  scripts/demo-windows build/windows build/demo-windows.png
+	@preset=$$(scripts/windows-preset) && scripts/quietly cmake --preset $$preset && \
+	scripts/quietly cmake --build --preset $$preset \
+	  --target keeper tvxRT rotacasts-host game-server-sim && \
+	scripts/under-wine build/$$preset/tests/win32/keeper.exe \
+	  scripts/demo-windows build/$$preset build/demo-windows.png
 
 test: ## build and run every test
 	@scripts/bootstrap build test

@@ -98,7 +98,8 @@ STDAPI DllRegisterServer() {
 
 STDAPI DllUnregisterServer() {
   try {
-    ::UnRegisterTypeLib(LibraryId(), 1, 0, LOCALE_NEUTRAL, SYS_WIN32);
+    ::UnRegisterTypeLib(LibraryId(), 1, 0, LOCALE_NEUTRAL,
+                        sizeof(void*) == 4 ? SYS_WIN32 : SYS_WIN64);
     const HRESULT classGone = RemoveKey(std::wstring(L"CLSID\\") + kClassIdText);
     const HRESULT nameGone = RemoveKey(kProgId);
     return FAILED(classGone) || FAILED(nameGone) ? SELFREG_E_CLASS : S_OK;

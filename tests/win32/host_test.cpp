@@ -10,8 +10,12 @@ namespace rotacasts::host {
 namespace {
 
 TEST(GameProcesses, ANumberTooLargeForAProcessIsNotCutToAnothersNumber) {
-  static const std::int32_t value = -123456;
-  const auto address = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(&value));
+  constexpr std::int32_t address = 0x10000000;  // a program of 64 bits lies beyond such addresses
+  constexpr std::int32_t value = -123456;
+  auto* place = static_cast<std::int32_t*>(::VirtualAlloc(
+      reinterpret_cast<void*>(address), sizeof value, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+  ASSERT_NE(place, nullptr);
+  *place = value;
   const ProcessId own = ::GetCurrentProcessId();
   GameProcesses processes;
   const std::int32_t self = processes.Register({std::to_string(own), 0, "self"});
@@ -19,6 +23,7 @@ TEST(GameProcesses, ANumberTooLargeForAProcessIsNotCutToAnothersNumber) {
       processes.Register({std::to_string(own + (ProcessId{1} << 32)), 0, "beyond"});
   EXPECT_EQ(processes.ReadLong(self, address), value);
   EXPECT_EQ(testing::ErrorOf([&] { processes.ReadLong(beyond, address); }), 57);
+  ::VirtualFree(place, 0, MEM_RELEASE);
 }
 
 TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {

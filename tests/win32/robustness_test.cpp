@@ -105,7 +105,8 @@ TEST_F(ComponentTest, NoCallHoweverMadCrashesItOrTouchesAnotherProfile) {
     std::vector<VARIANT> arguments(zoo.Below(6));
     for (VARIANT& argument : arguments) argument = zoo.Catch();
     DISPID named[] = {static_cast<DISPID>(zoo.Below(5)), DISPID_PROPERTYPUT};
-    const UINT namedCount = zoo.Below(16) == 0 ? std::min<UINT>(2, arguments.size()) : 0;
+    const UINT namedCount =
+        zoo.Below(16) == 0 ? std::min(2U, static_cast<UINT>(arguments.size())) : 0;
     DISPPARAMS parameters{arguments.data(), named, static_cast<UINT>(arguments.size()), namedCount};
     const DISPID member = zoo.Below(20) == 0 ? static_cast<DISPID>(random())
                                              : static_cast<DISPID>(0x60030000 + zoo.Below(20));
