@@ -25,6 +25,11 @@ enum MemberId : DISPID {
   kHideInterface = 0x60030010,
 };
 
+/// A VARIANT as a record holds it: aligned to the width of a pointer. Left to itself it aligns to
+/// 8, and a host that declares the record for itself, as a Basic-like language does, aligns to 4.
+typedef VARIANT RecordVariant
+    __attribute__((aligned(sizeof(void*))));  // NOLINT: `using` takes none
+
 /// The PLUGIN record of the type library, field for field. Strings and arrays belong to the record.
 struct PluginRecord {
   BSTR Name;
@@ -32,14 +37,14 @@ struct PluginRecord {
   BSTR Version;
   BSTR Author;
   BSTR Description;
-  VARIANT Game;
+  RecordVariant Game;
   VARIANT_BOOL HasInterface;
   VARIANT_BOOL ProfileMenu;
   VARIANT_BOOL ServerMenu;
   VARIANT_BOOL MainMenu;
-  VARIANT ProfileMenuItems;
-  VARIANT ServerMenuItems;
-  VARIANT MainMenuItems;
+  RecordVariant ProfileMenuItems;
+  RecordVariant ServerMenuItems;
+  RecordVariant MainMenuItems;
   VARIANT_BOOL HasPrivis;
   BSTR HelpFile;
   BSTR MinKXVer;
@@ -47,9 +52,10 @@ struct PluginRecord {
   BSTR MinZDLVer;
   BSTR MinTVXVer;
 };
-// A VARIANT is 16 bytes, aligned to 8; the library's layout has the gaps that follow from that.
-static_assert(sizeof(VARIANT) == 16 && offsetof(PluginRecord, Game) == 24 &&
-              offsetof(PluginRecord, ProfileMenuItems) == 48 && sizeof(PluginRecord) == 120);
+// The layout of the 32-bit component, which is the one that is given away.
+static_assert(sizeof(void*) != 4 ||
+              (alignof(PluginRecord) == 4 && sizeof(PluginRecord) == 116 &&
+               offsetof(PluginRecord, Game) == 20 && offsetof(PluginRecord, HasPrivis) == 92));
 
 /// Fills a record that holds nothing yet; what was filled before an error stays valid to clear.
 void FillRecord(const PLUGIN& plugin, PluginRecord& record);

@@ -87,16 +87,6 @@ TEST_F(ComponentTest, TheDescriptorIsTheSameRecordThroughBothInterfaces) {
   EXPECT_EQ(record->ProfileMenuItems.vt, VT_EMPTY);
   EXPECT_EQ(record->Game.vt, VT_ARRAY | VT_BSTR);
   EXPECT_EQ(ToText(win32::FromVariant(record->Game).At(0)), "Delta Force,  V1.5.0.5");
-  ULONG size = 0;
-  EXPECT_EQ(result.Get().pRecInfo->GetSize(&size), S_OK);
-  EXPECT_EQ(size, sizeof(PluginRecord));
-  VARIANT name;
-  ::VariantInit(&name);
-  void* inside = nullptr;
-  ASSERT_EQ(
-      result.Get().pRecInfo->GetFieldNoCopy(result.Get().pvRecord, L"HelpFile", &name, &inside),
-      S_OK);
-  EXPECT_STREQ(*name.pbstrVal, L"tvxRT_help.chm");
 
   PluginRecord second{};
   ASSERT_EQ(DualOf(*plugin)->GetData(&second), S_OK);
@@ -104,6 +94,58 @@ TEST_F(ComponentTest, TheDescriptorIsTheSameRecordThroughBothInterfaces) {
   EXPECT_NE(second.Game.parray, record->Game.parray) << "each call's arrays are its own";
   result.Get().pRecInfo->RecordClear(&second);
   EXPECT_EQ(ToText(Call("GetPrivis", {}).At(1)), "Add/Remove Rotacasts|1");
+}
+
+// A host that declares the record for itself, in a language that aligns fields to the width of a
+// pointer: where each lies then, in bytes, for 32 and for 64 bits.
+TEST_F(ComponentTest, ARecordThatTheHostDeclaredItselfIsFilledAndNothingBehindIt) {
+  struct Row {
+    const wchar_t* field;
+    std::size_t offsets[2];
+  };
+  constexpr Row kFields[] = {{L"Name", {0, 0}},
+                             {L"Game", {20, 40}},
+                             {L"HasInterface", {36, 64}},
+                             {L"MainMenu", {42, 70}},
+                             {L"ServerMenuItems", {60, 96}},
+                             {L"HasPrivis", {92, 144}},
+                             {L"HelpFile", {96, 152}},
+                             {L"MinTVXVer", {112, 184}}};
+  constexpr std::size_t kSizes[] = {116, 192};
+  constexpr std::size_t width = sizeof(void*) == 4 ? 0 : 1;
+  constexpr unsigned char kGuard = 0xA5;
+  alignas(8) unsigned char block[256] = {};
+  std::fill(block + kSizes[width], std::end(block), kGuard);
+  ASSERT_EQ(DualOf(*plugin)->GetData(reinterpret_cast<PluginRecord*>(block)), S_OK);
+  EXPECT_EQ(std::count(block + kSizes[width], std::end(block), kGuard),
+            static_cast<std::ptrdiff_t>(sizeof block - kSizes[width]));
+  const auto at = [&](std::size_t row) { return block + kFields[row].offsets[width]; };
+  EXPECT_STREQ(*reinterpret_cast<BSTR*>(at(0)), L"Rotacasts");
+  EXPECT_EQ(*reinterpret_cast<VARTYPE*>(at(1)), VT_ARRAY | VT_BSTR);
+  EXPECT_EQ(*reinterpret_cast<VARIANT_BOOL*>(at(2)), VARIANT_TRUE);
+  EXPECT_EQ(*reinterpret_cast<VARIANT_BOOL*>(at(3)), VARIANT_FALSE);
+  EXPECT_EQ(*reinterpret_cast<VARTYPE*>(at(4)), VT_ARRAY | VT_BSTR);
+  EXPECT_EQ(*reinterpret_cast<VARIANT_BOOL*>(at(5)), VARIANT_TRUE);
+  EXPECT_STREQ(*reinterpret_cast<BSTR*>(at(6)), L"tvxRT_help.chm");
+  EXPECT_STREQ(*reinterpret_cast<BSTR*>(at(7)), L"31103");
+
+  // And so does the library say.
+  const ComVariant result = plugin->Invoke(0x60030003, nullptr, 0);
+  IRecordInfo& library = *result.Get().pRecInfo;
+  ULONG size = 0;
+  EXPECT_EQ(library.GetSize(&size), S_OK);
+  EXPECT_EQ(size, kSizes[width]);
+  for (const Row& row : kFields) {
+    VARIANT value;
+    ::VariantInit(&value);
+    void* inside = nullptr;
+    ASSERT_EQ(library.GetFieldNoCopy(result.Get().pvRecord, row.field, &value, &inside), S_OK);
+    EXPECT_EQ(
+        static_cast<const char*>(value.byref) - static_cast<const char*>(result.Get().pvRecord),
+        static_cast<std::ptrdiff_t>(row.offsets[width]))
+        << win32::FromWide(row.field);
+  }
+  library.RecordClear(block);
 }
 
 TEST_F(ComponentTest, ArgumentsArriveHoweverTheyAreWrapped) {
