@@ -51,8 +51,11 @@ TEST(EndToEnd, MessagesReachTheServersUntilOneDies) {
       EXPECT_TRUE(server->process.ReadUntil(text)) << text;
     }
   }
-  host.WriteLine("status");
+  host.WriteLine("status\nsay 1 {ShowNextMap}\nsent 1\nplaceholders 1");
   EXPECT_TRUE(host.ReadUntil("1        srv1    DFBHD  running"));
+  EXPECT_TRUE(host.ReadUntil("said: [Next Map] "));
+  EXPECT_TRUE(host.ReadUntil("1        sent     [Next Map] "));
+  EXPECT_TRUE(host.ReadUntil("{ShowBestHeadshotKillRatio}  ["));
   const std::string id = joint.Id();
   EXPECT_EQ(joint.process.Wait(SIGKILL), -SIGKILL);
   EXPECT_TRUE(host.ReadUntil("profile 2 (srv2): the game server has ended (process " + id + ")"));

@@ -12,11 +12,11 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "game/address_table.h"
-#include "host/components/game_processes.h"
+#include "host/components/host_platform.h"
 #include "host/components/ini_text.h"
 #include "host/console.h"
 #include "host/linux/headless_plugin.h"
-#include "host/machine/linux/event_loop.h"
+#include "host/machine/linux/program_starter.h"
 #include "host/terminal.h"
 #include "simulator/game_image.h"
 #include "support/fake_host.h"
@@ -82,7 +82,9 @@ TEST(GameProcesses, ErrorsNameTheProfileAndTheWayOut) {
               std::string::npos)
         << error.description;
   }
-  HostMemoryComponent memory(processes);
+  SystemClock clock;
+  Chat chat(clock);
+  HostMemoryComponent memory(processes, chat);
   std::int16_t index = 2;
   std::string text = "x";
   bool affiliate = false;
@@ -188,6 +190,47 @@ TEST(EventLoopTest, ServesDescriptorsDeadlinesAndSignalsInTurns) {
   loop.Run();
   EXPECT_EQ(said, "(read due )(room nobody reads )(reload");
   ::close(ends[1]);
+}
+
+TEST(ChatTest, ProgramsSayTheTextsInOrderAndNoneHoldsTheOthersUp) {
+  const HostFolder folder;
+  const auto script = [&](const std::string& name, const std::string& lines) {
+    folder.Write(name, "#!/bin/sh\n" + lines + "\n");
+    std::filesystem::permissions(folder.File(name), std::filesystem::perms::owner_all);
+    return folder.File(name);
+  };
+  EventLoop loop;
+  ProgramStarter programs(loop, std::chrono::seconds(1));
+  SystemClock clock;
+  Chat chat(clock);
+  chat.SetRunner(&programs);
+  const std::string said = folder.File("said");
+  chat.SetProgram(1, script("good", "sleep 0.1; printf '%s|' \"$@\" >>" + said) + " -p  7 ");
+  chat.SetProgram(2, script("bad", "echo no such port >&2; exit 3"));
+  chat.SetProgram(3, script("slow", "sleep 60 & wait"));
+  chat.SetProgram(4, script("warns", "printf 'careful\\nnow' >&2"));
+  chat.SetProgram(5, folder.File("none"));
+  std::map<std::int32_t, std::string> ends;
+  std::string order;
+  chat.onEnd = [&](const SentText& sent) {
+    order += std::to_string(sent.profile);
+    ends[sent.profile] = sent.reason;
+    if (order.size() == 6) loop.Stop();
+  };
+  chat.Post(3, 0, "x");
+  chat.Post(1, 0, "$HOME `id` 'ü'");
+  chat.Post(1, 0, "second");
+  for (const int profile : {2, 4, 5}) chat.Post(profile, 0, "x");
+  loop.Run();
+  EXPECT_EQ(folder.Read("said"), "-p|7|$HOME `id` 'ü'|-p|7|second|");
+  EXPECT_EQ(order.back(), '3') << order;
+  EXPECT_EQ(ends[1], "");
+  EXPECT_EQ(ends[2], folder.File("bad") + " ended with status 3: no such port");
+  EXPECT_EQ(ends[3], folder.File("slow") + " took longer than 1 s and was ended");
+  EXPECT_EQ(ends[4], folder.File("warns") + " said: careful now");
+  EXPECT_EQ(ends[5], folder.File("none") + " cannot be started (No such file or directory)");
+  for (int i = 0; i < 9; ++i) chat.Post(3, 0, "x");
+  EXPECT_EQ(ErrorOf([&] { chat.Post(3, 0, "x"); }), 57);  // it does not keep up
 }
 
 TEST(PlainOutput, ShowsControlCharactersAsQuestionMarks) {
@@ -386,7 +429,7 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
       {"interval 2 31", "not changed: an interval is 0 to 30 minutes\n"},
       {"interval 2 -1", "not changed: an interval is 0 to 30 minutes\n"},
       {"add 2 " + std::string(65508, 'x'),
-       "not added: the message has 65508 bytes, more than the 65507 of one datagram; give a "
+       "the message has 65508 bytes, more than the 65507 of one datagram; give a "
        "shorter "
        "one\n"},
       {"add 2 ", "usage: add PROFILE TEXT\n"},
@@ -398,6 +441,7 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
        "[Rotacasts] Enable Rotacasts (New Value: 0) from Zoe\r\n"},
       {"interval 2 9", "profile 2 (srv2) says a message every 9 minutes\n", "a;b;c;0;9;",
        "[Rotacasts] Change Rotacasts Interval (New Interval: 9) from Zoe\r\n"},
+      {"say 2  now ", "said: now\n"},
       {"remote 2 GetMessagesRem", "\"YQ==|Yg==|Yw==|0|9\"\n"},
       {"remote 2 AddMessageRem ZA==", "\"1\"\n", "a;b;c;d;0;9;",
        "[Rotacasts] Add Rotacast (Message: d) from Zoe\r\n"},

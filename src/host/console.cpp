@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/text.h"
+#include "broadcast/placeholders.h"
 #include "host/machine/native_files.h"
 #include "host/terminal.h"
 #include "host/troubles.h"
@@ -125,6 +126,19 @@ const Console::Command Console::kCommands[] = {
        const std::int32_t profile = arguments.Number();
        console.out_ << console.host_.SetInterval(profile, arguments.LastNumber()) << "\n";
      }},
+    {"say PROFILE TEXT", "say a text now, once; a placeholder with what it says now",
+     [](Console& console, Arguments& arguments) {
+       const std::int32_t profile = arguments.Number();
+       console.out_ << console.host_.Say(profile, arguments.Text()) << "\n";
+     }},
+    {"sent [PROFILE]", "the latest messages sent: when, and what became of them",
+     [](Console& console, Arguments& arguments) {
+       console.PrintSent(arguments.IsAtEnd() ? 0 : arguments.LastNumber());
+     }},
+    {"placeholders [PROFILE]", "list them, and what each says now for a profile",
+     [](Console& console, Arguments& arguments) {
+       console.PrintPlaceholders(arguments.IsAtEnd() ? 0 : arguments.LastNumber());
+     }},
     {"show PROFILE", "read its profile.ini anew, load the window for it and start it",
      [](Console& console, Arguments& arguments) { console.host_.Show(arguments.LastNumber()); }},
     {"hide", "hide the window; the broadcasts go on",
@@ -207,6 +221,45 @@ void Console::PrintAllStatus() {
   std::vector<ProfileStatus> all;
   for (const auto& [index, profile] : host_.Profiles().All()) all.push_back(host_.StatusOf(index));
   PrintStatus(out_, all);
+}
+
+void Console::PrintSent(std::int32_t profile) {
+  constexpr const char* kOutcomes[] = {"under way", "sent", "not sent"};
+  if (profile != 0) host_.Profiles().At(profile);
+  TextTable table({"Time", "Profile", "Outcome", "Text"});
+  bool isEmpty = true;
+  for (const SentText& sent : host_.Profiles().Components().GetChat().Latest()) {
+    if (profile != 0 && sent.profile != profile) continue;
+    isEmpty = false;
+    const std::string reason = sent.reason.empty() ? "" : " (" + sent.reason + ")";
+    table.Add({FormatTime(sent.time), std::to_string(sent.profile),
+               kOutcomes[static_cast<int>(sent.outcome)], sent.text + reason});
+  }
+  if (isEmpty) {
+    out_ << "nothing has been sent yet\n";
+  } else {
+    table.Print(out_);
+  }
+}
+
+void Console::PrintPlaceholders(std::int32_t index) {
+  const auto& all = host_.Profiles().All();
+  if (index == 0 && all.size() == 1) index = all.begin()->first;
+  if (index == 0) {
+    for (const std::string& placeholder : AllPlaceholders()) out_ << placeholder << "\n";
+    out_ << "\"placeholders PROFILE\" shows what each says now\n";
+    return;
+  }
+  const ProfileSettings& profile = host_.Profiles().At(index);
+  const Preview::Game game = host_.Previews().GameOf(profile);
+  if (!game.problem.empty()) out_ << Named(profile.Label(), game.problem) << "\n";
+  TextTable table({"Placeholder", "Says now for " + profile.Label()});
+  for (const std::string& placeholder : AllPlaceholders()) {
+    Preview::Text text = host_.Previews().TextOf(profile, game, placeholder);
+    if (!game.problem.empty()) text.problem = "no game server";
+    table.Add({placeholder, text.Shown()});
+  }
+  table.Print(out_);
 }
 
 void Console::PrintReloaded() {

@@ -34,6 +34,9 @@ class Console {
   void PrintMessages(std::int32_t index);
   void PrintAllStatus();
   void PrintReloaded();
+  /// Of all profiles for index 0.
+  void PrintSent(std::int32_t profile);
+  void PrintPlaceholders(std::int32_t index);
   void PrintRemote(Arguments& arguments);
 
   ServerHost& host_;

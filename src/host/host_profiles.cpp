@@ -44,6 +44,7 @@ void HostProfiles::Use(ProfileSettings profile) {
   } else {
     platform_.Processes().Change(handle->second, std::move(process));
   }
+  platform_.GetChat().SetProgram(profile.index, profile.say);
   profiles_.insert_or_assign(profile.index, std::move(profile));
 }
 
@@ -107,6 +108,13 @@ HostProfiles::Changes HostProfiles::ReadAllAnew() {
   }
   for (const std::int32_t index : changes.removed) profiles_.erase(index);
   return changes;
+}
+
+void HostProfiles::Record(std::string procedure, const std::string& words) const try {
+  RuntimeError note(0, words);
+  std::int32_t line = 0;
+  HostUtilityComponent(folder_, SystemClock()).LogError("rotacasts-host", procedure, note, line);
+} catch (const RuntimeError&) {  // it has been told
 }
 
 Variant::Array HostProfiles::DataOf(const ProfileSettings& profile) const {

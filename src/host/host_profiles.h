@@ -46,6 +46,9 @@ class HostProfiles {
   };
   Changes ReadAllAnew();
 
+  /// Puts a line of the host's own into the error log; a log that cannot be written is no error.
+  void Record(std::string procedure, const std::string& words) const;
+
  private:
   /// False, and the reason said, when it cannot be made.
   bool MakeSettingsFolderOf(const ProfileSettings& profile);

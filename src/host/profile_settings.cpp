@@ -27,9 +27,14 @@ class Reader {
  public:
   explicit Reader(const std::string& file) : file_(file), ini_(ReadIni(file)) {}
 
-  std::string Text(const char* key, const std::string& wanted) const {
+  /// Empty when the key is missing.
+  std::string Optional(const char* key) const {
     const std::string raw = FromWindows1252(ini_.Value("Profile", key).value_or(""));
-    std::string text(TrimSpaces(raw));
+    return std::string(TrimSpaces(raw));
+  }
+
+  std::string Text(const char* key, const std::string& wanted) const {
+    std::string text = Optional(key);
     if (text.empty()) Complain(std::string(key) + " is missing; give " + wanted);
     return text;
   }
@@ -81,7 +86,10 @@ ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& fo
   profile.index = reader.Number("Index", kHighestIndex, "a whole number from 1 to 32767");
   profile.gameCode = reader.OneOf("GameCode", GameCodes());
   profile.process = reader.Text("Process", "the game server's process id or program name");
-  profile.target = reader.Number("Target", kHighestPort, "its chat port, from 1 to 65535");
+  profile.say = reader.Optional("Say");
+  if (!profile.say.empty() && reader.Optional("Target").empty()) return profile;
+  profile.target = reader.Number(
+      "Target", kHighestPort, "its chat port, from 1 to 65535, or in its place Say and a program");
   return profile;
 }
 

@@ -13,7 +13,8 @@ struct ProfileSettings {
   std::string folder;       // below `profiles`
   std::string gameCode;     // one that a game build has
   std::string process;      // process id or program name
-  std::int32_t target = 0;  // UDP port of the game server's chat on 127.0.0.1
+  std::int32_t target = 0;  // UDP port of the game server's chat on 127.0.0.1; 0 if Say has none
+  std::string say;          // a program that says the messages, and its arguments; empty: Target
 
   bool operator==(const ProfileSettings&) const = default;
   /// The profile as errors and listings name it.

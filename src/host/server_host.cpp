@@ -21,6 +21,12 @@ constexpr std::int32_t kLongestInterval = 30;
   throw Complaint(std::string(what) + ": " + (reasons.empty() ? likely : reasons));
 }
 
+void RefuseLong(const std::string& text) {
+  if (text.size() <= kLongestMessage) return;
+  throw Complaint("the message has " + std::to_string(text.size()) + " bytes, more than the " +
+                  std::to_string(kLongestMessage) + " of one datagram; give a shorter one");
+}
+
 }  // namespace
 
 Variant ServerHost::DataOf(const ProfileSettings& profile, const std::string& administrator) const {
@@ -92,11 +98,7 @@ void ServerHost::RequireStarted(std::int32_t index) const {
 std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
                                    const std::string& administrator) {
   RequireStarted(index);
-  if (text.size() > kLongestMessage) {
-    throw Complaint("not added: the message has " + std::to_string(text.size()) +
-                    " bytes, more than the " + std::to_string(kLongestMessage) +
-                    " of one datagram; give a shorter one");
-  }
+  RefuseLong(text);
   const HostedPlugin::Reply reply =
       Remote(index, RemoteOperation::AddMessage, EncodeBase64(text), administrator);
   if (reply.text != "1") {
@@ -148,6 +150,21 @@ std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
   if (!reply.problems.empty()) RaiseUnchanged("not changed", reply, {});
   return profiles_.At(index).Label() + " says a message every " + std::to_string(minutes) +
          (minutes == 1 ? " minute" : " minutes");
+}
+
+std::string ServerHost::Say(std::int32_t index, const std::string& text) {
+  const ProfileSettings& profile = profiles_.At(index);
+  RefuseLong(text);
+  const Preview::Text now = preview_.TextOf(profile, preview_.GameOf(profile), text);
+  if (now.says.empty() || !now.problem.empty()) {
+    throw Complaint("nothing was said: " +
+                    (now.problem.empty() ? "it has nothing to say at this moment" : now.problem));
+  }
+  Chat& chat = profiles_.Components().GetChat();
+  chat.Post(index, profile.target, now.says);
+  const SentText& sent = chat.Latest().back();
+  if (sent.outcome == SentText::Outcome::Failed) throw Complaint("not said: " + sent.reason);
+  return (sent.outcome == SentText::Outcome::Sent ? "said: " : "being said: ") + now.says;
 }
 
 MessageList ServerHost::MessagesOf(std::int32_t index) const {

@@ -58,6 +58,10 @@ class ServerHost {
   std::string SetInterval(std::int32_t index, std::int32_t minutes,
                           const std::string& administrator = {});
 
+  /// Says a text now, once, whether a game is running or not; a placeholder with its live text. The
+  /// outcome in words; error 5 or 57 with the reason when nothing was said.
+  std::string Say(std::int32_t index, const std::string& text);
+
   MessageList MessagesOf(std::int32_t index) const;
   ProfileStatus StatusOf(std::int32_t index);
 

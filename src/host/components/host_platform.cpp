@@ -19,7 +19,7 @@ std::unique_ptr<UtilityComponent> HostPlatform::CreateUtility() {
 }
 
 std::unique_ptr<MemoryComponent> HostPlatform::CreateMemory() {
-  return std::make_unique<HostMemoryComponent>(processes_);
+  return std::make_unique<HostMemoryComponent>(processes_, chat_);
 }
 
 std::unique_ptr<FileSystemObject> HostPlatform::CreateFileSystem() {

@@ -28,6 +28,7 @@ class HostPlatform final : public ComponentFactory, public Module {
   ModuleVersion Version() const override;
 
   GameProcesses& Processes() { return processes_; }
+  Chat& GetChat() { return chat_; }
   SystemClock& Clock() { return clock_; }
   Platform Bundle(forms::Toolkit& toolkit) { return {*this, *this, clock_, toolkit}; }
 
@@ -35,6 +36,7 @@ class HostPlatform final : public ComponentFactory, public Module {
   const std::string hostFolder_;
   SystemClock clock_;
   GameProcesses processes_;
+  Chat chat_{clock_};
 };
 
 }  // namespace rotacasts::host

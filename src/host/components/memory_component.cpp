@@ -13,25 +13,15 @@ std::string HostMemoryComponent::ReadStr(std::int32_t& processHandle, std::int32
   return FromWindows1252(processes_.ReadBytes(processHandle, address));
 }
 
-void HostMemoryComponent::Send(std::int16_t profileIndex, std::int32_t messageTarget,
-                               const std::string& text) {
-  if (messageTarget < 1 || messageTarget > 0xFFFF) {
-    throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                       "profile " + std::to_string(profileIndex) + ": Target " +
-                           std::to_string(messageTarget) + " is no port; give one from 1 to 65535");
-  }
-  socket_.Send(static_cast<std::uint16_t>(messageTarget), text);
-}
-
 void HostMemoryComponent::AddMsg(std::int16_t& profileIndex, std::int32_t& messageTarget,
                                  std::string& text, bool&, const std::string&, std::int16_t) {
-  Send(profileIndex, messageTarget, text);
+  chat_.Post(profileIndex, messageTarget, text);
 }
 
 void HostMemoryComponent::AddMsgB(std::int16_t& profileIndex, std::int32_t& messageTarget,
                                   std::string& text, bool&, const std::string&, std::int16_t,
                                   std::string&) {
-  Send(profileIndex, messageTarget, text);
+  chat_.Post(profileIndex, messageTarget, text);
 }
 
 std::string HostMemoryComponent::Enc64(const std::string& text) {

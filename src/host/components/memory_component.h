@@ -1,17 +1,17 @@
 // The memory component of the stand-alone host: real reads, real sends.
 #pragma once
 
+#include "host/components/chat.h"
 #include "host/components/game_processes.h"
-#include "host/machine/chat_socket.h"
 #include "platform/components.h"
 
 namespace rotacasts::host {
 
-/// Process handles are those of `processes`; a message target is a UDP port of 127.0.0.1. Texts in
-/// a game's memory are Windows-1252, a chat message is one UTF-8 datagram, Base64 packs UTF-8.
+/// Process handles are those of `processes`; what a message target is, `chat` knows. Texts in a
+/// game's memory are Windows-1252, Base64 packs UTF-8. Both outlive the component.
 class HostMemoryComponent final : public MemoryComponent {
  public:
-  explicit HostMemoryComponent(GameProcesses& processes) : processes_(processes) {}
+  HostMemoryComponent(GameProcesses& processes, Chat& chat) : processes_(processes), chat_(chat) {}
 
   std::int32_t ReadLong(std::int32_t& processHandle, std::int32_t address) override;
   std::string ReadStr(std::int32_t& processHandle, std::int32_t address) override;
@@ -25,10 +25,8 @@ class HostMemoryComponent final : public MemoryComponent {
   std::string Dec64(const std::string& text) override;
 
  private:
-  void Send(std::int16_t profileIndex, std::int32_t messageTarget, const std::string& text);
-
   GameProcesses& processes_;
-  ChatSocket socket_;
+  Chat& chat_;
 };
 
 }  // namespace rotacasts::host

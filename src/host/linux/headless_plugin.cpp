@@ -35,8 +35,6 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   /// Tells of an error before it is recorded; what goes on from tick to tick is recorded once.
   class Utility;
   void Tell(const std::string& words);
-  /// Puts a line into the error log.
-  void Record(const std::string& words);
   std::string Label() const;
 
   HostProfiles& profiles_;
@@ -118,16 +116,9 @@ void HeadlessPlugin::Instance::RunDue() {
   const int ran = timers_.RunDue();
   isInTick_ = false;
   if (ran == 0) return;
-  for (const std::string& ended : troubles_.TickEnded(index_, Label())) Record(ended);
-}
-
-void HeadlessPlugin::Instance::Record(const std::string& words) try {
-  std::string procedure = "tmrRT";
-  RuntimeError note(0, Named(Label(), words));
-  std::int32_t line = 0;
-  HostUtilityComponent(profiles_.Folder(), profiles_.Components().Clock())
-      .LogError("rotacasts-host", procedure, note, line);
-} catch (const RuntimeError&) {  // it has been told
+  for (const std::string& ended : troubles_.TickEnded(index_, Label())) {
+    profiles_.Record("tmrRT", Named(Label(), ended));
+  }
 }
 
 HostedPlugin::Progress HeadlessPlugin::Instance::GetProgress() const {
