@@ -46,8 +46,9 @@ TEST_F(BroadcastTest, EveryNthTickSendsTheNextMessageThereIs) {
   for (const auto& [messages, interval, next, sent] :
        {Row{{"A", "B", "C"}, "1", 0, "ABCAB"}, Row{{"A", "B"}, "1", 2, "AB"},
         Row{{"A"}, "3", 0, "--A--A"}, Row{{"A"}, "0", 0, "AA"}, Row{{"A"}, "-5", 0, "AA"},
-        Row{{"A"}, " 2 ", 0, "-A-A"}, Row{{"", "B"}, "1", 0, "-B-B-"},
-        Row{{"A", "", "C"}, "1", 1, "CAC"}, Row{{"  ", "", " "}, "1", 1, "--"}}) {
+        Row{{"A"}, "-2147483648", 0, "AA"}, Row{{"A"}, " 2 ", 0, "-A-A"},
+        Row{{"", "B"}, "1", 0, "-B-B-"}, Row{{"A", "", "C"}, "1", 1, "CAC"},
+        Row{{"  ", "", " "}, "1", 1, "--"}}) {
     Start(messages);
     Window().txtInterval().SetText(interval);
     State().tables.NextMessage(2) = next;
@@ -66,7 +67,9 @@ TEST_F(BroadcastTest, NothingMovesWhileTheGameOrTheSwitchIsOff) {
   for (const auto& [state, value] : {std::pair(4, 1), {3, 0}, {3, 2}}) {
     host.longs[kJoState] = state;
     Window().chkAuto().SetValue(static_cast<std::int16_t>(value));
+    host.calls.clear();
     EXPECT_EQ(Ticks(4), "----");
+    EXPECT_EQ(host.calls.size(), 4U) << "the game is asked after before the switch";
   }
   EXPECT_EQ(Elapsed(), 1);
   Window().chkAuto().SetValue(1);
@@ -103,19 +106,24 @@ TEST_F(BroadcastTest, DfbhdHasItsOwnReadersAndItsOwnSend) {
 }
 
 TEST_F(BroadcastTest, RecordFieldsArePassedByReference) {
-  Start({"A"});
   host.writesBack = true;
-  Tick(2);
-  const ProfileRecord& record = State().tables.Profiles(2);
-  EXPECT_EQ(record.ProcessHandle + record.MessageTarget, 999 + 888);
-  EXPECT_EQ(record.GameCode, "JO_2");
+  for (const char* code : {"JO", "DFBHD"}) {
+    Start({"A"}, "1", code);
+    Tick(2);
+    const ProfileRecord& record = State().tables.Profiles(2);
+    EXPECT_EQ(record.ProcessHandle, 999);
+    EXPECT_EQ(record.MessageTarget, 888);
+    EXPECT_EQ(record.GameCode, std::string(code) == "JO" ? "JO_2" : code);
+  }
 }
 
 TEST_F(BroadcastTest, OnlyAWholeMessageIsAPlaceholder) {
   const std::vector<std::string> texts = {"{shownextmap}", "Next: {ShowNextMap}", "{Show}",
-                                          "{ShowAssists}"};
+                                          "{ShowAssists}", "{ShowmostKills}"};
   Start(texts);
   for (const std::string& text : texts) EXPECT_EQ(Ticks(1), text);
+  Start({" {ShowNextMap}"});
+  EXPECT_EQ(Ticks(1), "{ShowNextMap}");  // trimmed when it is sent, and not before
   EXPECT_EQ(AllPlaceholders().size(), 18U);
   for (const std::string& placeholder : AllPlaceholders()) EXPECT_TRUE(IsPlaceholder(placeholder));
 }

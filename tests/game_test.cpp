@@ -72,6 +72,8 @@ class GameReaderTest : public PluginTest {
 
 TEST_F(GameReaderTest, OnlyTwoStatesAreRunning) {
   EXPECT_FALSE(Game().HasMemoryMap(1));
+  Game().SetMemory(1, false);  // before any profile is known
+  ExpectReported("SetMemory: 9", true);
   SetUpProfile("JO");
   for (const int state : {-2, 0, 1, 2, 3, 4, 5}) {
     host.longs[0x00C87598] = state;

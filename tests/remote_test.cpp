@@ -58,9 +58,11 @@ TEST_F(RemoteTest, ListsMessagesAndOptions) {
 
 TEST_F(RemoteTest, AFailingListingQuotesTheFileOrFailsTheCall) {
   Start({"a"});
+  host.MessageFile(2).insert(0, "\r\n\r\n");
   host.failAtCall = 1;
   EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "");
-  EXPECT_NE(host.logged.at(0).find(" [" + PathOf(2) + ", [Messages]~1=a~"), std::string::npos)
+  EXPECT_NE(host.logged.at(0).find(" [" + PathOf(2) + ", \r\n\r\n[Messages]\r\n1=a\r\n"),
+            std::string::npos)
       << host.logged[0];
   host.MessageFile(2) = MessageFileBytes({"unsplittable"});
   EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "");

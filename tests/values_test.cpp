@@ -83,7 +83,10 @@ TEST(Conversions, KindsToKinds) {
   EXPECT_EQ(ErrorOf([] { ToText(Variant(Variant::Null{})); }), 94);
   EXPECT_EQ(ErrorOf([] { Variant("text").At(0); }), 13);
   EXPECT_EQ(ErrorOf([] { Variant(Variant::Array(2)).At(2); }), 9);
-  EXPECT_TRUE(EqualsTrue(Variant(true)) && EqualsTrue(Variant(-1)));
+  for (const Variant& truth :
+       {Variant(true), Variant(-1), Variant(std::int16_t{-1}), Variant(-1.0)}) {
+    EXPECT_TRUE(EqualsTrue(truth));
+  }
   EXPECT_FALSE(EqualsTrue(Variant(1)) || EqualsTrue(Variant("yes")) || EqualsTrue(Variant()));
 }
 

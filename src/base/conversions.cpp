@@ -148,7 +148,7 @@ bool IsNumeric(std::string_view text) {
 
 bool EqualsTrue(const Variant& value) {
   return value == Variant(true) || value == Variant(std::int16_t{-1}) ||
-         value == Variant(std::int32_t{-1});
+         value == Variant(std::int32_t{-1}) || value == Variant(-1.0);
 }
 
 std::string FormatNumber(double number) {
@@ -166,7 +166,7 @@ std::string FormatTwoDecimals(double number) {
 }
 
 double RoundToTwoDecimals(double number) {
-  return std::nearbyint(number * 100) / 100;
+  return std::nearbyint(number * 100) / 100 + 0.0;  // a minus zero becomes the plain one
 }
 
 }  // namespace rotacasts

@@ -65,9 +65,9 @@ bool BroadcastTimer::IsDue(std::int32_t index, Step& at) {
   at(3);
   if (window_.chkAuto().Value() != 1) return false;
   at(4);
-  const Checked interval = ToLong(TrimSpaces(window_.txtInterval().Text()));
+  const std::int32_t interval = ToLong(TrimSpaces(window_.txtInterval().Text()));
   std::int32_t& elapsed = tables_.ElapsedTicks(index);
-  if (elapsed >= (interval - 1).Value()) return true;
+  if (interval <= 1 || elapsed >= interval - 1) return true;
   ++elapsed;
   return false;
 }

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <exception>
+#include <limits>
 #include <optional>
 #include <set>
 #include <span>
 #include <utility>
 
-#include "base/arithmetic.h"
 #include "base/conversions.h"
 #include "base/text.h"
 #include "forms/form.h"
@@ -88,14 +88,26 @@ UtilityComponent::Key KeyToRemove(const std::string& key) {
   return key;
 }
 
+/// The lowest number from `first` on that is none of these keys. There always is one: a section of
+/// two billion lines fits no memory.
+std::int32_t UnusedKey(const std::set<std::string, std::less<>>& keys, std::int32_t first) {
+  while (keys.contains(std::to_string(first))) ++first;
+  return first;
+}
+
 /// The key of a new message, behind `lines` as GetIniSection answers them: one more than the number
 /// of lines or, in a hand-edited section, than the highest key, so that no text is overwritten.
+/// Behind the highest number there is, any that is unused.
 std::string NextKey(const std::vector<std::string>& lines) {
-  std::int32_t highest = static_cast<std::int32_t>(lines.size()) - 1;
+  const auto count = std::max(static_cast<std::int32_t>(lines.size()) - 1, 0);
+  std::int32_t highest = count;
+  std::set<std::string, std::less<>> keys;
   for (const std::string& line : lines) {
     highest = std::max(highest, KeyNumber(KeyOf(line)).value_or(0));
+    keys.insert(KeyOf(line));
   }
-  return std::to_string((Checked(std::max(highest, 0)) + 1).Value());
+  const bool isLast = highest == std::numeric_limits<std::int32_t>::max();
+  return std::to_string(isLast ? UnusedKey(keys, count + 1) : highest + 1);
 }
 
 std::string KeyAt(std::size_t position) {
@@ -159,8 +171,13 @@ class Replacement {
     for (std::size_t i = 0; i < texts_.size(); ++i) {
       if (!dense_ || texts_[i] != old_[i].text) changed_.push_back(i);
     }
-    for (const Entry& entry : old_) spare_ = std::max(spare_, KeyNumber(entry.key).value_or(0));
-    spare_ = std::max(spare_, static_cast<std::int32_t>(texts_.size()));
+    std::set<std::string, std::less<>> keys;
+    for (const Entry& entry : old_) keys.insert(entry.key);
+    auto spare = static_cast<std::int32_t>(texts_.size());
+    for (std::size_t i = 0; i < changed_.size(); ++i) {
+      spare = UnusedKey(keys, spare + 1);
+      spares_.push_back(std::to_string(spare));
+    }
   }
 
   void Run() {
@@ -176,9 +193,6 @@ class Replacement {
   }
 
  private:
-  std::string Spare(std::size_t position) const {
-    return std::to_string((Checked(spare_) + static_cast<std::int32_t>(position) + 1).Value());
-  }
   void Write(const std::string& key, const std::optional<std::string>& text) {
     utility_.WriteIniKey(kMessagesSection, key, text, file_);
   }
@@ -188,10 +202,10 @@ class Replacement {
     }
   }
   void Stage() {
-    for (const std::size_t i : changed_) Write(Spare(i), texts_[i]);
+    for (std::size_t i = 0; i < changed_.size(); ++i) Write(spares_[i], texts_[changed_[i]]);
   }
   void RemoveSpares() {
-    for (const std::size_t i : changed_) Write(Spare(i), std::nullopt);
+    for (const std::string& key : spares_) Write(key, std::nullopt);
   }
 
   /// After a failure: the old texts in their old places. The spare copies stay in the file unless
@@ -212,7 +226,7 @@ class Replacement {
   const std::vector<std::string> texts_;
   const bool dense_;  // the keys are 1 to n already: the lines stay where they are
   std::vector<std::size_t> changed_;
-  std::int32_t spare_ = 0;
+  std::vector<std::string> spares_;  // an unused key for each that changes
 };
 
 }  // namespace

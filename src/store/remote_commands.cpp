@@ -73,12 +73,13 @@ std::string RemoteCommands::List(std::int32_t index, const Variant& PDAT, Step& 
 
 std::string RemoteCommands::QuoteFile(std::int32_t index) {
   std::string file = tables_.MessageFiles(index);
-  std::string lines;
+  std::string quoted = " [" + file + ", ";
+  const char* separator = "";
   for (const std::string& line : services_.Utility().ReadFile(file)) {
-    if (!lines.empty()) lines += "\r\n";
-    lines += line;
+    quoted += separator + line;
+    separator = "\r\n";
   }
-  return " [" + file + ", " + lines + "]";
+  return quoted + "]";
 }
 
 std::string RemoteCommands::AddMessageRem(std::int32_t Index, const Variant& PDAT,

@@ -1,6 +1,7 @@
 #include "support/fake_host.h"
 
 #include <cstdio>
+#include <sstream>
 
 #include "base/text.h"
 #include "forms/window_messages.h"
@@ -106,14 +107,19 @@ class FakeUtility final : public UtilityComponent {
   Variant ParseIniKey(const std::string& line, bool asPair) override {
     host_.Called("ParseIniKey(" + line + (asPair ? ", True)" : ", False)"));
     const auto equals = line.find('=');
-    if (line.find("unsplittable") != line.npos) throw RuntimeError(ErrorNumber::TypeMismatch);
+    if (equals == line.npos || line.find("unsplittable") != line.npos) {
+      throw RuntimeError(ErrorNumber::TypeMismatch);
+    }
     if (!asPair) return line.substr(equals + 1);
     return Variant::Array{line.substr(0, equals), line.substr(equals + 1)};
   }
   std::vector<std::string> ReadFile(std::string& file) override {
     host_.Called("ReadFile(" + file + ")");
     if (!host_.files.contains(file)) throw RuntimeError(ErrorNumber::FileNotFound, file);
-    return {ReplaceAll(host_.files[file], "\r\n", "~")};
+    std::istringstream bytes(ReplaceAll(host_.files[file], "\r\n", "\n"));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(bytes, line);) lines.push_back(line);
+    return lines;
   }
   void AppendFile(const std::string& file, const std::string& text) override {
     host_.Called("AppendFile(" + file + ", " + text + ")");
