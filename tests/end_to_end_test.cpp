@@ -92,18 +92,43 @@ TEST(EndToEnd, OfTheServersOfOneProgramEachProfileKeepsItsOwn) {
                              " is running, but none receives at the Target port " + port));
   ChildProcess second({program, "--game-code", "JO_2", "--port", port});
   EXPECT_TRUE(second.ReadUntil("Hello"));
-  EXPECT_TRUE(host.ReadUntil("profile 1 (srv1): over after "));
+  EXPECT_TRUE(host.ReadUntil("profile 1 (srv1): all is well again after "));
   EXPECT_EQ(host.Wait(SIGTERM), 0);
 }
 
-TEST(EndToEnd, TheLastLineOfTheInputNeedsNoLineFeed) {
+TEST(EndToEnd, NothingThatIsPrintedOrAskedHoldsTheHostUp) {
+  HostFolder folder;
+  Server server("JO");
+  folder.AddProfile(1, "JO", server.Id(), server.port, MessageFileBytes({"Hello"}));
+  ChildProcess host = StartHost(folder);
+  for (int i = 0; i < 300; ++i) host.WriteLine("help");  // far more than a pipe holds, and unread
+  host.EndInput("add 1 x\nmessages 1");                  // the last line needs no line feed
+  for (int i = 0; i < 3; ++i) EXPECT_TRUE(server.process.ReadUntil("x"));
+  EXPECT_TRUE(host.ReadUntil(" lines were not shown, for nobody was reading"));
+  folder.AddProfile(2, "JO", "1", "4002");
+  ::kill(static_cast<pid_t>(host.Id()), SIGHUP);
+  EXPECT_TRUE(host.ReadUntil("added: profile 2"));
+  host.CloseOutput();
+  ::kill(static_cast<pid_t>(host.Id()), SIGHUP);  // it prints to nobody
+  EXPECT_TRUE(server.process.ReadUntil("Hello"));
+  EXPECT_TRUE(server.process.ReadUntil("Hello"));
+  EXPECT_EQ(host.Wait(SIGTERM), 0);
+}
+
+TEST(EndToEnd, ATerminalHasAPromptThatCompletesCommands) {
   HostFolder folder;
   folder.AddProfile(1, "JO", "1", "4001");
-  ChildProcess host = StartHost(folder);
-  host.EndInput("add 1 x\nmessages 1");
+  ChildProcess host({"/usr/bin/script", "-qfec",
+                     std::string(ROTACASTS_HOST_PROGRAM) + " run --host-folder " + folder.Path(),
+                     "/dev/null"});
+  EXPECT_TRUE(host.ReadUntil("profiles started: 1"));
+  host.WriteLine("addX\b 1 Grüße aus");
   EXPECT_TRUE(host.ReadUntil("added at position 0"));
-  EXPECT_TRUE(host.ReadUntil("0         x        x"));
-  EXPECT_EQ(host.Wait(SIGTERM), 0);  // without its input it goes on
+  host.WriteLine("mes\t1");
+  EXPECT_TRUE(host.ReadUntil("rotacasts> messages 1"));
+  EXPECT_TRUE(host.ReadUntil("0         Grüße aus  Grüße aus"));
+  host.WriteLine("quit");
+  EXPECT_EQ(host.Wait(), 0);
 }
 
 TEST(EndToEnd, PreviewTouchesNoFileAndNoBadProfileEndsIt) {

@@ -1,5 +1,7 @@
 #include "host/troubles.h"
 
+#include <utility>
+
 namespace rotacasts::host {
 namespace {
 
@@ -27,39 +29,26 @@ std::string Named(const std::string& label, const std::string& words) {
 }
 
 void Troubles::Met(std::int32_t profile, const std::string& words, Clock::time_point now) {
-  const auto [place, isNew] = open_[profile].try_emplace(words, Trouble{now});
-  if (isNew) Once(words);
-  place->second.ticks += isNew || !place->second.isInThisTick ? 1 : 0;
-  place->second.isInThisTick = true;
+  Trouble& trouble = open_.try_emplace(profile, Trouble{now, 0, {}, false}).first->second;
+  if (!std::exchange(trouble.isInThisTick, true)) ++trouble.ticks;
+  if (trouble.told.insert(words).second) Once(words);
 }
 
 bool Troubles::IsOld(std::int32_t profile, const std::string& words) const {
   const auto found = open_.find(profile);
-  return found != open_.end() && found->second.contains(words);
+  return found != open_.end() && found->second.told.contains(words);
 }
 
-std::vector<std::string> Troubles::TickEnded(std::int32_t profile, const std::string& label,
-                                             Clock::time_point now) {
-  std::vector<std::string> ended;
+std::optional<std::string> Troubles::TickEnded(std::int32_t profile, const std::string& label,
+                                               Clock::time_point now) {
   const auto found = open_.find(profile);
-  if (found == open_.end()) return ended;
-  for (auto place = found->second.begin(); place != found->second.end();) {
-    Trouble& trouble = place->second;
-    if (trouble.isInThisTick) {
-      trouble.isInThisTick = false;
-      ++place;
-      continue;
-    }
-    const std::string times =
-        trouble.ticks == 1 ? "once" : std::to_string(trouble.ticks) + " times";
-    const bool isNamed = place->first.starts_with(label + ": ");
-    ended.push_back("over after " + Length(now - trouble.since) + ", met " + times + ": " +
-                    place->first.substr(isNamed ? label.size() + 2 : 0));
-    Once(label + ": " + ended.back());
-    place = found->second.erase(place);
-  }
-  if (found->second.empty()) open_.erase(found);
-  return ended;
+  if (found == open_.end() || std::exchange(found->second.isInThisTick, false)) return std::nullopt;
+  const Trouble trouble = found->second;
+  open_.erase(found);
+  const std::string words = label + ": all is well again after " + Length(now - trouble.since) +
+                            "; ticks that failed: " + std::to_string(trouble.ticks);
+  Once(words);
+  return words;
 }
 
 }  // namespace rotacasts::host

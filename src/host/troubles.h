@@ -4,9 +4,10 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <ostream>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "base/runtime_error.h"
 
@@ -18,7 +19,7 @@ std::string WordsOf(const RuntimeError& error, const std::string& procedure);
 /// The words with the label in front, unless they name it themselves.
 std::string Named(const std::string& label, const std::string& words);
 
-/// Tells of an error that comes back with every tick when it begins and when it ends.
+/// Tells of what is wrong with a profile when it begins, not with every tick, and when it is over.
 class Troubles {
  public:
   using Clock = std::chrono::steady_clock;
@@ -27,24 +28,26 @@ class Troubles {
 
   /// Told at once, for what does not come back by itself.
   void Once(const std::string& words) { out_ << words << "\n" << std::flush; }
-  /// Met in a tick of the profile: told unless the last tick met it too.
+  /// Met in a tick of the profile: told unless it has been since a tick last met nothing.
   void Met(std::int32_t profile, const std::string& words, Clock::time_point now = Clock::now());
-  /// A tick of the profile is over: what it has not met has ended, which is told with how long it
-  /// lasted and how often it was met; the same words are the answer.
-  std::vector<std::string> TickEnded(std::int32_t profile, const std::string& label,
-                                     Clock::time_point now = Clock::now());
-  /// Whether the error is one that goes on, so that there is nothing new to record.
+  /// A tick of the profile is over. If it has met nothing while the last one had, all is well
+  /// again: that is told, with how long it was not and how many ticks failed; the same words are
+  /// the answer, else nothing.
+  std::optional<std::string> TickEnded(std::int32_t profile, const std::string& label,
+                                       Clock::time_point now = Clock::now());
+  /// Whether the error has been told, so that there is nothing new to record.
   bool IsOld(std::int32_t profile, const std::string& words) const;
 
  private:
   struct Trouble {
     Clock::time_point since;
-    int ticks = 0;  // that have met it
-    bool isInThisTick = true;
+    int ticks = 0;  // that have failed
+    std::set<std::string> told;
+    bool isInThisTick = false;
   };
 
   std::ostream& out_;
-  std::map<std::int32_t, std::map<std::string, Trouble>> open_;  // by profile and words
+  std::map<std::int32_t, Trouble> open_;  // by profile
 };
 
 }  // namespace rotacasts::host

@@ -39,7 +39,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command) {
 ChildProcess::~ChildProcess() {
   if (process_ > 0) Wait(SIGKILL);
   if (input_ >= 0) ::close(input_);
-  ::close(output_);
+  if (output_ >= 0) ::close(output_);
 }
 
 void ChildProcess::Write(const std::string& bytes) {
@@ -50,6 +50,10 @@ void ChildProcess::Write(const std::string& bytes) {
 void ChildProcess::EndInput(const std::string& bytes) {
   Write(bytes);
   ::close(std::exchange(input_, -1));
+}
+
+void ChildProcess::CloseOutput() {
+  ::close(std::exchange(output_, -1));
 }
 
 std::optional<std::string> ChildProcess::ReadLine() {

@@ -22,6 +22,8 @@ class ChildProcess {
   void WriteLine(const std::string& line) { Write(line + "\n"); }
   /// Writes the last of the program's input, as it stands, and ends it.
   void EndInput(const std::string& bytes);
+  /// Reads no more, and lets the program know by its next write.
+  void CloseOutput();
   /// The next line; nothing at the end of the output or after ten seconds without one.
   std::optional<std::string> ReadLine();
   /// Reads lines, for half a minute at most, until one holds the text; that line, or nothing.

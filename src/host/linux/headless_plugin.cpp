@@ -116,9 +116,7 @@ void HeadlessPlugin::Instance::RunDue() {
   const int ran = timers_.RunDue();
   isInTick_ = false;
   if (ran == 0) return;
-  for (const std::string& ended : troubles_.TickEnded(index_, Label())) {
-    profiles_.Record("tmrRT", Named(Label(), ended));
-  }
+  if (const auto ended = troubles_.TickEnded(index_, Label())) profiles_.Record("tmrRT", *ended);
 }
 
 HostedPlugin::Progress HeadlessPlugin::Instance::GetProgress() const {

@@ -1,8 +1,14 @@
 #include "host/run_host.h"
 
+#include <unistd.h>
+
+#include <iostream>
+#include <optional>
+
 #include "host/console.h"
 #include "host/linux/headless_plugin.h"
 #include "host/machine/linux/console_input.h"
+#include "host/machine/linux/line_editor.h"
 #include "host/machine/linux/program_starter.h"
 
 namespace rotacasts::host {
@@ -21,15 +27,33 @@ void TellOfChat(const HostProfiles& profiles, Troubles& troubles, const SentText
     troubles.Met(key, words);
     if (isNew) profiles.Record("Say", words);
   }
-  for (const std::string& ended : troubles.TickEnded(key, label)) {
-    profiles.Record("Say", Named(label, ended));
-  }
+  if (const auto ended = troubles.TickEnded(key, label)) profiles.Record("Say", *ended);
 }
+
+/// Has a stream write to another buffer for as long as this object lives.
+class Redirection {
+ public:
+  Redirection(std::ostream& stream, std::streambuf& buffer)
+      : stream_(stream), before_(stream.rdbuf(&buffer)) {}
+  ~Redirection() { stream_.rdbuf(before_); }
+  Redirection(const Redirection&) = delete;
+  Redirection& operator=(const Redirection&) = delete;
+
+ private:
+  std::ostream& stream_;
+  std::streambuf* const before_;
+};
+
+constexpr const char* kGoesOnAlone =
+    "the console's input has ended; the host goes on without it (SIGTERM ends it, SIGHUP "
+    "reloads)\n";
 
 }  // namespace
 
 void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
   EventLoop loop;
+  ConsoleOutput output(loop);
+  const Redirection redirection(std::cout, output);
   Troubles troubles(out);
   ProgramStarter programs(loop);
   Chat& chat = profiles.Components().GetChat();
@@ -41,20 +65,21 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   Console console(host, out);
   loop.AddDeadline([&plugin] { return plugin.NextDue(); }, [&plugin] { plugin.RunDue(); });
   loop.onReload = [&console] { console.Reload(); };
-  ConsoleInput input(
-      loop,
-      [&](const std::string& line) {
-        const bool goesOn = console.Execute(line);
-        if (!goesOn) loop.Stop();
-        return goesOn;
-      },
-      [&out] {
-        out << "the console's input has ended; the host goes on without it (SIGTERM ends it, "
-               "SIGHUP "
-               "reloads)\n"
-            << std::flush;
-      });
   console.Start();
+  const LineEditor::Person person{[&](const std::string& line) {
+                                    const bool goesOn = console.Execute(line);
+                                    if (!goesOn) loop.Stop();
+                                    return goesOn;
+                                  },
+                                  [&out] { out << kGoesOnAlone << std::flush; },
+                                  Console::CommandNames()};
+  std::optional<LineEditor> editor;
+  std::optional<ConsoleInput> input;
+  if (::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0) {
+    editor.emplace(loop, output, person);
+  } else {
+    input.emplace(loop, person.onLine, person.onEnd);
+  }
   loop.Run();
   chat.onEnd = nullptr;
   chat.SetRunner(nullptr);
