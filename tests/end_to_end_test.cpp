@@ -164,19 +164,23 @@ TEST(EndToEnd, NoMessageCommandsTheTerminal) {
 }
 
 TEST(EndToEnd, AWrongCallSaysWhatIsWrong) {
-  const auto run = [](std::vector<std::string> words, const std::string& says) {
+  const auto run = [](std::vector<std::string> words, const std::string& says, int status = 2) {
     words.insert(words.begin(), ROTACASTS_HOST_PROGRAM);
     ChildProcess host(words);
     EXPECT_TRUE(host.ReadUntil(says)) << says;
-    EXPECT_NE(host.Wait(), 0);
+    EXPECT_EQ(host.Wait(), status) << says;
   };
   HostFolder empty;
   run({"run", "--host-folder", "/nowhere/at/all"}, "make it, or name another folder");
   run({"run", "--host-folder", empty.Path()}, empty.File("profiles") + ": No such file");
   run({"run", "--host-folder", empty.Path()}, "has no usable profile");
-  run({"check", "--host-folder", "/nowhere/at/all"}, "/nowhere/at/all/profiles: No such file");
+  EXPECT_TRUE(std::filesystem::is_empty(empty.Path()));
+  run({"check", "--host-folder", "/nowhere/at/all"}, "/nowhere/at/all/profiles: No such file", 1);
   run({"run", "--host-folder", empty.Path(), "--minute", "soon"}, "--minute");
-  run({"preview", "--host-folder", empty.Path(), "--profile", "4"}, "there is no profile 4");
+  run({"run", "--bogus"}, "rotacasts-host run: \"--bogus\" is not known here");
+  run({"fly"}, "rotacasts-host: \"fly\" is not known here");
+  run({"preview", "--host-folder", empty.Path(), "--profile", "4"}, "there is no profile 4", 1);
+  run({"check", "--help"}, "Exit status: 0 done; 1 check has a warning", 0);
 }
 
 }  // namespace

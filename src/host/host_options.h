@@ -14,6 +14,7 @@ struct HostOptions {
   std::string administrator = "console";    // who the console's changes come from, for the log
   bool sharedLog = false;                   // log them for the whole host, not for each profile
   std::vector<std::int32_t> profiles = {};  // the ones to preview; none: all
+  bool fix = false;                         // convert what check finds to be UTF-8
 };
 
 }  // namespace rotacasts::host

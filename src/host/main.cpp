@@ -18,6 +18,8 @@ namespace {
 using namespace rotacasts;
 using namespace rotacasts::host;
 
+constexpr int kCannotWork = 2;
+
 std::ostream& Out() {
   static PlainOutput out(std::cout);
   return out;
@@ -35,7 +37,7 @@ int Run(const HostOptions& options) {
     Errors() << options.folder
              << " has no usable profile; each needs a file profiles/NAME/profile.ini "
              << "with the section [Profile] and the keys Index, GameCode, Process and Target\n";
-    return 2;
+    return kCannotWork;
   }
   RunHost(profiles, options, Out());
   return 0;
@@ -69,33 +71,39 @@ int PrintPreviews(const HostOptions& options) {
   return status;
 }
 
-/// 0 when every file is in order, 1 when there is a warning.
+/// 0 when nothing would surprise, 1 when there is a warning.
 int Check(const HostOptions& options) {
-  const std::string& folder = options.folder;
-  LoadedProfiles loaded = LoadProfiles(folder);
-  std::size_t warnings = loaded.problems.size();
-  for (const std::string& problem : loaded.problems) Out() << problem << "\n";
-  for (const ProfileSettings& profile : loaded.profiles) {
-    const std::string path = MessageFilePath(folder, profile.folder);
-    std::vector<std::string> found;
-    try {
-      found = CheckMessageFile(path);
-    } catch (const RuntimeError& error) {
-      found.push_back(error.description);
-    }
-    for (const std::string& warning : found) {
-      Out() << NativePath(path).string() << ": " << warning << "\n";
-    }
-    warnings += found.size();
+  if (options.fix) {
+    for (const std::string& line : ConvertHostFolder(options.folder)) Out() << line << "\n";
   }
-  Out() << loaded.profiles.size() << " message files checked, " << warnings << " warnings\n";
-  return warnings == 0 ? 0 : 1;
+  const Findings found = CheckHostFolder(options.folder);
+  for (const std::string& warning : found.warnings) Out() << warning << "\n";
+  Out() << "profiles checked: " << found.profiles << "; warnings: " << found.warnings.size()
+        << "\n";
+  return found.warnings.empty() ? 0 : 1;
 }
+
+/// A wrong call, in words that name it. CLI11 misses what is lacking before it sees what is wrong.
+int RefuseCall(const CLI::App& app, const CLI::ParseError& error) {
+  std::string words = error.what();
+  const std::vector<std::string> unknown = app.remaining(true);
+  if (!unknown.empty()) words = "\"" + unknown.front() + "\" is not known here";
+  const auto chosen = app.get_subcommands();
+  const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
+  Errors() << "rotacasts-host" << command << ": " << words << "; \"rotacasts-host" << command
+           << " --help\" tells more\n";
+  return kCannotWork;
+}
+
+constexpr const char* kExitStatus =
+    "Exit status: 0 done; 1 check has a warning, or preview misses a profile or its game server;\n"
+    "2 the call is wrong, or the host cannot work there.";
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("Posts chat messages to game servers, round and round.");
+  CLI::App app("Posts chat messages to game servers, round and round.", "rotacasts-host");
+  app.footer(kExitStatus);
   app.set_version_flag("--version", std::to_string(ROTACASTS_VERSION_MAJOR) + "." +
                                         std::to_string(ROTACASTS_VERSION_MINOR) + "." +
                                         std::to_string(ROTACASTS_VERSION_PATCH));
@@ -105,6 +113,7 @@ int main(int argc, char** argv) {
   int status = 0;
   const auto add = [&](const char* name, const char* help, int (*command)(const HostOptions&)) {
     CLI::App* added = app.add_subcommand(name, help);
+    added->footer(kExitStatus);
     added
         ->add_option_function<std::string>(
             "--host-folder",
@@ -130,14 +139,18 @@ int main(int argc, char** argv) {
       ->default_str("60s");
   add("preview", "Print what every message would say at this moment", PrintPreviews)
       ->add_option("--profile", options.profiles, "only these profiles");
-  add("check", "Look over the message files and warn", Check);
+  add("check", "Look the whole folder over and warn of what would surprise", Check)
+      ->add_flag("--fix", options.fix,
+                 "first convert files saved as UTF-8, keeping a copy of each");
   try {
     app.parse(ProgramArguments(argc, argv));
     return status;
+  } catch (const CLI::Success& asked) {  // for help or the version
+    return app.exit(asked);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error);
+    return RefuseCall(app, error);
   } catch (...) {
     Errors() << "rotacasts-host: " << CurrentRuntimeError().description << "\n";
-    return 2;
+    return kCannotWork;
   }
 }

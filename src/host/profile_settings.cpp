@@ -22,20 +22,26 @@ std::string ProfileFile(const std::string& hostFolder, const std::string& folder
   return hostFolder + "\\profiles\\" + folder + "\\profile.ini";
 }
 
-/// Reads the keys of one file; every complaint names the file.
+constexpr const char* kSection = "Profile";
+
+std::string Place(const std::string& file, const IniText& ini, const std::string& key) {
+  return NativePath(file).string() + ":" + std::to_string(ini.LineOf(kSection, key));
+}
+
+/// Reads the keys of one file; every complaint names the file and the line.
 class Reader {
  public:
   explicit Reader(const std::string& file) : file_(file), ini_(ReadIni(file)) {}
 
   /// Empty when the key is missing.
   std::string Optional(const char* key) const {
-    const std::string raw = FromWindows1252(ini_.Value("Profile", key).value_or(""));
+    const std::string raw = FromWindows1252(ini_.Value(kSection, key).value_or(""));
     return std::string(TrimSpaces(raw));
   }
 
   std::string Text(const char* key, const std::string& wanted) const {
     std::string text = Optional(key);
-    if (text.empty()) Complain(std::string(key) + " is missing; give " + wanted);
+    if (text.empty()) Complain(key, "is missing; give " + wanted);
     return text;
   }
 
@@ -59,11 +65,11 @@ class Reader {
  private:
   [[noreturn]] void Refuse(const std::string& key, const std::string& text,
                            const std::string& wanted) const {
-    Complain(key + " is \"" + text + "\"; give " + wanted);
+    Complain(key, "is \"" + text + "\"; give " + wanted);
   }
 
-  [[noreturn]] void Complain(const std::string& what) const {
-    throw Complaint(NativePath(file_).string() + ": " + what);
+  [[noreturn]] void Complain(const std::string& key, const std::string& what) const {
+    throw Complaint(Place(file_, ini_, key) + ": " + key + " " + what);
   }
 
   const std::string file_;
@@ -71,6 +77,12 @@ class Reader {
 };
 
 }  // namespace
+
+std::string PlaceInProfile(const std::string& hostFolder, const std::string& folder,
+                           const std::string& key) {
+  const std::string file = ProfileFile(hostFolder, folder);
+  return Place(file, ReadIni(file), key);
+}
 
 bool HasProfileFile(const std::string& hostFolder, const std::string& folder) {
   return HostFileSystem().FileExists(ProfileFile(hostFolder, folder));
@@ -113,8 +125,9 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
       const ProfileSettings profile = ReadProfile(hostFolder, folder);
       const auto [other, added] = byIndex.try_emplace(profile.index, profile);
       if (!added) {
-        loaded.problems.push_back(profile.Label() + ": the index is taken by " +
-                                  other->second.Label() + "; give it another one");
+        loaded.problems.push_back(PlaceInProfile(hostFolder, folder, "Index") +
+                                  ": the index is taken by " + other->second.Label() +
+                                  "; give it another one");
       }
     } catch (const RuntimeError& error) {
       loaded.problems.push_back(error.description);

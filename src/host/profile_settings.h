@@ -33,6 +33,10 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder);
 /// Reads one profile. Error 5, naming the file and what to do, for nonsense in it.
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder);
 
+/// Where a key of the profile's profile.ini stands, as "file:line".
+std::string PlaceInProfile(const std::string& hostFolder, const std::string& folder,
+                           const std::string& key);
+
 /// Whether the folder has a profile.ini, usable or not.
 bool HasProfileFile(const std::string& hostFolder, const std::string& folder);
 

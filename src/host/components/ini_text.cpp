@@ -23,7 +23,9 @@ std::string_view TrimBlanks(std::string_view text) {
 }
 
 void RefuseNonText(const std::string& path, std::string_view bytes) {
-  if (bytes.starts_with("\xEF\xBB\xBF")) RaiseNoText(path, "is a UTF-8 file");
+  if (bytes.starts_with("\xEF\xBB\xBF")) {
+    RaiseNoText(path, "is a UTF-8 file, which \"check --fix\" converts");
+  }
   if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
     RaiseNoText(path, "is a UTF-16 file");
   }
@@ -114,6 +116,35 @@ std::optional<std::string_view> IniText::Value(std::string_view section,
   Cursor cursor(bytes_);
   if (!cursor.FindSection(section) || !cursor.FindKey(key)) return std::nullopt;
   return cursor.KeyLine()->value;
+}
+
+std::vector<IniText::Row> IniText::Rows() const {
+  std::vector<Row> rows;
+  for (Cursor cursor(bytes_); cursor.Next();) {
+    Row& row = rows.emplace_back();
+    const std::string_view text = TrimBlanks(cursor.Text());
+    if (const auto header = cursor.Header()) {
+      row = {Row::Kind::Heading, *header, text.substr(text.find(']') + 1)};
+    } else if (const auto line = cursor.KeyLine()) {
+      row = {Row::Kind::Key, line->key, line->value};
+    } else if (!text.empty() && !text.starts_with(';') && !text.starts_with('#')) {
+      row.kind = Row::Kind::Unknown;
+    }
+  }
+  return rows;
+}
+
+std::size_t IniText::LineOf(std::string_view section, std::string_view key) const {
+  std::size_t heading = 0;
+  const std::vector<Row> rows = Rows();
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const Row& row = rows[i];
+    if (row.kind == Row::Kind::Heading && heading != 0) break;
+    if (row.kind == Row::Kind::Heading && EqualsIgnoringCase(row.name, section)) heading = i + 1;
+    const bool isKey = row.kind == Row::Kind::Key && heading != 0;
+    if (isKey && EqualsIgnoringCase(row.name, key)) return i + 1;
+  }
+  return std::max<std::size_t>(heading, 1);
 }
 
 void IniText::SetValue(std::string_view section, std::string_view key, std::string_view value) {

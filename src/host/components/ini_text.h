@@ -29,6 +29,18 @@ class IniText {
   std::vector<Line> Lines(std::string_view section) const;
   std::optional<std::string_view> Value(std::string_view section, std::string_view key) const;
 
+  /// Every line of the file in order, for whoever looks for what is wrong with it.
+  struct Row {
+    enum class Kind { Heading, Key, Ignored, Unknown };  // Ignored: blank or a comment
+    Kind kind = Kind::Ignored;
+    std::string_view name;  // the heading's or the key's
+    std::string_view rest;  // what stands behind the heading's "]" or the key's "="
+  };
+  std::vector<Row> Rows() const;
+  /// The number of the key's line, from 1; where the key is missing, that of its section's heading,
+  /// and without that 1.
+  std::size_t LineOf(std::string_view section, std::string_view key) const;
+
   /// Writes a key: in its place, or behind the last line of its section, which is made if needed.
   void SetValue(std::string_view section, std::string_view key, std::string_view value);
   void RemoveKey(std::string_view section, std::string_view key);

@@ -30,5 +30,7 @@ std::vector<ProcessId> FindProcesses(const std::string& programName);
 /// and for others too, as Wine's server does. No, too, for a process that may not be looked into.
 enum class HoldsPort { No, Perhaps, Yes };
 HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port);
+/// Whether anybody receives UDP at the port of this machine.
+bool ReceivesUdp(std::uint16_t port);
 
 }  // namespace rotacasts::host

@@ -180,4 +180,8 @@ HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port) {
   return HoldsPort::No;
 }
 
+bool ReceivesUdp(std::uint16_t port) {
+  return !UdpSockets("/proc/self", port).empty();
+}
+
 }  // namespace rotacasts::host

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <functional>
 #include <utility>
 
 // clang-format off
@@ -64,6 +65,19 @@ bool HasName(const wchar_t* programFile, const std::wstring& name) {
          ::_wcsicmp(programFile, (name + L".exe").c_str()) == 0;
 }
 
+bool IsInUdpTable(const std::function<bool(const MIB_UDPROW_OWNER_PID&)>& isMeant) {
+  std::vector<char> bytes;
+  DWORD size = 0;
+  DWORD outcome = ERROR_INSUFFICIENT_BUFFER;
+  while (outcome == ERROR_INSUFFICIENT_BUFFER) {  // the table may grow meanwhile
+    bytes.resize(size);
+    outcome = ::GetExtendedUdpTable(bytes.data(), &size, FALSE, AF_INET, UDP_TABLE_OWNER_PID, 0);
+  }
+  if (outcome != NO_ERROR || bytes.size() < sizeof(DWORD)) return false;
+  const auto* table = reinterpret_cast<const MIB_UDPTABLE_OWNER_PID*>(bytes.data());
+  return std::any_of(table->table, table->table + table->dwNumEntries, isMeant);
+}
+
 }  // namespace
 
 ReadOutcome ReadProcess(ProcessId process, std::uint32_t address, void* buffer, std::size_t size) {
@@ -105,20 +119,15 @@ std::vector<ProcessId> FindProcesses(const std::string& programName) {
 }
 
 HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port) {
-  std::vector<char> bytes;
-  DWORD size = 0;
-  DWORD outcome = ERROR_INSUFFICIENT_BUFFER;
-  while (outcome == ERROR_INSUFFICIENT_BUFFER) {  // the table may grow meanwhile
-    bytes.resize(size);
-    outcome = ::GetExtendedUdpTable(bytes.data(), &size, FALSE, AF_INET, UDP_TABLE_OWNER_PID, 0);
-  }
-  if (outcome != NO_ERROR || bytes.size() < sizeof(DWORD)) return HoldsPort::No;
-  const auto* table = reinterpret_cast<const MIB_UDPTABLE_OWNER_PID*>(bytes.data());
-  const bool holds =
-      std::any_of(table->table, table->table + table->dwNumEntries, [&](const auto& row) {
-        return row.dwOwningPid == process && row.dwLocalPort == ::htons(port);
-      });
+  const bool holds = IsInUdpTable([&](const MIB_UDPROW_OWNER_PID& row) {
+    return row.dwOwningPid == process && row.dwLocalPort == ::htons(port);
+  });
   return holds ? HoldsPort::Yes : HoldsPort::No;
+}
+
+bool ReceivesUdp(std::uint16_t port) {
+  return IsInUdpTable(
+      [&](const MIB_UDPROW_OWNER_PID& row) { return row.dwLocalPort == ::htons(port); });
 }
 
 }  // namespace rotacasts::host
