@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include "host/check.h"
+#include "host/components/error_log.h"
 #include "host/components/host_file_system.h"
 #include "host/components/utility_component.h"
 #include "host/machine/base64.h"
@@ -117,6 +118,12 @@ TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {
   const std::string entry =
       "2010-03-07 14:05:09 tvxRT.dll tmrRT line 4: error 13: Type  mismatch ü\r\n";
   EXPECT_EQ(folder.Read("logs/errors.log"), entry + entry);
+  for (const char letter : {'a', 'b'}) {
+    folder.Write("logs/errors.log", std::string(kLongestErrorLog, letter));
+    utility.LogError("tvxRT.dll", procedure, error, line);
+    EXPECT_EQ(folder.Read("logs/errors.log"), entry);
+    EXPECT_EQ(folder.Read("logs/errors.old.log"), std::string(kLongestErrorLog, letter));
+  }
   Variant report(Variant::Array{"13", "Type mismatch", "tvxRT.dll 1.0.0", "tmrRT", Variant(), 4});
   EXPECT_TRUE(utility.SendErrorReport(report));
   EXPECT_TRUE(utility.SendErrorReport(report));

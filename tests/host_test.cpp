@@ -359,15 +359,19 @@ TEST_F(ConsoleTest, OneBadProfileLeavesTheOthersGoing) {
   folder.AddProfile(5, "NOPE", "1", "4005");
   folder.AddProfile(6, "JO", "1", "4006");
   folder.Write("profiles/srv6/settings", "a file in the way");
-  const std::string text = Execute({"status", "messages 2"});
+  folder.Write("settings/config.ini", "[Settings]\r\nReportErrors=\r\n");
+  const std::string text = Execute({"status", "messages 2", "placeholders"});
   for (const char* says :
        {"skipped: profile 6 (srv6): its settings folder cannot be made: File already exists: ",
         "Target is \"x\"; give its chat port",
-        "profile 1 (srv1): Type mismatch (error 13 in Form_Reload)",
+        "profile 1 (srv1): Type mismatch (error 13 in Form_Reload)\n"
+        "profile 1 (srv1): no report was sent (13: Type mismatch); is ReportErrors in "
+        "settings/config.ini 0 or 1?",
         "holds NUL bytes; save it as plain ANSI text", "GameCode is \"NOPE\"; give one of DFBHD, ",
         "profile 2 (srv2): no program no-such-program is running; start it",
         "0         {ShowNextMap}  (cannot tell: no game server)",
-        "2                        (nothing: it is skipped)"}) {
+        "2                        (nothing: it is skipped)",
+        "Placeholder                  Says now for profile 1 (srv1)\n{ShowNextMap}  "}) {
     EXPECT_NE(text.find(says), std::string::npos) << says << " is not in\n" << text;
   }
   EXPECT_EQ(text.find("\n6 "), std::string::npos) << text;

@@ -135,7 +135,7 @@ const Console::Command Console::kCommands[] = {
      [](Console& console, Arguments& arguments) {
        console.PrintSent(arguments.IsAtEnd() ? 0 : arguments.LastNumber());
      }},
-    {"placeholders [PROFILE]", "list them, and what each says now for a profile",
+    {"placeholders [PROFILE]", "list them, and what each says now for it, or for the first game",
      [](Console& console, Arguments& arguments) {
        console.PrintPlaceholders(arguments.IsAtEnd() ? 0 : arguments.LastNumber());
      }},
@@ -242,14 +242,16 @@ void Console::PrintSent(std::int32_t profile) {
   }
 }
 
-void Console::PrintPlaceholders(std::int32_t index) {
+std::int32_t Console::FirstRunning() {
   const auto& all = host_.Profiles().All();
-  if (index == 0 && all.size() == 1) index = all.begin()->first;
-  if (index == 0) {
-    for (const std::string& placeholder : AllPlaceholders()) out_ << placeholder << "\n";
-    out_ << "\"placeholders PROFILE\" shows what each says now\n";
-    return;
+  for (const auto& [index, profile] : all) {
+    if (host_.Previews().GameOf(profile).state == Preview::Game::State::Running) return index;
   }
+  return all.empty() ? 0 : all.begin()->first;
+}
+
+void Console::PrintPlaceholders(std::int32_t index) {
+  if (index == 0) index = FirstRunning();
   const ProfileSettings& profile = host_.Profiles().At(index);
   const Preview::Game game = host_.Previews().GameOf(profile);
   if (!game.problem.empty()) out_ << Named(profile.Label(), game.problem) << "\n";

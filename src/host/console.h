@@ -36,6 +36,9 @@ class Console {
   void PrintReloaded();
   /// Of all profiles for index 0.
   void PrintSent(std::int32_t profile);
+  /// The first profile with a running game; without one the first of all.
+  std::int32_t FirstRunning();
+  /// For index 0 those of the first running game.
   void PrintPlaceholders(std::int32_t index);
   void PrintRemote(Arguments& arguments);
 

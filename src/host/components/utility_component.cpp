@@ -4,6 +4,7 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
+#include "host/components/error_log.h"
 #include "host/components/host_file_system.h"
 #include "host/components/ini_text.h"
 #include "host/machine/native_files.h"
@@ -113,6 +114,7 @@ void HostUtilityComponent::LogError(const std::string& module, std::string& proc
   const std::string folder = hostFolder_ + "\\logs";
   const std::string file = folder + "\\errors.log";
   if (!files.FolderExists(folder)) files.CreateFolder(folder);
+  BeginAnewIfLong(file);
   if (!files.FileExists(file)) files.CreateTextFile(file);
   const LocalTime now = clock_.Now();
   std::string entry = FormatDate(now) + " " + FormatTime(now) + " " + module + " " + procedure +

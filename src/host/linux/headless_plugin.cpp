@@ -78,7 +78,12 @@ HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, s
       state_({profiles.Components(), *this, profiles.Components().Clock(), toolkit_}),
       plugin_(state_) {
   toolkit_.onMessageBox = [this](const std::string& text, const std::string& title) {
-    if (title != "DLL Error!") Tell(title + ": " + text);  // that one has been told of already
+    if (title == "DLL Error!") return;  // told of already
+    // The reporting of an error has failed; that error has been told of and logged.
+    const bool isSecond = title == "tvxRT.dll Error";
+    Tell(isSecond
+             ? "no report was sent (" + text + "); is ReportErrors in settings/config.ini 0 or 1?"
+             : title + ": " + text);
   };
 }
 
