@@ -1,6 +1,6 @@
 # The front door: every target installs what it needs and sets itself up.
 
-.PHONY: help demo demo-windows test test-windows windows package fuzz bench format lint clean
+.PHONY: help demo demo-windows test test-windows windows package fuzz bench docs pictures format lint clean
 
 help: ## this list
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 22
@@ -11,16 +11,16 @@ demo: ## six simulated game servers, one host: see what the program is for
 	@scripts/quietly cmake --build --preset release
 	@scripts/demo build/release/bin
 
-demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves a screenshot
-	@scripts/bootstrap build windows
+demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves pictures
+	@scripts/bootstrap build help windows
 	@preset=$$(scripts/windows-preset) && scripts/quietly cmake --preset $$preset && \
 	scripts/quietly cmake --build --preset $$preset \
 	  --target keeper tvxRT rotacasts-host game-server-sim && \
 	scripts/under-wine build/$$preset/tests/win32/keeper.exe \
-	  scripts/demo-windows build/$$preset build/demo-windows.png
+	  scripts/demo-windows build/$$preset build/demo-windows
 
 test: ## build and run every test
-	@scripts/bootstrap build test
+	@scripts/bootstrap build help test
 	cmake --preset sanitized
 	cmake --build --preset sanitized
 	ctest --preset sanitized
@@ -33,15 +33,15 @@ test-windows: ## the part of it that is built for Windows and run under Wine
 	@CI=1 scripts/test-windows
 
 windows: ## the plugin for Windows: build/windows/src/component/tvxRT.dll
-	@scripts/bootstrap build windows
+	@scripts/bootstrap build help windows
 	@scripts/quietly cmake --preset windows
-	@scripts/quietly cmake --build --preset windows --target tvxRT
+	@scripts/quietly cmake --build --preset windows --target tvxRT help_file
 	@ls -l build/windows/src/component/tvxRT.dll
 
 package: ## a zip with the plugin, its install script and the stand-alone host
-	@scripts/bootstrap build windows
+	@scripts/bootstrap build help windows
 	@scripts/quietly cmake --preset windows
-	@scripts/quietly cmake --build --preset windows --target tvxRT rotacasts-host game-server-sim
+	@scripts/quietly cmake --build --preset windows --target tvxRT help_file rotacasts-host game-server-sim
 	@scripts/package build/windows build/rotacasts.zip
 
 fuzz: ## a minute of arbitrary input for the remote operations and the INI reader
@@ -57,6 +57,16 @@ bench: ## measure, each thing against a named opponent
 	@scripts/quietly cmake --build --preset bench
 	build/bench/benchmarks/rotacasts-bench
 	@scripts/bench-windows
+
+docs: ## bring what the documents take from the code up to date
+	@scripts/bootstrap build help test
+	@scripts/quietly cmake --preset sanitized
+	@scripts/quietly cmake --build --preset sanitized --target placeholder-table
+	@scripts/placeholder-table build/sanitized/docs/placeholder-table docs/help/placeholders.md
+
+pictures: demo-windows ## the same, and put its pictures into the documents
+	cp build/demo-windows/windows-host.png docs/
+	cp $(patsubst docs/help/pictures/%,build/demo-windows/%,$(wildcard docs/help/pictures/*)) docs/help/pictures/
 
 format: ## bring every source file into shape
 	@scripts/bootstrap lint

@@ -9,8 +9,6 @@ namespace {
 // The game states in which a game is in progress.
 constexpr std::int32_t kRunningStates[] = {2, 3};
 
-constexpr const char* kNextMapLabel = "[Next Map] ";
-
 /// Map rotation of "DFBHD", in bytes: fields of the rotation structure, records of the name table.
 namespace dfbhd {
 constexpr std::int32_t kMapCount = 8;
@@ -94,7 +92,7 @@ bool GameReader::IsGameRunning(std::int32_t profileIndex) const {
 std::string GameReader::GetNextMap(std::int32_t profileIndex) {
   std::string text;
   Guard(reporter_, {"GetNextMap", profileIndex}, [&](Step& at) {
-    text = kNextMapLabel + NextMapName({services_, tables_, profileIndex}, at);
+    text = std::string(kNextMapLabel) + NextMapName({services_, tables_, profileIndex}, at);
   });
   return text;
 }
@@ -102,7 +100,7 @@ std::string GameReader::GetNextMap(std::int32_t profileIndex) {
 std::string GameReader::GetNextMapJO(std::int32_t profileIndex) {
   std::string text = "Unknown!!!";
   Guard(reporter_, {"GetNextMapJO", profileIndex, true}, [&](Step& at) {
-    text = kNextMapLabel + NextMapNameJO({services_, tables_, profileIndex}, at);
+    text = std::string(kNextMapLabel) + NextMapNameJO({services_, tables_, profileIndex}, at);
   });
   return text;
 }

@@ -3,10 +3,14 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "services/guard.h"
 
 namespace rotacasts {
+
+/// What a next-map text begins with.
+inline constexpr std::string_view kNextMapLabel = "[Next Map] ";
 
 /// Reads a profile's game server afresh on every call; keeps nothing.
 class GameReader {
