@@ -38,8 +38,11 @@ windows: ## the plugin for Windows: build/windows/src/component/tvxRT.dll
 	@scripts/quietly cmake --build --preset windows --target tvxRT help_file
 	@ls -l build/windows/src/component/tvxRT.dll
 
-package: ## a zip with the plugin, its install script and the stand-alone host
-	@scripts/bootstrap build help windows
+package: ## for Windows a zip with the plugin and the host, for Debian a package with the host
+	@scripts/bootstrap build package help windows
+	@scripts/quietly cmake --preset release
+	@scripts/quietly cmake --build --preset release
+	@cd build && cpack --config release/CPackConfig.cmake
 	@scripts/quietly cmake --preset windows
 	@scripts/quietly cmake --build --preset windows --target tvxRT help_file rotacasts-host game-server-sim
 	@scripts/package build/windows build/rotacasts.zip

@@ -81,7 +81,8 @@ void Run(const Options& options) {
 
 int main(int argc, char** argv) {
   Options options;
-  CLI::App app("Simulates a game server: a living game in memory, chat on a loopback port.");
+  CLI::App app("Simulates a game server: a living game in memory, chat on a loopback port.",
+               "game-server-sim");
   app.add_option("--game-code", options.gameCode, "JO, JO_2, DFX2, DFBHD, or with _AFF, _AFF2")
       ->required();
   app.add_option("--players", options.life.players)

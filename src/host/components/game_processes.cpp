@@ -13,6 +13,8 @@ namespace {
 // The longest text that is read; a game's names are shorter.
 constexpr std::size_t kLongestText = 255;
 
+constexpr const char* kNotAllowed = " may not be read; run this host as the game server's user";
+
 /// The process id that the text is; 0 for a program name.
 ProcessId AsNumber(const std::string& text) {
   ProcessId number = 0;
@@ -21,13 +23,16 @@ ProcessId AsNumber(const std::string& text) {
 }
 
 /// Those that receive at the port; if that is certain of none, those of which it may be true.
-std::vector<ProcessId> Receiving(const std::vector<ProcessId>& processes, std::uint16_t port) {
+/// `secret` becomes one that may not be looked into.
+std::vector<ProcessId> Receiving(const std::vector<ProcessId>& processes, std::uint16_t port,
+                                 ProcessId& secret) {
   std::vector<ProcessId> certain;
   std::vector<ProcessId> possible;
   for (const ProcessId process : processes) {
     const HoldsPort holds = HoldsUdpPort(process, port);
     if (holds == HoldsPort::Yes) certain.push_back(process);
     if (holds == HoldsPort::Perhaps) possible.push_back(process);
+    if (holds == HoldsPort::NotAllowed) secret = process;
   }
   return certain.empty() ? possible : certain;
 }
@@ -61,8 +66,12 @@ ProcessId GameProcesses::Find(Entry& entry) {
   std::vector<ProcessId> processes = FindProcesses(name);
   if (processes.empty()) Raise(entry.label + ": no program " + name + " is running; start it");
   const std::size_t running = processes.size();
-  if (entry.port != 0) processes = Receiving(processes, entry.port);
+  ProcessId secret = 0;
+  if (entry.port != 0) processes = Receiving(processes, entry.port, secret);
   if (processes.size() == 1) return entry.found = processes.front();
+  if (processes.empty() && secret != 0) {
+    Raise(entry.label + ": process " + std::to_string(secret) + kNotAllowed);
+  }
   const std::string programs = running == 1
                                    ? "a program " + name + " is running"
                                    : std::to_string(running) + " programs " + name + " are running";
@@ -82,8 +91,7 @@ void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t
       Raise(entry.label + ": the game server has ended (" + process + "); start it" +
             (isNumber ? " and give its process id in profile.ini" : ""));
     case ReadOutcome::NotAllowed:
-      Raise(entry.label + ": " + process +
-            " may not be read; run this host as the game server's user");
+      Raise(entry.label + ": " + process + kNotAllowed);
     default:
       Raise(entry.label + ": " + process + " has no memory at " + place +
             "; is GameCode the right one?");

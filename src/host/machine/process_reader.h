@@ -27,8 +27,8 @@ ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buff
 std::vector<ProcessId> FindProcesses(const std::string& programName);
 
 /// Whether the process receives UDP at the port. Perhaps: another process holds its sockets for it,
-/// and for others too, as Wine's server does. No, too, for a process that may not be looked into.
-enum class HoldsPort { No, Perhaps, Yes };
+/// and for others too, as Wine's server does. NotAllowed: the process may not be looked into.
+enum class HoldsPort { No, Perhaps, Yes, NotAllowed };
 HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port);
 /// Whether anybody receives UDP at the port of this machine.
 bool ReceivesUdp(std::uint16_t port);

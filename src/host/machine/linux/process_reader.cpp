@@ -99,14 +99,18 @@ std::string WineServerFolder(const fs::path& process) {
   return name;
 }
 
-bool HoldsOneOf(const fs::path& process, const std::set<std::string>& sockets) {
+HoldsPort HoldsOneOf(const fs::path& process, const std::set<std::string>& sockets) {
   std::error_code problem;
   fs::directory_iterator open(process / "fd", problem);
-  for (; !problem && open != fs::directory_iterator(); open.increment(problem)) {
+  const fs::directory_iterator end;
+  while (!problem && open != end) {
     std::error_code gone;
-    if (sockets.contains(fs::read_symlink(open->path(), gone).string())) return true;
+    const std::string file = fs::read_symlink(open->path(), gone).string();
+    if (sockets.contains(file)) return HoldsPort::Yes;
+    if (gone == std::errc::permission_denied) return HoldsPort::NotAllowed;
+    open.increment(problem);
   }
-  return false;
+  return problem == std::errc::permission_denied ? HoldsPort::NotAllowed : HoldsPort::No;
 }
 
 /// The inodes of the sockets that receive at the port, in the process's network.
@@ -167,13 +171,14 @@ HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port) {
   const fs::path folder = fs::path("/proc") / std::to_string(process);
   const std::set<std::string> sockets = UdpSockets(folder, port);
   if (sockets.empty()) return HoldsPort::No;
-  if (HoldsOneOf(folder, sockets)) return HoldsPort::Yes;
+  const HoldsPort own = HoldsOneOf(folder, sockets);
+  if (own != HoldsPort::No) return own;
   const std::string prefix = WineServerFolder(folder);
   if (prefix.empty()) return HoldsPort::No;
   for (const fs::path& other : AllProcesses()) {
     std::error_code problem;
     if (fs::read_symlink(other / "cwd", problem).filename() == prefix &&
-        HoldsOneOf(other, sockets)) {
+        HoldsOneOf(other, sockets) == HoldsPort::Yes) {
       return HoldsPort::Perhaps;
     }
   }
