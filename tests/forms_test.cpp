@@ -94,8 +94,10 @@ TEST_F(FormsTest, ActsThatArriveAfterTheUnloadDoNothing) {
     box.UserClicked();
     text.UserChangedText(text.Text() + "x");
     list.UserSelected(list.SelectedRow() + 1);
-    list.UserPressed({});
-    list.UserReleased({});
+    list.UserReleased({MouseEvent::kLeft});  // nothing was pressed
+    list.UserPressed({MouseEvent::kLeft});
+    list.UserReleased({MouseEvent::kRight});
+    list.UserReleased({MouseEvent::kLeft});
     item.UserClicked();
   };
   for (const bool loaded : {true, false}) {

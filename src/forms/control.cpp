@@ -1,6 +1,7 @@
 #include "forms/control.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/runtime_error.h"
 #include "forms/form.h"
@@ -76,10 +77,19 @@ void Control::SetFontSize(double points) {
 }
 
 void Control::UserPressed(const MouseEvent& event) {
-  if (TakesActs()) Raise(onMouseDown, event);
+  if (!TakesActs()) return;
+  pressedButtons_ = static_cast<std::int16_t>(pressedButtons_ | event.button);
+  Raise(onMouseDown, event);
 }
+
 void Control::UserReleased(const MouseEvent& event) {
-  if (TakesActs()) Raise(onMouseUp, event);
+  if (!TakesActs() || (pressedButtons_ & event.button) == 0) return;
+  pressedButtons_ = static_cast<std::int16_t>(pressedButtons_ & ~event.button);
+  Raise(onMouseUp, event);
+}
+
+void Control::UserLostPress() {
+  if (std::exchange(pressedButtons_, std::int16_t{0}) != 0 && TakesActs()) Raise(onPressLost);
 }
 
 void CaptionedControl::SetCaption(std::string caption) {

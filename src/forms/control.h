@@ -82,8 +82,14 @@ class Control {
 
   std::function<void(const MouseEvent&)> onMouseDown;
   std::function<void(const MouseEvent&)> onMouseUp;
+  /// The press has ended without a release: the platform gave the mouse to somebody else.
+  std::function<void()> onPressLost;
   void UserPressed(const MouseEvent& event);
+  /// A release belongs to the control and the button that took the press; any other does nothing.
   void UserReleased(const MouseEvent& event);
+  void UserLostPress();
+  /// The buttons that are held down on the control, added up.
+  std::int16_t PressedButtons() const { return pressedButtons_; }
 
  protected:
   FormView* View() const;
@@ -104,6 +110,7 @@ class Control {
   std::optional<Colour> backColour_;
   int tabIndex_ = -1;
   double fontSize_ = 8.25;
+  std::int16_t pressedButtons_ = 0;
 };
 
 /// A control that shows a fixed text: a frame (group box) or a label.
