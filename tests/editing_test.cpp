@@ -30,6 +30,8 @@ class EditingTest : public PluginTest {
   void RightClickRow(int row) {
     Press("lstMessages", MouseEvent::kRight, 100, static_cast<float>(row * kRowHeight * 15 + 20));
   }
+  /// The messages as if another hand had written them, while the window shows what it loaded.
+  void WriteBehind(const Texts& messages) { host.MessageFile(2) = MessageFileBytes(messages); }
   /// Chooses an item of the list's menu for a row.
   void Choose(int row, const char* item) {
     choice = item;
@@ -69,6 +71,12 @@ TEST_F(EditingTest, TheAddButtonMovesWhilePressedWithAndWithoutPictures) {
       EXPECT_EQ(Caption(), released);
       Press(part, MouseEvent::kRight);
       EXPECT_EQ(Caption(), released);
+      Window().Find(part)->UserReleased({MouseEvent::kLeft});  // pressed elsewhere
+      Press(part, MouseEvent::kLeft);
+      Window().Find(part)->UserLostPress();
+      EXPECT_EQ(Caption(), released);
+      Window().Find(part)->UserReleased({MouseEvent::kRight});  // of the lost press
+      EXPECT_EQ(TakeBoxes(), Texts{});
     }
   }
 }
@@ -134,13 +142,74 @@ TEST_F(EditingTest, TheMenuOffersTheMovesThatThereAre) {
 }
 
 TEST_F(EditingTest, MovingKeepsLongMessagesWholeAndLosesNoneThatTheListDoesNotShow) {
-  const std::string longText = std::string(60, 'x') + " and more";
-  Show({longText, "b"});
-  host.MessageFile(2) =
-      "[Messages]\r\n1=" + longText + "\r\n2=b\r\n3=added by hand\r\n0=hidden\r\n";
+  const std::string alike(60, 'x');
+  Show({alike + " one", alike + " two", "b"});
+  host.MessageFile(2) = "[Messages]\r\n1=" + alike + " one\r\n2=" + alike +
+                        " two\r\n3=b\r\n4=added by hand\r\n0=hidden\r\n";
   Choose(0, "mnuDown");
-  EXPECT_EQ(Stored(2), (Texts{"b", longText, "added by hand", "hidden"}));
-  EXPECT_EQ(Rows(), (Texts{"b", std::string(60, 'x')}));
+  EXPECT_EQ(Stored(2), (Texts{alike + " two", alike + " one", "b", "added by hand", "hidden"}));
+  EXPECT_EQ(Rows(), (Texts{alike, alike, "b"}));
+  EXPECT_EQ(Window().lstMessages().At(0).data, 2) << "the item data goes with the row";
+  Choose(1, "mnuDown");
+  EXPECT_EQ(Stored(2), (Texts{alike + " two", "b", alike + " one", "added by hand", "hidden"}));
+  Choose(0, "mnuDelete");
+  EXPECT_EQ(Stored(2), (Texts{"b", alike + " one", "added by hand", "hidden"}));
+}
+
+TEST_F(EditingTest, ARowThatAnotherHandHasMadeDoubtfulIsLeftAloneAndTheListRefilled) {
+  const std::string alike(60, 'x');
+  const Texts listed{alike + " one", "b", alike + " two", "c"};
+  using Row = std::tuple<const char*, int, Texts, Texts>;
+  const Texts turned{"c", alike + " two", "b", alike + " one"};
+  for (const auto& [item, row, stored, left] :
+       {Row{"mnuUp", 1, turned, turned}, Row{"mnuDelete", 0, turned, turned},
+        Row{"mnuUp", 3, {"a"}, {"a"}}, Row{"mnuDelete", 1, {"a"}, {"a"}},
+        Row{"mnuDelete", 1, turned, {"c", alike + " two", alike + " one"}},
+        Row{"mnuUp", 3, {"c", alike + " 2"}, {"c", alike + " 2"}}}) {
+    Show(listed);
+    WriteBehind(stored);
+    Window().lstMessages().Select(row);
+    Window().Menu(item).onClick();
+    EXPECT_EQ(Stored(2), left) << item << row;
+    Texts rows;
+    for (const std::string& text : left) rows.push_back(text.substr(0, 60));
+    EXPECT_EQ(Rows(), rows) << item << row;
+  }
+}
+
+TEST_F(EditingTest, AStoppedProfileIsToldOfAndNothingIsCalledForIt) {
+  Show({"a", "b"});
+  Plugin().DisableProfile(2);
+  Add("c");
+  Choose(0, "mnuDown");
+  Choose(0, "mnuDelete");
+  Window().chkAuto().UserClicked();
+  TypeOver(Window().txtInterval(), "7");
+  TypeOver(Window().txtInterval(), "x");
+  EXPECT_EQ(host.boxes.at(0), "Failed!|Could not add message!");
+  EXPECT_EQ(TakeErrors(), (Texts{"mnuDown: 76", "mnuDelete_Click: 76", "chkAuto_Click: 76",
+                                 "txtInterval_Change: 76", "txtInterval_Change: 76"}));
+  Variant::Array refused = *Data(2, "JO").AsArray();
+  refused[7] = "..\\..";
+  Plugin().LoadInterface(2, 77, refused);
+  EXPECT_EQ(TakeErrors(), (Texts{"SetProfileData: 76", "Form_Reload: 76"}));
+  EXPECT_EQ(Rows(), Texts{});
+  host.longs[0x00C87598] = 2;
+  Tick(2);
+  for (const std::string& call : host.calls) {
+    EXPECT_EQ(call.find(", )"), std::string::npos) << call << ": an empty path";
+  }
+}
+
+TEST_F(EditingTest, TheRowUnderThePointerIsFoundAtEveryDisplay) {
+  Show(Texts(20, "a"));
+  for (const int dotsPerInch : {96, 120, 144, 168, 192}) {
+    toolkit.screen = {1440.0 / dotsPerInch, 1440.0 / dotsPerInch};
+    for (int y = 0; y < 20 * kRowHeight; ++y) {
+      Press("lstMessages", MouseEvent::kRight, 0, static_cast<float>(y * toolkit.screen.vertical));
+      ASSERT_EQ(Window().lstMessages().SelectedRow(), y / kRowHeight) << dotsPerInch << " " << y;
+    }
+  }
 }
 
 TEST_F(EditingTest, DeletingRemovesTheMessageThatTheRowShows) {

@@ -20,6 +20,11 @@ TEST_F(EmbeddingTest, PlacesFillsShowsAndStarts) {
   const headless::Placement& place = toolkit.PlacementOf(Window().Handle());
   EXPECT_EQ((std::vector<std::int64_t>{place.x, place.y, place.width, place.height, place.parent}),
             (std::vector<std::int64_t>{2, 30, 600, 372, 77}));
+  for (const auto& [dotsPerInch, width] : {std::pair(168, 1050), {192, 1200}, {120, 750}}) {
+    toolkit.screen = {1440.0 / dotsPerInch, 1440.0 / dotsPerInch};
+    Load(2);
+    EXPECT_EQ(place.width, width);
+  }
   EXPECT_TRUE(Window().IsVisible());
   EXPECT_EQ(Window().Timers().At(2).interval, 60000);
   EXPECT_TRUE(Window().Timers().At(2).enabled);

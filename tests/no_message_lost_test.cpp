@@ -35,8 +35,8 @@ class Scene : public PluginHarness {
     return "";
   }
   std::string Options() {
-    return State().store.ReadOption(2, kEnableKey) + ", " +
-           State().store.ReadOption(2, kIntervalKey);
+    return State().store.Open(2).ReadOption(kEnableKey) + ", " +
+           State().store.Open(2).ReadOption(kIntervalKey);
   }
 };
 
@@ -232,8 +232,8 @@ class RandomLife : public PluginHarness {
     for (const int profile : {1, 2}) {
       const Model& model = models_[profile];
       ASSERT_EQ(Stored(profile), model.file) << "profile " << profile;
-      ASSERT_EQ(State().store.ReadOption(profile, "Interval"), model.interval);
-      ASSERT_EQ(State().store.ReadOption(profile, "Enable"), model.enabled);
+      ASSERT_EQ(State().store.Open(profile).ReadOption("Interval"), model.interval);
+      ASSERT_EQ(State().store.Open(profile).ReadOption("Enable"), model.enabled);
     }
     ASSERT_EQ(Window().txtInterval().Text(), shown_.interval);
     ASSERT_EQ(std::to_string(Window().chkAuto().Value()), shown_.enabled);

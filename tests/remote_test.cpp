@@ -100,7 +100,7 @@ TEST_F(RemoteTest, WhatTheControlsRefuseIsReportedForEveryProfile) {
                                         {"99999", "EnableRTRem: 6"}}) {
       EXPECT_EQ(Remote(&clsPlugin::EnableRTRem, value), "");
       EXPECT_EQ(TakeErrors(), Texts{number});
-      EXPECT_EQ(State().store.ReadOption(2, "Enable"), value);  // written before it is tried
+      EXPECT_EQ(State().store.Open(2).ReadOption("Enable"), value);  // written before it is tried
     }
     EXPECT_EQ(TakeLog(), Texts{});
   }

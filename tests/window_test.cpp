@@ -13,7 +13,7 @@ using testing::PluginTest;
 
 class WindowTest : public PluginTest {
  protected:
-  std::string Stored(const char* key) { return State().store.ReadOption(2, key); }
+  std::string Stored(const char* key) { return State().store.Open(2).ReadOption(key); }
 };
 
 TEST_F(WindowTest, EveryControlLiesInsideItsContainerWithATabOfItsOwn) {

@@ -4,7 +4,6 @@
 #include "base/text.h"
 #include "broadcast/placeholders.h"
 #include "game/address_table.h"
-#include "store/message_file.h"
 
 namespace rotacasts {
 namespace {
@@ -27,9 +26,10 @@ BroadcastTimer::Pass BroadcastTimer::RunPass(std::int16_t index, Step& at) {
   if (!IsDue(index, at)) return Pass::Ended;
 
   at(5);
-  std::string file = tables_.MessageFiles(index);
-  const std::vector<std::string> lines = services_.Utility().GetIniSection(kMessagesSection, file);
-  const auto count = static_cast<std::int32_t>(lines.size()) - 1;  // the last element is no line
+  if (!store_.HasFile(index)) return Pass::Ended;  // its folder was refused, and that was told
+  MessageSection section = store_.Open(index);
+  const std::vector<std::string> lines = section.Lines();
+  const auto count = static_cast<std::int32_t>(lines.size());
   if (count < 1) {
     tables_.ElapsedTicks(index) = 0;
     return Pass::Ended;
@@ -39,8 +39,7 @@ BroadcastTimer::Pass BroadcastTimer::RunPass(std::int16_t index, Step& at) {
   at(7);
   const std::int32_t position = tables_.NextMessage(index);
   at(8);
-  const std::string& line = lines.at(static_cast<std::size_t>(position));
-  const std::string message = ToText(services_.Utility().ParseIniKey(line, false));
+  const std::string message = section.TextOf(lines.at(static_cast<std::size_t>(position)));
   at(9);
   std::string text = LiveText(index, message);
   at(11);
@@ -63,9 +62,9 @@ bool BroadcastTimer::IsDue(std::int32_t index, Step& at) {
   at(2);
   if (!game_.IsGameRunning(index)) return false;
   at(3);
-  if (window_.chkAuto().Value() != 1) return false;
+  if (window_.Switch() != 1) return false;
   at(4);
-  const std::int32_t interval = ToLong(TrimSpaces(window_.txtInterval().Text()));
+  const std::int32_t interval = ToLong(TrimSpaces(window_.Interval()));
   std::int32_t& elapsed = tables_.ElapsedTicks(index);
   if (interval <= 1 || elapsed >= interval - 1) return true;
   ++elapsed;

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "game/game_reader.h"
-#include "services/window_controls.h"
 #include "stats/info_texts.h"
+#include "store/message_file.h"
 
 namespace rotacasts {
 
@@ -15,12 +15,13 @@ namespace rotacasts {
 class BroadcastTimer {
  public:
   BroadcastTimer(const HostServices& services, ProfileTables& tables, ErrorReporter& reporter,
-                 GameReader& game, InfoTexts& infoTexts, WindowControls& window)
+                 GameReader& game, InfoTexts& infoTexts, MessageFile& store, SettingsView& window)
       : services_(services),
         tables_(tables),
         reporter_(reporter),
         game_(game),
         infoTexts_(infoTexts),
+        store_(store),
         window_(window) {}
 
   /// One tick, once a minute, of the profile `Index`: sends at most one message. An error is
@@ -43,7 +44,8 @@ class BroadcastTimer {
   ErrorReporter& reporter_;
   GameReader& game_;
   InfoTexts& infoTexts_;
-  WindowControls& window_;
+  MessageFile& store_;
+  SettingsView& window_;
 };
 
 }  // namespace rotacasts

@@ -12,9 +12,10 @@ constexpr std::int32_t kLeft = 2;
 constexpr std::int32_t kTop = 30;
 constexpr std::int32_t kHeightTaken = 28;
 
-/// Whole pixels in a length of twips, both taken as whole numbers first.
+/// Whole pixels in a length of twips, by the display's real factor, which need not be whole.
 std::int32_t WholePixels(const Variant& twips, double twipsPerPixel) {
-  return ToLong(twips) / RoundToLong(twipsPerPixel);
+  constexpr double kRoundingError = 1e-9;  // 7200 / (1440 / 168.0) is 840
+  return static_cast<std::int32_t>(ToLong(twips) / twipsPerPixel + kRoundingError);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ PluginState::PluginState(Platform platform)
                                      [this](std::int16_t index) { broadcast.tmrRT_Timer(index); }};
       }),
       store(services, tables, reporter, window),
-      broadcast(services, tables, reporter, game, infoTexts, window),
+      broadcast(services, tables, reporter, game, infoTexts, store, window),
       profiles(services, tables, reporter, game, window),
       embedding(services, tables, reporter, profiles, window),
       remote(services, tables, reporter, store, window,

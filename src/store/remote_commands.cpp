@@ -1,5 +1,7 @@
 #include "store/remote_commands.h"
 
+#include <algorithm>
+
 #include "base/arithmetic.h"
 #include "base/conversions.h"
 #include "base/text.h"
@@ -33,13 +35,6 @@ std::string RemoteCommands::Run(std::string_view operation, std::int32_t index,
   return reply;
 }
 
-void RemoteCommands::RequireFile(std::int32_t index) {
-  if (tables_.MessageFiles(index).empty()) {
-    throw RuntimeError(ErrorNumber::PathNotFound,
-                       "profile " + std::to_string(index) + " is stopped; load it first");
-  }
-}
-
 std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const Variant& PDAT) {
   Step at;
   try {
@@ -56,19 +51,21 @@ std::string RemoteCommands::List(std::int32_t index, const Variant& PDAT, Step& 
   at(1);
   setProfileData_(index, PDAT);
   at(2);
-  const std::vector<std::string> lines = store_.ReadLines(index);
+  MessageSection section = store_.Open(index);
+  const std::vector<std::string> lines = section.Lines();
   at(3);
   std::string messages;
   for (const std::string& line : lines) {
-    const std::string text = store_.Split(line).text;
+    if (IsBlank(line)) continue;
+    const std::string text = section.Split(line).text;
     if (!messages.empty()) messages += '|';
     messages += services_.Memory().Enc64(text);
   }
   at(4);
-  std::string enable = store_.ReadOption(index, kEnableKey);
+  std::string enable = section.ReadOption(kEnableKey);
   if (enable.empty()) enable = kDefaultEnable;
   at(5);
-  return messages + "|" + enable + "|" + store_.ReadOption(index, kIntervalKey);
+  return messages + "|" + enable + "|" + section.ReadOption(kIntervalKey);
 }
 
 std::string RemoteCommands::QuoteFile(std::int32_t index) {
@@ -86,7 +83,7 @@ std::string RemoteCommands::AddMessageRem(std::int32_t Index, const Variant& PDA
                                           const Variant& Data) {
   return Run("AddMessageRem", Index, [&](std::string& reply, Step& at) {
     at(1);
-    RequireFile(Index);
+    store_.Open(Index);
     const std::string text = services_.Memory().Dec64(ToText(Data));
     at(2);
     if (store_.AddEntry(Index, text)) {
@@ -104,15 +101,15 @@ std::string RemoteCommands::EnableRTRem(std::int32_t Index, const Variant& PDAT,
                                         const Variant& Data) {
   return Run("EnableRTRem", Index, [&](std::string&, Step& at) {
     at(1);
-    RequireFile(Index);
+    store_.Open(Index);
     const std::string value = ToText(Data);
     store_.SetOption(Index, kEnableKey, value);
     at(2);
     const std::int16_t checked = ToInteger(Data);
     if (IsShown(Index)) {
-      window_.chkAuto().SetValue(checked);
+      window_.SetSwitch(checked);
     } else {
-      forms::CheckBox::RequireValue(checked);
+      window_.RequireSwitchValue(checked);
     }
     at(3);
     log_.Write(PDAT, kEnableAction, value);
@@ -123,11 +120,11 @@ std::string RemoteCommands::ChangeIntervalRem(std::int32_t Index, const Variant&
                                               const Variant& Data) {
   return Run("ChangeIntervalRem", Index, [&](std::string&, Step& at) {
     at(1);
-    RequireFile(Index);
+    store_.Open(Index);
     const std::string value = ToText(Data);
     store_.SetOption(Index, kIntervalKey, value);
     at(2);
-    if (IsShown(Index)) window_.txtInterval().SetText(value);
+    if (IsShown(Index)) window_.SetInterval(value);
     at(3);
     log_.Write(PDAT, kIntervalAction, value);
   });
@@ -136,7 +133,11 @@ std::string RemoteCommands::ChangeIntervalRem(std::int32_t Index, const Variant&
 std::optional<MessageFile::Exchanged> RemoteCommands::Exchange(std::int32_t index,
                                                                const std::string& upperKey,
                                                                const std::string& lowerKey) {
-  if (!store_.HoldsKey(index, upperKey) || !store_.HoldsKey(index, lowerKey)) return std::nullopt;
+  const std::vector<std::string> lines = store_.Open(index).Lines();
+  for (const std::string& key : {upperKey, lowerKey}) {
+    const auto isKey = [&key](const std::string& line) { return KeyOf(line) == key; };
+    if (std::none_of(lines.begin(), lines.end(), isKey)) return std::nullopt;
+  }
   return store_.ExchangeEntries(index, upperKey, lowerKey);
 }
 
@@ -144,7 +145,7 @@ std::string RemoteCommands::MoveMessageDownRem(std::int32_t Index, const Variant
                                                const Variant& Data) {
   return Run("MoveMessageDownRem", Index, [&](std::string& reply, Step& at) {
     at(1);
-    RequireFile(Index);
+    store_.Open(Index);
     const std::string key = KeyBehind(Data, 1);
     at(2);
     const auto texts = Exchange(Index, key, KeyBehind(Data, 2));
@@ -159,7 +160,7 @@ std::string RemoteCommands::MoveMessageUpRem(std::int32_t Index, const Variant& 
                                              const Variant& Data) {
   return Run("MoveMessageUpRem", Index, [&](std::string& reply, Step& at) {
     at(1);
-    RequireFile(Index);
+    store_.Open(Index);
     const std::string key = KeyBehind(Data, 1);
     at(2);
     const auto texts = Exchange(Index, ToText(Data), key);
@@ -174,10 +175,10 @@ std::string RemoteCommands::DeleteMessageRem(std::int32_t Index, const Variant& 
                                              const Variant& Data) {
   return Run("DeleteMessageRem", Index, [&](std::string& reply, Step& at) {
     at(1);
-    RequireFile(Index);
+    store_.Open(Index);
     const std::string key = KeyBehind(Data, 1);
     at(2);
-    const std::string text = store_.ReadText(Index, key);
+    const std::string text = store_.Open(Index).Read(key);
     at(3);
     store_.DeleteEntry(Index, key);
     at(4);

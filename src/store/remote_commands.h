@@ -24,7 +24,7 @@ class RemoteCommands {
  public:
   /// `setProfileData` stores a profile's data, as LoadInterface does.
   RemoteCommands(HostServices& services, ProfileTables& tables, ErrorReporter& reporter,
-                 MessageFile& store, WindowControls& window,
+                 MessageFile& store, SettingsView& window,
                  std::function<void(std::int32_t, const Variant&)> setProfileData)
       : services_(services),
         tables_(tables),
@@ -58,7 +58,6 @@ class RemoteCommands {
   std::string List(std::int32_t index, const Variant& PDAT, Step& at);
   /// " [path, lines]" of the message file. Raises what fails.
   std::string QuoteFile(std::int32_t index);
-  void RequireFile(std::int32_t index);
   bool IsShown(std::int32_t index) const { return index == tables_.currentWindowProfile; }
   /// Exchanges two neighbours if both are there, and answers their texts as they stood before.
   std::optional<MessageFile::Exchanged> Exchange(std::int32_t index, const std::string& upperKey,
@@ -68,7 +67,7 @@ class RemoteCommands {
   ProfileTables& tables_;
   ErrorReporter& reporter_;
   MessageFile& store_;
-  WindowControls& window_;
+  SettingsView& window_;
   AdminLog log_;
   std::function<void(std::int32_t, const Variant&)> setProfileData_;
 };

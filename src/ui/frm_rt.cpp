@@ -1,17 +1,17 @@
 #include "ui/frm_rt.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "base/conversions.h"
 #include "base/text.h"
 #include "forms/window_messages.h"
 #include "ui/layout.h"
-#include "ui/list_rows.h"
 
 namespace rotacasts {
 namespace {
 
-using forms::Control;
 using forms::ListBox;
 using forms::MouseEvent;
 
@@ -27,39 +27,6 @@ constexpr const char* kAddButton = "cmdAdd";
 constexpr const char* kAddPicture = "cmdAddImg";
 
 }  // namespace
-
-/// A handled event that has no arguments: a check box's click, a text box's change, a menu item's
-/// click. Its errors are reported under the procedure's name.
-struct frmRT::PlainEvent {
-  std::string_view source;
-  std::string_view procedure;
-  void (frmRT::*handler)(Step&);
-};
-
-const frmRT::PlainEvent frmRT::kPlainEvents[] = {
-    {"chkAuto", "chkAuto_Click", &frmRT::chkAuto_Click},
-    {"txtInterval", "txtInterval_Change", &frmRT::txtInterval_Change},
-    {"mnuUp", "mnuUp", &frmRT::mnuUp_Click},
-    {"mnuDown", "mnuDown", &frmRT::mnuDown_Click},
-    {"mnuDelete", "mnuDelete_Click", &frmRT::mnuDelete_Click},
-};
-
-struct frmRT::MouseEventRow {
-  std::string_view control;
-  std::function<void(const MouseEvent&)> Control::*event;
-  std::string_view procedure;
-  void (frmRT::*handler)(Step&, const MouseEvent&);
-};
-
-// The picture's margin acts exactly like the caption on it.
-const frmRT::MouseEventRow frmRT::kMouseEvents[] = {
-    {"cmdAdd", &Control::onMouseDown, "cmdAdd_MouseDown", &frmRT::cmdAdd_MouseDown},
-    {"cmdAdd", &Control::onMouseUp, "cmdAdd_MouseUp", &frmRT::cmdAdd_MouseUp},
-    {"cmdAddImg", &Control::onMouseDown, "cmdAddImg_MouseDown", &frmRT::cmdAdd_MouseDown},
-    {"cmdAddImg", &Control::onMouseUp, "cmdAddImg_MouseUp", &frmRT::cmdAdd_MouseUp},
-    {"lstMessages", &Control::onMouseDown, "lstMessagesClick", &frmRT::lstMessages_MouseDown},
-    {"txtMessage", &Control::onMouseDown, "txtMessage_MouseDown", &frmRT::txtMessage_MouseDown},
-};
 
 /// An item of the entry box's menu that is carried out by a window message to the box.
 struct frmRT::EditingItem {
@@ -85,6 +52,7 @@ frmRT::frmRT(const SettingsWindowContext& context)
       context_(context),
       buttons_(context.services.HostFolder()) {
   layout::Build(*this);
+  messages_ = std::make_unique<MessageRows>(lstMessages());
 }
 
 void frmRT::Run(std::string_view procedure, const std::function<void(Step&)>& body) {
@@ -99,25 +67,35 @@ void frmRT::OnLoad() {
   WireMenuTables();
 }
 
+std::function<void()> frmRT::Handled(std::string_view procedure, Handler handler) {
+  return [this, procedure, handler] { Run(procedure, [&](Step& at) { (this->*handler)(at); }); };
+}
+
+std::function<void(const MouseEvent&)> frmRT::Handled(std::string_view procedure,
+                                                      MouseHandler handler) {
+  return [this, procedure, handler](const MouseEvent& event) {
+    Run(procedure, [&](Step& at) { (this->*handler)(at, event); });
+  };
+}
+
 void frmRT::WireEvents() {
-  for (const PlainEvent& row : kPlainEvents) {
-    const auto handle = [this, &row] {
-      Run(row.procedure, [&](Step& at) { (this->*row.handler)(at); });
-    };
-    if (auto* box = dynamic_cast<forms::CheckBox*>(Find(row.source))) {
-      box->onClick = handle;
-    } else if (auto* text = dynamic_cast<forms::TextBox*>(Find(row.source))) {
-      text->onChange = handle;
-    } else {
-      Menu(row.source).onClick = handle;
-    }
+  chkAuto().onClick = Handled("chkAuto_Click", &frmRT::chkAuto_Click);
+  txtInterval().onChange = Handled("txtInterval_Change", &frmRT::txtInterval_Change);
+  lstMessages().onMouseDown = Handled("lstMessagesClick", &frmRT::lstMessages_MouseDown);
+  txtMessage().onMouseDown = Handled("txtMessage_MouseDown", &frmRT::txtMessage_MouseDown);
+  Menu("mnuUp").onClick = Handled("mnuUp", &frmRT::mnuUp_Click);
+  Menu("mnuDown").onClick = Handled("mnuDown", &frmRT::mnuDown_Click);
+  Menu("mnuDelete").onClick = Handled("mnuDelete_Click", &frmRT::mnuDelete_Click);
+  // The picture's margin acts exactly like the caption on it. Building either can have failed.
+  if (forms::Control* caption = Find(kAddButton)) {
+    caption->onMouseDown = Handled("cmdAdd_MouseDown", &frmRT::cmdAdd_MouseDown);
+    caption->onMouseUp = Handled("cmdAdd_MouseUp", &frmRT::cmdAdd_MouseUp);
+    caption->onPressLost = Handled("cmdAdd_MouseUp", &frmRT::cmdAdd_PressLost);
   }
-  for (const MouseEventRow& row : kMouseEvents) {
-    Control* control = Find(row.control);
-    if (control == nullptr) continue;  // the button's, where building it failed
-    control->*row.event = [this, &row](const MouseEvent& event) {
-      Run(row.procedure, [&](Step& at) { (this->*row.handler)(at, event); });
-    };
+  if (forms::Control* picture = Find(kAddPicture)) {
+    picture->onMouseDown = Handled("cmdAddImg_MouseDown", &frmRT::cmdAdd_MouseDown);
+    picture->onMouseUp = Handled("cmdAddImg_MouseUp", &frmRT::cmdAdd_MouseUp);
+    picture->onPressLost = Handled("cmdAddImg_MouseUp", &frmRT::cmdAdd_PressLost);
   }
 }
 
@@ -150,6 +128,7 @@ void frmRT::Form_Reload() {
   Run("Form_Reload", [&](Step& at) {
     const std::int32_t profile = CurrentProfile();
     at(1);
+    if (std::exchange(reloadedProfile_, profile) != profile) messages_->BeginAtTheTop();
     context_.store.LoadMessages(profile);
     if (Shows(profile)) ShowOptions(profile, at);
     at(4);
@@ -161,6 +140,7 @@ void frmRT::Form_Reload() {
 
 void frmRT::ShowOptions(std::int32_t profile, Step& at) {
   at(2);
+  context_.store.Open(profile);  // a stopped profile has no options to show
   if (!context_.services.FileSystem().FileExists(context_.tables.MessageFiles(profile))) {
     at(3);
     chkAuto().SetValue(kEnabledForNewProfile);
@@ -178,7 +158,7 @@ void frmRT::ShowOptions(std::int32_t profile, Step& at) {
 
 std::string frmRT::OptionToShow(std::int32_t profile, const char* key, double highest,
                                 const char* defaultText) {
-  const std::string stored = context_.store.ReadOption(profile, key);
+  const std::string stored = context_.store.Open(profile).ReadOption(key);
   if (stored.empty()) return defaultText;
   const double number = ToDouble(stored);
   return number < 0 || number > highest ? defaultText : stored;
@@ -200,8 +180,11 @@ void frmRT::txtInterval_Change(Step& at) {
   const std::string text(TrimSpaces(txtInterval().Text()));
   if (IsNumeric(text)) return WriteOption(profile, kIntervalKey, text);
   at(2);
-  const std::string stored = context_.store.ReadOption(profile, kIntervalKey);
-  if (Shows(profile)) txtInterval().SetText(stored);
+  const std::string stored = context_.store.Open(profile).ReadOption(kIntervalKey);
+  if (!Shows(profile)) return;
+  txtInterval().SetText(stored);
+  // Selected, so that typing goes on with a new number and not after the one that came back.
+  if (Shows(profile)) Send(txtInterval(), forms::kEmSetSel, 0, -1);
 }
 
 void frmRT::cmdAdd_MouseDown(Step& at, const MouseEvent& event) {
@@ -213,6 +196,11 @@ void frmRT::cmdAdd_MouseUp(Step& at, const MouseEvent& event) {
   at(1);
   if (event.button == MouseEvent::kLeft) buttons_.SetButtonState(*this, kAddPicture, "Up");
   Add(at);
+}
+
+void frmRT::cmdAdd_PressLost(Step& at) {
+  at(1);
+  buttons_.SetButtonState(*this, kAddPicture, "Up");
 }
 
 void frmRT::Add(Step& at) {
@@ -250,10 +238,13 @@ void frmRT::lstMessages_MouseDown(Step& at, const MouseEvent& event) {
 
 std::int32_t frmRT::ListIndexFromPoint(float X, float Y) {
   const forms::TwipsPerPixel screen = GetToolkit().ScreenTwipsPerPixel();
-  const std::int32_t x = RoundToLong(X) / RoundToLong(screen.horizontal);
-  const std::int32_t y = RoundToLong(Y) / RoundToLong(screen.vertical);
-  const std::intptr_t answer =
-      Send(lstMessages(), forms::kLbItemFromPoint, 0, std::intptr_t{y} * 65536 + x);
+  // The pixel that the whole number of twips lies in, also where a pixel is no whole number of
+  // them.
+  const auto pixel = [](float twips, double factor) {
+    return static_cast<std::intptr_t>((RoundToLong(twips) + 0.5) / factor);
+  };
+  const std::intptr_t point = pixel(Y, screen.vertical) * 65536 + pixel(X, screen.horizontal);
+  const std::intptr_t answer = Send(lstMessages(), forms::kLbItemFromPoint, 0, point);
   return (answer & forms::kLbOutsideItems) != 0 ? ListBox::kNone
                                                 : static_cast<std::int32_t>(answer);
 }
@@ -270,20 +261,24 @@ void frmRT::MoveSelected(Step& at, std::int16_t by) {
   const std::int32_t profile = CurrentProfile();
   const std::int32_t row = ToInteger(lstMessages().SelectedRow());
   const std::int32_t neighbour = row + by;
-  const std::vector<ListBox::Item> before = lstMessages().Items();
-  std::vector<ListBox::Item> rows = before;
+  const std::vector<MessageRow> before = messages_->All();
+  std::vector<MessageRow> rows = before;
   std::swap(rows[lstMessages().Checked(row)], rows[lstMessages().Checked(neighbour)]);
+  bool isUpToDate = false;
   // The file first: should that fail, the list still shows what the file holds.
   at(2);
-  context_.store.ReplaceEntries(
-      profile, [&](const MessageFile::Entries& entries) { return WholeMessages(rows, entries); });
+  context_.store.ReplaceEntries(profile, [&](const MessageEntries& entries) {
+    const Places places = PlacesOf(rows, entries);
+    isUpToDate = std::ranges::all_of(places, [](const auto& place) { return place.has_value(); });
+    const auto isFound = [&](std::int32_t moved) {
+      return places[static_cast<std::size_t>(moved)].has_value();
+    };
+    return isFound(row) && isFound(neighbour) ? std::optional(InOrder(places, entries))
+                                              : std::nullopt;
+  });
   if (!Shows(profile)) return;
-  if (lstMessages().Items() != before) return context_.store.LoadMessages(profile);
-  for (const std::int32_t moved : {row, neighbour}) {
-    const ListBox::Item& item = rows[static_cast<std::size_t>(moved)];
-    lstMessages().SetText(moved, item.text);
-    lstMessages().SetItemData(moved, item.data);
-  }
+  if (!isUpToDate || messages_->All() != before) return context_.store.LoadMessages(profile);
+  messages_->Exchange(row, neighbour);
 }
 
 void frmRT::mnuDelete_Click(Step& at) {
@@ -291,32 +286,31 @@ void frmRT::mnuDelete_Click(Step& at) {
   const std::int32_t profile = CurrentProfile();
   const std::int16_t selected = ToInteger(lstMessages().SelectedRow());
   if (selected < 0) return;
-  const std::size_t row = lstMessages().Checked(selected);
-  const std::vector<ListBox::Item> rows = lstMessages().Items();
-  const bool removed = Remove(profile, rows, row);
+  const bool removed = Remove(profile, messages_->All().at(lstMessages().Checked(selected)));
   at(2);
   if (Shows(profile)) context_.store.LoadMessages(profile);
   if (!removed) context_.reporter.Notify(ReportKind::Failure, "Could not delete message!");
 }
 
-bool frmRT::Remove(std::int32_t profile, const std::vector<ListBox::Item>& rows, std::size_t row) {
-  // What goes is the message that the row shows, also when the list is behind the file.
-  const MessageFile::Entries entries = context_.store.ReadEntries(profile);
-  const std::optional<std::size_t> match = MatchRows(rows, entries)[row];
-  if (!match) return true;
-  const std::string& key = entries[*match].key;
+bool frmRT::Remove(std::int32_t profile, const MessageRow& row) {
+  const MessageEntries entries = context_.store.Open(profile).Entries();
+  const std::optional<std::size_t> place = PlacesOf({row}, entries)[0];
+  if (!place) return true;
+  const std::string& key = entries[*place].key;
   const auto holders = std::ranges::count_if(
       entries, [&](const auto& entry) { return EqualsIgnoringCase(entry.key, key); });
   if (holders == 1) return context_.store.DeleteEntry(profile, key);
   // A hand has given the key twice, and removing it would take the first one's text.
-  context_.store.ReplaceEntries(profile, [&](const MessageFile::Entries& now) {
-    const std::optional<std::size_t> gone = MatchRows(rows, now)[row];
-    std::vector<std::string> others;
-    for (std::size_t i = 0; i < now.size(); ++i) {
-      if (i != gone) others.push_back(now[i].text);
-    }
-    return others;
-  });
+  context_.store.ReplaceEntries(
+      profile, [&](const MessageEntries& now) -> std::optional<std::vector<std::string>> {
+        const std::optional<std::size_t> gone = PlacesOf({row}, now)[0];
+        if (!gone) return std::nullopt;
+        std::vector<std::string> others;
+        for (std::size_t i = 0; i < now.size(); ++i) {
+          if (i != *gone) others.push_back(now[i].text);
+        }
+        return others;
+      });
   return true;
 }
 

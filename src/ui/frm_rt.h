@@ -3,11 +3,15 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
 
 #include "forms/form.h"
 #include "services/guard.h"
 #include "store/message_file.h"
 #include "ui/image_button.h"
+#include "ui/message_rows.h"
 
 namespace rotacasts {
 
@@ -33,6 +37,7 @@ class frmRT final : public forms::Form {
   /// back. Reported under "Form_Reload".
   void Form_Reload();
 
+  MessageRows& Messages() { return *messages_; }
   forms::ListBox& lstMessages() const { return Get<forms::ListBox>("lstMessages"); }
   forms::CheckBox& chkAuto() const { return Get<forms::CheckBox>("chkAuto"); }
   forms::TextBox& txtInterval() const { return Get<forms::TextBox>("txtInterval"); }
@@ -42,12 +47,14 @@ class frmRT final : public forms::Form {
   void OnLoad() override;
 
  private:
-  struct PlainEvent;
-  struct MouseEventRow;
   struct EditingItem;
-  static const PlainEvent kPlainEvents[];
-  static const MouseEventRow kMouseEvents[];
   static const EditingItem kEditingItems[];
+  using Handler = void (frmRT::*)(Step&);
+  using MouseHandler = void (frmRT::*)(Step&, const forms::MouseEvent&);
+  /// An event's function: runs the handler under the procedure's name.
+  std::function<void()> Handled(std::string_view procedure, Handler handler);
+  std::function<void(const forms::MouseEvent&)> Handled(std::string_view procedure,
+                                                        MouseHandler handler);
   void WireEvents();
   void WireMenuTables();
   /// Runs a handler under its name for the current window profile. While a handler calls a
@@ -61,6 +68,7 @@ class frmRT final : public forms::Form {
   void txtInterval_Change(Step& at);
   void cmdAdd_MouseDown(Step& at, const forms::MouseEvent& event);
   void cmdAdd_MouseUp(Step& at, const forms::MouseEvent& event);
+  void cmdAdd_PressLost(Step& at);
   void lstMessages_MouseDown(Step& at, const forms::MouseEvent& event);
   void txtMessage_MouseDown(Step& at, const forms::MouseEvent& event);
   void mnuUp_Click(Step& at) { MoveSelected(at, -1); }
@@ -72,7 +80,8 @@ class frmRT final : public forms::Form {
   void EnableListMenu();
   void MoveSelected(Step& at, std::int16_t by);
   /// Takes the message that the row stands for out of the file; false when it could not be removed.
-  bool Remove(std::int32_t profile, const std::vector<forms::ListBox::Item>& rows, std::size_t row);
+  /// Nothing happens to a row that stands for none.
+  bool Remove(std::int32_t profile, const MessageRow& row);
   void Edit(const EditingItem& item);
   void Add(Step& at);
 
@@ -87,6 +96,8 @@ class frmRT final : public forms::Form {
 
   const SettingsWindowContext context_;
   const ImageButtons buttons_;
+  std::unique_ptr<MessageRows> messages_;
+  std::int32_t reloadedProfile_ = 0;  // the last that was shown
 };
 
 }  // namespace rotacasts

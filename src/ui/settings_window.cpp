@@ -15,6 +15,11 @@ std::shared_ptr<frmRT> SettingsWindow::Get() {
   return made;
 }
 
+std::shared_ptr<ShownMessages> SettingsWindow::Messages() {
+  const std::shared_ptr<frmRT> window = Get();
+  return {window, &window->Messages()};  // the window lives as long as the result
+}
+
 void SettingsWindow::Unload() {
   if (const auto last = std::exchange(window_, nullptr)) last->Unload();
 }

@@ -8,7 +8,7 @@
 
 namespace rotacasts {
 
-class SettingsWindow final : public WindowControls {
+class SettingsWindow final : public SettingsView {
  public:
   /// `makeContext` is called each time a window is made.
   explicit SettingsWindow(std::function<SettingsWindowContext()> makeContext)
@@ -22,9 +22,14 @@ class SettingsWindow final : public WindowControls {
   /// Destroys the window, if there is one, and with it every timer element.
   void Unload();
 
-  forms::ListBox& lstMessages() override { return Get()->lstMessages(); }
-  forms::CheckBox& chkAuto() override { return Get()->chkAuto(); }
-  forms::TextBox& txtInterval() override { return Get()->txtInterval(); }
+  std::shared_ptr<ShownMessages> Messages() override;
+  std::int16_t Switch() override { return Get()->chkAuto().Value(); }
+  void SetSwitch(std::int16_t value) override { Get()->chkAuto().SetValue(value); }
+  void RequireSwitchValue(std::int16_t value) const override {
+    forms::CheckBox::RequireValue(value);
+  }
+  std::string Interval() override { return Get()->txtInterval().Text(); }
+  void SetInterval(const std::string& text) override { Get()->txtInterval().SetText(text); }
 
  private:
   std::function<SettingsWindowContext()> makeContext_;

@@ -40,8 +40,11 @@ class HeadlessToolkit final : public forms::Toolkit {
   /// Checks a picture file; raises 53 or 481. Without one, every picture is accepted.
   std::function<void(const std::string& path)> onLoadPicture;
 
+  /// The display that there would be.
+  forms::TwipsPerPixel screen;
+
   std::shared_ptr<forms::FormView> CreateView(forms::Form& form) override;
-  forms::TwipsPerPixel ScreenTwipsPerPixel() const override { return {}; }
+  forms::TwipsPerPixel ScreenTwipsPerPixel() const override { return screen; }
   void MoveWindow(forms::WindowHandle window, std::int32_t x, std::int32_t y, std::int32_t width,
                   std::int32_t height, bool repaint) override;
   void SetParent(forms::WindowHandle child, forms::WindowHandle newParent) override;

@@ -1,0 +1,89 @@
+#include "ui/message_rows.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <string_view>
+#include <utility>
+
+#include "base/text.h"
+#include "forms/window_messages.h"
+#include "store/message_file.h"
+
+namespace rotacasts {
+
+void MessageRows::Clear() {
+  topRow_ = list_.GetForm().Send(list_, forms::kLbGetTopIndex, 0, 0);
+  list_.Clear();
+  rows_.clear();
+}
+
+void MessageRows::Append(const std::string& text, std::int32_t key) {
+  list_.Add(text);
+  list_.SetItemData(list_.Count() - 1, key);
+  rows_.push_back({text, key});
+}
+
+void MessageRows::Show() {
+  const auto top = static_cast<std::uintptr_t>(std::max<std::intptr_t>(topRow_, 0));
+  list_.GetForm().Send(list_, forms::kLbSetTopIndex, top, 0);
+  list_.SetVisible(true);
+}
+
+void MessageRows::BeginAtTheTop() {
+  list_.GetForm().Send(list_, forms::kLbSetTopIndex, 0, 0);
+}
+
+void MessageRows::Exchange(std::int32_t first, std::int32_t second) {
+  const forms::ListBox::Item items[] = {list_.At(first), list_.At(second)};
+  const std::int32_t places[] = {second, first};
+  for (const int i : {0, 1}) {
+    list_.SetText(places[i], items[i].text);
+    list_.SetItemData(places[i], items[i].data);
+    rows_[list_.Checked(places[i])].text = items[i].text;
+  }
+  for (std::size_t row = 0; row < rows_.size(); ++row) {
+    rows_[row].key = static_cast<std::int32_t>(row) + 1;
+  }
+}
+
+Places PlacesOf(const std::vector<MessageRow>& rows, const MessageEntries& entries) {
+  using Shown = std::pair<std::string_view, std::int32_t>;  // text and key
+  std::multimap<Shown, std::size_t> byRow;
+  std::multimap<std::string_view, std::size_t> byText;
+  for (std::size_t place = 0; place < entries.size(); ++place) {
+    const std::string_view text = FirstCharacters(entries[place].text, kMessageCharacters);
+    byRow.emplace(Shown{text, KeyNumber(entries[place].key).value_or(0)}, place);
+    byText.emplace(text, place);
+  }
+  const auto only = [](const auto& found) -> std::optional<std::size_t> {
+    const auto [begin, end] = found;
+    return begin != end && std::next(begin) == end ? std::optional(begin->second) : std::nullopt;
+  };
+  std::vector<bool> isTaken(entries.size());
+  Places places;
+  for (const MessageRow& row : rows) {
+    std::optional<std::size_t> place = only(byRow.equal_range(Shown{row.text, row.key}));
+    if (!place) place = only(byText.equal_range(row.text));
+    if (place && isTaken[*place]) place.reset();
+    if (place) isTaken[*place] = true;
+    places.push_back(place);
+  }
+  return places;
+}
+
+std::vector<std::string> InOrder(const Places& places, const MessageEntries& entries) {
+  std::vector<std::string> texts;
+  std::vector<bool> isTaken(entries.size());
+  for (const std::optional<std::size_t>& place : places) {
+    if (!place) continue;
+    texts.push_back(entries[*place].text);
+    isTaken[*place] = true;
+  }
+  for (std::size_t place = 0; place < entries.size(); ++place) {
+    if (!isTaken[place]) texts.push_back(entries[place].text);
+  }
+  return texts;
+}
+
+}  // namespace rotacasts
