@@ -11,6 +11,7 @@
 #include "host/run_host.h"
 #include "host/terminal.h"
 #include "host/version.h"
+#include "host/web_commands.h"
 #include "store/profile_paths.h"
 
 namespace {
@@ -111,11 +112,9 @@ int main(int argc, char** argv) {
   const std::map<std::string, std::int64_t> units = {{"ms", 1}, {"s", 1000}, {"m", 60000}};
   HostOptions options;
   int status = 0;
-  const auto add = [&](const char* name, const char* help, int (*command)(const HostOptions&)) {
-    CLI::App* added = app.add_subcommand(name, help);
-    added->footer(kExitStatus);
-    added
-        ->add_option_function<std::string>(
+  const auto addFolder = [&options](CLI::App& command) {
+    command
+        .add_option_function<std::string>(
             "--host-folder",
             [&options](const std::string& folder) {
               options.folder =
@@ -123,6 +122,11 @@ int main(int argc, char** argv) {
             },
             "folder with profiles/ and settings/")
         ->required();
+  };
+  const auto add = [&](const char* name, const char* help, int (*command)(const HostOptions&)) {
+    CLI::App* added = app.add_subcommand(name, help);
+    added->footer(kExitStatus);
+    addFolder(*added);
     added->callback([&options, &status, command] { status = command(options); });
     return added;
   };
@@ -142,6 +146,7 @@ int main(int argc, char** argv) {
   add("check", "Look the whole folder over and warn of what would surprise", Check)
       ->add_flag("--fix", options.fix,
                  "first convert files saved as UTF-8, keeping a copy of each");
+  AddWebCommands(app, *run, options, Out(), addFolder);
   try {
     app.parse(ProgramArguments(argc, argv));
     return status;

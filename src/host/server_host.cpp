@@ -172,11 +172,15 @@ MessageList ServerHost::MessagesOf(std::int32_t index) const {
 }
 
 ProfileStatus ServerHost::StatusOf(std::int32_t index) {
+  return ReadStatus(profiles_, preview_, profiles_.At(index), ProgressOf(index));
+}
+
+std::optional<HostedPlugin::Progress> ServerHost::ProgressOf(std::int32_t index) const {
   auto progress = plugin_.ProgressOf(index);
   if (!progress && !started_.contains(index)) {
     progress = HostedPlugin::Progress();  // a stopped one begins anew
   }
-  return ReadStatus(profiles_, preview_, profiles_.At(index), progress);
+  return progress;
 }
 
 }  // namespace rotacasts::host

@@ -64,6 +64,8 @@ class ServerHost {
 
   MessageList MessagesOf(std::int32_t index) const;
   ProfileStatus StatusOf(std::int32_t index);
+  /// How far its broadcasts have come; nothing of a plugin that is not looked into.
+  std::optional<HostedPlugin::Progress> ProgressOf(std::int32_t index) const;
 
  private:
   /// The profile data array that the host hands to the plugin.

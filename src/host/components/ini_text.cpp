@@ -101,6 +101,14 @@ class IniText::Cursor {
   std::size_t next_ = 0;
 };
 
+std::vector<std::string_view> IniText::Sections() const {
+  std::vector<std::string_view> sections;
+  for (Cursor cursor(bytes_); cursor.Next();) {
+    if (const auto header = cursor.Header()) sections.push_back(*header);
+  }
+  return sections;
+}
+
 std::vector<IniText::Line> IniText::Lines(std::string_view section) const {
   std::vector<Line> lines;
   Cursor cursor(bytes_);

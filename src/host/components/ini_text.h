@@ -27,6 +27,8 @@ class IniText {
     std::string_view value;
   };
   std::vector<Line> Lines(std::string_view section) const;
+  /// The names of all sections in file order.
+  std::vector<std::string_view> Sections() const;
   std::optional<std::string_view> Value(std::string_view section, std::string_view key) const;
 
   /// Every line of the file in order, for whoever looks for what is wrong with it.

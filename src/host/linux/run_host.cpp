@@ -10,6 +10,7 @@
 #include "host/machine/linux/console_input.h"
 #include "host/machine/linux/line_editor.h"
 #include "host/machine/linux/program_starter.h"
+#include "host/web/web_site.h"
 
 namespace rotacasts::host {
 
@@ -62,11 +63,10 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   HeadlessPlugin plugin(profiles, troubles, options.minute);
   HeadlessSite site;
   ServerHost host(profiles, plugin, site, options);
+  std::optional<web::WebSite> page;
+  if (!options.web.empty()) page.emplace(loop, host, options, out);
   Console console(host, out);
   loop.AddDeadline([&plugin] { return plugin.NextDue(); }, [&plugin] { plugin.RunDue(); });
-  GameProcesses& servers = profiles.Components().Processes();
-  loop.AtTurnBegin([&servers] { servers.BeginTurn(); });
-  loop.AtTurnEnd([&servers] { servers.EndTurn(); });
   loop.onReload = [&console] { console.Reload(); };
   console.Start();
   const LineEditor::Person person{[&](const std::string& line) {

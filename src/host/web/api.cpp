@@ -1,0 +1,454 @@
+#include "host/web/api.h"
+
+#include <algorithm>
+#include <charconv>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "base/text.h"
+#include "broadcast/placeholders.h"
+#include "host/terminal.h"
+#include "host/web/page_files.h"
+
+namespace rotacasts::host::web {
+
+using nlohmann::json;
+
+namespace {
+
+constexpr const char* kCookie = "rotacasts";
+constexpr auto kQuiet = std::chrono::seconds(15);
+
+enum class Need { Nothing, Session, ChangeMessages, ChangeSettings };
+
+bool IsLoopback(const std::string& address) {
+  return address == "::1" || address.starts_with("127.");
+}
+
+/// Whom the request comes from; what a proxy on this machine says of it counts.
+std::string ClientOf(const Request& request) {
+  if (!IsLoopback(request.address)) return request.address;
+  const std::string forwarded = request.Header("X-Forwarded-For");
+  const std::string last(TrimSpaces(forwarded.substr(forwarded.rfind(',') + 1)));
+  return last.empty() ? request.address : last.substr(0, 64);
+}
+
+/// Whether the request comes from a page of this very host; browsers say so with every change.
+bool IsOwnOrigin(const Request& request) {
+  const std::string origin = request.Header("Origin");
+  const auto behind = origin.find("://");
+  const std::string host = request.Header("Host");
+  return behind != origin.npos && !host.empty() && origin.substr(behind + 3) == host;
+}
+
+bool IsJson(const Request& request) {
+  const std::string type = request.Header("Content-Type");
+  return EqualsIgnoringCase(TrimSpaces(std::string_view(type).substr(0, type.find(';'))),
+                            "application/json");
+}
+
+json DescriptionOf(const Admin& admin) {
+  json rights = json::array();
+  for (const Right right : admin.rights) rights.push_back(NameOf(right));
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return {{"name", admin.name},
+          {"rights", rights},
+          {"now", std::chrono::duration_cast<std::chrono::milliseconds>(now).count()}};
+}
+
+}  // namespace
+
+/// An answer that is no.
+struct Api::Refusal {
+  unsigned status;
+  std::string error;  // for programs
+  std::string words;  // for people
+  std::vector<std::pair<std::string, std::string>> headers = {};
+
+  operator Response() const {
+    return {status, "application/json", web::ToText({{"error", error}, {"words", words}}), headers};
+  }
+};
+
+/// A request that has found its route.
+struct Api::Call {
+  const std::shared_ptr<Exchange>& exchange;
+  std::int32_t profile = 0;
+  Admin admin = {};
+  json body = {};
+
+  const Request& Asked() const { return exchange->Asked(); }
+  void Answer(const json& value) const {
+    exchange->Answer({200, "application/json", web::ToText(value)});
+  }
+
+  template <class T>
+  T Field(const char* name, bool (json::*isKind)() const noexcept, const char* kind) const {
+    const auto found = body.find(name);
+    if (found != body.end() && ((*found).*isKind)()) return found->get<T>();
+    throw Refusal{400, "form", std::string("\"") + name + "\" has to be " + kind};
+  }
+  std::string Text(const char* name) const {
+    return Field<std::string>(name, &json::is_string, "a text");
+  }
+  bool Truth(const char* name) const {
+    return Field<bool>(name, &json::is_boolean, "true or false");
+  }
+  std::int32_t Number(const char* name) const {
+    const auto number = Field<std::int64_t>(name, &json::is_number_integer, "a whole number");
+    if (number < 0 || number > INT32_MAX)
+      throw Refusal{400, "form", "the number is too large or negative"};
+    return static_cast<std::int32_t>(number);
+  }
+  /// A text that players could be sent: one line of letters that the message file holds.
+  std::string Message() const {
+    const std::string text(TrimSpaces(Text("text")));
+    if (text.empty()) throw Refusal{422, "refused", "there is no text"};
+    const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == 127; };
+    if (std::any_of(text.begin(), text.end(), isControl)) {
+      throw Refusal{422, "refused", "a message is one line"};
+    }
+    ToWindows1252(text);
+    return text;
+  }
+  /// The position that the request names, if the message there is still the one that it saw.
+  std::int32_t SeenPosition(const MessageList& list) const {
+    const std::int32_t position = Number("position");
+    const std::string seen = Text("text");
+    const auto at = static_cast<std::size_t>(position);
+    if (at < list.messages.size() && list.messages[at].text == seen) return position;
+    throw Refusal{409, "changed", "the list has changed meanwhile; nothing was done"};
+  }
+};
+
+struct Api::Route {
+  const char* method;
+  const char* path;  // "*" stands for a profile's index
+  Need need;
+  void (Api::*answer)(Call&);
+
+  /// The profile's index, 0 where the path has none; nothing when it is another path.
+  std::optional<std::int32_t> Match(std::string_view asked) const {
+    const std::string_view mine = path;
+    const auto star = mine.find('*');
+    if (star == mine.npos) return asked == mine ? std::optional(0) : std::nullopt;
+    const std::string_view tail = mine.substr(star + 1);
+    if (!asked.starts_with(mine.substr(0, star)) || !asked.ends_with(tail)) return std::nullopt;
+    if (asked.size() <= star + tail.size()) return std::nullopt;
+    const std::string_view word = asked.substr(star, asked.size() - star - tail.size());
+    std::int32_t index = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), index);
+    const bool isIndex = error == std::errc() && end == word.data() + word.size() && index > 0;
+    return isIndex ? std::optional(index) : std::nullopt;
+  }
+};
+
+const Api::Route Api::kRoutes[] = {
+    {"POST", "/api/session", Need::Nothing, &Api::SignIn},
+    {"GET", "/api/session", Need::Session, &Api::WhoAmI},
+    {"DELETE", "/api/session", Need::Session, &Api::SignOut},
+    {"GET", "/api/placeholders", Need::Session, &Api::ListPlaceholders},
+    {"GET", "/api/profiles", Need::Session, &Api::ListProfiles},
+    {"GET", "/api/events", Need::Session, &Api::Follow},
+    {"GET", "/api/profiles/*/messages", Need::Session, &Api::ShowMessages},
+    {"GET", "/api/profiles/*/log", Need::Session, &Api::ShowLog},
+    {"POST", "/api/profiles/*/preview", Need::Session, &Api::Preview},
+    {"POST", "/api/profiles/*/say", Need::ChangeMessages, &Api::Say},
+    {"POST", "/api/profiles/*/messages", Need::ChangeMessages, &Api::Add},
+    {"DELETE", "/api/profiles/*/messages", Need::ChangeMessages, &Api::Delete},
+    {"POST", "/api/profiles/*/restored", Need::ChangeMessages, &Api::Restore},
+    {"POST", "/api/profiles/*/moves", Need::ChangeMessages, &Api::Move},
+    {"PUT", "/api/profiles/*/switch", Need::ChangeSettings, &Api::Switch},
+    {"PUT", "/api/profiles/*/interval", Need::ChangeSettings, &Api::SetInterval},
+};
+
+/// What one open page follows: every row that its person sees, and one profile's details.
+class Api::Live final : public EventSource {
+ public:
+  Live(Api& api, std::string token, std::int32_t profile)
+      : api_(api), token_(std::move(token)), profile_(profile) {}
+
+  std::string Next() override {
+    const auto admin = api_.sessions_.Find(token_, api_.People());
+    if (!admin) {
+      if (std::exchange(isOver_, true)) return {};
+      return "event: end\ndata: {}\n\n";
+    }
+    std::string events;
+    const auto add = [&](const char* event, const Snapshots::Text& text) {
+      if (text.change <= seen_) return;
+      events += std::string("event: ") + event + "\ndata: " + text.json + "\n\n";
+    };
+    AddDetails(*admin, add);
+    for (const auto& [index, row] : api_.snapshots_.LatestRows()) {
+      if (!admin->Sees(index)) continue;
+      if (!row.json.empty()) {
+        add("profile", row);
+      } else if (seen_ > 0) {
+        add("gone", {std::to_string(index), row.change});
+      }
+    }
+    if (seen_ == 0) events += "event: ready\ndata: {}\n\n";
+    seen_ = std::max<std::int64_t>(api_.snapshots_.Change(), 1);
+    return events.empty() ? Quiet() : Spoken(std::move(events));
+  }
+  bool IsOver() const override { return isOver_; }
+
+ private:
+  template <class Add>
+  void AddDetails(const Admin& admin, const Add& add) try {
+    if (profile_ == 0 || !admin.Sees(profile_)) return;
+    add("messages", api_.snapshots_.MessagesOf(profile_));
+    const Snapshots::Text& log = api_.snapshots_.LogOf(profile_);
+    if (admin.seesAll || !api_.isLogShared_) add("log", log);
+  } catch (const RuntimeError&) {  // it is gone, and its row says so
+  }
+  /// A word now and then, by which a connection that is broken is noticed.
+  std::string Quiet() {
+    return Clock::now() - spokenAt_ < kQuiet ? "" : Spoken("event: still\ndata: {}\n\n");
+  }
+  std::string Spoken(std::string words) {
+    spokenAt_ = Clock::now();
+    return words;
+  }
+
+  Api& api_;
+  const std::string token_;
+  const std::int32_t profile_;
+  std::int64_t seen_ = 0;
+  Clock::time_point spokenAt_;
+  bool isOver_ = false;
+};
+
+Api::Api(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out)
+    : host_(host),
+      out_(out),
+      isLogShared_(options.sharedLog),
+      admins_(host.Profiles().Folder()),
+      snapshots_(host, options),
+      checks_(loop),
+      nobody_(HashOfNobody()) {}
+
+void Api::Handle(const std::shared_ptr<Exchange>& exchange) {
+  try {
+    Find(exchange);
+  } catch (const Refusal& refusal) {
+    exchange->Answer(refusal);
+  } catch (const RuntimeError& error) {
+    exchange->Answer(Refusal{422, "refused", error.description});
+  } catch (...) {
+    exchange->Answer(Refusal{500, "failed", CurrentRuntimeError().description});
+  }
+}
+
+void Api::Find(const std::shared_ptr<Exchange>& exchange) {
+  const Request& request = exchange->Asked();
+  const std::string method = request.method == "HEAD" ? "GET" : request.method;
+  std::string allowed;
+  for (const PageFile& file : kPageFiles) {
+    if (request.path != file.path) continue;
+    if (method == "GET") {
+      return exchange->Answer({200, file.type, std::string(file.bytes)});
+    }
+    allowed = "GET";
+  }
+  for (const Route& route : kRoutes) {
+    const auto profile = route.Match(request.path);
+    if (!profile) continue;
+    if (method != route.method) {
+      allowed += (allowed.empty() ? "" : ", ") + std::string(route.method);
+      continue;
+    }
+    Call call{exchange, *profile};
+    Admit(route, call);
+    return (this->*route.answer)(call);
+  }
+  if (allowed.empty()) throw Refusal{404, "unknown", "there is nothing here"};
+  throw Refusal{405, "method", "this takes " + allowed, {{"Allow", allowed}}};
+}
+
+void Api::Admit(const Route& route, Call& call) {
+  const Request& request = call.Asked();
+  const bool isChange = std::string_view(route.method) != "GET";
+  if (isChange && !IsOwnOrigin(request)) {
+    throw Refusal{403, "origin", "this did not come from the page itself"};
+  }
+  if (isChange && !IsJson(request)) throw Refusal{415, "type", "this has to be application/json"};
+  if (request.isTooLong) throw Refusal{413, "long", "this is too long"};
+  if (route.need != Need::Nothing) {
+    auto admin = PersonOf(request);
+    if (!admin) throw Refusal{401, "signed out", "sign in first"};
+    call.admin = std::move(*admin);
+  }
+  if (call.profile != 0 &&
+      (!call.admin.Sees(call.profile) || !host_.Profiles().All().contains(call.profile))) {
+    throw Refusal{404, "unknown", "there is no such profile, or it is not one of yours"};
+  }
+  for (const auto& [need, right] : {std::pair(Need::ChangeMessages, Right::ChangeMessages),
+                                    {Need::ChangeSettings, Right::ChangeSettings}}) {
+    if (route.need != need || call.admin.May(right)) continue;
+    throw Refusal{403, "right", "you have not the right \"" + NameOf(right) + "\""};
+  }
+  if (!isChange) return;
+  call.body = json::parse(request.body, nullptr, false);
+  if (!call.body.is_object()) throw Refusal{400, "form", "this is no JSON object"};
+}
+
+const std::vector<Admin>& Api::People() {
+  const Clock::time_point now = Clock::now();
+  if (now - peopleAt_ < std::chrono::seconds(1)) return people_;
+  people_ = admins_.All();
+  peopleAt_ = now;
+  return people_;
+}
+
+std::optional<Admin> Api::PersonOf(const Request& request) {
+  return sessions_.Find(request.Cookie(kCookie), People());
+}
+
+// --- Sessions ---
+
+void Api::SignIn(Call& call) {
+  const std::string client = ClientOf(call.Asked());
+  if (const auto wait = brake_.WaitOf(client); wait.count() > 0) {
+    const std::string seconds = std::to_string(wait.count());
+    throw Refusal{429,
+                  "slow",
+                  "too many failures; try again in " + seconds + " s",
+                  {{"Retry-After", seconds}}};
+  }
+  const std::string name = call.Text("name");
+  const std::string password = call.Text("password");
+  peopleAt_ = {};
+  const auto admin = FindAdmin(People(), name);
+  const bool isSecure = call.Asked().Header("Origin").starts_with("https:");
+  const std::weak_ptr<Exchange> waiting = call.exchange;
+  const auto finish = [this, waiting, admin, client, isSecure](bool isRight) {
+    const auto exchange = waiting.lock();
+    if (isRight && admin) brake_.Succeeded(client);
+    if (!exchange) return;
+    if (!isRight || !admin) {
+      return exchange->Answer(Refusal{401, "wrong", "the name or the password is wrong"});
+    }
+    const std::string cookie = std::string(kCookie) + "=" + sessions_.Begin(*admin) +
+                               "; Path=/; HttpOnly; SameSite=Strict" + (isSecure ? "; Secure" : "");
+    exchange->Answer(
+        {200, "application/json", web::ToText(DescriptionOf(*admin)), {{"Set-Cookie", cookie}}});
+  };
+  brake_.Attempted(client);
+  if (!checks_.Check(admin ? admin->password : nobody_, password.substr(0, kLongestPassword),
+                     finish)) {
+    throw Refusal{503, "busy", "many are signing in; try again", {{"Retry-After", "1"}}};
+  }
+}
+
+void Api::WhoAmI(Call& call) {
+  call.Answer(DescriptionOf(call.admin));
+}
+
+void Api::SignOut(Call& call) {
+  sessions_.End(call.Asked().Cookie(kCookie));
+  call.Answer({{"done", "signed out"}});
+}
+
+// --- Reading ---
+
+void Api::ListPlaceholders(Call& call) {
+  call.Answer({{"placeholders", AllPlaceholders()}});
+}
+
+void Api::ListProfiles(Call& call) {
+  std::string body = "{\"profiles\":[";
+  const char* separator = "";
+  for (const auto& [index, row] : snapshots_.FreshRows()) {
+    if (row.json.empty() || !call.admin.Sees(index)) continue;
+    body += separator + row.json;
+    separator = ",";
+  }
+  call.exchange->Answer({200, "application/json", body + "]}"});
+}
+
+void Api::ShowMessages(Call& call) {
+  call.exchange->Answer({200, "application/json", snapshots_.MessagesOf(call.profile).json});
+}
+
+void Api::ShowLog(Call& call) {
+  if (isLogShared_ && !call.admin.seesAll) {
+    throw Refusal{403, "profiles", "the log tells of every profile, and not all are yours"};
+  }
+  call.exchange->Answer({200, "application/json", snapshots_.LogOf(call.profile).json});
+}
+
+void Api::Follow(Call& call) {
+  const std::string word = call.Asked().Query("profile");
+  std::int32_t profile = 0;
+  std::from_chars(word.data(), word.data() + word.size(), profile);
+  snapshots_.FreshRows();
+  call.exchange->AnswerBitByBit(
+      std::make_unique<Live>(*this, call.Asked().Cookie(kCookie), profile));
+}
+
+void Api::Preview(Call& call) {
+  const std::string text = call.Message();
+  const ProfileSettings& profile = host_.Profiles().At(call.profile);
+  auto& previews = host_.Previews();
+  const auto now = previews.TextOf(profile, previews.GameOf(profile), text);
+  call.Answer({{"says", now.says}, {"problem", now.problem}, {"live", IsPlaceholder(text)}});
+}
+
+// --- Changes ---
+
+Response Api::Changed(const Call& call, const std::string& words) {
+  snapshots_.Changed(call.profile);
+  if (onChange) onChange();
+  return {200, "application/json", web::ToText({{"done", words}})};
+}
+
+void Api::Say(Call& call) {
+  const std::string words = host_.Say(call.profile, call.Message());
+  out_ << call.admin.name << ", " << host_.Profiles().At(call.profile).Label() << ": " << words
+       << "\n"
+       << std::flush;
+  call.exchange->Answer(Changed(call, words));
+}
+
+void Api::Add(Call& call) {
+  call.exchange->Answer(
+      Changed(call, host_.AddMessage(call.profile, call.Message(), call.admin.name)));
+}
+
+void Api::Delete(Call& call) {
+  const std::int32_t position = call.SeenPosition(host_.MessagesOf(call.profile));
+  call.exchange->Answer(
+      Changed(call, host_.DeleteMessage(call.profile, position, call.admin.name)));
+}
+
+void Api::Restore(Call& call) {
+  const std::int32_t wanted = call.Number("position");
+  const auto count = static_cast<std::int32_t>(host_.MessagesOf(call.profile).messages.size());
+  host_.AddMessage(call.profile, call.Message(), call.admin.name);
+  for (std::int32_t position = count; position > wanted; --position) {
+    host_.MoveMessage(call.profile, position, true, call.admin.name);
+  }
+  call.exchange->Answer(
+      Changed(call, "put back at position " + std::to_string(std::min(wanted, count))));
+}
+
+void Api::Move(Call& call) {
+  const bool up = call.Truth("up");
+  const std::int32_t position = call.SeenPosition(host_.MessagesOf(call.profile));
+  call.exchange->Answer(
+      Changed(call, host_.MoveMessage(call.profile, position, up, call.admin.name)));
+}
+
+void Api::Switch(Call& call) {
+  call.exchange->Answer(
+      Changed(call, host_.SetSwitch(call.profile, call.Truth("on"), call.admin.name)));
+}
+
+void Api::SetInterval(Call& call) {
+  call.exchange->Answer(
+      Changed(call, host_.SetInterval(call.profile, call.Number("minutes"), call.admin.name)));
+}
+
+}  // namespace rotacasts::host::web

@@ -1,0 +1,220 @@
+"""What the host answers to whom, without a browser."""
+
+import http.client
+import json
+import os
+import socket
+import statistics
+import time
+import unittest
+
+from support import ADD, PASSWORD, Document, Host
+
+DOCUMENT = Document(os.environ["ROTACASTS_SOURCE"] + "/docs/web.md")
+VALUES = {"text": "Hello", "number": 1, "truth": True}
+
+
+def sample(form, **fixed):
+    return form and {key: fixed.get(key, VALUES[kind]) for key, kind in form.items()}
+
+
+class Api(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.host = Host("--minute", "10m")
+        cls.cookies = {name: cls.host.sign_in(name)[1] for name in ("Anna", "Eve", "Ben")}
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.host.stop()
+
+    def ask(self, method, path, body=None, who="Anna", **headers):
+        return self.host.ask(method, path, body, cookie=self.cookies.get(who), **headers)
+
+    def expect(self, status, error, *request, **options):
+        with self.subTest(request=request, **options):
+            answer = self.ask(*request, **options)
+            self.assertEqual((answer[0], answer[2].get("error")), (status, error), answer[2])
+            self.assertTrue(DOCUMENT.fits("error", answer[2]), answer[2])
+
+    def events(self, who="Anna", profile=2):
+        """The events that there are at once, by kind."""
+        connection = http.client.HTTPConnection("127.0.0.1", self.host.port, timeout=20)
+        connection.request("GET", f"/api/events?profile={profile}", None,
+                           {"Cookie": self.cookies[who]})
+        answer, found = connection.getresponse(), {}
+        while "ready" not in found:
+            kind = answer.readline().decode().split(": ", 1)[1].strip()
+            found.setdefault(kind, []).append(json.loads(answer.readline().decode()[6:]))
+            answer.readline()
+        connection.close()
+        return found
+
+    def test_every_answer_has_the_form_that_the_document_gives(self):
+        self.assertEqual(len(DOCUMENT.routes), 16)
+        special = {"/api/session": {"name": "Anna", "password": PASSWORD},
+                   "/api/profiles/N/restored": {"position": 0, "text": "Again"}}
+        for method, path, _, takes, form in DOCUMENT.routes:
+            if form == "events" or (method, path) == ("DELETE", "/api/session"):
+                continue
+            text = self.host.messages()[1]
+            body = special.get(path) or sample(takes, text=text)
+            status, headers, answer = self.ask(method, path.replace("N", "2"),
+                                               body if takes is not None else None)
+            self.assertEqual(status, 200, (method, path, answer))
+            self.assertTrue(DOCUMENT.fits(form, answer), (method, path, answer))
+            self.assertIn("default-src 'none'", headers["Content-Security-Policy"])
+        for kind, values in self.events().items():
+            if kind in DOCUMENT.forms:
+                self.assertTrue(all(DOCUMENT.fits(kind, value) for value in values), values)
+        self.assertEqual([row["index"] for row in self.events("Ben", 2)["profile"]], [3])
+        self.assertNotIn("messages", self.events("Ben", 2))
+
+    def test_nobody_does_what_is_not_theirs(self):
+        before = [self.host.messages(index) for index in (2, 3)] + self.host.log()
+        for method, path, needs, takes, _ in DOCUMENT.routes:
+            path, body = path.replace("N", "2"), sample(takes)
+            if needs:
+                self.expect(401, "signed out", method, path, body, who="nobody")
+                self.expect(401, "signed out", method, path, body, who=None, Cookie="rotacasts=0")
+            if "profiles/2" in path:
+                self.expect(404, "unknown", method, path, body, who="Ben")
+                self.expect(404, "unknown", method, path.replace("2", "9"), body)
+                self.expect(404, "unknown", method, path.replace("2", "2147483650"), body)
+            if needs == "add":
+                self.expect(403, "right", method, path, body, who="Eve")
+            if needs == "change":
+                self.expect(403, "right", method, path.replace("2", "3"), body, who="Ben")
+            if method == "GET":
+                continue
+            for origin in (None, "null", "http://evil.example", f"http://127.0.0.1:{self.host.port + 1}"):
+                self.expect(403, "origin", method, path, body, Origin=origin)
+            for kind in (None, "text/plain", "application/x-www-form-urlencoded"):
+                self.expect(415, "type", method, path, body, Content_Type=kind)
+            self.expect(413, "long", method, path, b'{"text":"' + b"x" * 17000 + b'"}')
+            for words in (b"", b"[]", b"{", b'{"text":"\xff"}', b'{"text":"\xed\xa0\x80"}', b"[" * 9000):
+                self.expect(400, "form", method, path, words)
+            for field in takes:
+                for wrong in (None, [], {}, 1.5, "" if takes[field] != "text" else 0):
+                    self.expect(400, "form", method, path, {**sample(takes), field: wrong})
+        self.expect(405, "method", "PUT", "/api/session", {})
+        self.expect(404, "unknown", "GET", "/../../etc/passwd")
+        self.assertEqual([self.host.messages(index) for index in (2, 3)] + self.host.log(), before)
+
+    def test_what_cannot_be_stored_or_has_changed_is_refused(self):
+        log, messages = self.host.log(), "/api/profiles/2/messages"
+        for text in ("", "  ", "a\nb", "\x1b[2J", "Ж", "😀"):
+            for path in (messages, "/api/profiles/2/say", "/api/profiles/2/restored"):
+                self.expect(422, "refused", "POST", path, {"text": text, "position": 0})
+        for position in (-1, 2**31, 2**63 - 1, True, "0", 0.0):
+            self.expect(400, "form", "DELETE", messages, {"position": position, "text": "Hello"})
+        for position, text in ((1, "Hello "), (0, "Hullo"), (99, "Hello"), (2**31 - 1, "Hello")):
+            self.expect(409, "changed", "DELETE", messages, {"position": position, "text": text})
+        self.expect(422, "refused", "PUT", "/api/profiles/2/interval", {"minutes": 31})
+        self.assertEqual(self.host.log(), log)
+
+
+class Changes(unittest.TestCase):
+    def setUp(self):
+        self.host = Host("--minute", "200ms")
+        self.addCleanup(self.host.stop)
+
+    def test_changes_reach_file_log_and_players(self):
+        _, cookie = self.host.sign_in("ANNA")
+        for method, path, body, messages in (
+                ("POST", "messages", {"text": " <b>Zoë</b> "}, "Hello {ShowNextMap} Grüße <b>Zoë</b>"),
+                ("POST", "moves", {"position": 3, "text": "<b>Zoë</b>", "up": True},
+                 "Hello {ShowNextMap} <b>Zoë</b> Grüße"),
+                ("DELETE", "messages", {"position": 0, "text": "Hello"}, "{ShowNextMap} <b>Zoë</b> Grüße"),
+                ("POST", "restored", {"position": 1, "text": "Hello"},
+                 "{ShowNextMap} Hello <b>Zoë</b> Grüße"),
+                ("POST", "moves", {"position": 0, "text": "{ShowNextMap}", "up": False},
+                 "Hello {ShowNextMap} <b>Zoë</b> Grüße")):
+            answer = self.host.ask(method, f"/api/profiles/2/{path}", body, cookie)
+            self.assertEqual((answer[0], " ".join(self.host.messages())), (200, messages), answer)
+        self.assertTrue(self.host.server.hears("<b>Zoë</b>"))
+        self.host.ask("PUT", "/api/profiles/2/switch", {"on": False}, cookie)
+        self.host.ask("PUT", "/api/profiles/2/interval", {"minutes": 7}, cookie)
+        self.host.ask("POST", "/api/profiles/2/say", {"text": "{ShowMostKills}"}, cookie)
+        self.assertTrue(self.host.server.hears("[Most Kills] "))
+        _, _, profiles = self.host.ask("GET", "/api/profiles", None, cookie)
+        row = profiles["profiles"][0]
+        self.assertEqual((row["on"], row["interval"], row["next"]["at"]), (False, "7", None))
+        told = [line[10:].replace("Rotacasts] ", "") for line in self.host.log()]
+        self.assertEqual(len(told), 9, told)
+        self.assertEqual(told[0], "[Add Rotacast (Message: <b>Zoë</b>) from Anna")
+        self.assertEqual(told[-1], "[Change Rotacasts Interval (New Interval: 7) from Anna")
+
+    def test_neither_a_slow_client_nor_a_hundred_pages_hold_up_a_tick(self):
+        _, cookie = self.host.sign_in("Anna")
+        lines = [f"GET /api/events?profile=2 HTTP/1.1\r\nHost: x\r\nCookie: {cookie}\r\n\r\n"] * 100
+        sockets = []
+        for line in [*lines, "POST /api/session HT", "GET / HTTP/1.1\r\nHost: x\r\n" * 1]:
+            sockets.append(socket.create_connection(("127.0.0.1", self.host.port)))
+            sockets[-1].sendall(line.encode())
+        for end in [one.recv(100) for one in sockets[:100]]:
+            self.assertIn(b"200", end)
+        begin = time.time()
+        for text in ("Hello", "[Next Map]", "Grüße") * 3:
+            self.host.server.heard.clear()
+            self.assertTrue(self.host.server.hears(text, 3))
+        self.assertLess(time.time() - begin, 6)
+        for one in sockets:
+            one.close()
+
+
+class SigningIn(unittest.TestCase):
+    def setUp(self):
+        self.host = Host("--minute", "10m")
+        self.addCleanup(self.host.stop)
+
+    def test_a_stranger_learns_nothing_and_is_slowed_down(self):
+        times = {"Anna": [], "Nobody": []}
+        for i in range(8):
+            for name, took in times.items():
+                begin = time.time()
+                status, _ = self.host.sign_in(name, "wrong", X_Forwarded_For=f"10.0.{len(name)}.{i}")
+                took.append(time.time() - begin)
+                self.assertEqual(status, 401)
+        known, unknown = (statistics.median(took) for took in times.values())
+        self.assertLess(abs(known - unknown), 0.4 * known, times)
+        statuses = [self.host.sign_in("Anna", "wrong")[0] for _ in range(4)]
+        self.assertEqual(statuses, [401, 401, 401, 429])
+        self.assertEqual(self.host.sign_in("Anna")[0], 429)
+        self.assertEqual(self.host.sign_in("Anna", X_Forwarded_For="10.1.1.1")[0], 200)
+        time.sleep(1.1)
+        self.assertEqual(self.host.sign_in("Anna")[0], 200)
+
+    def test_a_session_is_kept_close_and_ends(self):
+        for origin, secure in (("", ""), (f"https://127.0.0.1:{self.host.port}", "; Secure")):
+            headers = {"Origin": origin} if origin else {}
+            body = {"name": "Anna", "password": PASSWORD}
+            _, answer, _ = self.host.ask("POST", "/api/session", body, **headers)
+            self.assertRegex(answer["Set-Cookie"], "^rotacasts=[0-9a-f]{64}; Path=/; HttpOnly; "
+                                                   f"SameSite=Strict{secure}$")
+        sessions = [self.host.sign_in("Anna")[1] for _ in range(2)]
+        state = lambda cookie: self.host.ask("GET", "/api/session", None, cookie)[0]
+        self.assertNotEqual(*sessions)
+        self.host.ask("DELETE", "/api/session", {}, sessions[0])
+        self.assertEqual([state(cookie) for cookie in sessions], [401, 200])
+        self.host.admin("set", "Anna", password="another horse")
+        time.sleep(1.1)
+        self.assertEqual(state(sessions[1]), 401)
+
+    def test_the_command_line_says_who_may(self):
+        self.assertEqual(os.stat(self.host.folder + "/settings/admins.ini").st_mode & 0o777, 0o600)
+        for words, password, says in (
+                (("set", "Anna"), "short", "8 letters"), (("set", "a]b"), PASSWORD, "no name"),
+                (("set", "Zoë", "--rights", "Fly"), PASSWORD, ADD),
+                (("set", "Zoë", "--profiles", "2,x"), PASSWORD, "1,4"),
+                (("remove", "Nobody"), "", "no administrator")):
+            run = self.host.admin(*words, password=password)
+            self.assertEqual((run.returncode, says in run.stderr), (2, True), run)
+        self.assertEqual(self.host.admin("set", "Zoë").returncode, 0)
+        self.host.admin("remove", "anna")
+        self.assertEqual(self.host.admin("list").stdout.split()[3::1][:2], ["Eve", "2"])
+        self.assertEqual((self.host.sign_in("Anna")[0], self.host.sign_in("zoë")[0]), (401, 200))
+
+
+if __name__ == "__main__":
+    unittest.main()

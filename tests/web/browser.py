@@ -1,0 +1,81 @@
+"""A headless Chromium with the page open, driven as a person would."""
+
+import os
+import shutil
+import tempfile
+
+from selenium import webdriver
+from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+from selenium.webdriver.support.ui import WebDriverWait
+
+FLAGS = ("--headless --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-sync "
+         "--disable-background-networking --disable-component-update --disable-dev-shm-usage "
+         "--hide-scrollbars")
+
+
+class Browser:
+    def __init__(self, url, width=1280, height=900, dark=False):
+        self.profile = tempfile.mkdtemp(prefix="rotacasts-browser-")
+        options = webdriver.ChromeOptions()
+        options.binary_location = "/usr/bin/chromium"
+        for flag in [*FLAGS.split(), f"--user-data-dir={self.profile}"]:
+            options.add_argument(flag)
+        options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+        self.driver = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
+        self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+            "width": width, "height": height, "deviceScaleFactor": 1, "mobile": width < 600})
+        self.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": [
+            {"name": "prefers-color-scheme", "value": "dark" if dark else "light"}]})
+        self.url = url
+        self.driver.get(url)
+
+    def close(self):
+        self.driver.quit()
+        shutil.rmtree(self.profile, ignore_errors=True)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def find(self, selector):
+        return self.driver.find_element(By.CSS_SELECTOR, selector)
+
+    def wait(self, condition, what, seconds=10):
+        WebDriverWait(self.driver, seconds, 0.05).until(lambda _: condition(), f"waited for {what}")
+
+    def js(self, script, *arguments):
+        return self.driver.execute_script(script, *arguments)
+
+    def text(self, selector):
+        return self.js("return document.querySelector(arguments[0])?.innerText", selector) or ""
+
+    def sees(self, selector, text="", seconds=10):
+        self.wait(lambda: self.find(selector).is_displayed() and text in self.text(selector),
+                  f"{text!r} in {selector}, which is {self.text(selector)!r}", seconds)
+
+    def type(self, selector, text):
+        field = self.find(selector)
+        field.send_keys(Keys.CONTROL + "a")
+        field.send_keys(text)
+
+    def sign_in(self, name, password):
+        self.sees("#sign-in")
+        self.type("#person", name)
+        self.type("#password", password)
+        self.find("#sign-in button").click()
+
+    def messages(self):
+        return self.js("return [...document.querySelectorAll('#messages .text')].map(t => t.firstChild.innerText)")
+
+    def row(self, position, kind):
+        self.find(f"#messages li:nth-child({position + 1}) [data-kind={kind}]").click()
+
+    def lists(self, *messages):
+        self.wait(lambda: self.messages() == list(messages), f"{messages}, not {self.messages()}")
+
+    def picture(self, file):
+        self.driver.save_screenshot(file)

@@ -1,0 +1,148 @@
+"""A host with the page, simulated game servers and people, for the tests of both."""
+
+import http.client
+import json
+import os
+import re
+import select
+import shutil
+import subprocess
+import tempfile
+import time
+
+PROGRAMS = os.environ["ROTACASTS_PROGRAMS"]
+PASSWORD = "correct horse"
+ADD, CHANGE = "Add/Remove Rotacasts", "Change Rotacasts Settings"
+
+
+class Server:
+    """A simulated game server, and what it has been told."""
+
+    def __init__(self, code="JO"):
+        self.process = subprocess.Popen(
+            [PROGRAMS + "/game-server-sim", "--game-code", code, "--seed", "3", "--with-parent"],
+            stdout=subprocess.PIPE)
+        self.heard, self.buffer = [], b""
+        self.port = self.process.stdout.readline().decode().rsplit(":", 1)[1].strip()
+
+    def hears(self, text, seconds=10):
+        end = time.time() + seconds
+        while not any(text in line for line in self.heard):
+            if not select.select([self.process.stdout], [], [], max(0, end - time.time()))[0]:
+                return False
+            self.buffer += os.read(self.process.stdout.fileno(), 65536)
+            *lines, self.buffer = self.buffer.split(b"\n")
+            self.heard += [line.decode() for line in lines]
+        return True
+
+    def stop(self):
+        self.process.kill()
+        self.process.wait()
+        self.process.stdout.close()
+
+
+class Host:
+    """Profile 2 is served, profile 3 has no server. Anna may do everything, Eve only change the
+    settings of profile 2, Ben only look at profile 3."""
+
+    def __init__(self, *options, messages=("Hello", "{ShowNextMap}", "Grüße"), interval=1):
+        self.folder = tempfile.mkdtemp(prefix="rotacasts-")
+        self.options = options
+        self.server = Server()
+        self.write(2, self.server.process.pid, self.server.port, messages, interval)
+        self.write(3, "no-such-program", 4003, ["Three"], 1)
+        self.admin("set", "Anna")
+        self.admin("set", "Eve", "--profiles", "2", "--rights", CHANGE)
+        self.admin("set", "Ben", "--profiles", "3", "--rights", "")
+        self.port = 0
+        self.start()
+
+    def write(self, index, process, port, messages, interval):
+        folder = f"{self.folder}/profiles/srv{index}"
+        os.makedirs(folder + "/settings")
+        with open(folder + "/profile.ini", "w") as file:
+            file.write(f"[Profile]\nIndex={index}\nGameCode=JO\nProcess={process}\nTarget={port}\n")
+        lines = [f"{i}={text}" for i, text in enumerate(messages, 1)]
+        with open(folder + "/settings/Rotacasts.ini", "w", encoding="cp1252", newline="\r\n") as file:
+            file.write("\n".join(["[Messages]", *lines, "[Options]", "Enable=1",
+                                  f"Interval={interval}", ""]))
+
+    def admin(self, *words, password=PASSWORD):
+        return subprocess.run([PROGRAMS + "/rotacasts-host", "admin", *words, "--host-folder",
+                               self.folder], input=password + "\n", capture_output=True, text=True)
+
+    def start(self):
+        self.process = subprocess.Popen(
+            [PROGRAMS + "/rotacasts-host", "run", "--host-folder", self.folder, "--web",
+             f"127.0.0.1:{self.port}", *self.options],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self.url = self.process.stdout.readline().decode().split()[-1]
+        self.port = int(self.url.rsplit(":", 1)[1].strip("/"))
+
+    def end(self):
+        self.process.terminate()
+        self.process.communicate()
+        return self.process.returncode
+
+    def stop(self):
+        if self.process.poll() is None:
+            assert self.end() == 0, "the host ended badly"
+        self.server.stop()
+        shutil.rmtree(self.folder)
+
+    def messages(self, index=2):
+        with open(f"{self.folder}/profiles/srv{index}/settings/Rotacasts.ini",
+                  encoding="cp1252") as file:
+            return [line.split("=", 1)[1] for line in file.read().split("\n")
+                    if re.match(r"\d+=", line)]
+
+    def log(self, index=2):
+        folder = f"{self.folder}/profiles/srv{index}/adminlogs"
+        if not os.path.exists(folder):
+            return []
+        [name] = os.listdir(folder)
+        with open(f"{folder}/{name}", encoding="cp1252") as file:
+            return file.read().splitlines()
+
+    def ask(self, method, path, body=None, cookie=None, **headers):
+        """Status, headers and JSON of an answer; a header given as None is left out."""
+        sent = {"Origin": self.url.rstrip("/"), "Content-Type": "application/json",
+                "Cookie": cookie, **{name.replace("_", "-"): value for name, value in headers.items()}}
+        data = body if isinstance(body, bytes) or body is None else json.dumps(body)
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=20)
+        connection.request(method, path, data, {k: v for k, v in sent.items() if v is not None})
+        answer = connection.getresponse()
+        text = answer.read()
+        connection.close()
+        isJson = answer.headers["Content-Type"] == "application/json"
+        return answer.status, answer.headers, json.loads(text) if isJson and text else text
+
+    def sign_in(self, name, password=PASSWORD, **headers):
+        status, answer, _ = self.ask("POST", "/api/session",
+                                     {"name": name, "password": password}, **headers)
+        return status, (answer["Set-Cookie"] or "").split(";")[0]
+
+
+class Document:
+    """docs/web.md: the routes, and the form of each answer."""
+
+    def __init__(self, path):
+        with open(path, encoding="utf-8") as file:
+            text = file.read()
+        self.forms = {name: json.loads(form)
+                      for name, form in re.findall(r"```json (\w+)\n(.*?)```", text, re.S)}
+        self.routes = []
+        for row in re.findall(r"^\| `[A-Z]+ /.*", text, re.M):
+            route, needs, takes, answer = (cell.strip(" `") for cell in row.strip("|").split("|"))
+            method, path = route.split("?")[0].split()
+            self.routes.append((method, path, needs, json.loads(takes or "null"), answer))
+
+    def fits(self, form, value):
+        kinds = {"text": str, "number": int, "truth": bool, "null": type(None)}
+        if isinstance(form, dict):
+            return (isinstance(value, dict) and form.keys() == value.keys() and
+                    all(self.fits(form[key], value[key]) for key in form))
+        if isinstance(form, list):
+            return isinstance(value, list) and all(self.fits(form[0], one) for one in value)
+        return any(type(value) is kinds[kind] if kind in kinds else self.fits(self.forms[kind], value)
+                   for kind in form.split(" or "))
