@@ -1,6 +1,6 @@
 # The front door: every target installs what it needs and sets itself up.
 
-.PHONY: help demo demo-windows test test-windows windows package fuzz bench docs pictures format lint clean
+.PHONY: help demo web demo-windows test test-windows windows package fuzz bench docs pictures format lint clean
 
 help: ## this list
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 22
@@ -10,6 +10,12 @@ demo: ## six simulated game servers, one host: see what the program is for
 	@scripts/quietly cmake --preset release
 	@scripts/quietly cmake --build --preset release
 	@scripts/demo build/release/bin
+
+web: ## the same with the page for administrators, at a printed address, until Ctrl-C
+	@scripts/bootstrap build
+	@scripts/quietly cmake --preset release
+	@scripts/quietly cmake --build --preset release --target rotacasts-host game-server-sim
+	@scripts/web build/release/bin
 
 demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves pictures
 	@scripts/bootstrap build help windows
@@ -21,6 +27,7 @@ demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves pi
 
 test: ## build and run every test
 	@scripts/bootstrap build help test
+	@scripts/bootstrap browser || { echo "NOT TESTED: the page; no browser can be had" >&2; [ -z "$$CI" ]; }
 	cmake --preset sanitized
 	cmake --build --preset sanitized
 	ctest --preset sanitized
