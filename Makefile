@@ -1,6 +1,6 @@
 # The front door: every target installs what it needs and sets itself up.
 
-.PHONY: help demo web demo-windows test test-windows windows package fuzz bench docs pictures format lint clean
+.PHONY: help demo web demo-windows test test-windows windows package reproduce fuzz bench docs pictures format lint clean
 
 help: ## this list
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 22
@@ -45,14 +45,23 @@ windows: ## the plugin for Windows: build/windows/src/component/tvxRT.dll
 	@scripts/quietly cmake --build --preset windows --target tvxRT help_file
 	@ls -l build/windows/src/component/tvxRT.dll
 
-package: ## for Windows a zip with the plugin and the host, for Debian a package with the host
+# Whatever is given away carries the moment of the commit.
+package: export SOURCE_DATE_EPOCH ?= $(shell git log -1 --format=%ct)
+package: ## all that is given away, for Windows and for Debian, with checksums: build/package
 	@scripts/bootstrap build package help windows
+	@rm -rf build/package build/release/package
+	@mkdir -p build/package
 	@scripts/quietly cmake --preset release
 	@scripts/quietly cmake --build --preset release
-	@cd build && cpack --config release/CPackConfig.cmake
+	@scripts/quietly cpack --config build/release/CPackConfig.cmake -B build/release/package
+	@cp build/release/package/*.deb build/package/
 	@scripts/quietly cmake --preset windows
 	@scripts/quietly cmake --build --preset windows --target tvxRT help_file rotacasts-host game-server-sim
-	@scripts/package build/windows build/rotacasts.zip
+	@scripts/package build/windows build/package >/dev/null
+	@cd build/package && sha256sum -- * >SHA256SUMS && cat SHA256SUMS
+
+reproduce: ## build all that is given away twice, in other folders, and compare every byte
+	@scripts/reproduce
 
 fuzz: ## a minute of arbitrary input for the remote operations and the INI reader
 	@scripts/bootstrap build test
@@ -74,7 +83,9 @@ docs: ## bring what the documents take from the code up to date
 	@scripts/quietly cmake --build --preset sanitized --target placeholder-table
 	@scripts/placeholder-table build/sanitized/docs/placeholder-table docs/help/placeholders.md
 
-pictures: demo-windows ## the same, and put its pictures into the documents
+pictures: demo-windows package ## take the pictures of the documents anew
+	@scripts/under-wine build/windows/tests/win32/keeper.exe scripts/setup-pictures \
+	  build/package/RotacastsSetup-*.exe build/demo-windows
 	cp build/demo-windows/windows-host.png docs/
 	cp $(patsubst docs/help/pictures/%,build/demo-windows/%,$(wildcard docs/help/pictures/*)) docs/help/pictures/
 
