@@ -10,9 +10,11 @@
 #include <iostream>
 #include <memory>
 
+#include "base/text.h"
 #include "duel.h"
 #include "forms/headless/headless_toolkit.h"
 #include "host/components/host_platform.h"
+#include "host/linux/headless_plugin.h"
 #include "host_folder_files.h"
 #include "plugin/cls_plugin.h"
 #include "stats/player_scan.h"
@@ -136,15 +138,65 @@ struct Arena {
   Server large{250};  // 251 slots
 };
 
-Duel ScanDuel(const std::string& slots, const Server& server, const std::shared_ptr<Arena>& arena) {
+Duel ScanDuel(const std::string& slots, const Server& server, const std::shared_ptr<Arena>& arena,
+              bool readsAhead) {
   const auto plugin = std::make_shared<Plugin>(server, arena->folder);
   const BareReader reader(server.process.Id());
-  return {"player scan, " + slots + " slots", "bare process_vm_readv loop", "1.10",
-          [plugin, arena] {
+  const std::string job = "player scan, " + slots + " slots";
+  return {job + (readsAhead ? "" : ", no read-ahead"), "bare process_vm_readv loop",
+          readsAhead ? "0.25" : "1.10",
+          [plugin, arena, readsAhead] {
+            host::GameProcesses& processes = plugin->platform.Processes();
+            if (readsAhead) processes.BeginTurn();
             ScanPlayers({plugin->state.services, plugin->state.tables, 1}, kCommonLayout,
                         [](std::int32_t, const PlayerSlot&) {});
+            processes.EndTurn();
           },
           [reader] { BareScan(reader); }};
+}
+
+/// A native host's profiles, all of them due whenever they are asked.
+struct Crowd {
+  explicit Crowd(const Server& server) : folder(server) {
+    for (const auto& [index, profile] : profiles.All()) {
+      Variant::Array data = profiles.DataOf(profile);
+      data[pdat::kAreaHeight] = data[pdat::kAreaWidth] = 9000;
+      plugin.LoadInterface(index, 1, data);
+    }
+  }
+  /// As the event loop has it.
+  void Turn() {
+    profiles.Components().Processes().BeginTurn();
+    plugin.RunDue();
+    profiles.Components().Processes().EndTurn();
+    const host::SentText& last = profiles.Components().GetChat().Latest().back();
+    if (!last.text.starts_with("[Least Deaths]") || last.profile != kProfiles) std::abort();
+  }
+  struct Folder : HostFolder {
+    explicit Folder(const Server& server) {
+      for (int i = 1; i <= kProfiles; ++i) {
+        AddProfile(i, "JO", std::to_string(server.process.Id()), server.port,
+                   "[Messages]\r\n1={ShowLeastDeaths}\r\n[Options]\r\nEnable=1\r\nInterval=1\r\n");
+      }
+    }
+  };
+  static constexpr int kProfiles = 200;
+
+  Folder folder;
+  std::ostream none{nullptr};
+  host::HostProfiles profiles{folder.Path(), none};
+  host::Troubles troubles{none};
+  host::HeadlessPlugin plugin{profiles, troubles, std::chrono::nanoseconds(1)};
+};
+
+Duel CrowdDuel(const std::shared_ptr<Arena>& arena) {
+  const auto crowd = std::make_shared<Crowd>(arena->small);
+  const BareReader reader(arena->small.process.Id());
+  return {"turn with 200 profiles due, a statistic each", "the bare reads of 200 scans", "1.00",
+          [crowd, arena] { crowd->Turn(); },
+          [reader] {
+            for (int i = 0; i < Crowd::kProfiles; ++i) BareScan(reader);
+          }};
 }
 
 }  // namespace
@@ -152,21 +204,24 @@ Duel ScanDuel(const std::string& slots, const Server& server, const std::shared_
 std::vector<Duel> ProcessDuels() {
   const auto arena = std::make_shared<Arena>();
   const std::string file = "profiles/srv1/settings/Rotacasts.ini";
-  arena->folder.Write(file, MessageFileOf(10));
+  arena->folder.Write(file, ReplaceAll(MessageFileOf(10), "Interval=1", "Interval=30"));
   arena->folder.Write("settings/config.ini", "[Settings]\r\nReportErrors=0\r\n");
   const auto plugin = std::make_shared<Plugin>(arena->small, arena->folder);
   const auto bare = std::make_shared<BareTick>(arena->small, arena->folder.File(file));
-  return {ScanDuel("33", arena->small, arena),
-          ScanDuel("251", arena->large, arena),
+  return {ScanDuel("33", arena->small, arena, true),
+          ScanDuel("33", arena->small, arena, false),
+          ScanDuel("251", arena->large, arena, true),
+          ScanDuel("251", arena->large, arena, false),
+          CrowdDuel(arena),
           {"tick that is not due", "bare read of the game state", "",
            [plugin, arena] {
-             plugin->state.tables.ElapsedTicks(1) = -2;  // far from the interval of 1
+             plugin->state.tables.ElapsedTicks(1) = 0;
              plugin->Tick();
            },
            [bare] { bare->ReadState(); }},
           {"tick that sends a plain text", "bare read, file read and sendto", "",
            [plugin, arena] {
-             plugin->state.tables.ElapsedTicks(1) = 0;
+             plugin->state.tables.ElapsedTicks(1) = 29;
              plugin->Tick();
            },
            [bare] { bare->Send(); }}};

@@ -55,19 +55,56 @@ TEST(GameProcesses, ReadsNumbersAndTextsUpToTheEndOfTheMap) {
   const std::int32_t self = processes.Register({std::to_string(::getpid()), 0, "profile 1 (self)"});
   const std::int32_t value = -123456;
   std::memcpy(page.At(8), &value, sizeof value);
-  EXPECT_EQ(processes.ReadLong(self, LowPage::Address(8)), value);
   std::memset(page.At(1000), 'x', 300);
-  EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(1000)), std::string(255, 'x'));
-  EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(1290)), std::string(10, 'x'));
-  EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(0)), "");
   std::memcpy(page.At(LowPage::kPage - 3), "end", 3);
-  EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(LowPage::kPage - 3)), "end");
-  for (const std::int32_t address :
-       {LowPage::Address(LowPage::kPage), LowPage::Address(LowPage::kPage - 2), 0, -4}) {
-    EXPECT_EQ(ErrorOf([&] { processes.ReadLong(self, address); }), 57) << address;
+  for (const bool inTurn : {false, true}) {
+    if (inTurn) processes.BeginTurn();
+    EXPECT_EQ(processes.ReadLong(self, LowPage::Address(8)), value);
+    EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(1000)), std::string(255, 'x'));
+    EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(1290)), std::string(10, 'x'));
+    EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(0)), "");
+    EXPECT_EQ(processes.ReadBytes(self, LowPage::Address(LowPage::kPage - 3)), "end");
+    for (const std::int32_t address :
+         {LowPage::Address(LowPage::kPage), LowPage::Address(LowPage::kPage - 2), 0, -4, -2}) {
+      EXPECT_EQ(ErrorOf([&] { processes.ReadLong(self, address); }), 57) << address;
+    }
+    EXPECT_EQ(ErrorOf([&] { processes.ReadBytes(self, LowPage::Address(LowPage::kPage)); }), 57);
+    EXPECT_EQ(ErrorOf([&] { processes.ReadLong(99, 0); }), 57);
   }
-  EXPECT_EQ(ErrorOf([&] { processes.ReadBytes(self, LowPage::Address(LowPage::kPage)); }), 57);
-  EXPECT_EQ(ErrorOf([&] { processes.ReadLong(99, 0); }), 57);
+}
+
+TEST(GameProcesses, ATurnAnswersFromItsPagesAndNoLaterOneDoes) {
+  auto page = std::make_unique<LowPage>();
+  std::map<std::int32_t, std::unique_ptr<LowPage>> more;
+  GameProcesses processes;
+  const std::int32_t self = processes.Register({std::to_string(::getpid()), 0, "profile 1 (self)"});
+  const std::int32_t end = LowPage::Address(LowPage::kPage);
+  const auto put = [&](const char* text) { std::memcpy(page->At(LowPage::kPage - 3), text, 3); };
+  const auto text = [&] { return processes.ReadBytes(self, end - 3); };
+  put("one");
+  EXPECT_EQ(text(), "one");
+  put("two");
+  EXPECT_EQ(text(), "two");  // no turn, no pages
+  processes.BeginTurn();
+  EXPECT_EQ(text(), "two");
+  put("new");
+  EXPECT_EQ(text(), "two");
+  EXPECT_EQ(ErrorOf([&] { processes.ReadLong(self, end); }), 57);
+  for (std::size_t i = 1; i <= ReadAhead::kMostPages;
+       ++i) {  // a page that cannot be read is not kept
+    const std::int32_t next = LowPage::Address(i * LowPage::kPage);
+    more[next] = std::make_unique<LowPage>(static_cast<std::uintptr_t>(next));
+    std::memcpy(more[next]->At(0), "er", 2);
+    EXPECT_EQ(processes.ReadBytes(self, next), "er");
+  }
+  EXPECT_EQ(text(), "newer");  // others have taken its place
+  std::int32_t across = 0;
+  std::memcpy(&across, "ewer", 4);
+  EXPECT_EQ(processes.ReadLong(self, end - 2), across);
+  processes.EndTurn();
+  page.reset();
+  processes.BeginTurn();
+  EXPECT_EQ(ErrorOf([&] { processes.ReadLong(self, LowPage::Address(8)); }), 57);
 }
 
 TEST(GameProcesses, ErrorsNameTheProfileAndTheWayOut) {

@@ -63,7 +63,7 @@ ProcessId GameProcesses::Find(Entry& entry) {
   if (entry.found != 0) return entry.found;
   const std::string& name = entry.process;
   if (const ProcessId number = AsNumber(name); number != 0) return entry.found = number;
-  std::vector<ProcessId> processes = FindProcesses(name);
+  std::vector<ProcessId> processes = reader_.Find(name);
   if (processes.empty()) Raise(entry.label + ": no program " + name + " is running; start it");
   const std::size_t running = processes.size();
   ProcessId secret = 0;
@@ -102,7 +102,7 @@ std::int32_t GameProcesses::ReadLong(std::int32_t handle, std::int32_t address) 
   Entry& entry = At(handle);
   std::int32_t value = 0;
   const ReadOutcome outcome =
-      ReadProcess(Find(entry), static_cast<std::uint32_t>(address), &value, sizeof value);
+      reader_.Read(Find(entry), static_cast<std::uint32_t>(address), &value, sizeof value);
   if (outcome != ReadOutcome::Complete) RaiseOutcome(entry, outcome, address);
   return value;
 }
@@ -111,8 +111,8 @@ std::string GameProcesses::ReadBytes(std::int32_t handle, std::int32_t address) 
   Entry& entry = At(handle);
   char buffer[kLongestText];
   std::size_t count = 0;
-  const ReadOutcome outcome = ReadProcessUpTo(Find(entry), static_cast<std::uint32_t>(address),
-                                              buffer, sizeof buffer, count);
+  const ReadOutcome outcome = reader_.ReadText(Find(entry), static_cast<std::uint32_t>(address),
+                                               buffer, sizeof buffer, count);
   if (outcome != ReadOutcome::Complete) RaiseOutcome(entry, outcome, address);
   return {buffer, ::strnlen(buffer, count)};
 }

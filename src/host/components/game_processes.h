@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/machine/process_reader.h"
+#include "host/components/read_ahead.h"
 
 namespace rotacasts::host {
 
@@ -31,16 +31,21 @@ class GameProcesses {
   /// The bytes up to the first NUL, at most 255, fewer where the mapped memory ends.
   std::string ReadBytes(std::int32_t handle, std::int32_t address);
 
+  /// What lies between the two is read ahead and may be answered from what has been read.
+  void BeginTurn() { reader_.BeginTurn(); }
+  void EndTurn() { reader_.EndTurn(); }
+
  private:
   struct Entry : GameProcess {
     ProcessId found = 0;  // 0 until it is looked up
   };
 
   Entry& At(std::int32_t handle);
-  static ProcessId Find(Entry& entry);
+  ProcessId Find(Entry& entry);
   [[noreturn]] static void RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t address);
 
   std::vector<Entry> entries_;
+  ReadAhead reader_;
 };
 
 }  // namespace rotacasts::host

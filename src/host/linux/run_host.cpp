@@ -67,6 +67,9 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   if (!options.web.empty()) page.emplace(loop, host, options, out);
   Console console(host, out);
   loop.AddDeadline([&plugin] { return plugin.NextDue(); }, [&plugin] { plugin.RunDue(); });
+  GameProcesses& servers = profiles.Components().Processes();
+  loop.AtTurnBegin([&servers] { servers.BeginTurn(); });
+  loop.AtTurnEnd([&servers] { servers.EndTurn(); });
   loop.onReload = [&console] { console.Reload(); };
   console.Start();
   const LineEditor::Person person{[&](const std::string& line) {
