@@ -128,7 +128,7 @@ std::string ConvertFromUtf8(const std::string& path) {
 
 std::string FindFile(const std::string& folder, const std::string& name,
                      std::vector<std::string>& warnings) {
-  const std::string path = folder + "\\" + name;
+  std::string path = folder + "\\" + name;
   HostFileSystem files;
   if (files.FileExists(path)) return path;
   std::error_code problem;

@@ -1,12 +1,13 @@
 // The error log's size.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace rotacasts::host {
 
 /// The error log takes about twice this much of the disk at most, with the one before it.
-inline constexpr std::size_t kLongestErrorLog = 1024 * 1024;  // bytes
+inline constexpr std::size_t kLongestErrorLog = std::size_t{1} << 20;  // bytes
 
 /// Lets the log begin anew once it has grown long: what it holds goes to "errors.old.log" beside
 /// it, in place of what was there. A log that cannot be moved goes on growing.
