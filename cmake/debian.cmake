@@ -15,6 +15,7 @@ install(FILES ${manuals} DESTINATION share/man/man1)
 install(FILES package/debian/rotacasts-host@.service DESTINATION lib/systemd/system)
 install(FILES package/debian/profile.ini DESTINATION share/doc/rotacasts/examples)
 install(FILES README.md DESTINATION share/doc/rotacasts)
+install(FILES docs/host.md DESTINATION share/doc/rotacasts/docs)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME rotacasts)
