@@ -26,7 +26,9 @@ struct Arena {
   }
   HostFolder folder;
   host::SystemClock clock;
-  host::HostUtilityComponent utility{folder.Path(), clock};
+  host::MachineFiles machine;
+  host::IniFiles files{machine};
+  host::HostUtilityComponent utility{folder.Path(), clock, files};
   int messageCount;
   std::string ours;
   std::string theirs;

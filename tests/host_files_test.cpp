@@ -31,7 +31,9 @@ class HostFilesTest : public ::testing::Test {
   }
   HostFolder folder;
   FixedClock clock;
-  HostUtilityComponent utility{folder.Path(), clock};
+  MachineFiles machine;
+  IniFiles ini{machine};
+  HostUtilityComponent utility{folder.Path(), clock, ini};
   std::string file = folder.Path() + "\\a.ini";  // the host suite's spelling
 };
 
@@ -136,7 +138,7 @@ TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {
 }
 
 TEST_F(HostFilesTest, TextFilesAreReadAndAppendedByTheLine) {
-  HostFileSystem files;
+  HostFileSystem files(ini);
   const std::string log = folder.Path() + "\\new\\a.txt";
   EXPECT_EQ(ErrorOf([&] { files.CreateTextFile(log); }), 76);
   EXPECT_EQ(ErrorOf([&] { files.CreateFolder(folder.Path() + "\\x\\y"); }), 76);

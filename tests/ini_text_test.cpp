@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace rotacasts::host {
 namespace {
 
@@ -51,10 +53,42 @@ TEST(IniText, ChangesOneLineAndNoOther) {
            {"[T]\r\n2=t\r\n", removeKey, "[T]\r\n2=t\r\n"},
            {"a=b\r\n[S]\r\n1=a\r\n\r\n[T]\r\n2=t", removeSection, "a=b\r\n[T]\r\n2=t"},
            {"[T]\r\n[S]\r\n1=a", removeSection, "[T]\r\n"}}) {
-    IniText ini(before);
-    change(ini);
-    EXPECT_EQ(ini.Bytes(), after) << before;
-    EXPECT_EQ(ini.IsChanged(), std::string(before) != after);
+    for (const bool again :
+         {false, true}) {  // a section that is changed again is known by its keys
+      IniText ini(before);
+      if (again) ini.RemoveKey("s", "none");
+      change(ini);
+      EXPECT_EQ(ini.Bytes(), after) << before << again;
+      EXPECT_EQ(ini.IsChanged(), std::string(before) != after);
+    }
+  }
+}
+
+TEST(IniText, ManyChangesComeToTheSameWhetherItsLinesAreKnownOrNot) {
+  const char* const keys[] = {"1", "2", "a", "A", "b"};
+  const char* const files[] = {"", "[S]", "[T]\nx=y\n[s]\n1=a\n\n2=b\n2=c\nA=d\n\n[T]\n1=t",
+                               "[S]\r\n1=a\r\n;1=b\r\nb=1\r\nB=2\r\nb=3"};
+  std::mt19937 random(1);
+  const auto below = [&](std::size_t limit) { return random() % limit; };
+  for (int life = 0; life < 400; ++life) {
+    IniText known(files[below(std::size(files))]);
+    std::string bytes = known.Bytes();
+    for (int step = 0; step < 12; ++step) {
+      const char* const key = keys[below(std::size(keys))];
+      const std::string value = std::to_string(below(3));
+      const bool isSet = below(2) == 0;
+      IniText fresh(bytes);
+      for (IniText* ini : {&known, &fresh}) {
+        isSet ? ini->SetValue("S", key, value) : ini->RemoveKey("S", key);
+      }
+      ASSERT_EQ(known.Value("S", "B"), fresh.Value("S", "B"));
+      ASSERT_EQ(AllLines(known, "S"), AllLines(fresh, "S")) << bytes;
+      bytes = fresh.Bytes();
+      if (below(4) == 0) {
+        ASSERT_EQ(known.Bytes(), bytes);
+      }
+    }
+    ASSERT_EQ(known.Bytes(), bytes);
   }
 }
 

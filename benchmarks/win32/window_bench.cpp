@@ -58,6 +58,8 @@ class Scene {
     return count;
   }
 
+  host::IniFiles& Files() { return platform_.Files(); }
+
  private:
   host::HostPlatform platform_;
   const std::unique_ptr<MemoryComponent> memory_ = platform_.CreateMemory();
@@ -70,8 +72,8 @@ class Scene {
 
 class PluginWindow {
  public:
-  PluginWindow(const Scene& scene, const std::string& hostFolder)
-      : scene_(scene), plugin_(hostFolder) {}
+  PluginWindow(Scene& scene, const std::string& hostFolder)
+      : scene_(scene), plugin_(hostFolder, scene.Files()) {}
   ~PluginWindow() { plugin_.UnLoadInterface(); }
   void Show() {
     Variant::Array data(pdat::kSize);
@@ -164,7 +166,7 @@ Showing RunProcess(const std::string& side, const std::string& hostFolder) {
   return showing;
 }
 
-Result MeasureLaterShowings(const Scene& scene, const std::string& hostFolder) {
+Result MeasureLaterShowings(Scene& scene, const std::string& hostFolder) {
   int ourControls = 0;
   int theirControls = 0;
   Result result = TakeTurns(
@@ -225,7 +227,7 @@ std::vector<Result> MeasureWindow(const std::string& hostFolder) {
 }
 
 void ShowOnce(const std::string& side, const std::string& hostFolder) {
-  const Scene scene(hostFolder);
+  Scene scene(hostFolder);
   Showing showing;
   showing.before = showing.created = PrivateKilobytes();
   std::optional<PluginWindow> plugin;

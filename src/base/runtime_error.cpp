@@ -21,6 +21,7 @@ constexpr Description kDescriptions[] = {
     {ErrorNumber::FileNotFound, "File not found"},
     {ErrorNumber::DeviceIoError, "Device I/O error"},
     {ErrorNumber::FileAlreadyExists, "File already exists"},
+    {ErrorNumber::DiskFull, "Disk full"},
     {ErrorNumber::PermissionDenied, "Permission denied"},
     {ErrorNumber::PathFileAccessError, "Path/File access error"},
     {ErrorNumber::PathNotFound, "Path not found"},

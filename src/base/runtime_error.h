@@ -19,6 +19,7 @@ enum class ErrorNumber : std::int32_t {
   FileNotFound = 53,
   DeviceIoError = 57,
   FileAlreadyExists = 58,
+  DiskFull = 61,
   PermissionDenied = 70,
   PathFileAccessError = 75,
   PathNotFound = 76,

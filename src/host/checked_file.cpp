@@ -6,7 +6,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
-#include "host/components/host_file_system.h"
+#include "host/components/file_layer.h"
 #include "host/machine/native_files.h"
 
 namespace rotacasts::host {
@@ -111,11 +111,11 @@ void CheckedFile::CheckKeys(std::string_view section, const std::vector<std::str
 }
 
 std::string ConvertFromUtf8(const std::string& path) {
-  if (!HostFileSystem().FileExists(path)) return {};
+  if (!MachineFiles().FileExists(path)) return {};
   const std::string bytes = ReadWholeFile(path).value_or("");
   if (!IsUtf8(bytes)) return {};
   std::string copy = path + ".utf-8";
-  for (int number = 2; HostFileSystem().FileExists(copy); ++number) {
+  for (int number = 2; MachineFiles().FileExists(copy); ++number) {
     copy = path + ".utf-8." + std::to_string(number);
   }
   const std::string_view text =
@@ -129,7 +129,7 @@ std::string ConvertFromUtf8(const std::string& path) {
 std::string FindFile(const std::string& folder, const std::string& name,
                      std::vector<std::string>& warnings) {
   std::string path = folder + "\\" + name;
-  HostFileSystem files;
+  MachineFiles files;
   if (files.FileExists(path)) return path;
   std::error_code problem;
   for (const auto& entry : std::filesystem::directory_iterator(NativePath(folder), problem)) {

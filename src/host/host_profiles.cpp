@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/components/host_file_system.h"
+#include "host/components/file_layer.h"
 #include "host/machine/native_files.h"
 #include "host/terminal.h"
 #include "store/profile_paths.h"
@@ -12,7 +12,7 @@ namespace {
 
 /// The folder itself. Error 76 when it is missing.
 const std::string& Existing(const std::string& folder) {
-  if (!HostFileSystem().FolderExists(folder)) {
+  if (!MachineFiles().FolderExists(folder)) {
     throw RuntimeError(ErrorNumber::PathNotFound, folder + "; make it, or name another folder");
   }
   if (NativePath(folder).string() != folder) {  // spelt with "\" it is another one
@@ -22,9 +22,10 @@ const std::string& Existing(const std::string& folder) {
 }
 
 void MakeSettingsFolder(const std::string& folder) {
-  HostFileSystem files;
+  MachineFiles files;
   const std::string settings = folder + "\\settings";
   if (!files.FolderExists(settings)) files.CreateFolder(settings);
+  RemoveLeftovers(settings);
 }
 
 }  // namespace
@@ -52,7 +53,7 @@ void HostProfiles::MakeWhatIsMissing() {
   if (profiles_.empty()) return;
   MakeSettingsFolder(folder_);
   const std::string config = folder_ + "\\settings\\config.ini";
-  if (!HostFileSystem().FileExists(config)) {
+  if (!MachineFiles().FileExists(config)) {
     ReplaceFile(config, "[Settings]\r\nReportErrors=0\r\n");
   }
   std::erase_if(profiles_,
@@ -113,7 +114,10 @@ HostProfiles::Changes HostProfiles::ReadAllAnew() {
 void HostProfiles::Record(std::string procedure, const std::string& words) const try {
   RuntimeError note(0, words);
   std::int32_t line = 0;
-  HostUtilityComponent(folder_, SystemClock()).LogError("rotacasts-host", procedure, note, line);
+  MachineFiles layer;
+  IniFiles files(layer);
+  HostUtilityComponent(folder_, SystemClock(), files)
+      .LogError("rotacasts-host", procedure, note, line);
 } catch (const RuntimeError&) {  // it has been told
 }
 

@@ -56,8 +56,9 @@ class HostedPlugin {
   /// A remote operation's raw reply, and what the plugin had to report meanwhile, in words. `value`
   /// is the operation's last argument; a missing one is left out.
   struct Reply {
-    std::string text;
+    std::string text;  // empty when nothing could be stored
     std::vector<std::string> problems;
+    bool isStored = true;  // false: what it was to change is as before, for a reason among problems
   };
   virtual Reply Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
                        const Variant& value) = 0;

@@ -8,8 +8,10 @@ namespace {
 /// Keeps an error for whoever looks on, instead of recording it.
 class QuietUtility final : public HostUtilityComponent {
  public:
-  QuietUtility(const std::string& folder, const LocalClock& clock, std::string& problem)
-      : HostUtilityComponent(folder, clock), problem_(problem) {}
+  QuietUtility(HostProfiles& profiles, std::string& problem)
+      : HostUtilityComponent(profiles.Folder(), profiles.Components().Clock(),
+                             profiles.Components().Files()),
+        problem_(problem) {}
   void LogError(const std::string&, std::string&, RuntimeError& error, std::int32_t&) override {
     problem_ = error.description;
   }
@@ -28,8 +30,7 @@ class Preview::Components final : public ComponentFactory {
       : profiles_(profiles), problem_(problem) {}
 
   std::unique_ptr<UtilityComponent> CreateUtility() override {
-    return std::make_unique<QuietUtility>(profiles_.Folder(), profiles_.Components().Clock(),
-                                          problem_);
+    return std::make_unique<QuietUtility>(profiles_, problem_);
   }
   std::unique_ptr<MemoryComponent> CreateMemory() override {
     return profiles_.Components().CreateMemory();

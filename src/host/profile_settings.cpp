@@ -7,7 +7,7 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "game/address_table.h"
-#include "host/components/host_file_system.h"
+#include "host/components/file_layer.h"
 #include "host/components/ini_text.h"
 #include "host/machine/native_files.h"
 #include "host/terminal.h"
@@ -85,7 +85,7 @@ std::string PlaceInProfile(const std::string& hostFolder, const std::string& fol
 }
 
 bool HasProfileFile(const std::string& hostFolder, const std::string& folder) {
-  return HostFileSystem().FileExists(ProfileFile(hostFolder, folder));
+  return MachineFiles().FileExists(ProfileFile(hostFolder, folder));
 }
 
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder) {

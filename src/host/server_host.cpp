@@ -21,6 +21,12 @@ constexpr std::int32_t kLongestInterval = 30;
   throw Complaint(std::string(what) + ": " + (reasons.empty() ? likely : reasons));
 }
 
+/// The outcome of a change that is done, and what went wrong beside it.
+std::string Done(std::string words, const HostedPlugin::Reply& reply) {
+  for (const std::string& problem : reply.problems) words += "\nbut " + problem;
+  return words;
+}
+
 void RefuseLong(const std::string& text) {
   if (text.size() <= kLongestMessage) return;
   throw Complaint("the message has " + std::to_string(text.size()) + " bytes, more than the " +
@@ -105,7 +111,7 @@ std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
     RaiseUnchanged("not added", reply,
                    "a message is one line of Windows-1252 letters, in a file that can be written");
   }
-  return "added at position " + std::to_string(MessagesOf(index).messages.size() - 1);
+  return Done("added at position " + std::to_string(MessagesOf(index).messages.size() - 1), reply);
 }
 
 std::string ServerHost::DeleteMessage(std::int32_t index, std::int32_t position,
@@ -115,7 +121,7 @@ std::string ServerHost::DeleteMessage(std::int32_t index, std::int32_t position,
   const HostedPlugin::Reply reply =
       Remote(index, RemoteOperation::DeleteMessage, position, administrator);
   if (reply.text != "1") RaiseUnchanged("not deleted", reply, "the file cannot be written");
-  return "deleted: " + text;
+  return Done("deleted: " + text, reply);
 }
 
 std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, bool up,
@@ -128,15 +134,15 @@ std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, b
     RaiseUnchanged("not moved", reply,
                    std::string("it is the ") + (up ? "first" : "last") + " message");
   }
-  return std::string("moved ") + (up ? "up: " : "down: ") + text;
+  return Done(std::string("moved ") + (up ? "up: " : "down: ") + text, reply);
 }
 
 std::string ServerHost::SetSwitch(std::int32_t index, bool isOn, const std::string& administrator) {
   RequireStarted(index);
   const HostedPlugin::Reply reply =
       Remote(index, RemoteOperation::Enable, isOn ? "1" : "0", administrator);
-  if (!reply.problems.empty()) RaiseUnchanged("not switched", reply, {});
-  return profiles_.At(index).Label() + " is switched " + (isOn ? "on" : "off");
+  if (MessagesOf(index).enable != (isOn ? "1" : "0")) RaiseUnchanged("not switched", reply, {});
+  return Done(profiles_.At(index).Label() + " is switched " + (isOn ? "on" : "off"), reply);
 }
 
 std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
@@ -147,9 +153,12 @@ std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
   }
   const HostedPlugin::Reply reply =
       Remote(index, RemoteOperation::ChangeInterval, std::to_string(minutes), administrator);
-  if (!reply.problems.empty()) RaiseUnchanged("not changed", reply, {});
-  return profiles_.At(index).Label() + " says a message every " + std::to_string(minutes) +
-         (minutes == 1 ? " minute" : " minutes");
+  if (MessagesOf(index).interval != std::to_string(minutes)) {
+    RaiseUnchanged("not changed", reply, {});
+  }
+  return Done(profiles_.At(index).Label() + " says a message every " + std::to_string(minutes) +
+                  (minutes == 1 ? " minute" : " minutes"),
+              reply);
 }
 
 std::string ServerHost::Say(std::int32_t index, const std::string& text) {

@@ -15,7 +15,7 @@ LocalTime SystemClock::Now() const {
 }
 
 std::unique_ptr<UtilityComponent> HostPlatform::CreateUtility() {
-  return std::make_unique<HostUtilityComponent>(hostFolder_, clock_);
+  return std::make_unique<HostUtilityComponent>(hostFolder_, clock_, files_);
 }
 
 std::unique_ptr<MemoryComponent> HostPlatform::CreateMemory() {
@@ -23,7 +23,7 @@ std::unique_ptr<MemoryComponent> HostPlatform::CreateMemory() {
 }
 
 std::unique_ptr<FileSystemObject> HostPlatform::CreateFileSystem() {
-  return std::make_unique<HostFileSystem>();
+  return std::make_unique<HostFileSystem>(files_);
 }
 
 ModuleVersion HostPlatform::Version() const {

@@ -19,7 +19,10 @@ class SystemClock final : public LocalClock {
 /// module as if it lay in the host folder's `Plugins`.
 class HostPlatform final : public ComponentFactory, public Module {
  public:
-  explicit HostPlatform(std::string hostFolder) : hostFolder_(std::move(hostFolder)) {}
+  explicit HostPlatform(std::string hostFolder) : HostPlatform(std::move(hostFolder), machine_) {}
+  /// Its files lie in `files`, which outlives it.
+  HostPlatform(std::string hostFolder, FileLayer& files)
+      : hostFolder_(std::move(hostFolder)), files_(files) {}
 
   std::unique_ptr<UtilityComponent> CreateUtility() override;
   std::unique_ptr<MemoryComponent> CreateMemory() override;
@@ -30,10 +33,14 @@ class HostPlatform final : public ComponentFactory, public Module {
   GameProcesses& Processes() { return processes_; }
   Chat& GetChat() { return chat_; }
   SystemClock& Clock() { return clock_; }
+  /// The INI files as the components made here see them.
+  IniFiles& Files() { return files_; }
   Platform Bundle(forms::Toolkit& toolkit) { return {*this, *this, clock_, toolkit}; }
 
  private:
   const std::string hostFolder_;
+  MachineFiles machine_;
+  IniFiles files_;
   SystemClock clock_;
   GameProcesses processes_;
   Chat chat_{clock_};

@@ -5,9 +5,6 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "host/components/error_log.h"
-#include "host/components/host_file_system.h"
-#include "host/components/ini_text.h"
-#include "host/machine/native_files.h"
 
 namespace rotacasts::host {
 namespace {
@@ -45,35 +42,40 @@ std::string KeyBytes(const UtilityComponent::Key& key) {
 
 std::string HostUtilityComponent::GetIniKey(const std::string& section, const std::string& key,
                                             std::string& file) {
-  const IniText ini = ReadIni(file);
-  return FromWindows1252(ini.Value(section, ToWindows1252(key)).value_or(""));
+  std::string value;
+  files_.Read(file, [&](const IniText& ini) {
+    value = FromWindows1252(ini.Value(section, ToWindows1252(key)).value_or(""));
+  });
+  return value;
 }
 
 void HostUtilityComponent::WriteIniKey(const std::string& section, const Key& key,
                                        const std::optional<std::string>& value, std::string& file) {
-  IniText ini = ReadIni(file);
   const std::string sectionBytes = LineBytes(section, "a section name");
   if (std::holds_alternative<std::monostate>(key)) {
     if (value) throw RuntimeError(ErrorNumber::InvalidProcedureCall, "a value needs a key");
-    ini.RemoveSection(sectionBytes);
+    files_.Change(file, [&](IniText& ini) { ini.RemoveSection(sectionBytes); });
   } else if (value) {
-    ini.SetValue(sectionBytes, KeyBytes(key), LineBytes(*value, "a value"));
+    const std::string keyBytes = KeyBytes(key);
+    const std::string valueBytes = LineBytes(*value, "a value");
+    files_.Change(file, [&](IniText& ini) { ini.SetValue(sectionBytes, keyBytes, valueBytes); });
   } else {
-    ini.RemoveKey(sectionBytes, ToWindows1252(KeyText(key)));  // whatever a hand has written
+    const std::string keyBytes = ToWindows1252(KeyText(key));  // whatever a hand has written
+    files_.Change(file, [&](IniText& ini) { ini.RemoveKey(sectionBytes, keyBytes); });
   }
-  if (ini.IsChanged()) ReplaceFile(file, ini.Bytes());
 }
 
 std::vector<std::string> HostUtilityComponent::GetIniSection(const std::string& section,
                                                              std::string& file) {
-  const IniText ini = ReadIni(file);
   std::vector<std::string> lines;
-  for (const IniText::Line& line : ini.Lines(section)) {
-    std::string text = FromWindows1252(line.key);
-    text += '=';
-    text += FromWindows1252(line.value);
-    lines.push_back(std::move(text));
-  }
+  files_.Read(file, [&](const IniText& ini) {
+    for (const IniText::Line& line : ini.Lines(section)) {
+      std::string text = FromWindows1252(line.key);
+      text += '=';
+      text += FromWindows1252(line.value);
+      lines.push_back(std::move(text));
+    }
+  });
   lines.emplace_back();  // the one further element that is no line
   return lines;
 }
@@ -89,7 +91,7 @@ Variant HostUtilityComponent::ParseIniKey(const std::string& line, bool asPair) 
 }
 
 std::vector<std::string> HostUtilityComponent::ReadFile(std::string& file) {
-  const std::optional<std::string> bytes = ReadWholeFile(file);
+  const FileBytes bytes = files_.Layer().Read(file);
   if (!bytes) throw RuntimeError(ErrorNumber::FileNotFound, NativePath(file).string());
   std::vector<std::string> lines;
   std::string_view rest = *bytes;
@@ -105,17 +107,18 @@ std::vector<std::string> HostUtilityComponent::ReadFile(std::string& file) {
 
 void HostUtilityComponent::AppendFile(const std::string& file, const std::string& text) {
   RefuseLineBreaks(text, "a line");
-  AppendToFile(file, ToWindows1252(text, '?') + "\r\n");  // a log is for people to read
+  if (!files_.Flush()) return;
+  files_.Layer().Append(file, ToWindows1252(text, '?'));  // a log is for people to read
 }
 
 void HostUtilityComponent::LogError(const std::string& module, std::string& procedure,
                                     RuntimeError& error, std::int32_t& line) {
-  HostFileSystem files;
+  if (!files_.Settle()) return;
   const std::string folder = hostFolder_ + "\\logs";
   const std::string file = folder + "\\errors.log";
-  if (!files.FolderExists(folder)) files.CreateFolder(folder);
+  NeedFolder(folder);
   BeginAnewIfLong(file);
-  if (!files.FileExists(file)) files.CreateTextFile(file);
+  if (!files_.Layer().FileExists(file)) files_.Layer().Replace(file, "", nullptr);
   const LocalTime now = clock_.Now();
   std::string entry = FormatDate(now) + " " + FormatTime(now) + " " + module + " " + procedure +
                       " line " + std::to_string(line) + ": error " + std::to_string(error.number) +
@@ -123,7 +126,7 @@ void HostUtilityComponent::LogError(const std::string& module, std::string& proc
   // One error, one line, whatever its description quotes; the log is read by people: UTF-8.
   std::replace_if(
       entry.begin(), entry.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
-  AppendToFile(file, entry + "\r\n");
+  files_.Layer().Append(file, entry);
 }
 
 bool HostUtilityComponent::SendErrorReport(Variant& report) {
@@ -144,15 +147,18 @@ bool HostUtilityComponent::SendErrorReport(Variant& report) {
 }
 
 void HostUtilityComponent::Deliver(std::string stamp, const std::string& text) const {
-  HostFileSystem files;
   const std::string folder = hostFolder_ + "\\reports";
-  if (!files.FolderExists(folder)) files.CreateFolder(folder);
+  NeedFolder(folder);
   std::replace(stamp.begin(), stamp.end(), ':', '-');
   std::string file;
-  for (int number = 1; file.empty() || files.FileExists(file); ++number) {
+  for (int number = 1; file.empty() || files_.Layer().FileExists(file); ++number) {
     file = folder + "\\" + stamp + " " + std::to_string(number) + ".txt";
   }
-  ReplaceFile(file, text);
+  files_.Layer().Replace(file, text, nullptr);
+}
+
+void HostUtilityComponent::NeedFolder(const std::string& folder) const {
+  if (!files_.Layer().FolderExists(folder)) files_.Layer().CreateFolder(folder);
 }
 
 }  // namespace rotacasts::host

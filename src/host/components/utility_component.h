@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "host/components/ini_files.h"
 #include "platform/platform.h"
 
 namespace rotacasts::host {
@@ -11,8 +12,9 @@ namespace rotacasts::host {
 /// made when they are missing.
 class HostUtilityComponent : public UtilityComponent {
  public:
-  HostUtilityComponent(std::string hostFolder, const LocalClock& clock)
-      : hostFolder_(std::move(hostFolder)), clock_(clock) {}
+  /// `files` and `clock` outlive the component.
+  HostUtilityComponent(std::string hostFolder, const LocalClock& clock, IniFiles& files)
+      : hostFolder_(std::move(hostFolder)), clock_(clock), files_(files) {}
 
   std::string GetIniKey(const std::string& section, const std::string& key,
                         std::string& file) override;
@@ -21,6 +23,8 @@ class HostUtilityComponent : public UtilityComponent {
   std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override;
   Variant ParseIniKey(const std::string& line, bool asPair) override;
   std::vector<std::string> ReadFile(std::string& file) override;
+  /// The line tells of what was changed before it: that is put on the disk first. It is not written
+  /// when the operation is to be run again.
   void AppendFile(const std::string& file, const std::string& text) override;
   void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                 std::int32_t& line) override;
@@ -30,9 +34,12 @@ class HostUtilityComponent : public UtilityComponent {
  private:
   /// Writes a report to a file of its own.
   void Deliver(std::string stamp, const std::string& text) const;
+  /// Makes it, if need be.
+  void NeedFolder(const std::string& folder) const;
 
   const std::string hostFolder_;
   const LocalClock& clock_;
+  IniFiles& files_;
 };
 
 }  // namespace rotacasts::host

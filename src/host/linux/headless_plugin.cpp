@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "host/components/host_file_system.h"
 #include "plugin/cls_plugin.h"
 #include "ui/layout.h"
 
@@ -16,8 +17,9 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
            std::chrono::nanoseconds minute);
 
   void RunDue();
-  /// Has what goes wrong meanwhile put into a list.
-  std::vector<std::string> ProblemsOf(const std::function<void()>& call);
+  void Load(forms::WindowHandle parent, const Variant& data);
+  /// Calls a remote operation. One that cannot be stored leaves the window as the file is.
+  Reply Answer(const std::function<std::string()>& operation, const Variant& data);
   Progress GetProgress() const;
 
   std::unique_ptr<UtilityComponent> CreateUtility() override;
@@ -25,7 +27,7 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
     return profiles_.Components().CreateMemory();
   }
   std::unique_ptr<FileSystemObject> CreateFileSystem() override {
-    return profiles_.Components().CreateFileSystem();
+    return std::make_unique<HostFileSystem>(files_);
   }
 
   clsPlugin& Plugin() { return plugin_; }
@@ -40,6 +42,9 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   HostProfiles& profiles_;
   Troubles& troubles_;
   const std::int32_t index_;
+  MachineFiles machineFiles_;
+  IniFiles files_{machineFiles_};
+  forms::WindowHandle parent_ = 0;  // of the window, once it is loaded
   TimerLoop timers_;
   headless::HeadlessToolkit toolkit_;
   mutable PluginState state_;  // its tables make an element when it is looked at
@@ -50,10 +55,14 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
 
 class HeadlessPlugin::Instance::Utility final : public HostUtilityComponent {
  public:
-  Utility(Instance& instance, const std::string& folder, const LocalClock& clock)
-      : HostUtilityComponent(folder, clock), instance_(instance) {}
+  explicit Utility(Instance& instance)
+      : HostUtilityComponent(instance.profiles_.Folder(), instance.profiles_.Components().Clock(),
+                             instance.files_),
+        instance_(instance) {}
   void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                 std::int32_t& line) override {
+    goesOn_ = true;
+    if (!instance_.files_.Settle()) return;  // the operation begins again
     const std::string words = Named(instance_.Label(), WordsOf(error, procedure));
     goesOn_ = instance_.troubles_.IsOld(instance_.index_, words);
     instance_.Tell(words);
@@ -88,7 +97,7 @@ HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, s
 }
 
 std::unique_ptr<UtilityComponent> HeadlessPlugin::Instance::CreateUtility() {
-  return std::make_unique<Utility>(*this, profiles_.Folder(), profiles_.Components().Clock());
+  return std::make_unique<Utility>(*this);
 }
 
 std::string HeadlessPlugin::Instance::Label() const {
@@ -108,12 +117,36 @@ void HeadlessPlugin::Instance::Tell(const std::string& words) {
   }
 }
 
-std::vector<std::string> HeadlessPlugin::Instance::ProblemsOf(const std::function<void()>& call) {
-  std::vector<std::string> problems;
-  problems_ = &problems;
-  call();
-  problems_ = nullptr;
-  return problems;
+void HeadlessPlugin::Instance::Load(forms::WindowHandle parent, const Variant& data) {
+  parent_ = parent;
+  const auto failure = files_.Run([&] { plugin_.LoadInterface(index_, parent, data); });
+  if (!failure) return;
+  const std::string words = WordsOf(*failure, "LoadInterface");
+  Tell(words);
+  profiles_.Record("LoadInterface", Named(Label(), words));
+}
+
+HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::string()>& operation,
+                                                     const Variant& data) {
+  struct Listening {
+    Listening(std::vector<std::string>*& place, Reply& reply) : place_(place) {
+      place_ = &reply.problems;
+    }
+    ~Listening() { place_ = nullptr; }
+    std::vector<std::string>*& place_;
+  };
+  Reply reply;
+  const Listening listening(problems_, reply);
+  const auto failure = files_.Run([&] { reply.text = operation(); });
+  if (failure) {
+    reply.text.clear();
+    reply.isStored = false;
+    if (reply.problems.empty()) Tell(failure->description);
+    const std::vector<std::string> problems = reply.problems;
+    if (GetProgress().isStarted) plugin_.LoadInterface(index_, parent_, data);
+    reply.problems = problems;
+  }
+  return reply;
 }
 
 void HeadlessPlugin::Instance::RunDue() {
@@ -168,7 +201,7 @@ PluginArea HeadlessSite::Area() const {
 
 void HeadlessPlugin::LoadInterface(std::int32_t index, forms::WindowHandle parent,
                                    const Variant& data) {
-  At(index).Plugin().LoadInterface(index, parent, data);
+  At(index).Load(parent, data);
 }
 
 void HeadlessPlugin::HideInterface() {
@@ -194,10 +227,7 @@ HostedPlugin::Reply HeadlessPlugin::Remote(RemoteOperation operation, std::int32
   static_assert(std::size(kCalls) == std::size(kRemoteOperations));
   const Call call = kCalls[static_cast<std::size_t>(operation)];
   Instance& instance = At(index);
-  Reply reply;
-  reply.problems =
-      instance.ProblemsOf([&] { reply.text = (instance.Plugin().*call)(index, data, value); });
-  return reply;
+  return instance.Answer([&] { return (instance.Plugin().*call)(index, data, value); }, data);
 }
 
 std::optional<HostedPlugin::Progress> HeadlessPlugin::ProgressOf(std::int32_t index) const {

@@ -8,7 +8,7 @@
 namespace rotacasts::host {
 
 /// What follows the program's name, in UTF-8, the last argument first, as the parser takes it. From
-/// then on the program prints UTF-8.
+/// then on the program prints UTF-8, and a file that may not grow is an error and not its end.
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 
 /// The path that an argument names.

@@ -5,7 +5,7 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
-#include "host/components/host_file_system.h"
+#include "host/components/file_layer.h"
 #include "host/components/ini_text.h"
 #include "host/machine/native_files.h"
 #include "host/terminal.h"
@@ -114,7 +114,7 @@ std::vector<Admin> Admins::All() const {
 
 void Admins::Set(const Admin& admin) const {
   RefuseName(admin.name);
-  HostFileSystem files;
+  MachineFiles files;
   if (!files.FileExists(file_)) {
     const std::string folder = file_.substr(0, file_.rfind('\\'));
     if (!files.FolderExists(folder)) files.CreateFolder(folder);

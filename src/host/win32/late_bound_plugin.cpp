@@ -42,8 +42,8 @@ void RefuseOtherFolder(const std::string& hostFolder) {
 
 }  // namespace
 
-LateBoundPlugin::LateBoundPlugin(const std::string& hostFolder)
-    : object_(CreatePlugin(hostFolder)) {
+LateBoundPlugin::LateBoundPlugin(const std::string& hostFolder, IniFiles& files)
+    : object_(CreatePlugin(hostFolder)), files_(files) {
   RefuseOtherFolder(hostFolder);
 }
 
@@ -73,10 +73,15 @@ void LateBoundPlugin::DisableProfile(std::int32_t index) {
 
 HostedPlugin::Reply LateBoundPlugin::Remote(RemoteOperation operation, std::int32_t index,
                                             const Variant& data, const Variant& value) {
-  Member member(object_, kRemoteOperations[static_cast<std::size_t>(operation)]);
-  const win32::ComVariant reply =
-      member(NumberArgument(index), ValueArgument(data), ValueArgument(value));
-  return {ToText(win32::FromVariant(reply.Get())), {}};
+  Reply reply;
+  const auto failure = files_.Run([&] {
+    Member member(object_, kRemoteOperations[static_cast<std::size_t>(operation)]);
+    const win32::ComVariant answer =
+        member(NumberArgument(index), ValueArgument(data), ValueArgument(value));
+    reply.text = ToText(win32::FromVariant(answer.Get()));
+  });
+  if (failure) reply = {{}, {failure->description}, false};
+  return reply;
 }
 
 }  // namespace rotacasts::host

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "com/late_bound.h"
+#include "host/components/ini_files.h"
 #include "host/hosted_plugin.h"
 
 namespace rotacasts::host {
@@ -10,7 +11,8 @@ class LateBoundPlugin final : public HostedPlugin {
  public:
   /// Error 5, with the way out, when the component is not registered or when the registered one
   /// belongs to another host folder than `hostFolder`. The siblings can be created by now.
-  explicit LateBoundPlugin(const std::string& hostFolder);
+  /// `files` are those that the siblings work on; they outlive the plugin.
+  LateBoundPlugin(const std::string& hostFolder, IniFiles& files);
   ~LateBoundPlugin() override;
 
   void LoadInterface(std::int32_t index, forms::WindowHandle parent, const Variant& data) override;
@@ -22,6 +24,7 @@ class LateBoundPlugin final : public HostedPlugin {
 
  private:
   win32::LateBound object_;
+  IniFiles& files_;
 };
 
 }  // namespace rotacasts::host

@@ -54,7 +54,7 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   const auto utility = profiles.Components().CreateUtility();
   const SiblingRegistration siblings(*memory, *utility);
   FrameWindow frame(RowsOf(profiles));
-  LateBoundPlugin plugin(options.folder);
+  LateBoundPlugin plugin(options.folder, profiles.Components().Files());
   ServerHost host(profiles, plugin, frame, options);
   Console console(host, out);
   frame.onChoose = [&](std::int32_t profile) { host.Show(profile); };

@@ -19,6 +19,8 @@ namespace {
   } else if (problem == ERROR_FILE_NOT_FOUND || problem == ERROR_PATH_NOT_FOUND ||
              problem == ERROR_DIRECTORY || problem == ERROR_INVALID_NAME) {
     number = ErrorNumber::PathNotFound;
+  } else if (problem == ERROR_DISK_FULL || problem == ERROR_HANDLE_DISK_FULL) {
+    number = ErrorNumber::DiskFull;
   }
   throw RuntimeError(number, win32::FromWide(path.native()) + " (" +
                                  win32::DescribeResult(static_cast<HRESULT>(problem)) + ")");
@@ -28,13 +30,14 @@ bool IsMissing(DWORD problem) {
   return problem == ERROR_FILE_NOT_FOUND || problem == ERROR_PATH_NOT_FOUND;
 }
 
-/// An open file. Others may read, write and replace it meanwhile.
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// An open file. Others may do with it meanwhile what `share` says.
 class File {
  public:
-  File(const std::filesystem::path& path, DWORD access, DWORD creation)
-      : handle_(::CreateFileW(path.c_str(), access,
-                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                              creation, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
+  File(const std::filesystem::path& path, DWORD access, DWORD creation, DWORD share = kShareAll)
+      : handle_(::CreateFileW(path.c_str(), access, share, nullptr, creation, FILE_ATTRIBUTE_NORMAL,
+                              nullptr)) {}
   ~File() { Close(); }
   File(const File&) = delete;
   File& operator=(const File&) = delete;
@@ -60,12 +63,38 @@ void WriteAll(const File& file, std::string_view bytes, const std::filesystem::p
   }
 }
 
+std::string ReadAll(const File& file, const std::filesystem::path& path) {
+  LARGE_INTEGER length{};
+  if (::GetFileSizeEx(file.Get(), &length) == FALSE) Raise(::GetLastError(), path);
+  std::string bytes(static_cast<std::size_t>(length.QuadPart) + 1, '\0');  // to notice growth
+  std::size_t size = 0;
+  for (;;) {
+    DWORD count = 0;
+    if (::ReadFile(file.Get(), bytes.data() + size, static_cast<DWORD>(bytes.size() - size), &count,
+                   nullptr) == FALSE) {
+      Raise(::GetLastError(), path);
+    }
+    if (count == 0) break;
+    size += count;
+    if (size == bytes.size()) bytes.resize(2 * size);
+  }
+  bytes.resize(size);
+  return bytes;
+}
+
 void RefuseEmpty(const std::string& path) {
   if (path.empty()) throw RuntimeError(ErrorNumber::PathNotFound, "the path is empty");
 }
 
+void RefuseFolder(const std::filesystem::path& path, DWORD attributes) {
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return;
+  throw RuntimeError(ErrorNumber::PathFileAccessError,
+                     win32::FromWide(path.native()) + " is no file");
+}
+
 void RefuseReadOnly(const std::filesystem::path& path) {
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
+  RefuseFolder(path, attributes);
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
     throw RuntimeError(
         ErrorNumber::PermissionDenied,
@@ -73,18 +102,45 @@ void RefuseReadOnly(const std::filesystem::path& path) {
   }
 }
 
-/// Puts one file in the other's place. What a program has open cannot be replaced unless it allows
-/// for that, and a virus scanner or an indexer has for a moment: a few tries are made.
+/// Whether the file is as it was seen and nobody has it open for writing.
+bool IsStill(const std::filesystem::path& path, const FileBytes& seen) {
+  const File file(path, GENERIC_READ, OPEN_EXISTING, FILE_SHARE_READ | FILE_SHARE_DELETE);
+  if (!file.IsOpen()) return IsMissing(::GetLastError()) && !seen;
+  return seen && ReadAll(file, path) == *seen;
+}
+
+/// Puts one file in the other's place, which keeps its owner and its rights; what a program has
+/// open cannot be replaced unless it allows for that, and a virus scanner or an indexer has for a
+/// moment: a few tries are made.
 void MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {
   constexpr int kTries = 10;
   constexpr DWORD kPause = 20;  // milliseconds
-  constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-  for (int tried = 1; ::MoveFileExW(from.c_str(), to.c_str(), kHow) == FALSE; ++tried) {
-    const DWORD problem = ::GetLastError();
-    const bool isInUse = problem == ERROR_ACCESS_DENIED || problem == ERROR_SHARING_VIOLATION;
+  for (int tried = 1;; ++tried) {
+    if (::ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
+                       nullptr) != FALSE) {
+      return;
+    }
+    DWORD problem = ::GetLastError();
+    if (IsMissing(problem)) {
+      if (::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != FALSE) return;
+      problem = ::GetLastError();
+    }
+    const bool isInUse = problem == ERROR_ACCESS_DENIED || problem == ERROR_SHARING_VIOLATION ||
+                         problem == ERROR_UNABLE_TO_REMOVE_REPLACED;
     if (!isInUse || tried == kTries) Raise(problem, to);
     ::Sleep(kPause);
   }
+}
+
+// What a new file is called until it takes its place: a name that no other has.
+constexpr std::wstring_view kNewMark = L".new-";
+
+std::filesystem::path NameBeside(const std::filesystem::path& target) {
+  static unsigned count = 0;
+  std::filesystem::path beside = target;
+  beside += std::wstring(kNewMark) + std::to_wstring(::GetCurrentProcessId()) + L"-" +
+            std::to_wstring(++count);
+  return beside;
 }
 
 }  // namespace
@@ -104,48 +160,41 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
   if (!file.IsOpen()) {
     const DWORD problem = ::GetLastError();
     if (IsMissing(problem)) return std::nullopt;
+    RefuseFolder(native, ::GetFileAttributesW(native.c_str()));
     Raise(problem, native);
   }
-  LARGE_INTEGER length{};
-  if (::GetFileSizeEx(file.Get(), &length) == FALSE) Raise(::GetLastError(), native);
-  std::string bytes(static_cast<std::size_t>(length.QuadPart) + 1, '\0');  // room to notice growth
-  std::size_t size = 0;
-  for (;;) {
-    DWORD count = 0;
-    if (::ReadFile(file.Get(), bytes.data() + size, static_cast<DWORD>(bytes.size() - size), &count,
-                   nullptr) == FALSE) {
-      Raise(::GetLastError(), native);
-    }
-    if (count == 0) break;
-    size += count;
-    if (size == bytes.size()) bytes.resize(2 * size);
-  }
-  bytes.resize(size);
-  return bytes;
+  return ReadAll(file, native);
 }
 
-void ReplaceFile(const std::string& path, std::string_view bytes) {
+bool ReplaceFile(const std::string& path, std::string_view bytes, const FileBytes* seen) {
+  constexpr DWORD kMomentForOthers = 5;  // milliseconds
   RefuseEmpty(path);
   const std::filesystem::path target = NativePath(path);
   RefuseReadOnly(target);
-  std::filesystem::path beside = target;
-  beside += L".tmp";
+  const std::filesystem::path beside = NameBeside(target);
   try {
     File file(beside, GENERIC_WRITE, CREATE_ALWAYS);
     if (!file.IsOpen()) Raise(::GetLastError(), target);
     WriteAll(file, bytes, target);
+    if (::FlushFileBuffers(file.Get()) == FALSE) Raise(::GetLastError(), target);
     file.Close();
-    MoveOver(beside, target);
+    if (seen == nullptr || IsStill(target, *seen)) {
+      MoveOver(beside, target);
+      return true;
+    }
+    ::DeleteFileW(beside.c_str());
+    ::Sleep(kMomentForOthers);
+    return false;
   } catch (...) {
     ::DeleteFileW(beside.c_str());
     throw;
   }
 }
 
-void AppendToFile(const std::string& path, std::string_view bytes) {
+void AppendLine(const std::string& path, const std::string& line) {
   RefuseEmpty(path);
   const std::filesystem::path native = NativePath(path);
-  const File file(native, FILE_APPEND_DATA, OPEN_EXISTING);
+  const File file(native, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
   if (!file.IsOpen()) {
     const DWORD problem = ::GetLastError();
     if (problem == ERROR_FILE_NOT_FOUND) {
@@ -153,7 +202,38 @@ void AppendToFile(const std::string& path, std::string_view bytes) {
     }
     Raise(problem, native);
   }
-  WriteAll(file, bytes, native);
+  LARGE_INTEGER size{};
+  if (::GetFileSizeEx(file.Get(), &size) == FALSE) Raise(::GetLastError(), native);
+  const auto moveTo = [&](LONGLONG place) {
+    LARGE_INTEGER there;
+    there.QuadPart = place;
+    ::SetFilePointerEx(file.Get(), there, nullptr, FILE_BEGIN);
+  };
+  char last = '\n';
+  DWORD count = 0;
+  if (size.QuadPart > 0) {
+    moveTo(size.QuadPart - 1);
+    ::ReadFile(file.Get(), &last, 1, &count, nullptr);
+  }
+  moveTo(size.QuadPart);
+  try {
+    WriteAll(file, (last != '\n' && last != '\r' ? "\r\n" : "") + line + "\r\n", native);
+  } catch (...) {
+    moveTo(size.QuadPart);
+    ::SetEndOfFile(file.Get());
+    throw;
+  }
+}
+
+void RemoveLeftovers(const std::string& folder) noexcept try {
+  for (const auto& entry : std::filesystem::directory_iterator(NativePath(folder))) {
+    const std::wstring name = entry.path().filename().native();
+    const std::size_t mark = name.rfind(kNewMark);
+    if (mark == name.npos) continue;
+    const bool isOurs = name.find_first_not_of(L"0123456789-", mark + kNewMark.size()) == name.npos;
+    if (isOurs) ::DeleteFileW(entry.path().c_str());
+  }
+} catch (...) {  // NOLINT: they only take up room
 }
 
 }  // namespace rotacasts::host

@@ -1,0 +1,105 @@
+// The lines of an INI file: where each ends, and what it is.
+#pragma once
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/text.h"
+
+namespace rotacasts::host {
+
+/// A line that holds a key and its value, without blanks around the key. Views into the text.
+struct IniLine {
+  std::string_view key;
+  std::string_view value;
+};
+
+inline constexpr std::string_view kIniLineEnd = "\r\n";
+
+inline std::string_view TrimBlanks(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == text.npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+/// Whether a new line can begin behind these bytes.
+inline bool EndsInLine(std::string_view bytes) {
+  return bytes.empty() || kIniLineEnd.find(bytes.back()) != kIniLineEnd.npos;
+}
+
+inline std::string NewIniLine(std::string_view key, std::string_view value) {
+  std::string line;
+  line.reserve(key.size() + value.size() + 1 + kIniLineEnd.size());
+  return line.append(key).append("=").append(value).append(kIniLineEnd);
+}
+
+/// Steps through the lines and tells what each one is.
+class IniCursor {
+ public:
+  explicit IniCursor(std::string_view bytes, std::size_t at = 0) : bytes_(bytes), next_(at) {}
+
+  /// Moves to the next line; false behind the last one. A line ends at CR LF, LF or CR.
+  bool Next() {
+    begin_ = next_;
+    if (begin_ >= bytes_.size()) return false;
+    const std::size_t feed = std::min(bytes_.find('\n', begin_), bytes_.size());
+    const std::size_t carriage = bytes_.substr(begin_, feed - begin_).find('\r');
+    end_ = carriage == bytes_.npos ? feed : begin_ + carriage;
+    next_ = std::min(end_ + (end_ + 1 == feed ? 2 : 1), bytes_.size());
+    return true;
+  }
+
+  /// Moves to the header line of the section; false when there is none.
+  bool FindSection(std::string_view section) {
+    while (Next()) {
+      const std::optional<std::string_view> header = Header();
+      if (header && EqualsIgnoringCase(*header, section)) return true;
+    }
+    return false;
+  }
+
+  /// Moves on to the next line of the section that the cursor stands in; false at its end.
+  bool NextInSection() { return Next() && !Header(); }
+
+  /// Moves to the first line of the section that holds the key; false when there is none.
+  bool FindKey(std::string_view key) {
+    while (NextInSection()) {
+      const std::optional<IniLine> line = KeyLine();
+      if (line && EqualsIgnoringCase(line->key, key)) return true;
+    }
+    return false;
+  }
+
+  std::string_view Text() const { return bytes_.substr(begin_, end_ - begin_); }
+  std::size_t Begin() const { return begin_; }
+  std::size_t NextBegin() const { return next_; }
+
+  /// The section's name if the line is a section header.
+  std::optional<std::string_view> Header() const {
+    const std::string_view text = TrimBlanks(Text());
+    if (!text.starts_with('[')) return std::nullopt;
+    const auto close = text.find(']');
+    if (close == text.npos) return std::nullopt;
+    return TrimBlanks(text.substr(1, close - 1));
+  }
+
+  /// Key and value if the line holds them.
+  std::optional<IniLine> KeyLine() const { return KeyLineOf(Text()); }
+  static std::optional<IniLine> KeyLineOf(std::string_view text) {
+    const auto equals = text.find('=');
+    if (equals == text.npos) return std::nullopt;
+    const std::string_view key = TrimBlanks(text.substr(0, equals));
+    if (key.starts_with(';') || key.starts_with('#')) return std::nullopt;
+    return IniLine{key, text.substr(equals + 1)};
+  }
+
+ private:
+  std::string_view bytes_;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  std::size_t next_ = 0;
+};
+
+}  // namespace rotacasts::host
