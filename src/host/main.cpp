@@ -3,9 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 
 #include "host/check.h"
 #include "host/console.h"
+#include "host/machine/host_lock.h"
 #include "host/machine/native_files.h"
 #include "host/machine/program_arguments.h"
 #include "host/run_host.h"
@@ -20,6 +22,7 @@ using namespace rotacasts;
 using namespace rotacasts::host;
 
 constexpr int kCannotWork = 2;
+constexpr int kTaken = 3;
 
 std::ostream& Out() {
   static PlainOutput out(std::cout);
@@ -33,6 +36,16 @@ std::ostream& Errors() {
 
 int Run(const HostOptions& options) {
   HostProfiles profiles(options.folder, Out());
+  std::optional<HostLock> lock;
+  if (!profiles.All().empty()) {
+    const LocalTime now = SystemClock().Now();
+    lock.emplace(options.folder, FormatDate(now) + " " + FormatTime(now));
+    if (!lock->Holder().empty()) {
+      Errors() << options.folder << " has a host at work, " << lock->Holder()
+               << "; end that one first\n";
+      return kTaken;
+    }
+  }
   profiles.MakeWhatIsMissing();
   if (profiles.All().empty()) {
     Errors() << options.folder
@@ -98,7 +111,7 @@ int RefuseCall(const CLI::App& app, const CLI::ParseError& error) {
 
 constexpr const char* kExitStatus =
     "Exit status: 0 done; 1 check has a warning, or preview misses a profile or its game server;\n"
-    "2 the call is wrong, or the host cannot work there.";
+    "2 the call is wrong, or the host cannot work there; 3 another host works in the folder.";
 
 }  // namespace
 

@@ -6,25 +6,24 @@
 
 namespace rotacasts::host {
 
-/// Holds `host.lock` in the host folder, which says who holds it: the process and since when. The
-/// system lets go of it when the process ends, however it ends.
+/// Holds `host.lock` in the host folder, where it has written who holds it. The system lets go of
+/// it when the process ends, however it ends; the file stays.
 class HostLock {
  public:
-  /// Null when another host holds it; `holder` is then what that one has written there. Raises what
-  /// keeps the file from being made.
-  static std::unique_ptr<HostLock> Take(const std::string& hostFolder, const std::string& words,
-                                        std::string& holder);
+  /// Writes " since `time`" behind this process' number. Raises what keeps the file from being
+  /// made or read.
+  HostLock(const std::string& hostFolder, const std::string& time);
   ~HostLock();
   HostLock(const HostLock&) = delete;
   HostLock& operator=(const HostLock&) = delete;
 
+  /// What the host that has it already wrote there; empty when this one holds it.
+  const std::string& Holder() const { return holder_; }
+
  private:
   struct File;
-  explicit HostLock(std::unique_ptr<File> file);
   std::unique_ptr<File> file_;
+  std::string holder_;
 };
-
-/// The number that the system knows this process by.
-long OwnProcessId();
 
 }  // namespace rotacasts::host
