@@ -1,6 +1,6 @@
 # The front door: every target installs what it needs and sets itself up.
 
-.PHONY: help demo web demo-windows test test-windows windows package reproduce fuzz bench docs pictures format lint clean
+.PHONY: help demo web demo-windows test test-windows torture windows package reproduce fuzz bench docs pictures format lint clean
 
 help: ## this list
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 22
@@ -38,6 +38,14 @@ test: ## build and run every test
 
 test-windows: ## the part of it that is built for Windows and run under Wine
 	@CI=1 scripts/test-windows
+
+torture: ## kill a host a thousand times while it changes a list, and count what that has cost
+	@scripts/bootstrap build test
+	@scripts/quietly cmake --preset release
+	@scripts/quietly cmake --build --preset release --target rotacasts-host
+	@scripts/quietly cmake --preset sanitized
+	@scripts/quietly cmake --build --preset sanitized --target torture
+	build/sanitized/tests/torture 1000 build/release/bin/rotacasts-host
 
 windows: ## the plugin for Windows: build/windows/src/component/tvxRT.dll
 	@scripts/bootstrap build help windows

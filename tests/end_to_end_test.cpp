@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <thread>
 
 #include "support/child_process.h"
 #include "support/fake_host.h"
@@ -127,6 +128,49 @@ TEST(EndToEnd, ATerminalHasAPromptThatCompletesCommands) {
   host.WriteLine("mes\t1");
   EXPECT_TRUE(host.ReadUntil("rotacasts> messages 1"));
   EXPECT_TRUE(host.ReadUntil("0         Grüße aus  Grüße aus"));
+  host.WriteLine("quit");
+  EXPECT_EQ(host.Wait(), 0);
+}
+
+TEST(EndToEnd, OneHostWorksInAFolderUntilItsEnd) {
+  HostFolder folder;
+  folder.AddProfile(1, "JO", "no-such-program", "4001", MessageFileBytes({"a"}));
+  for (int life = 0; life < 2; ++life) {
+    ChildProcess first = StartHost(folder);
+    EXPECT_TRUE(first.ReadUntil("profiles started: 1"));
+    ChildProcess second = StartHost(folder);
+    EXPECT_TRUE(second.ReadUntil(folder.Path() + " has a host at work, process " +
+                                 std::to_string(first.Id()) + " since "));
+    EXPECT_EQ(second.Wait(), 3);
+    ChildProcess check({ROTACASTS_HOST_PROGRAM, "check", "--host-folder", folder.Path()});
+    EXPECT_TRUE(check.ReadUntil("profiles checked: 1"));
+    first.Wait(SIGKILL);
+  }
+}
+
+TEST(EndToEnd, WhatAnEditorSavesWhileTheListIsChangedIsNotLost) {
+  HostFolder folder;
+  const std::string file = "profiles/srv1/settings/Rotacasts.ini";
+  folder.AddProfile(1, "JO", "no-such-program", "4001", MessageFileBytes({"a"}));
+  ChildProcess host = StartHost(folder);
+  EXPECT_TRUE(host.ReadUntil("profiles started: 1"));
+  for (int version = 1; version <= 60; ++version) {
+    host.WriteLine("add 1 x\nenable 1 0\ndelete 1 201\ninterval 1 " + std::to_string(version % 30));
+    std::this_thread::sleep_for(std::chrono::microseconds(version * 7919 % 9000));
+    std::vector<std::string> texts;
+    for (int i = 0; i < 200; ++i)
+      texts.push_back(std::to_string(version) + ", " + std::to_string(i));
+    const std::string messages = MessageFileBytes(texts);
+    if (version % 2 == 0) {
+      folder.Write(file, messages);
+    } else {
+      folder.Write("saved", messages);
+      std::filesystem::rename(folder.File("saved"), folder.File(file));
+    }
+    EXPECT_TRUE(host.ReadUntil("says a message every"));
+    const std::string lines = messages.substr(0, messages.find("[Options]"));
+    ASSERT_TRUE(folder.Read(file).starts_with(lines)) << version << "\n" << folder.Read(file);
+  }
   host.WriteLine("quit");
   EXPECT_EQ(host.Wait(), 0);
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "host/check.h"
 #include "host/components/error_log.h"
@@ -11,6 +12,7 @@
 #include "host/machine/native_files.h"
 #include "host/profile_settings.h"
 #include "support/fake_host.h"
+#include "support/full_disk.h"
 #include "support/host_folder.h"
 
 namespace rotacasts::host {
@@ -28,6 +30,10 @@ class HostFilesTest : public ::testing::Test {
   void Set(const char* section, const UtilityComponent::Key& key,
            const std::optional<std::string>& value) {
     utility.WriteIniKey(section, key, value, file);
+  }
+  /// Files and folders in the folder.
+  std::ptrdiff_t Count() const {
+    return std::distance(std::filesystem::directory_iterator(folder.Path()), {});
   }
   HostFolder folder;
   FixedClock clock;
@@ -100,15 +106,98 @@ TEST_F(HostFilesTest, AFileThatCannotBeUsedIsNamedAndStaysAsItIs) {
 
 TEST_F(HostFilesTest, ReplacingKeepsPermissionsLinksAndReadersAndLeavesNothingBeside) {
   folder.Write("real.ini", "[S]\r\n");
-  ::chmod(folder.File("real.ini").c_str(), 0640);
+  const auto status = [this] {
+    struct stat found {};
+    ::stat(folder.File("real.ini").c_str(), &found);
+    return std::vector<unsigned>{found.st_mode & 07777, found.st_uid, found.st_gid};
+  };
+  [[maybe_unused]] const int given = ::chown(folder.File("real.ini").c_str(), 1234, 2345);
+  ::chmod(folder.File("real.ini").c_str(), 02640);
+  const std::vector<unsigned> before = status();
   std::filesystem::create_symlink("real.ini", folder.File("a.ini"));
   std::ifstream reader(folder.File("real.ini"));  // sees the old file
   Set("S", "1", "x");
   EXPECT_EQ((std::ostringstream() << reader.rdbuf()).str(), "[S]\r\n");
   EXPECT_EQ(folder.Read("real.ini"), "[S]\r\n1=x\r\n");
   EXPECT_TRUE(std::filesystem::is_symlink(folder.File("a.ini")));
-  EXPECT_EQ(static_cast<int>(std::filesystem::status(folder.File("real.ini")).permissions()), 0640);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 2);
+  EXPECT_EQ(status(), before);
+  EXPECT_EQ(Count(), 2);
+}
+
+TEST_F(HostFilesTest, WhatIsNoFileIsAnErrorAndNoWait) {
+  const std::string place = folder.File("a.ini");
+  const auto check = [&](const char* kind) {
+    EXPECT_EQ(ErrorOf([&] { Set("S", "1", "x"); }), 75) << kind;
+    EXPECT_EQ(ErrorOf([&] { machine.Replace(file, "x", nullptr); }), 75) << kind;
+    EXPECT_NE(ErrorOf([&] { utility.AppendFile(file, "x"); }), 0) << kind;
+    std::filesystem::remove(place);
+  };
+  std::filesystem::create_directory(place);
+  check("folder");
+  ::mkfifo(place.c_str(), 0600);
+  check("pipe");
+  ::mkfifo(folder.File("pipe").c_str(), 0600);
+  std::filesystem::create_symlink("pipe", place);
+  check("link to a pipe");
+}
+
+TEST_F(HostFilesTest, AFullDiskLeavesEverythingAsItWas) {
+  folder.Write("a.ini", "[S]\r\n1=a");
+  folder.Write("log", "one");
+  const testing::FullDisk full(20);
+  EXPECT_EQ(ErrorOf([&] { Set("S", "2", std::string(30, 'x')); }), 61);
+  EXPECT_EQ(ErrorOf([&] { utility.AppendFile(folder.Path() + "\\log", std::string(30, 'x')); }),
+            61);
+  EXPECT_EQ(folder.Read("a.ini") + folder.Read("log"), "[S]\r\n1=aone");
+  EXPECT_EQ(Count(), 2);
+}
+
+TEST_F(HostFilesTest, AnOperationIsOneChangeThatTheLogTellsOfAfterwards) {
+  folder.Write("a.ini", "[S]\r\n");
+  folder.Write("log", "begun");
+  EXPECT_EQ(ini.Run([&] {
+    Set("S", "1", "x");
+    Set("S", "2", "y");
+    EXPECT_EQ(utility.GetIniKey("S", "2", file), "y");
+    EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n");
+    utility.AppendFile(folder.Path() + "\\log", "told");
+    EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=x\r\n2=y\r\n");
+    Set("S", "3", "z");
+  }),
+            std::nullopt);
+  EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=x\r\n2=y\r\n3=z\r\n");
+  EXPECT_EQ(folder.Read("log"), "begun\r\ntold\r\n");
+}
+
+TEST_F(HostFilesTest, AnOperationIsDoneAnewOnWhatAnotherProgramHasSaved) {
+  folder.Write("log", "");
+  std::ofstream writer;
+  for (const char* other : {"renamed", "in place", "gone"}) {
+    SCOPED_TRACE(other);
+    folder.Write("a.ini", "[S]\r\n1=a\r\n");
+    int runs = 0;
+    EXPECT_EQ(ini.Run([&] {
+      Set("S", "2", "b");
+      if (++runs == 1 && *other == 'r') {
+        folder.Write("b.ini", "[S]\r\n1=c\r\n");
+        std::filesystem::rename(folder.File("b.ini"), folder.File("a.ini"));
+      } else if (runs == 1 && *other == 'i') {
+        folder.Write("a.ini", "[S]\r\n1=d\r\n");
+      } else if (runs == 1) {
+        std::filesystem::remove(folder.File("a.ini"));
+      }
+      utility.AppendFile(folder.Path() + "\\log", other);
+    }),
+              std::nullopt);
+    EXPECT_EQ(runs, 2);
+    EXPECT_EQ(folder.Read("a.ini"), *other == 'r'   ? "[S]\r\n1=c\r\n2=b\r\n"
+                                    : *other == 'i' ? "[S]\r\n1=d\r\n2=b\r\n"
+                                                    : "[S]\r\n2=b\r\n");
+  }
+  EXPECT_EQ(folder.Read("log"), "renamed\r\nin place\r\ngone\r\n");
+  writer.open(folder.File("a.ini"), std::ios::app);  // and keeps it open
+  EXPECT_EQ(ErrorOf([&] { Set("S", "2", "x"); }), 70);
+  EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n2=b\r\n");
 }
 
 TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {

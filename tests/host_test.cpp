@@ -20,6 +20,7 @@
 #include "host/terminal.h"
 #include "simulator/game_image.h"
 #include "support/fake_host.h"
+#include "support/full_disk.h"
 #include "support/host_folder.h"
 
 namespace rotacasts::host {
@@ -505,6 +506,28 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
       EXPECT_EQ(TakeLog(places[shared ? 0 : 1]), "") << row.line;
     }
   }
+}
+
+TEST_F(ConsoleTest, WhatCannotBeStoredIsNotDoneAndTheReasonSaid) {
+  folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"a", "b"}, "1", "3"));
+  Execute({});
+  const testing::FullDisk full(10);
+  for (const auto& [line, says] : {std::pair("add 2 c", "not added: "),
+                                   {"delete 2 0", "not deleted: "},
+                                   {"up 2 1", "not moved: "},
+                                   {"enable 2 0", "not switched: "},
+                                   {"interval 2 9", "not changed: "},
+                                   {"remote 2 DeleteMessageRem 0", ""}}) {
+    const std::string why =
+        "Disk full: " + folder.File("profiles/srv2/settings/Rotacasts.ini") + " (File too large)\n";
+    EXPECT_EQ(Execute({line}),
+              says + std::string("profile 2 (srv2): ") + why + (*says == '\0' ? "\"\"\n" : ""));
+    EXPECT_EQ(Contents(2), "a;b;1;3;") << line;
+    EXPECT_NE(Execute({"status"}).find("on      3 min"), std::string::npos) << line;
+    EXPECT_EQ(TakeLog("profiles/srv2/adminlogs"), "") << line;
+  }
+  const std::filesystem::directory_iterator settings(folder.File("profiles/srv2/settings"));
+  EXPECT_EQ(std::distance(begin(settings), end(settings)), 1);
 }
 
 TEST_F(ConsoleTest, APositionThatCouldMeanAnotherMessageIsRefused) {
