@@ -2,13 +2,17 @@
 
 #define SI_CONVERT_ICU  // as Debian builds it; the narrow classes used here convert nothing
 #include <SimpleIni.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <memory>
 
 #include "duel.h"
+#include "forms/headless/headless_toolkit.h"
 #include "host/components/host_platform.h"
 #include "host_folder_files.h"
+#include "plugin/cls_plugin.h"
 
 namespace rotacasts::bench {
 namespace {
@@ -35,6 +39,19 @@ struct Arena {
   std::string middle;  // the key that is read and changed
   int round = 0;       // makes every change a change
 };
+
+void Flush(const std::string& path) {
+  const int file = ::open(path.c_str(), O_RDONLY);
+  if (::fsync(file) != 0) std::abort();
+  ::close(file);
+}
+
+/// So that the new file outlasts a loss of power.
+void PutInPlace(const std::string& beside, const std::string& path) {
+  Flush(beside);
+  if (::rename(beside.c_str(), path.c_str()) != 0) std::abort();
+  Flush(path.substr(0, path.rfind('/')));
+}
 
 void Load(CSimpleIniA& ini, const std::string& file) {
   if (ini.LoadFile(file.c_str()) < 0) std::abort();
@@ -72,7 +89,7 @@ void AddDuels(int messages, std::vector<Duel>& duels) {
                      Load(ini, arena->theirs);
                      if (ini.GetValue("Messages", arena->middle.c_str()) == nullptr) std::abort();
                    }});
-  duels.push_back({"INI: change one key and save" + size, "SimpleIni", "1.00",
+  duels.push_back({"INI: change one key and save, flushed" + size, "SimpleIni and a flush", "1.00",
                    [arena] {
                      arena->utility.WriteIniKey("Messages", arena->middle,
                                                 "text " + std::to_string(++arena->round),
@@ -83,14 +100,62 @@ void AddDuels(int messages, std::vector<Duel>& duels) {
                      Load(ini, arena->theirs);
                      const std::string text = "text " + std::to_string(++arena->round);
                      ini.SetValue("Messages", arena->middle.c_str(), text.c_str());
-                     if (ini.SaveFile(arena->theirs.c_str()) < 0) std::abort();
+                     const std::string beside = arena->theirs + ".new";
+                     if (ini.SaveFile(beside.c_str()) < 0) std::abort();
+                     PutInPlace(beside, arena->theirs);
                    }});
 }
+
+/// A plugin that deletes the first message of a long list, over and over.
+class LongList {
+ public:
+  LongList() : state_(platform_.Bundle(toolkit_)), plugin_(state_) {
+    Variant::Array data(pdat::kSize);
+    data[pdat::kGameCode] = "JO";
+    data[pdat::kProcessHandle] = data[pdat::kMessageTarget] = 1;
+    data[pdat::kProfileFolder] = "srv1";
+    data[pdat::kAdministrator] = "console";
+    data[pdat::kSharedLog] = false;
+    data[pdat::kAreaHeight] = data[pdat::kAreaWidth] = 9000;
+    data_ = data;
+    folder_.Write(kFile, bytes_);
+    plugin_.LoadInterface(1, 1, data_);
+  }
+  void DeleteFirst() {
+    if (++deleted_ % 500 == 0) folder_.Write(kFile, bytes_);  // that it stays long
+    std::string reply;
+    platform_.Files().Run([&] { reply = plugin_.DeleteMessageRem(1, data_, 0); });
+    if (reply != "1") std::abort();
+  }
+  /// What one flushed write of the file costs, whatever is in it.
+  void WriteOnce() const {
+    const std::string name = folder_.File("written");
+    const int file = ::open((name + ".new").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (::write(file, bytes_.data(), bytes_.size()) < 0) std::abort();
+    ::close(file);
+    PutInPlace(name + ".new", name);
+  }
+
+ private:
+  static constexpr const char* kFile = "profiles/srv1/settings/Rotacasts.ini";
+  const std::string bytes_ = MessageFileOf(10000);
+  HostFolder folder_;
+  headless::TimerLoop timers_;
+  headless::HeadlessToolkit toolkit_{timers_};
+  host::HostPlatform platform_{folder_.Path()};
+  PluginState state_;
+  clsPlugin plugin_;
+  Variant data_;
+  int deleted_ = 0;
+};
 
 }  // namespace
 
 std::vector<Duel> IniDuels() {
   std::vector<Duel> duels;
+  const auto list = std::make_shared<LongList>();
+  duels.push_back({"delete the first of 10000 messages", "one flushed write of that file", "2.00",
+                   [list] { list->DeleteFirst(); }, [list] { list->WriteOnce(); }});
   for (const int messages : {10, 1000, 10000}) AddDuels(messages, duels);
   return duels;
 }

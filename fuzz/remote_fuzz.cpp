@@ -1,26 +1,22 @@
-// Drives the seven remote operations and the INI reader with arbitrary input, on the stand-alone
-// host's real components and real files, and checks after every step what no input may bring about.
+// Drives the seven remote operations and the readers of the message files, profile.ini and
+// config.ini with arbitrary input, on the stand-alone host's real components and on files in
+// memory, and checks after every step what no input may bring about.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
-#include <set>
 
 #include "base/text.h"
 #include "forms/headless/headless_toolkit.h"
-#include "host/components/host_file_system.h"
 #include "host/components/host_platform.h"
-#include "host/components/ini_text.h"
+#include "host/profile_settings.h"
 #include "plugin/cls_plugin.h"
-#include "support/host_folder.h"
+#include "support/memory_files.h"
 
 namespace rotacasts {
 namespace {
-
-namespace fs = std::filesystem;
 
 void Require(bool holds, const char* what) {
   if (holds) return;
@@ -28,13 +24,12 @@ void Require(bool holds, const char* what) {
   std::abort();
 }
 
-/// Files are kept in memory where the machine offers that: thousands of runs a second.
-void UseMemoryFolder() {
-  if (fs::exists("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
-}
-
-constexpr const char* kFiles[] = {"", "profiles/srv1/settings/Rotacasts.ini",
-                                  "profiles/srv2/settings/Rotacasts.ini"};
+constexpr const char* kHostFolder = "/nowhere";
+const std::string kRoot = std::string(kHostFolder) + "\\";
+const std::string kFiles[] = {"", kRoot + "profiles\\srv1\\settings\\Rotacasts.ini",
+                              kRoot + "profiles\\srv2\\settings\\Rotacasts.ini"};
+const std::string kConfig = kRoot + "settings\\config.ini";
+const std::string kErrorLog = kRoot + "logs\\errors.log";
 
 using Operation = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
 
@@ -84,7 +79,7 @@ struct Shape {
 class Arena {
  public:
   explicit Arena(FuzzedDataProvider& input)
-      : platform_(folder_.Path()),
+      : platform_(kHostFolder, folder_),
         state_((Prepare(input), platform_.Bundle(toolkit_))),
         plugin_(state_) {
     for (const int index : {1, 2}) plugin_.LoadInterface(index, 1, Pdat(index, input));
@@ -93,29 +88,29 @@ class Arena {
   void Step(FuzzedDataProvider& input) {
     const int index = input.ConsumeIntegralInRange(1, 2);
     const int other = 3 - index;
-    const std::string othersFile = folder_.Read(kFiles[other]);
-    const Shape before(folder_.Read(kFiles[index]));
-    const std::map<std::string, std::size_t> logs = LogLines();
+    const std::string othersFile = folder_.files[kFiles[other]];
+    const Shape before(folder_.files[kFiles[index]]);
+    const std::size_t logged = LogLines();
 
     const OperationRow& operation =
         kOperations[input.ConsumeIntegralInRange<std::size_t>(0, std::size(kOperations) - 1)];
     const Variant data = Data(input);
     Call(operation, index, Pdat(index, input), data);
 
-    Require(folder_.Read(kFiles[other]) == othersFile, "another profile's file changed");
-    Shape(folder_.Read(kFiles[index])).RequireNoMore(before, operation);
-    CheckLogs(logs);
+    Require(folder_.files[kFiles[other]] == othersFile, "another profile's file changed");
+    Shape(folder_.files[kFiles[index]]).RequireNoMore(before, operation);
+    Require(LogLines() <= logged + 1, "one operation wrote two log lines");
   }
 
   /// Operations for profiles that were never set up, or cannot be.
   void Stray(FuzzedDataProvider& input) {
     const auto index = input.ConsumeIntegral<std::int32_t>();
     if (index == 1 || index == 2) return;
-    const std::string files[] = {folder_.Read(kFiles[1]), folder_.Read(kFiles[2])};
+    const std::string files[] = {folder_.files[kFiles[1]], folder_.files[kFiles[2]]};
     const auto call = [&](const OperationRow& operation) {
       const Variant data = Data(input);
       Call(operation, index, Pdat(1, input), data);
-      Require(folder_.Read(kFiles[1]) == files[0] && folder_.Read(kFiles[2]) == files[1],
+      Require(folder_.files[kFiles[1]] == files[0] && folder_.files[kFiles[2]] == files[1],
               "a profile that is not set up changed a file");
     };
     std::for_each(std::next(std::begin(kOperations)), std::end(kOperations), call);
@@ -124,12 +119,10 @@ class Arena {
 
   /// Nothing but the profiles' own files and the logs may have come into being.
   void CheckFiles() {
-    for (const auto& entry : fs::recursive_directory_iterator(folder_.Path())) {
-      if (entry.is_directory()) continue;
-      const std::string name = entry.path().string().substr(folder_.Path().size() + 1);
-      const bool known = name == kFiles[1] || name == kFiles[2] || name == "logs/errors.log" ||
-                         name == "settings/config.ini" ||
-                         name.find("adminlogs/") != std::string::npos;
+    for (const auto& [name, bytes] : folder_.files) {
+      const bool known = name == kFiles[1] || name == kFiles[2] || name == kErrorLog ||
+                         name == kConfig || name.starts_with(kRoot + "reports\\") ||
+                         name.find("\\adminlogs\\") != std::string::npos;
       Require(known, name.c_str());
     }
   }
@@ -137,18 +130,21 @@ class Arena {
  private:
   void Call(const OperationRow& operation, std::int32_t index, const Variant& PDAT,
             const Variant& data) {
-    try {
-      (plugin_.*operation.call)(index, PDAT, data);
-    } catch (const RuntimeError&) {  // a listing may fail its call
-    }
+    platform_.Files().Run([&] {
+      try {
+        (plugin_.*operation.call)(index, PDAT, data);
+      } catch (const RuntimeError&) {  // a listing may fail its call
+      }
+    });
   }
 
   void Prepare(FuzzedDataProvider& input) {
-    folder_.Write("settings/config.ini", "[Settings]\r\nReportErrors=0\r\n");
+    folder_.files[kConfig] = input.ConsumeBool() ? "[Settings]\r\nReportErrors=0\r\n"
+                                                 : input.ConsumeRandomLengthString(60);
     for (const int index : {1, 2}) {
       std::string bytes = input.ConsumeRandomLengthString(400);
       if (input.ConsumeBool()) bytes = "[Messages]\r\n1=" + bytes + "\r\n[Options]\r\n";
-      folder_.Write(kFiles[index], bytes);
+      folder_.files[kFiles[index]] = bytes;
     }
   }
 
@@ -184,33 +180,20 @@ class Arena {
     }
   }
 
-  std::map<std::string, std::size_t> LogLines() {
-    std::map<std::string, std::size_t> lines;
-    for (const char* place : {"adminlogs", "profiles/srv1/adminlogs", "profiles/srv2/adminlogs"}) {
-      if (!fs::exists(folder_.File(place))) continue;
-      for (const auto& entry : fs::directory_iterator(folder_.File(place))) {
-        const std::string name = std::string(place) + "/" + entry.path().filename().string();
-        const std::string text = folder_.Read(name);
-        for (std::size_t at = 0; at < text.size(); at = text.find("\r\n", at) + 2) {
-          Require(text[at] == '[' && text.compare(at + 9, 13, "][Rotacasts] ") == 0,
-                  "a log line has another form");
-          ++lines[name];
-        }
+  std::size_t LogLines() {
+    std::size_t lines = 0;
+    for (const auto& [name, text] : folder_.files) {
+      if (name.find("\\adminlogs\\") == name.npos) continue;
+      for (std::size_t at = 0; at < text.size(); at = text.find("\r\n", at) + 2) {
+        Require(text[at] == '[' && text.compare(at + 9, 13, "][Rotacasts] ") == 0,
+                "a log line has another form");
+        ++lines;
       }
     }
     return lines;
   }
 
-  void CheckLogs(const std::map<std::string, std::size_t>& before) {
-    std::size_t more = 0;
-    for (const auto& [name, lines] : LogLines()) {
-      const auto old = before.find(name);
-      more += lines - (old != before.end() ? old->second : 0);
-    }
-    Require(more <= 1, "one operation wrote two log lines");
-  }
-
-  testing::HostFolder folder_;
+  testing::MemoryFiles folder_;
   headless::TimerLoop timers_;
   headless::HeadlessToolkit toolkit_{timers_};
   host::HostPlatform platform_;
@@ -218,13 +201,23 @@ class Arena {
   clsPlugin plugin_;
 };
 
+/// A profile.ini either describes a usable profile or is refused in words.
+void ReadProfileOf(const std::string& bytes) {
+  testing::MemoryFiles files;
+  files.files[kRoot + "profiles\\srv1\\profile.ini"] = bytes;
+  try {
+    const host::ProfileSettings profile = host::ReadProfile(kHostFolder, "srv1", files);
+    Require(profile.index >= 1 && profile.index <= 32767, "an index out of range");
+    Require(profile.target >= 0 && profile.target <= 65535, "a port out of range");
+    Require(!profile.process.empty() && (profile.target != 0 || !profile.say.empty()),
+            "a profile with nothing to read or to say");
+  } catch (const RuntimeError& error) {
+    Require(!error.description.empty(), "refused without a word");
+  }
+}
+
 }  // namespace
 }  // namespace rotacasts
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  rotacasts::UseMemoryFolder();
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   FuzzedDataProvider input(bytes, size);
@@ -232,5 +225,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   for (int step = 0; step < 12 && input.remaining_bytes() > 0; ++step) arena.Step(input);
   arena.Stray(input);
   arena.CheckFiles();
+  rotacasts::ReadProfileOf(input.ConsumeRemainingBytesAsString());
   return 0;
 }

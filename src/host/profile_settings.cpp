@@ -31,7 +31,8 @@ std::string Place(const std::string& file, const IniText& ini, const std::string
 /// Reads the keys of one file; every complaint names the file and the line.
 class Reader {
  public:
-  explicit Reader(const std::string& file) : file_(file), ini_(ReadIni(file)) {}
+  Reader(const std::string& file, FileLayer& files)
+      : file_(file), ini_(IniOf(file, files.Read(file).value_or(""))) {}
 
   /// Empty when the key is missing.
   std::string Optional(const char* key) const {
@@ -89,8 +90,14 @@ bool HasProfileFile(const std::string& hostFolder, const std::string& folder) {
 }
 
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder) {
+  MachineFiles files;
+  return ReadProfile(hostFolder, folder, files);
+}
+
+ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder,
+                            FileLayer& files) {
   ProfileFolderPath(hostFolder, folder);  // a name that the plugin refuses is refused here
-  const Reader reader(ProfileFile(hostFolder, folder));
+  const Reader reader(ProfileFile(hostFolder, folder), files);
   constexpr std::int32_t kHighestIndex = 32767;  // the timers' indexes have 16 bits
   constexpr std::int32_t kHighestPort = 65535;
   ProfileSettings profile;

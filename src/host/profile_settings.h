@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "host/components/file_layer.h"
+
 namespace rotacasts::host {
 
 /// One `profiles/<folder>/profile.ini`, section "Profile".
@@ -32,6 +34,8 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder);
 
 /// Reads one profile. Error 5, naming the file and what to do, for nonsense in it.
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder);
+ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder,
+                            FileLayer& files);
 
 /// Where a key of the profile's profile.ini stands, as "file:line".
 std::string PlaceInProfile(const std::string& hostFolder, const std::string& folder,

@@ -1,0 +1,47 @@
+// Files in memory, for what needs thousands of host folders a second.
+#pragma once
+
+#include <map>
+#include <set>
+
+#include "base/runtime_error.h"
+#include "host/components/file_layer.h"
+
+namespace rotacasts::testing {
+
+/// Folders need not be made for what is written by hand.
+class MemoryFiles final : public host::FileLayer {
+ public:
+  std::map<std::string, std::string> files;  // by path, in the host suite's spelling
+  std::set<std::string> folders;
+
+  host::FileBytes Read(const std::string& path) override {
+    RefuseEmpty(path);
+    const auto found = files.find(path);
+    return found != files.end() ? host::FileBytes(found->second) : std::nullopt;
+  }
+  bool Replace(const std::string& path, std::string_view bytes,
+               const host::FileBytes* seen) override {
+    RefuseEmpty(path);
+    if (seen != nullptr && Read(path) != *seen) return false;
+    files[path] = bytes;
+    return true;
+  }
+  void Append(const std::string& path, const std::string& line) override {
+    const auto found = files.find(path);
+    if (found == files.end()) throw RuntimeError(ErrorNumber::FileNotFound, path);
+    std::string& bytes = found->second;
+    if (!bytes.empty() && bytes.back() != '\n' && bytes.back() != '\r') bytes += "\r\n";
+    bytes += line + "\r\n";
+  }
+  bool FileExists(const std::string& path) override { return files.count(path) > 0; }
+  bool FolderExists(const std::string& path) override { return folders.count(path) > 0; }
+  void CreateFolder(const std::string& path) override { folders.insert(path); }
+
+ private:
+  static void RefuseEmpty(const std::string& path) {
+    if (path.empty()) throw RuntimeError(ErrorNumber::PathNotFound, "the path is empty");
+  }
+};
+
+}  // namespace rotacasts::testing
