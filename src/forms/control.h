@@ -43,6 +43,8 @@ struct MouseEvent {
 /// Kinds of controls, each a class below.
 enum class Kind { Frame, TextBox, CheckBox, ListBox, Label, Image };
 
+class CaptionedControl;
+
 /// What all controls share. A control lives as long as its form. An act of the user (a User...
 /// member) that arrives at a form which is no longer loaded does nothing.
 class Control {
@@ -76,6 +78,10 @@ class Control {
   /// The place in the window-wide tab order; -1 for none.
   int TabIndex() const { return tabIndex_; }
   void SetTabIndex(int index) { tabIndex_ = index; }
+  /// The label or frame whose caption a person reads as the control's name; null for none. Set
+  /// before the form loads.
+  const CaptionedControl* LabelledBy() const { return labelledBy_; }
+  void SetLabelledBy(const CaptionedControl* label) { labelledBy_ = label; }
   /// Points, in the window's own font face. The size a label is given is the size it reports.
   double FontSize() const { return fontSize_; }
   void SetFontSize(double points);
@@ -109,6 +115,7 @@ class Control {
   bool visible_ = true;
   std::optional<Colour> backColour_;
   int tabIndex_ = -1;
+  const CaptionedControl* labelledBy_ = nullptr;
   double fontSize_ = 8.25;
   std::int16_t pressedButtons_ = 0;
 };

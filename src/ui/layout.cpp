@@ -12,11 +12,11 @@ using enum forms::Kind;
 constexpr ControlRow kControls[] = {
     //                              container  text                     left   top  width  height  tab
     {"Frame2",      Frame,    "",       "Add Rotacast",         {  240, 4680, 10695,  975}, 1, Back::Face},
-    {"txtMessage",  TextBox,  "Frame2", "",                     {  240,  360,  8775,  375}, 2, Back::Paper, 60},
+    {"txtMessage",  TextBox,  "Frame2", "",                     {  240,  360,  8775,  375}, 2, Back::Paper, 60, Alignment::Left, "Frame2"},
     {"Frame1",      Frame,    "",       "Rotacasts",            {  240,  240, 10695, 4335}, 0, Back::Face},
-    {"txtInterval", TextBox,  "Frame1", "2",                    { 4320, 3960,   375,  255}, 5, Back::Platform, 2},
-    {"chkAuto",     CheckBox, "Frame1", "",                     { 2040, 3960,   255,  255}, 4, Back::Face},
-    {"lstMessages", ListBox,  "Frame1", "",                     {  240,  360, 10215, 3375}, 3, Back::Paper},
+    {"txtInterval", TextBox,  "Frame1", "2",                    { 4320, 3960,   375,  255}, 5, Back::Platform, 2, Alignment::Left, "Label10"},
+    {"chkAuto",     CheckBox, "Frame1", "",                     { 2040, 3960,   255,  255}, 4, Back::Face, 0, Alignment::Left, "Label9"},
+    {"lstMessages", ListBox,  "Frame1", "",                     {  240,  360, 10215, 3375}, 3, Back::Paper, 0, Alignment::Left, "Frame1"},
     {"Label1",      Label,    "Frame1", "Right click a message in the list for options.",
                                                                 { 7320, 3960,  3135,  255}, 9, Back::Face, 0, Alignment::Right},
     {"Label9",      Label,    "Frame1", "Display Rotacasts:",   {  240, 3960,  1815,  255}, 8, Back::Face},
@@ -108,8 +108,10 @@ void Build(forms::Form& form) {
       control.SetBackColour(row.back == Back::Face ? kFace : kPaper);
     }
   }
-  for (const ControlRow& row : kControls) {  // a container can stand below what it contains
-    if (!row.container.empty()) form.Find(row.name)->MoveInto(form.Find(row.container));
+  for (const ControlRow& row : kControls) {  // they can stand below what refers to them
+    forms::Control& control = *form.Find(row.name);
+    if (!row.container.empty()) control.MoveInto(form.Find(row.container));
+    if (!row.label.empty()) control.SetLabelledBy(&form.Get<forms::CaptionedControl>(row.label));
   }
   forms::MenuItem* parents[4] = {};
   for (const MenuRow& row : kMenus) {

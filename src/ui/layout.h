@@ -29,6 +29,7 @@ struct ControlRow {
   Back back = Back::Platform;
   int maxLength = 0;  // characters that can be typed
   forms::Alignment alignment = forms::Alignment::Left;
+  std::string_view label = {};  // the label or frame that says what the control is for
 };
 
 /// Every control that exists from the start, in creation order.

@@ -1,9 +1,19 @@
 // The settings window as a person has it before them: real controls, real input.
 
+#include <oleacc.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
 #include "com/com_support.h"
 #include "forms/win32/gdi.h"
 #include "support/component_test.h"
 #include "ui/layout.h"
+
+// The header declares the interface without its identifier.
+__CRT_UUID_DECL(IAccPropServices, 0x6e26e776, 0x04f0, 0x495d, 0x80, 0xe4, 0x33, 0x30, 0x35, 0x2e,
+                0x31, 0x69)
 
 namespace rotacasts {
 namespace {
@@ -94,6 +104,131 @@ TEST_F(RealWindowTest, LiesInTheHostsAreaWithEveryControlInItsPlace) {
   EXPECT_EQ(Form(), nullptr);
 }
 
+TEST_F(RealWindowTest, KeepsFocusAndPlaceOverADeleteAndAMessageBox) {
+  std::vector<std::string> messages;
+  for (int i = 0; i < 100; ++i) messages.push_back("message " + std::to_string(i));
+  Show(messages);
+  const HWND list = Control("lstMessages");
+  ::SetFocus(list);
+  ::SendMessageW(list, LB_SETTOPINDEX, 60, 0);
+  ChooseFromList(65, "Delete");
+  EXPECT_EQ(Rows().size(), 99U);
+  EXPECT_EQ(::GetFocus(), list);
+  EXPECT_EQ(::SendMessageW(list, LB_GETTOPINDEX, 0, 0), 60);
+  Load(3);
+  Load(2);
+  EXPECT_EQ(::SendMessageW(list, LB_GETTOPINDEX, 0, 0), 0) << "another profile begins at its top";
+  ::SetFocus(Control("txtMessage"));
+  ClickMouse(AddButton());
+  EXPECT_EQ(user.boxes.size(), 1U);
+  EXPECT_EQ(::GetFocus(), Control("txtMessage"));
+}
+
+TEST_F(RealWindowTest, AReleaseBelongsToItsPressAndALostPressShowsTheButtonReleased) {
+  Show({"a"});
+  const HWND picture = AddButton();
+  const HWND caption = ::GetWindow(picture, GW_CHILD);
+  const auto captionTop = [&] {
+    RECT area;
+    ::GetWindowRect(caption, &area);
+    return area.top;
+  };
+  const LONG released = captionTop();
+  ::SendMessageW(caption, WM_LBUTTONUP, 0, MAKELPARAM(9, 9));
+  ::SendMessageW(picture, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 1));
+  EXPECT_GT(captionTop(), released);
+  ::SendMessageW(picture, WM_RBUTTONUP, MK_LBUTTON, MAKELPARAM(1, 1));
+  ::ReleaseCapture();
+  EXPECT_EQ(captionTop(), released);
+  ::SendMessageW(picture, WM_LBUTTONUP, 0, MAKELPARAM(1, 1));
+  EXPECT_EQ(user.boxes, std::vector<std::string>{});
+  ClickMouse(picture);
+  EXPECT_EQ(user.boxes, std::vector<std::string>{"Failed!|Message Box is empty!"});
+}
+
+/// Takes the place of the system's service that names windows for accessibility clients.
+class NamesService final : public win32::CountedObject<IAccPropServices> {
+ public:
+  using Names = std::map<HWND, std::wstring>;
+  using Ids = const MSAAPROPID*;
+  explicit NamesService(Names& names) : names_(names) {}
+  HRESULT WINAPI SetHwndPropStr(HWND window, DWORD object, DWORD child, MSAAPROPID id,
+                                LPCWSTR text) override {
+    const bool isName = object == static_cast<DWORD>(OBJID_CLIENT) && child == CHILDID_SELF &&
+                        IsEqualGUID(id, PROPID_ACC_NAME);
+    if (isName) names_[window] = text;
+    return S_OK;
+  }
+  HRESULT WINAPI ClearHwndProps(HWND window, DWORD, DWORD, Ids, int) override {
+    names_.erase(window);
+    return S_OK;
+  }
+  // clang-format off
+  HRESULT WINAPI SetPropValue(const BYTE*, DWORD, MSAAPROPID, VARIANT) override { return E_NOTIMPL; }
+  HRESULT WINAPI SetPropServer(const BYTE*, DWORD, Ids, int, IAccPropServer*, AnnoScope) override { return E_NOTIMPL; }
+  HRESULT WINAPI ClearProps(const BYTE*, DWORD, Ids, int) override { return E_NOTIMPL; }
+  HRESULT WINAPI SetHwndProp(HWND, DWORD, DWORD, MSAAPROPID, VARIANT) override { return E_NOTIMPL; }
+  HRESULT WINAPI SetHwndPropServer(HWND, DWORD, DWORD, Ids, int, IAccPropServer*, AnnoScope) override { return E_NOTIMPL; }
+  HRESULT WINAPI ComposeHwndIdentityString(HWND, DWORD, DWORD, BYTE**, DWORD*) override { return E_NOTIMPL; }
+  HRESULT WINAPI DecomposeHwndIdentityString(const BYTE*, DWORD, HWND*, DWORD*, DWORD*) override { return E_NOTIMPL; }
+  HRESULT WINAPI SetHmenuProp(HMENU, DWORD, MSAAPROPID, VARIANT) override { return E_NOTIMPL; }
+  HRESULT WINAPI SetHmenuPropStr(HMENU, DWORD, MSAAPROPID, LPCWSTR) override { return E_NOTIMPL; }
+  HRESULT WINAPI SetHmenuPropServer(HMENU, DWORD, Ids, int, IAccPropServer*, AnnoScope) override { return E_NOTIMPL; }
+  HRESULT WINAPI ClearHmenuProps(HMENU, DWORD, Ids, int) override { return E_NOTIMPL; }
+  HRESULT WINAPI ComposeHmenuIdentityString(HMENU, DWORD, BYTE**, DWORD*) override { return E_NOTIMPL; }
+  HRESULT WINAPI DecomposeHmenuIdentityString(const BYTE*, DWORD, HMENU*, DWORD*) override { return E_NOTIMPL; }
+  // clang-format on
+
+ private:
+  Names& names_;
+};
+
+TEST_F(RealWindowTest, ScreenReadersFindANameForEachControlAndAnIdOfItsOwn) {
+  NamesService::Names names;
+  // The factory asks for what every object has, whatever else it is.
+  const auto factory = host::MakeFactory(
+      win32::ComPtr<IDispatch>::Take(reinterpret_cast<IDispatch*>(new NamesService(names))));
+  DWORD cookie = 0;
+  ::CoRegisterClassObject(CLSID_AccPropServices, factory.Get(), CLSCTX_INPROC_SERVER,
+                          REGCLS_MULTIPLEUSE, &cookie);
+  Show({"a"});
+  for (const auto& [control, name] : {std::pair("txtMessage", L"Add Rotacast"),
+                                      {"lstMessages", L"Rotacasts"},
+                                      {"chkAuto", L"Display Rotacasts:"},
+                                      {"txtInterval", L"Show Message Every"}}) {
+    EXPECT_EQ(names[Control(control)], name) << control;
+  }
+  EXPECT_EQ(::GetWindow(Control("txtInterval"), GW_HWNDPREV), Control("Label10"));
+  std::set<int> ids;
+  for (const layout::ControlRow& row : layout::Controls()) {
+    ids.insert(::GetDlgCtrlID(Control(std::string(row.name).c_str())));
+  }
+  EXPECT_EQ(ids.size(), layout::Controls().size());
+  EXPECT_GE(*ids.begin(), 1000);
+  Call("UnLoadInterface", {""});
+  EXPECT_TRUE(names.empty());
+  ::CoRevokeClassObject(cookie);
+}
+
+TEST_F(RealWindowTest, IsReadableWhateverTheSystemsTextColourIs) {
+  Show({"a"});
+  const HDC context = ::GetDC(Form());
+  for (const auto& [control, message] : {std::pair("txtMessage", WM_CTLCOLOREDIT),
+                                         {"lstMessages", WM_CTLCOLORLISTBOX},
+                                         {"Frame1", WM_CTLCOLORSTATIC},
+                                         {"Label11", WM_CTLCOLORSTATIC},
+                                         {"txtInterval", WM_CTLCOLOREDIT}}) {
+    ::SetTextColor(context, RGB(1, 2, 3));
+    ::SendMessageW(Form(), message, reinterpret_cast<WPARAM>(context),
+                   reinterpret_cast<LPARAM>(Control(control)));
+    const bool isSystems = control == std::string("txtInterval");
+    EXPECT_EQ(::GetTextColor(context), isSystems ? ::GetSysColor(COLOR_WINDOWTEXT) : RGB(0, 0, 0));
+    EXPECT_EQ(::GetBkColor(context) == ::GetSysColor(COLOR_WINDOW),
+              isSystems || ::GetBkColor(context) == RGB(255, 255, 255));
+  }
+  ::ReleaseDC(Form(), context);
+}
+
 TEST_F(RealWindowTest, TheTabKeyGoesThroughTheControlsInTheirOrder) {
   Show({"a"});
   ClickMouse(Control("txtMessage"));
@@ -173,6 +308,49 @@ TEST_F(RealWindowTest, TheSwitchAndTheIntervalAreStoredAsTheyAreChanged) {
   TypeKeys("x");  // no number: put back
   EXPECT_EQ(TextOf("txtInterval"), "1");
   EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a"}, "1", "1"));
+  TypeKeys("5");  // over what was put back
+  EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a"}, "1", "5"));
+}
+
+int cancelledMenus = 0;
+
+void CALLBACK CancelMenu(HWND owner, UINT, UINT_PTR, DWORD) {
+  GUITHREADINFO thread{};
+  thread.cbSize = sizeof thread;
+  ::GetGUIThreadInfo(::GetCurrentThreadId(), &thread);
+  if ((thread.flags & GUI_INMENUMODE) != 0) ++cancelledMenus;
+  ::SendMessageW(owner, WM_CANCELMODE, 0, 0);
+}
+
+TEST_F(RealWindowTest, TheKeyboardFindsItsWay) {
+  Show({"a"});
+  // The menu key opens what the entry box opens by itself.
+  const HWND entry = Control("txtMessage");
+  ::SetTimer(entry, 1, 50, &CancelMenu);
+  ::SendMessageW(entry, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(entry), -1);
+  ::KillTimer(entry, 1);
+  EXPECT_EQ(cancelledMenus, 1);
+  EXPECT_NE(::IsWindowEnabled(entry), FALSE);
+
+  const HWND box = Control("chkAuto");
+  const auto pixels = [box] {
+    ::UpdateWindow(box);
+    const HDC context = ::GetDC(box);
+    std::vector<COLORREF> seen;
+    for (int i = 0; i < 17 * 17; ++i) seen.push_back(::GetPixel(context, i % 17, i / 17));
+    ::ReleaseDC(box, context);
+    return seen;
+  };
+  ::SetFocus(Control("txtMessage"));
+  const auto without = pixels();
+  ::SetFocus(box);
+  const auto with = pixels();
+  EXPECT_NE(with, without);
+  PressKey(VK_SPACE);
+  PressKey(VK_SPACE);
+  EXPECT_EQ(pixels(), with);
+  ::SetFocus(Control("txtMessage"));
+  EXPECT_EQ(pixels(), without);
 }
 
 TEST_F(RealWindowTest, TheTimerBroadcastsAlsoWhileTheWindowIsHiddenUntilTheProfileIsDisabled) {

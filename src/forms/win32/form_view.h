@@ -3,9 +3,12 @@
 
 #include <map>
 #include <memory>
+#include <utility>
 
 #include "com/windows_api.h"
 #include "forms/form.h"
+#include "forms/win32/accessible_names.h"
+#include "forms/win32/control_window.h"
 #include "forms/win32/gdi.h"
 
 namespace rotacasts::win32 {
@@ -45,51 +48,44 @@ class Win32FormView final : public forms::FormView,
   std::intptr_t Send(forms::Control& control, std::uint32_t message, std::uintptr_t wParam,
                      std::intptr_t lParam) override;
 
- private:
-  /// A control's window, and what it needs to answer.
-  struct Peer {
-    Win32FormView& view;
-    forms::Control& control;
-    HWND window = nullptr;
-    WNDPROC original = nullptr;
-    Picture picture;
-  };
-
-  static LRESULT CALLBACK FormProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  using PeerHandler = LRESULT (Win32FormView::*)(Peer& peer, UINT message, WPARAM wParam,
-                                                 LPARAM lParam);
-  template <PeerHandler Handle>
-  static LRESULT CALLBACK PeerProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  LRESULT HandleForm(UINT message, WPARAM wParam, LPARAM lParam);
-  LRESULT HandleControl(Peer& peer, UINT message, WPARAM wParam, LPARAM lParam);
-  LRESULT HandlePicture(Peer& peer, UINT message, WPARAM wParam, LPARAM lParam);
-  void HandleCommand(HWND control, WORD notification);
-  LRESULT ColourOf(HDC context, HWND control);
-  bool HandleKey(Peer& peer, UINT message, WPARAM key);
-  /// Raises a mouse event on the model; whether the message was one.
-  bool HandleMouse(Peer& peer, UINT message, LPARAM lParam);
-  void Paint(Peer& peer);
-  void Destroyed();
-
-  void CreatePeer(forms::Control& control);
-  HWND CreateControlWindow(Peer& peer);
-  void Arrange(Peer& peer);
-  HFONT FontOf(const forms::Control& control);
-  void Stack();
-  forms::Image* ImageBeneath(const forms::Control& control) const;
+  // What the control windows need of the form's window.
+  Win32Toolkit& Toolkit() const { return toolkit_; }
+  HWND Window() const { return window_; }
+  forms::Colour BackColour() const { return form_.Look().backColour; }
+  HBRUSH Brush(COLORREF colour) { return brushes_.OfColour(colour); }
+  HFONT FontOfSize(double points) { return fonts_.OfSize(points); }
+  AccessibleNames& Names() { return names_; }
+  /// A control's rectangle on the form's window.
   RECT PixelBounds(const forms::Control& control) const;
-  void FocusNext(const Peer& from, bool backwards);
-  Peer* PeerOf(const forms::Control& control) const;
-  Peer* PeerOf(HWND window) const;
+  /// The window of the image that a label lies on; null without one.
+  HWND ImageBeneath(const forms::Label& label) const;
+  /// Makes the control's window, again if it has one.
+  void Make(forms::Control& control);
+  void FocusNext(const ControlWindow& from, bool backwards);
+  /// The brush that a control, given by its window, is drawn on.
+  LRESULT ColourOf(HDC context, HWND control);
+  /// Keeps the view and its form alive while the result lives.
+  using Alive = std::pair<std::shared_ptr<Win32FormView>, std::shared_ptr<forms::Form>>;
+  Alive KeepAlive() { return {weak_from_this().lock(), form_.KeepAlive()}; }
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
+  void Destroyed();
+  void Stack();
+  /// A control's window while there is one; else null.
+  ControlWindow* Of(const forms::Control& control) const;
+  ControlWindow* Of(HWND window) const;
 
   Win32Toolkit& toolkit_;
   forms::Form& form_;
   HWND window_ = nullptr;
   bool closing_ = false;
   bool menuIsOpen_ = false;
-  std::map<const forms::Control*, std::unique_ptr<Peer>> peers_;
+  std::map<const forms::Control*, std::unique_ptr<ControlWindow>> controls_;
   Fonts fonts_;
   Brushes brushes_;
+  AccessibleNames names_;
 };
 
 }  // namespace rotacasts::win32

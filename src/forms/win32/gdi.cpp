@@ -31,6 +31,12 @@ void Fonts::Free() {
   fonts_.clear();
 }
 
+std::string TextOf(HWND window) {
+  std::wstring text(static_cast<std::size_t>(::GetWindowTextLengthW(window)) + 1, L'\0');
+  const int size = ::GetWindowTextW(window, text.data(), static_cast<int>(text.size()));
+  return FromWide({text.data(), static_cast<std::size_t>(size)});
+}
+
 LONG TextWidth(HFONT font, std::string_view text) {
   const std::wstring wide = ToWide(text);
   const HDC screen = ::GetDC(nullptr);

@@ -28,6 +28,9 @@ class Fonts {
   std::map<double, HFONT> fonts_;
 };
 
+/// The text of a window.
+std::string TextOf(HWND window);
+
 /// The width of a line of text, in pixels of the screen.
 LONG TextWidth(HFONT font, std::string_view text);
 

@@ -15,6 +15,17 @@ HWND Window(forms::WindowHandle handle) {
   return reinterpret_cast<HWND>(handle);
 }
 
+/// Gives the keyboard back to the window that had it before a message box. Not every host's window
+/// does so when it becomes active again.
+void RestoreFocus(HWND window) {
+  if (window == nullptr || ::IsWindowVisible(window) == FALSE ||
+      ::IsWindowEnabled(window) == FALSE) {
+    return;
+  }
+  const HWND root = ::GetAncestor(window, GA_ROOT);
+  if (root == ::GetActiveWindow() && ::GetFocus() == root) ::SetFocus(window);
+}
+
 }  // namespace
 
 Win32Toolkit::Win32Toolkit(HINSTANCE module, std::int32_t minute)
@@ -64,8 +75,10 @@ UINT Win32Toolkit::Stretch(std::int32_t milliseconds) const {
 void Win32Toolkit::RunMessageBox(const std::string& text, const std::string& title) {
   const HWND owner = ::IsWindow(lastForm_) ? ::GetAncestor(lastForm_, GA_ROOT) : nullptr;
   const HWND visibleOwner = owner != nullptr && ::IsWindowVisible(owner) ? owner : nullptr;
+  const HWND focus = ::GetFocus();
   ::MessageBoxW(visibleOwner, ToWide(text).c_str(), ToWide(title).c_str(),
                 MB_OK | MB_TASKMODAL | MB_SETFOREGROUND);
+  RestoreFocus(focus);
 }
 
 }  // namespace rotacasts::win32

@@ -10,10 +10,11 @@ namespace {
 
 using win32::ComVariant;
 
-constexpr double kTwipsPerPixel = 15;  // of the tests' screen
-
 RECT PixelsOf(const forms::Rectangle& twips, const forms::Rectangle& container) {
-  const auto pixels = [](std::int32_t length) { return std::lround(length / kTwipsPerPixel); };
+  const HDC screen = ::GetDC(nullptr);
+  const double twipsPerPixel = 1440.0 / ::GetDeviceCaps(screen, LOGPIXELSX);
+  ::ReleaseDC(nullptr, screen);
+  const auto pixels = [=](std::int32_t length) { return std::lround(length / twipsPerPixel); };
   const std::int32_t left = twips.left + container.left;
   const std::int32_t top = twips.top + container.top;
   return {pixels(left), pixels(top), pixels(left + twips.width), pixels(top + twips.height)};

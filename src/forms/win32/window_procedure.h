@@ -1,0 +1,18 @@
+// What every window procedure does around its body.
+#pragma once
+
+#include "com/windows_api.h"
+
+namespace rotacasts::win32 {
+
+/// Runs a window procedure's body; nothing thrown leaves it.
+template <class Body>
+LRESULT Contained(Body&& body) {
+  try {
+    return body();
+  } catch (...) {
+    return 0;
+  }
+}
+
+}  // namespace rotacasts::win32
