@@ -41,8 +41,9 @@ int Scaled(int pixels) {
   return ::MulDiv(pixels, Dpi(), 96);
 }
 
+/// Rounded up, so that as many whole pixels come out where the plugin divides.
 std::int32_t Twips(LONG pixels) {
-  return ::MulDiv(static_cast<int>(pixels), 1440, Dpi());
+  return (pixels * 1440 + Dpi() - 1) / Dpi();
 }
 
 /// The area is nothing but a place: how its heading looks is the frame's business.
