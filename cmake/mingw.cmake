@@ -2,8 +2,8 @@
 # width, which has set the processor.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR ${processor})
-set(CMAKE_C_COMPILER ${processor}-w64-mingw32-gcc-posix)
-set(CMAKE_CXX_COMPILER ${processor}-w64-mingw32-g++-posix)
+set(CMAKE_C_COMPILER ${processor}-w64-mingw32-gcc-win32)
+set(CMAKE_CXX_COMPILER ${processor}-w64-mingw32-g++-win32)
 set(CMAKE_RC_COMPILER ${processor}-w64-mingw32-windres)
 set(CMAKE_FIND_ROOT_PATH /usr/${processor}-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

@@ -1,7 +1,6 @@
 #include "base/runtime_error.h"
 
 #include <new>
-#include <stdexcept>
 
 namespace rotacasts {
 namespace {
@@ -58,8 +57,6 @@ RuntimeError CurrentRuntimeError() {
   } catch (const RuntimeError& error) {
     return error;
   } catch (const std::bad_alloc&) {
-    return RuntimeError(ErrorNumber::OutOfMemory);
-  } catch (const std::length_error&) {
     return RuntimeError(ErrorNumber::OutOfMemory);
   } catch (const std::exception& error) {
     return RuntimeError(ErrorNumber::InternalError, error.what());

@@ -1,5 +1,7 @@
 #include "com/registry.h"
 
+#include <shlwapi.h>  // needs the types of the system's main header
+
 namespace rotacasts::win32 {
 
 std::vector<RegistryEntry> ClassEntries(const std::wstring& classId, const std::wstring& progId,
@@ -30,9 +32,9 @@ HRESULT WriteEntries(const std::vector<RegistryEntry>& entries) {
 }
 
 HRESULT RemoveKey(const std::wstring& key) {
-  const LSTATUS status = ::RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
+  const DWORD status = ::SHDeleteKeyW(HKEY_CLASSES_ROOT, key.c_str());
   if (status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND) return S_OK;
-  return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+  return HRESULT_FROM_WIN32(status);
 }
 
 }  // namespace rotacasts::win32
