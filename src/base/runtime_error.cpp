@@ -34,14 +34,15 @@ constexpr Description kDescriptions[] = {
     {ErrorNumber::CannotShowModeless, "Can't show non-modal form when modal form is displayed"},
     {ErrorNumber::CannotCreateComponent, "ActiveX component can't create object"},
     {ErrorNumber::NoSuchMember, "Object doesn't support this property or method"},
+    {ErrorNumber::NoSuchNamedArgument, "Named argument not found"},
+    {ErrorNumber::ArgumentNotOptional, "Argument not optional"},
+    {ErrorNumber::WrongNumberOfArguments,
+     "Wrong number of arguments or invalid property assignment"},
     {ErrorNumber::InvalidPicture, "Invalid picture"},
 };
 
 std::string Describe(ErrorNumber number, std::string_view detail) {
-  std::string text;
-  for (const Description& row : kDescriptions) {
-    if (row.number == number) text = row.text;
-  }
+  std::string text(DescriptionOf(static_cast<std::int32_t>(number)));
   if (!detail.empty()) text.append(": ").append(detail);
   return text;
 }
@@ -50,6 +51,13 @@ std::string Describe(ErrorNumber number, std::string_view detail) {
 
 RuntimeError::RuntimeError(ErrorNumber errorNumber, std::string_view detail)
     : RuntimeError(static_cast<std::int32_t>(errorNumber), Describe(errorNumber, detail)) {}
+
+std::string_view DescriptionOf(std::int32_t errorNumber) {
+  for (const Description& row : kDescriptions) {
+    if (static_cast<std::int32_t>(row.number) == errorNumber) return row.text;
+  }
+  return {};
+}
 
 RuntimeError CurrentRuntimeError() {
   try {

@@ -33,6 +33,9 @@ enum class ErrorNumber : std::int32_t {
   CannotShowModeless = 401,
   CannotCreateComponent = 429,
   NoSuchMember = 438,
+  NoSuchNamedArgument = 448,
+  ArgumentNotOptional = 449,
+  WrongNumberOfArguments = 450,
   InvalidPicture = 481,
 };
 
@@ -52,7 +55,14 @@ class RuntimeError : public std::exception {
 
   std::int32_t number;
   std::string description;
+  // What a component tells of an error of its own besides; empty for the plugin's errors.
+  std::string source;
+  std::string helpFile;
+  std::int32_t helpContext = 0;
 };
+
+/// The platform's own description of an error number; empty for a number that it has none for.
+std::string_view DescriptionOf(std::int32_t errorNumber);
 
 /// The exception now being handled, as a run-time error: itself if it is one, error 7 for exhausted
 /// memory, error 51 with its text for any other. Call only inside a catch clause.

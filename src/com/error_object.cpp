@@ -7,7 +7,27 @@
 namespace rotacasts::win32 {
 namespace {
 
-enum Property : DISPID { kNumber = DISPID_VALUE, kDescription = 1 };
+constexpr const char* kOwnSource = "tvxRT";
+
+struct PropertyRow {
+  const wchar_t* name;
+  Variant (*value)(const RuntimeError& error);
+};
+
+// A property's identifier is its place here, so the first one is the default one.
+constexpr PropertyRow kProperties[] = {
+    {L"Number", [](const RuntimeError& error) { return Variant(error.number); }},
+    {L"Source",
+     [](const RuntimeError& error) {
+       return Variant(error.source.empty() ? kOwnSource : error.source);
+     }},
+    {L"Description", [](const RuntimeError& error) { return Variant(error.description); }},
+    {L"HelpFile", [](const RuntimeError& error) { return Variant(error.helpFile); }},
+    {L"HelpContext", [](const RuntimeError& error) { return Variant(error.helpContext); }},
+    // The plugin takes no function of the system's for an error of its own.
+    {L"LastDllError", [](const RuntimeError&) { return Variant(std::int32_t{0}); }},
+};
+static_assert(DISPID_VALUE == 0);
 
 class ErrorObject final : public CountedObject<IDispatch> {
  public:
@@ -22,26 +42,19 @@ class ErrorObject final : public CountedObject<IDispatch> {
   }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                           DISPID* ids) override {
-    if (count != 1) return DISP_E_UNKNOWNNAME;
-    if (::_wcsicmp(names[0], L"Number") == 0) {
-      ids[0] = kNumber;
-    } else if (::_wcsicmp(names[0], L"Description") == 0) {
-      ids[0] = kDescription;
-    } else {
-      ids[0] = DISPID_UNKNOWN;
-      return DISP_E_UNKNOWNNAME;
+    for (UINT i = 0; i < count; ++i) ids[i] = DISPID_UNKNOWN;
+    for (std::size_t i = 0; i < std::size(kProperties); ++i) {
+      if (::_wcsicmp(names[0], kProperties[i].name) == 0) ids[0] = static_cast<DISPID>(i);
     }
-    return S_OK;
+    return ids[0] != DISPID_UNKNOWN && count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
   }
   HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS*,
                                    VARIANT* result, EXCEPINFO*, UINT*) override {
     if ((flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD)) == 0) return DISP_E_MEMBERNOTFOUND;
-    if (member != kNumber && member != kDescription) return DISP_E_MEMBERNOTFOUND;
+    if (static_cast<std::size_t>(member) >= std::size(kProperties)) return DISP_E_MEMBERNOTFOUND;
     if (result == nullptr) return S_OK;
     try {
-      const Variant value =
-          member == kNumber ? Variant(error_.number) : Variant(error_.description);
-      *result = ToVariant(value).Release();
+      *result = ToVariant(kProperties[member].value(error_)).Release();
       return S_OK;
     } catch (...) {
       return E_OUTOFMEMORY;

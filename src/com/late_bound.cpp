@@ -23,6 +23,9 @@ constexpr ResultRow kResults[] = {
     {DISP_E_TYPEMISMATCH, ErrorNumber::TypeMismatch},
     {DISP_E_OVERFLOW, ErrorNumber::Overflow},
     {DISP_E_BADINDEX, ErrorNumber::SubscriptOutOfRange},
+    {DISP_E_PARAMNOTFOUND, ErrorNumber::NoSuchNamedArgument},
+    {DISP_E_PARAMNOTOPTIONAL, ErrorNumber::ArgumentNotOptional},
+    {DISP_E_BADPARAMCOUNT, ErrorNumber::WrongNumberOfArguments},
     {E_OUTOFMEMORY, ErrorNumber::OutOfMemory},
     {E_INVALIDARG, ErrorNumber::InvalidProcedureCall},
     {OfSystem(ERROR_FILE_NOT_FOUND), ErrorNumber::FileNotFound},
@@ -32,22 +35,35 @@ constexpr ResultRow kResults[] = {
     {OfSystem(ERROR_ALREADY_EXISTS), ErrorNumber::FileAlreadyExists},
 };
 
+/// The words for an error that comes without: the run-time's own for its numbers, the system's for
+/// any other result code.
+std::string WordsFor(HRESULT result) {
+  constexpr const char* kOfAnApplication = "Application-defined or object-defined error";
+  const std::int32_t number = ErrorNumberOf(result);
+  const std::string_view own = DescriptionOf(number);
+  if (!own.empty()) return std::string(own);
+  return number > 0 ? kOfAnApplication : DescribeResult(result);
+}
+
 [[noreturn]] void RaiseResult(HRESULT result) {
-  for (const ResultRow& row : kResults) {
-    if (row.result == result) throw RuntimeError(row.number);
-  }
-  throw RuntimeError(ErrorNumberOf(result), DescribeResult(result));
+  throw RuntimeError(ErrorNumberOf(result), WordsFor(result));
 }
 
 /// Raises what an object says of its error, and takes it over.
 [[noreturn]] void RaiseException(EXCEPINFO& info) {
   if (info.pfnDeferredFillIn != nullptr) info.pfnDeferredFillIn(&info);
-  const std::int32_t number = info.wCode != 0 ? info.wCode : ErrorNumberOf(info.scode);
-  const std::string description = FromBstr(info.bstrDescription);
+  const HRESULT result = info.wCode != 0      ? ResultOf(info.wCode)
+                         : FAILED(info.scode) ? info.scode
+                                              : DISP_E_EXCEPTION;
+  RuntimeError error(ErrorNumberOf(result), FromBstr(info.bstrDescription));
+  error.source = FromBstr(info.bstrSource);
+  error.helpFile = FromBstr(info.bstrHelpFile);
+  error.helpContext = static_cast<std::int32_t>(info.dwHelpContext);
   ::SysFreeString(info.bstrSource);
   ::SysFreeString(info.bstrDescription);
   ::SysFreeString(info.bstrHelpFile);
-  throw RuntimeError(number, description.empty() ? DescribeResult(info.scode) : description);
+  if (error.description.empty()) error.description = WordsFor(result);
+  throw error;
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <set>
 
 #include "base/conversions.h"
+#include "com/error_object.h"
+#include "com/late_bound.h"
 #include "com/variant_conversion.h"
 #include "component/identities.h"
 #include "component/plugin_interface.h"
@@ -216,6 +218,72 @@ TEST_F(ComponentTest, CallsThatMakeNoSenseAreRefusedWithTheirReason) {
         << row.member << " with " << row.arguments.size();
   }
   EXPECT_TRUE(host.logged.empty() && user.boxes.empty());
+}
+
+/// A component whose one member fails.
+class FailingObject final : public win32::CountedObject<IDispatch> {
+ public:
+  FailingObject(HRESULT result, WORD code, HRESULT scode, const char* description)
+      : result_(result), code_(code), scode_(scode), description_(description) {}
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*,
+                                   EXCEPINFO* exception, UINT*) override {
+    if (result_ != DISP_E_EXCEPTION) return result_;
+    exception->wCode = code_;
+    exception->scode = scode_;
+    exception->bstrDescription = Bstr(description_).Release();
+    exception->bstrSource = Bstr("tvxZDL").Release();
+    exception->bstrHelpFile = Bstr("C:\\zdl.chm").Release();
+    exception->dwHelpContext = 1234;
+    return result_;
+  }
+
+ private:
+  const HRESULT result_;
+  const WORD code_;
+  const HRESULT scode_;
+  const std::string description_;
+};
+
+TEST(LateBound, AComponentsErrorReachesTheErrorObjectWithAllThatItTells) {
+  using Row = std::tuple<HRESULT, WORD, HRESULT, const char*, std::int32_t, const char*>;
+  const HRESULT ofItsOwn = static_cast<HRESULT>(0x80040201);
+  for (const auto& [result, code, scode, description, number, words] :
+       {Row{DISP_E_EXCEPTION, 0, ofItsOwn, " Gr\xC3\xBC\xC3\x9F\r\n", ofItsOwn,
+            " Gr\xC3\xBC\xC3\x9F\r\n"},
+        Row{DISP_E_EXCEPTION, 13, 0, "", 13, "Type mismatch"},
+        Row{DISP_E_EXCEPTION, 0, win32::ResultOf(76), "", 76, "Path not found"},
+        Row{DISP_E_EXCEPTION, 1001, 0, "", 1001, "Application-defined or object-defined error"},
+        Row{DISP_E_PARAMNOTFOUND, 0, 0, "", 448, "Named argument not found"},
+        Row{DISP_E_PARAMNOTOPTIONAL, 0, 0, "", 449, "Argument not optional"},
+        Row{DISP_E_BADPARAMCOUNT, 0, 0, "", 450,
+            "Wrong number of arguments or invalid property assignment"}}) {
+    const win32::LateBound component(
+        ComPtr<IDispatch>::Take(new FailingObject(result, code, scode, description)));
+    std::optional<RuntimeError> raised;
+    try {
+      component.Invoke(1, nullptr, 0);
+    } catch (const RuntimeError& error) {
+      raised = error;
+    }
+    ASSERT_TRUE(raised) << number;
+    const bool tells = result == DISP_E_EXCEPTION;
+    const std::pair<const char*, Variant> properties[] = {{"Number", number},
+                                                          {"Source", tells ? "tvxZDL" : "tvxRT"},
+                                                          {"Description", words},
+                                                          {"HelpFile", tells ? "C:\\zdl.chm" : ""},
+                                                          {"HelpContext", tells ? 1234 : 0},
+                                                          {"LastDllError", 0}};
+    const win32::LateBound object(win32::MakeErrorObject(*raised));
+    for (const auto& [name, value] : properties) {
+      EXPECT_EQ(win32::FromVariant(win32::Member(object, name)().Get()), value) << name << number;
+    }
+    EXPECT_EQ(win32::FromVariant(object.Invoke(DISPID_VALUE, nullptr, 0).Get()), Variant(number));
+  }
 }
 
 /// Refuses to create windows of the form's class while it lives.
