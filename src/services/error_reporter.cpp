@@ -8,7 +8,7 @@ namespace {
 
 // An error box runs a message loop in which the timers go on, so a fault that comes back with every
 // tick would pile up box upon box, unanswered, until the host's stack is gone. Beyond this many
-// open boxes an error is logged and reported only.
+// open boxes an error is logged and reported only. Any other box says what nothing else says.
 constexpr int kMostOpenBoxes = 8;
 
 constexpr const char* kReportSent = "\r\n\r\nError Report Sent: Yes";
@@ -44,7 +44,7 @@ void ErrorReporter::ReportError(ReportKind kind, const std::string& text, const 
   try {
     services_.Utility().LogError(kModuleFile, incident.procedure, incident.error, incident.line);
   } catch (...) {  // without a log the administrator's box is all that is left
-    if (!quiet) Show(incident.text + kReportNotWanted, "DLL Error!");
+    if (!quiet) ShowError(incident.text + kReportNotWanted);
     return;
   }
   try {
@@ -62,7 +62,7 @@ void ErrorReporter::ReportIncident(Incident& incident, bool quiet) {
   ResumeNext({ErrorNumber::SubscriptOutOfRange},
              [&] { wanted = services_.Utility().GetIniKey("Settings", "ReportErrors", path); });
   incident.text += ToDouble(wanted) == 1 ? SendReport(incident) : kReportNotWanted;
-  if (!quiet) Show(incident.text, "DLL Error!");
+  if (!quiet) ShowError(incident.text);
 }
 
 std::string ErrorReporter::SendReport(const Incident& incident) {
@@ -79,9 +79,11 @@ std::string ErrorReporter::SendReport(const Incident& incident) {
 }
 
 void ErrorReporter::Show(const std::string& text, const std::string& title) {
-  if (services_.Toolkit().OpenMessageBoxes() < kMostOpenBoxes) {
-    services_.Toolkit().ShowMessageBox(text, title);
-  }
+  services_.Toolkit().ShowMessageBox(text, title);
+}
+
+void ErrorReporter::ShowError(const std::string& text) {
+  if (services_.Toolkit().OpenMessageBoxes() < kMostOpenBoxes) Show(text, "DLL Error!");
 }
 
 }  // namespace rotacasts

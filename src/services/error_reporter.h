@@ -34,6 +34,7 @@ class ErrorReporter {
   void ReportIncident(Incident& incident, bool quiet);
   std::string SendReport(const Incident& incident);
   void Show(const std::string& text, const std::string& title);
+  void ShowError(const std::string& text);
 
   HostServices& services_;
   ProfileTables& tables_;
