@@ -111,7 +111,7 @@ TEST_F(ErrorReporterTest, StartUpGoesOnWithoutTheComponentsThatFail) {
   EXPECT_EQ(std::count(host.calls.begin(), host.calls.end(), "create memory component"), 0);
   ASSERT_FALSE(host.boxes.empty());
   EXPECT_EQ(host.boxes.front(),
-            "DLL Error!|Error Line: 1\r\nError 429: ActiveX component can't create object\r\n"
+            "DLL Error!|Error Line: 3\r\nError 429: ActiveX component can't create object\r\n"
             "DLL: tvxRT.dll\r\nFunction/Sub: Main\r\n\r\nError Report Sent: No");
   EXPECT_NE(host.boxes.back().find("Error 91: "), std::string::npos) << host.boxes.back();
   testing::PluginHarness lacking;

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "com/com_support.h"
+#include "com/entry.h"
 #include "com/registry.h"
 #include "com/windows_api.h"
 #include "component/plugin_object.h"
@@ -34,6 +35,7 @@ class ClassFactory final : public IClassFactory {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    const Entry entry;
     try {
       const auto created = ComPtr<_clsPlugin>::Take(new PluginObject());
       return created->QueryInterface(id, object);

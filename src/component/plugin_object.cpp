@@ -1,6 +1,7 @@
 #include "component/plugin_object.h"
 
 #include "base/conversions.h"
+#include "com/entry.h"
 #include "com/late_bound.h"
 #include "component/member_table.h"
 #include "component/server.h"
@@ -27,9 +28,10 @@ HRESULT AnswerError(const RuntimeError& error) {
   return FAILED(result) ? result : E_FAIL;
 }
 
-/// Runs a body; nothing thrown leaves it, but becomes the caller's error information.
+/// Runs a member's body; nothing thrown leaves it, but becomes the caller's error information.
 template <class Body>
 HRESULT Contain(Body&& body) {
+  const Entry entry;
   try {
     body();
     return S_OK;

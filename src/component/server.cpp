@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "com/entry.h"
+
 namespace rotacasts::win32 {
 namespace {
 
@@ -39,10 +41,11 @@ PluginState& Server::State() {
 }
 
 bool Server::CanUnload() {
-  if (holds_ > 0) return false;
+  if (holds_ > 0 || Entry::IsAnyUnderWay()) return false;
   if (composition_ && composition_->state.window.IfLoaded()) return false;
+  const Entry entry;  // a component that is let go of may run a message loop
   composition_.reset();
-  return true;
+  return holds_ == 0 && !composition_;
 }
 
 }  // namespace rotacasts::win32

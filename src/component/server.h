@@ -25,8 +25,9 @@ class Server {
   /// Counts what keeps the DLL loaded: its objects, and locks of the class factory.
   void Hold() { ++holds_; }
   void Drop() { --holds_; }
-  /// Whether the DLL can be unloaded: nothing holds it and no settings window is open, so nothing
-  /// broadcasts. The state is given back then; a later use starts anew.
+  /// Whether the DLL can be unloaded: nothing holds it, no call of it is on the stack, and no
+  /// settings window is open, so nothing broadcasts. The state is given back then; a later use
+  /// starts anew.
   bool CanUnload();
 
  private:

@@ -48,7 +48,9 @@ Preview::Preview(HostProfiles& profiles)
     : profiles_(profiles),
       toolkit_(timers_),
       components_(std::make_unique<Components>(profiles, problem_)),
-      state_({profiles.Components(), *components_, profiles.Components().Clock(), toolkit_}) {}
+      state_({profiles.Components(), *components_, profiles.Components().Clock(), toolkit_}) {
+  state_.Main();
+}
 
 void Preview::Describe(const ProfileSettings& profile) {
   problem_.clear();

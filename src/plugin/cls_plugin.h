@@ -10,12 +10,12 @@
 namespace rotacasts {
 
 /// The members of the dispatch interface _clsPlugin, called by the host on its user-interface
-/// thread once PluginState exists. Every object shares that one state. Errors are reported, not
+/// thread. Every object shares the one state, which the first one starts. Errors are reported, not
 /// passed to the host; only HideInterface, and GetMessagesRem where it says so, let them through.
 /// Arguments named fName are accepted and not used.
 class clsPlugin {
  public:
-  explicit clsPlugin(PluginState& state) : state_(state) {}
+  explicit clsPlugin(PluginState& state) : state_(state) { state_.Main(); }
 
   /// The plugin's descriptor; needs nothing set up, like GetPrivis.
   PLUGIN GetData() const { return DescribePlugin(state_.services.Version()); }

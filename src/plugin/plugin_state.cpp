@@ -1,5 +1,7 @@
 #include "plugin/plugin_state.h"
 
+#include <utility>
+
 namespace rotacasts {
 
 PluginState::PluginState(Platform platform)
@@ -18,18 +20,21 @@ PluginState::PluginState(Platform platform)
       remote(services, tables, reporter, store, window,
              [this](std::int32_t index, const Variant& PDAT) {
                profiles.SetProfileData(index, PDAT);
-             }) {
-  Main();
-}
+             }) {}
 
 PluginState::~PluginState() {
   window.Unload();
 }
 
 void PluginState::Main() {
+  if (std::exchange(isStarted_, true)) return;
   Guard(reporter, {"Main", tables.currentWindowProfile}, [&](Step& at) {
     at(1);
-    services.Start();
+    services.FindHostFolder();
+    at(3);
+    services.CreateUtility();
+    at(4);
+    services.CreateMemory();
   });
 }
 

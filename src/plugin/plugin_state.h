@@ -12,12 +12,15 @@ namespace rotacasts {
 /// to outlives it.
 class PluginState {
  public:
-  /// Runs start-up. An error is reported under "Main"; the plugin then lives on without what
-  /// failed.
   explicit PluginState(Platform platform);
   ~PluginState();
   PluginState(const PluginState&) = delete;
   PluginState& operator=(const PluginState&) = delete;
+
+  /// Start-up, before anything else is asked for; once, whatever comes again. An error is reported
+  /// under "Main", in a box within which the host may create a further object of this state; the
+  /// plugin then lives on without what failed.
+  void Main();
 
   ProfileTables tables;
   HostServices services;
@@ -32,7 +35,7 @@ class PluginState {
   RemoteCommands remote;
 
  private:
-  void Main();
+  bool isStarted_ = false;
 };
 
 }  // namespace rotacasts

@@ -26,9 +26,15 @@ std::string FormatVersion(const ModuleVersion& version) {
          std::to_string(version.revision);
 }
 
-void HostServices::Start() {
+void HostServices::FindHostFolder() {
   hostFolder_ = HostFolderOf(platform_.module.Folder());
+}
+
+void HostServices::CreateUtility() {
   utility_ = platform_.components.CreateUtility();
+}
+
+void HostServices::CreateMemory() {
   memory_ = platform_.components.CreateMemory();
 }
 

@@ -17,9 +17,11 @@ class HostServices {
  public:
   explicit HostServices(Platform platform) : platform_(platform) {}
 
-  /// Works out the host folder from the module's own folder and creates the utility component, then
-  /// the memory component. Raises whatever fails first; what follows it stays undone.
-  void Start();
+  // The steps of start-up, in this order. Each raises what fails; what follows it stays undone.
+  /// Works out the host folder from the module's own folder.
+  void FindHostFolder();
+  void CreateUtility();
+  void CreateMemory();
 
   /// The host's installation folder, without a trailing backslash: the root of every path.
   const std::string& HostFolder() const { return hostFolder_; }

@@ -1,6 +1,7 @@
 // What every window procedure does around its body.
 #pragma once
 
+#include "com/entry.h"
 #include "com/windows_api.h"
 
 namespace rotacasts::win32 {
@@ -8,6 +9,7 @@ namespace rotacasts::win32 {
 /// Runs a window procedure's body; nothing thrown leaves it.
 template <class Body>
 LRESULT Contained(Body&& body) {
+  const Entry entry;
   try {
     return body();
   } catch (...) {
