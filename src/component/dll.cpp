@@ -64,10 +64,17 @@ HRESULT RegisterTypes(const std::wstring& file) {
 
 using namespace rotacasts::win32;
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
+namespace __gnu_cxx {
+void __freeres();  // what the library keeps to throw from when memory is out, for a module's life
+}
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* processEnds) {
   if (reason == DLL_PROCESS_ATTACH) {
     ::DisableThreadLibraryCalls(module);
     Server::Attach(module);
+  } else if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
+    Server::Detach();
+    __gnu_cxx::__freeres();
   }
   return TRUE;
 }

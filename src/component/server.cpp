@@ -1,13 +1,14 @@
 #include "component/server.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include "com/entry.h"
 
 namespace rotacasts::win32 {
 namespace {
 
-// Never destroyed: when the DLL is taken out with its process there is nobody left to release to.
+// Stays when the DLL is taken out with its process: there is nobody left to release to.
 Server* theServer = nullptr;
 
 constexpr std::int32_t kMinute = 60000;  // milliseconds
@@ -28,6 +29,10 @@ Server& Server::Get() {
 
 void Server::Attach(HINSTANCE module) {
   theServer = new Server(module);
+}
+
+void Server::Detach() {
+  if (!theServer->composition_) delete std::exchange(theServer, nullptr);
 }
 
 Server::Composition::Composition(HINSTANCE instance)

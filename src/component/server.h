@@ -17,6 +17,8 @@ class Server {
   /// The server of this process; `Attach` has been called when the DLL was loaded.
   static Server& Get();
   static void Attach(HINSTANCE module);
+  /// The DLL is being unloaded, and the process lives on.
+  static void Detach();
 
   HINSTANCE Module() const { return module_; }
   /// The plugin's state; made, and the plugin started, at the first use.

@@ -86,5 +86,57 @@ TEST_F(LifetimeTest, StartsOnceAlsoWhereAnObjectIsCreatedInsideTheBoxOfItsStart)
   EXPECT_NE(Form(), nullptr);
 }
 
+/// A second copy of the DLL in this process, loaded and taken out as COM does.
+class LoadedCopy {
+ public:
+  explicit LoadedCopy(const testing::InstalledPlugin& installed)
+      : file_(installed.HostFolder() + "\\Plugins\\copy.dll") {
+    if (!std::filesystem::exists(file_)) std::filesystem::copy_file(installed.File(), file_);
+    module_ = ::LoadLibraryW(win32::ToWide(file_).c_str());
+  }
+  ~LoadedCopy() {
+    EXPECT_EQ(testing::CallEntryOf(module_, "DllCanUnloadNow"), S_OK);
+    ::FreeLibrary(module_);
+  }
+  win32::LateBound Create() const {
+    CLSID id;
+    ::CLSIDFromString(win32::kClassIdText, &id);
+    win32::ComPtr<IClassFactory> factory;
+    win32::ComPtr<IDispatch> object;
+    testing::CallEntryOf<const CLSID&, const IID&, void**>(
+        module_, "DllGetClassObject", id, IID_IClassFactory, factory.ReceiveVoid());
+    factory->CreateInstance(nullptr, IID_IDispatch, object.ReceiveVoid());
+    return win32::LateBound(object);
+  }
+
+ private:
+  const std::string file_;
+  HMODULE module_;
+};
+
+/// The number of an error that is raised and handled inside the DLL.
+int ErrorInside(const win32::LateBound& plugin) {
+  return testing::ErrorOf(
+      [&] { win32::Member(plugin, "DisableProfile")(win32::TextArgument("no number")); });
+}
+
+TEST_F(LifetimeTest, HandlesItsErrorsBesideAnotherComponentsRuntimeLibrary) {
+  const HMODULE library = ::LoadLibraryA(ANOTHERS_LIBRARY);
+  ASSERT_NE(library, nullptr);
+  EXPECT_EQ(ErrorInside(LoadedCopy(installed).Create()), 13);
+  ::FreeLibrary(library);
+}
+
+TEST_F(LifetimeTest, LeavesNothingInTheProcessThatItIsTakenOutOf) {
+  constexpr int kLives = 120;
+  constexpr int kToWarmUp = 20;
+  SIZE_T before = 0;
+  for (int life = 0; life < kLives; ++life) {
+    if (life == kToWarmUp) before = PrivateBytes();
+    EXPECT_EQ(ErrorInside(LoadedCopy(installed).Create()), 13);
+  }
+  EXPECT_LT(PrivateBytes(), before + (kLives - kToWarmUp) * 256);
+}
+
 }  // namespace
 }  // namespace rotacasts

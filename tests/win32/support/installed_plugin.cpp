@@ -41,10 +41,4 @@ InstalledPlugin::~InstalledPlugin() {
   fs::remove_all(hostFolder_, ignored);
 }
 
-HRESULT InstalledPlugin::CallEntry(const char* name) const {
-  const FARPROC entry = ::GetProcAddress(module_, name);
-  if (entry == nullptr) return E_NOTIMPL;
-  return reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(entry))();
-}
-
 }  // namespace rotacasts::testing

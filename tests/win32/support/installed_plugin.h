@@ -7,6 +7,14 @@
 
 namespace rotacasts::testing {
 
+template <class... Arguments>
+HRESULT CallEntryOf(HMODULE module, const char* name, Arguments... arguments) {
+  const FARPROC entry = ::GetProcAddress(module, name);
+  if (entry == nullptr) return E_NOTIMPL;
+  return reinterpret_cast<HRESULT(WINAPI*)(Arguments...)>(reinterpret_cast<void*>(entry))(
+      arguments...);
+}
+
 /// Copies the DLL that lies beside the test program into a host folder, and registers it for as
 /// long as the object lives. The folders of the profiles 1 to 3 are there, each with an empty
 /// message file.
@@ -20,8 +28,11 @@ class InstalledPlugin {
   /// Without a trailing backslash.
   const std::string& HostFolder() const { return hostFolder_; }
   std::string File() const { return hostFolder_ + "\\Plugins\\tvxRT.dll"; }
-  /// Calls an entry point without arguments.
-  HRESULT CallEntry(const char* name) const;
+  /// Calls an entry point; E_NOTIMPL when there is none of that name.
+  template <class... Arguments>
+  HRESULT CallEntry(const char* name, Arguments... arguments) const {
+    return CallEntryOf(module_, name, arguments...);
+  }
 
   /// A new object of the plugin's class, by its programmatic identifier.
   static win32::LateBound Create() { return win32::LateBound::Create("tvxRT.clsPlugin"); }
