@@ -90,6 +90,13 @@ STDAPI DllCanUnloadNow() {
   return Server::Get().CanUnload() ? S_OK : S_FALSE;
 }
 
+/// Shortens the minute of the timers that are set from now on, so that a run can be watched. No
+/// part of the component: the stand-alone host calls it by its name, and no other host knows it.
+STDAPI RotacastsShortenMinute(LONG milliseconds) {
+  Server::Get().ShortenMinute(milliseconds);
+  return S_OK;
+}
+
 STDAPI DllRegisterServer() {
   try {
     const std::wstring file = ToWide(LoadedModule(Server::Get().Module()).File());

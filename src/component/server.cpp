@@ -1,6 +1,5 @@
 #include "component/server.h"
 
-#include <cstdlib>
 #include <utility>
 
 #include "com/entry.h"
@@ -10,16 +9,6 @@ namespace {
 
 // Stays when the DLL is taken out with its process: there is nobody left to release to.
 Server* theServer = nullptr;
-
-constexpr std::int32_t kMinute = 60000;  // milliseconds
-
-/// How long a timer's minute lasts. The environment can shorten it so that a run can be watched.
-std::int32_t MinuteLength() {
-  wchar_t text[16];
-  const DWORD size = ::GetEnvironmentVariableW(L"ROTACASTS_MINUTE_MS", text, 16);
-  const long length = size > 0 && size < 16 ? std::wcstol(text, nullptr, 10) : 0;
-  return length > 0 && length < kMinute ? static_cast<std::int32_t>(length) : kMinute;
-}
 
 }  // namespace
 
@@ -36,13 +25,15 @@ void Server::Detach() {
 }
 
 Server::Composition::Composition(HINSTANCE instance)
-    : module(instance),
-      toolkit(instance, MinuteLength()),
-      state(Platform{module, components, clock, toolkit}) {}
+    : module(instance), toolkit(instance), state(Platform{module, components, clock, toolkit}) {}
 
 PluginState& Server::State() {
   if (!composition_) composition_ = std::make_unique<Composition>(module_);
   return composition_->state;
+}
+
+void Server::ShortenMinute(std::int32_t milliseconds) {
+  if (composition_) composition_->toolkit.ShortenMinute(milliseconds);
 }
 
 bool Server::CanUnload() {

@@ -23,6 +23,8 @@ class Server {
   HINSTANCE Module() const { return module_; }
   /// The plugin's state; made, and the plugin started, at the first use.
   PluginState& State();
+  /// How long a minute of the timers lasts that are set from now on, until the state is given back.
+  void ShortenMinute(std::int32_t milliseconds);
 
   /// Counts what keeps the DLL loaded: its objects, and locks of the class factory.
   void Hold() { ++holds_; }

@@ -38,13 +38,9 @@ class RealWindowTest : public ComponentTest {
     ::UpdateWindow(Form());
     PumpWaiting();
   }
-  /// A plugin whose minute lasts this many milliseconds.
-  void ShortenTheMinute(const wchar_t* milliseconds) {
-    plugin.reset();
-    EXPECT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK);
-    ::SetEnvironmentVariableW(L"ROTACASTS_MINUTE_MS", milliseconds);
-    plugin.emplace(testing::InstalledPlugin::Create());
-    ::SetEnvironmentVariableW(L"ROTACASTS_MINUTE_MS", nullptr);
+  /// A minute of this plugin's lasts this many milliseconds.
+  void ShortenTheMinute(LONG milliseconds) const {
+    EXPECT_EQ(installed.CallEntry("RotacastsShortenMinute", milliseconds), S_OK);
   }
   /// Clicks a row of the list with the right button.
   void RightClickRow(int row) const {
@@ -354,7 +350,7 @@ TEST_F(RealWindowTest, TheKeyboardFindsItsWay) {
 }
 
 TEST_F(RealWindowTest, TheTimerBroadcastsAlsoWhileTheWindowIsHiddenUntilTheProfileIsDisabled) {
-  ShortenTheMinute(L"20");
+  ShortenTheMinute(20);
   host.longs[kGameState] = 2;
   Show({"a", "b"});
   EXPECT_TRUE(PumpUntil([&] { return host.sent.size() >= 3; }));
@@ -377,7 +373,7 @@ TEST_F(RealWindowTest, TheTimerBroadcastsAlsoWhileTheWindowIsHiddenUntilTheProfi
 }
 
 TEST_F(RealWindowTest, AWindowThatItsParentTookAlongIsMadeAnew) {
-  ShortenTheMinute(L"20");
+  ShortenTheMinute(20);
   host.longs[kGameState] = 2;
   Show({"a"});
   const HWND lost = Form();

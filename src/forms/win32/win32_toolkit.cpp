@@ -28,8 +28,7 @@ void RestoreFocus(HWND window) {
 
 }  // namespace
 
-Win32Toolkit::Win32Toolkit(HINSTANCE module, std::int32_t minute)
-    : module_(module), minute_(minute) {
+Win32Toolkit::Win32Toolkit(HINSTANCE module) : module_(module), minute_(kMinute) {
   Win32FormView::RegisterClasses(module_);
 }
 
@@ -65,6 +64,10 @@ void Win32Toolkit::SetParent(forms::WindowHandle child, forms::WindowHandle newP
   ::SetWindowLongW(window, GWL_STYLE,
                    static_cast<LONG>((static_cast<DWORD>(style) & ~WS_POPUP) | WS_CHILD));
   ::SetParent(window, Window(newParent));
+}
+
+void Win32Toolkit::ShortenMinute(std::int32_t milliseconds) {
+  minute_ = std::clamp(milliseconds, std::int32_t{1}, kMinute);
 }
 
 UINT Win32Toolkit::Stretch(std::int32_t milliseconds) const {

@@ -9,9 +9,7 @@ namespace rotacasts::win32 {
 class Win32Toolkit final : public forms::Toolkit {
  public:
   /// `module` is what the window classes are registered for: the DLL's, so that they go with it.
-  /// `minute` is how long a minute of a timer lasts, in milliseconds; another length than a
-  /// minute's lets a long run be watched.
-  explicit Win32Toolkit(HINSTANCE module, std::int32_t minute = 60000);
+  explicit Win32Toolkit(HINSTANCE module);
   ~Win32Toolkit() override;
 
   std::shared_ptr<forms::FormView> CreateView(forms::Form& form) override;
@@ -21,6 +19,8 @@ class Win32Toolkit final : public forms::Toolkit {
   void SetParent(forms::WindowHandle child, forms::WindowHandle newParent) override;
 
   HINSTANCE Module() const { return module_; }
+  /// How long a minute lasts of the timers that are set from now on, so that a run can be watched.
+  void ShortenMinute(std::int32_t milliseconds);
   /// A timer interval by the length of a minute, at least the shortest that timers have.
   UINT Stretch(std::int32_t milliseconds) const;
 
@@ -29,7 +29,7 @@ class Win32Toolkit final : public forms::Toolkit {
 
  private:
   const HINSTANCE module_;
-  const std::int32_t minute_;
+  std::int32_t minute_;      // milliseconds
   HWND lastForm_ = nullptr;  // what a message box lies over
 };
 

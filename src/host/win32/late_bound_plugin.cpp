@@ -52,6 +52,16 @@ LateBoundPlugin::~LateBoundPlugin() {
   ::CoFreeUnusedLibrariesEx(0, 0);  // the plugin lets go of its siblings while they are there
 }
 
+void LateBoundPlugin::ShortenMinute(std::chrono::nanoseconds minute) {
+  const HMODULE module = ::GetModuleHandleW(kModule);
+  const FARPROC entry =
+      module != nullptr ? ::GetProcAddress(module, "RotacastsShortenMinute") : nullptr;
+  if (entry == nullptr) throw Complaint("the registered plugin's minute cannot be shortened");
+  const auto length = std::chrono::duration_cast<std::chrono::milliseconds>(minute).count();
+  reinterpret_cast<HRESULT(WINAPI*)(LONG)>(reinterpret_cast<void*>(entry))(
+      static_cast<LONG>(length));
+}
+
 void LateBoundPlugin::LoadInterface(std::int32_t index, forms::WindowHandle parent,
                                     const Variant& data) {
   Member(object_, "LoadInterface")(NumberArgument(index),

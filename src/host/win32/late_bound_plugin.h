@@ -1,6 +1,8 @@
 // The plugin as the component tvxRT.clsPlugin, called by member name like any host calls it.
 #pragma once
 
+#include <chrono>
+
 #include "com/late_bound.h"
 #include "host/components/ini_files.h"
 #include "host/hosted_plugin.h"
@@ -14,6 +16,10 @@ class LateBoundPlugin final : public HostedPlugin {
   /// `files` are those that the siblings work on; they outlive the plugin.
   LateBoundPlugin(const std::string& hostFolder, IniFiles& files);
   ~LateBoundPlugin() override;
+
+  /// How long a minute lasts of the timers that are set from now on. Error 5 for a plugin that
+  /// knows no such thing.
+  void ShortenMinute(std::chrono::nanoseconds minute);
 
   void LoadInterface(std::int32_t index, forms::WindowHandle parent, const Variant& data) override;
   void HideInterface() override;

@@ -1,6 +1,5 @@
 #include "host/run_host.h"
 
-#include <algorithm>
 #include <atomic>
 
 #include "host/console.h"
@@ -28,14 +27,6 @@ BOOL WINAPI CloseFrame(DWORD) {
   return ::PostMessageW(frameToClose, WM_CLOSE, 0, 0);
 }
 
-/// The plugin's timers take the length of a minute from the environment.
-void TellMinute(std::chrono::nanoseconds minute) {
-  if (minute == std::chrono::minutes(1)) return;
-  const auto length = std::chrono::duration_cast<std::chrono::milliseconds>(minute).count();
-  const std::wstring text = std::to_wstring(std::max<std::int64_t>(length, 1));
-  ::SetEnvironmentVariableW(L"ROTACASTS_MINUTE_MS", text.c_str());
-}
-
 std::vector<FrameWindow::Row> RowsOf(const HostProfiles& profiles) {
   std::vector<FrameWindow::Row> rows;
   for (const auto& [index, profile] : profiles.All()) {
@@ -49,12 +40,12 @@ std::vector<FrameWindow::Row> RowsOf(const HostProfiles& profiles) {
 
 void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
   const Apartment apartment;
-  TellMinute(options.minute);
   const auto memory = profiles.Components().CreateMemory();
   const auto utility = profiles.Components().CreateUtility();
   const SiblingRegistration siblings(*memory, *utility);
   FrameWindow frame(RowsOf(profiles));
   LateBoundPlugin plugin(options.folder, profiles.Components().Files());
+  if (options.minute != std::chrono::minutes(1)) plugin.ShortenMinute(options.minute);
   ServerHost host(profiles, plugin, frame, options);
   Console console(host, out);
   frame.onChoose = [&](std::int32_t profile) { host.Show(profile); };
