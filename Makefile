@@ -64,7 +64,7 @@ package: ## all that is given away, for Windows and for Debian, with checksums: 
 	@scripts/quietly cpack --config build/release/CPackConfig.cmake -B build/release/package
 	@cp build/release/package/*.deb build/package/
 	@scripts/quietly cmake --preset windows
-	@scripts/quietly cmake --build --preset windows --target tvxRT help_file rotacasts-host game-server-sim
+	@scripts/quietly cmake --build --preset windows --target tvxRT help_file list-types rotacasts-host game-server-sim
 	@scripts/package build/windows build/package >/dev/null
 	@cd build/package && sha256sum -- * >SHA256SUMS && cat SHA256SUMS
 
