@@ -7,7 +7,8 @@
 
 #include "base/text.h"
 #include "broadcast/placeholders.h"
-#include "host/terminal.h"
+#include "host/web/call.h"
+#include "host/web/live_events.h"
 #include "host/web/page_files.h"
 
 namespace rotacasts::host::web {
@@ -17,7 +18,6 @@ using nlohmann::json;
 namespace {
 
 constexpr const char* kCookie = "rotacasts";
-constexpr auto kQuiet = std::chrono::seconds(15);
 
 enum class Need { Nothing, Session, ChangeMessages, ChangeSettings };
 
@@ -57,69 +57,6 @@ json DescriptionOf(const Admin& admin) {
 }
 
 }  // namespace
-
-/// An answer that is no.
-struct Api::Refusal {
-  unsigned status;
-  std::string error;  // for programs
-  std::string words;  // for people
-  std::vector<std::pair<std::string, std::string>> headers = {};
-
-  operator Response() const {
-    return {status, "application/json", web::ToText({{"error", error}, {"words", words}}), headers};
-  }
-};
-
-/// A request that has found its route.
-struct Api::Call {
-  const std::shared_ptr<Exchange>& exchange;
-  std::int32_t profile = 0;
-  Admin admin = {};
-  json body = {};
-
-  const Request& Asked() const { return exchange->Asked(); }
-  void Answer(const json& value) const {
-    exchange->Answer({200, "application/json", web::ToText(value)});
-  }
-
-  template <class T>
-  T Field(const char* name, bool (json::*isKind)() const noexcept, const char* kind) const {
-    const auto found = body.find(name);
-    if (found != body.end() && ((*found).*isKind)()) return found->get<T>();
-    throw Refusal{400, "form", std::string("\"") + name + "\" has to be " + kind};
-  }
-  std::string Text(const char* name) const {
-    return Field<std::string>(name, &json::is_string, "a text");
-  }
-  bool Truth(const char* name) const {
-    return Field<bool>(name, &json::is_boolean, "true or false");
-  }
-  std::int32_t Number(const char* name) const {
-    const auto number = Field<std::int64_t>(name, &json::is_number_integer, "a whole number");
-    if (number < 0 || number > INT32_MAX)
-      throw Refusal{400, "form", "the number is too large or negative"};
-    return static_cast<std::int32_t>(number);
-  }
-  /// A text that players could be sent: one line of letters that the message file holds.
-  std::string Message() const {
-    const std::string text(TrimSpaces(Text("text")));
-    if (text.empty()) throw Refusal{422, "refused", "there is no text"};
-    const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == 127; };
-    if (std::any_of(text.begin(), text.end(), isControl)) {
-      throw Refusal{422, "refused", "a message is one line"};
-    }
-    ToWindows1252(text);
-    return text;
-  }
-  /// The position that the request names, if the message there is still the one that it saw.
-  std::int32_t SeenPosition(const MessageList& list) const {
-    const std::int32_t position = Number("position");
-    const std::string seen = Text("text");
-    const auto at = static_cast<std::size_t>(position);
-    if (at < list.messages.size() && list.messages[at].text == seen) return position;
-    throw Refusal{409, "changed", "the list has changed meanwhile; nothing was done"};
-  }
-};
 
 struct Api::Route {
   const char* method;
@@ -162,66 +99,10 @@ const Api::Route Api::kRoutes[] = {
     {"PUT", "/api/profiles/*/interval", Need::ChangeSettings, &Api::SetInterval},
 };
 
-/// What one open page follows: every row that its person sees, and one profile's details.
-class Api::Live final : public EventSource {
- public:
-  Live(Api& api, std::string token, std::int32_t profile)
-      : api_(api), token_(std::move(token)), profile_(profile) {}
-
-  std::string Next() override {
-    const auto admin = api_.sessions_.Find(token_, api_.People());
-    if (!admin) {
-      if (std::exchange(isOver_, true)) return {};
-      return "event: end\ndata: {}\n\n";
-    }
-    std::string events;
-    const auto add = [&](const char* event, const Snapshots::Text& text) {
-      if (text.change <= seen_) return;
-      events += std::string("event: ") + event + "\ndata: " + text.json + "\n\n";
-    };
-    AddDetails(*admin, add);
-    for (const auto& [index, row] : api_.snapshots_.LatestRows()) {
-      if (!admin->Sees(index)) continue;
-      if (!row.json.empty()) {
-        add("profile", row);
-      } else if (seen_ > 0) {
-        add("gone", {std::to_string(index), row.change});
-      }
-    }
-    if (seen_ == 0) events += "event: ready\ndata: {}\n\n";
-    seen_ = std::max<std::int64_t>(api_.snapshots_.Change(), 1);
-    return events.empty() ? Quiet() : Spoken(std::move(events));
-  }
-  bool IsOver() const override { return isOver_; }
-
- private:
-  template <class Add>
-  void AddDetails(const Admin& admin, const Add& add) try {
-    if (profile_ == 0 || !admin.Sees(profile_)) return;
-    add("messages", api_.snapshots_.MessagesOf(profile_));
-    const Snapshots::Text& log = api_.snapshots_.LogOf(profile_);
-    if (admin.seesAll || !api_.isLogShared_) add("log", log);
-  } catch (const RuntimeError&) {  // it is gone, and its row says so
-  }
-  /// A word now and then, by which a connection that is broken is noticed.
-  std::string Quiet() {
-    return Clock::now() - spokenAt_ < kQuiet ? "" : Spoken("event: still\ndata: {}\n\n");
-  }
-  std::string Spoken(std::string words) {
-    spokenAt_ = Clock::now();
-    return words;
-  }
-
-  Api& api_;
-  const std::string token_;
-  const std::int32_t profile_;
-  std::int64_t seen_ = 0;
-  Clock::time_point spokenAt_;
-  bool isOver_ = false;
-};
-
-Api::Api(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out)
+Api::Api(EventLoop& loop, ServerHost& host, const HostOptions& options, Sessions& sessions,
+         std::ostream& out)
     : host_(host),
+      sessions_(sessions),
       out_(out),
       isLogShared_(options.sharedLog),
       admins_(host.Profiles().Folder()),
@@ -384,8 +265,10 @@ void Api::Follow(Call& call) {
   std::int32_t profile = 0;
   std::from_chars(word.data(), word.data() + word.size(), profile);
   snapshots_.FreshRows();
-  call.exchange->AnswerBitByBit(
-      std::make_unique<Live>(*this, call.Asked().Cookie(kCookie), profile));
+  call.exchange->AnswerBitByBit(std::make_unique<LiveEvents>(
+      snapshots_,
+      [this, token = call.Asked().Cookie(kCookie)] { return sessions_.Find(token, People()); },
+      profile, isLogShared_));
 }
 
 void Api::Preview(Call& call) {
@@ -394,61 +277,6 @@ void Api::Preview(Call& call) {
   auto& previews = host_.Previews();
   const auto now = previews.TextOf(profile, previews.GameOf(profile), text);
   call.Answer({{"says", now.says}, {"problem", now.problem}, {"live", IsPlaceholder(text)}});
-}
-
-// --- Changes ---
-
-Response Api::Changed(const Call& call, const std::string& words) {
-  snapshots_.Changed(call.profile);
-  if (onChange) onChange();
-  return {200, "application/json", web::ToText({{"done", words}})};
-}
-
-void Api::Say(Call& call) {
-  const std::string words = host_.Say(call.profile, call.Message());
-  out_ << call.admin.name << ", " << host_.Profiles().At(call.profile).Label() << ": " << words
-       << "\n"
-       << std::flush;
-  call.exchange->Answer(Changed(call, words));
-}
-
-void Api::Add(Call& call) {
-  call.exchange->Answer(
-      Changed(call, host_.AddMessage(call.profile, call.Message(), call.admin.name)));
-}
-
-void Api::Delete(Call& call) {
-  const std::int32_t position = call.SeenPosition(host_.MessagesOf(call.profile));
-  call.exchange->Answer(
-      Changed(call, host_.DeleteMessage(call.profile, position, call.admin.name)));
-}
-
-void Api::Restore(Call& call) {
-  const std::int32_t wanted = call.Number("position");
-  const auto count = static_cast<std::int32_t>(host_.MessagesOf(call.profile).messages.size());
-  host_.AddMessage(call.profile, call.Message(), call.admin.name);
-  for (std::int32_t position = count; position > wanted; --position) {
-    host_.MoveMessage(call.profile, position, true, call.admin.name);
-  }
-  call.exchange->Answer(
-      Changed(call, "put back at position " + std::to_string(std::min(wanted, count))));
-}
-
-void Api::Move(Call& call) {
-  const bool up = call.Truth("up");
-  const std::int32_t position = call.SeenPosition(host_.MessagesOf(call.profile));
-  call.exchange->Answer(
-      Changed(call, host_.MoveMessage(call.profile, position, up, call.admin.name)));
-}
-
-void Api::Switch(Call& call) {
-  call.exchange->Answer(
-      Changed(call, host_.SetSwitch(call.profile, call.Truth("on"), call.admin.name)));
-}
-
-void Api::SetInterval(Call& call) {
-  call.exchange->Answer(
-      Changed(call, host_.SetInterval(call.profile, call.Number("minutes"), call.admin.name)));
 }
 
 }  // namespace rotacasts::host::web

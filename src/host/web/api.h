@@ -15,11 +15,14 @@
 
 namespace rotacasts::host::web {
 
+struct Call;
+
 /// Answers requests as docs/web.md describes them. All that is referred to outlives it.
 class Api {
  public:
   /// What people say by hand is told to `out`, with their names, for no other log holds it.
-  Api(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out);
+  Api(EventLoop& loop, ServerHost& host, const HostOptions& options, Sessions& sessions,
+      std::ostream& out);
 
   void Handle(const std::shared_ptr<Exchange>& exchange);
   /// The next part of what the pages follow is read; what has changed can be sent.
@@ -28,10 +31,7 @@ class Api {
   std::function<void()> onChange;
 
  private:
-  struct Call;
   struct Route;
-  struct Refusal;
-  class Live;
   static const Route kRoutes[];
 
   void Find(const std::shared_ptr<Exchange>& exchange);
@@ -58,13 +58,13 @@ class Api {
   void SetInterval(Call& call);
 
   ServerHost& host_;
+  Sessions& sessions_;
   std::ostream& out_;
   const bool isLogShared_;
   const Admins admins_;
   std::vector<Admin> people_;
   Clock::time_point peopleAt_;
   Snapshots snapshots_;
-  Sessions sessions_;
   SignInBrake brake_;
   PasswordChecks checks_;
   const std::string nobody_;

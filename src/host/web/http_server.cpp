@@ -80,29 +80,32 @@ std::string AddressOf(MHD_Connection* connection) {
   return text;
 }
 
-std::string TextOrEmpty(const char* text) {
-  return text != nullptr ? text : "";
-}
+class ReceivedRequest final : public Request {
+ public:
+  explicit ReceivedRequest(MHD_Connection* from) : connection(from) { address = AddressOf(from); }
+  std::string Header(const char* name) const override { return Value(MHD_HEADER_KIND, name); }
+  std::string Cookie(const char* name) const override { return Value(MHD_COOKIE_KIND, name); }
+  std::string Query(const char* name) const override { return Value(MHD_GET_ARGUMENT_KIND, name); }
+
+  MHD_Connection* const connection;
+
+ private:
+  std::string Value(MHD_ValueKind kind, const char* name) const {
+    const char* value = MHD_lookup_connection_value(connection, kind, name);
+    return value != nullptr ? value : "";
+  }
+};
 
 }  // namespace
-
-std::string Request::Header(const char* name) const {
-  return TextOrEmpty(MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name));
-}
-
-std::string Request::Cookie(const char* name) const {
-  return TextOrEmpty(MHD_lookup_connection_value(connection, MHD_COOKIE_KIND, name));
-}
-
-std::string Request::Query(const char* name) const {
-  return TextOrEmpty(MHD_lookup_connection_value(connection, MHD_GET_ARGUMENT_KIND, name));
-}
 
 class HttpServer::Conversation final : public Exchange,
                                        public std::enable_shared_from_this<Conversation> {
  public:
-  Conversation(HttpServer& server, Request request)
-      : server_(server), request_(std::move(request)) {}
+  Conversation(HttpServer& server, MHD_Connection* connection, const char* method, const char* path)
+      : server_(server), request_(connection) {
+    request_.method = method;
+    request_.path = path;
+  }
   ~Conversation() override {
     if (response_ != nullptr) MHD_destroy_response(response_);
   }
@@ -124,7 +127,7 @@ class HttpServer::Conversation final : public Exchange,
   void SetHeaders(const Response& response);
 
   HttpServer& server_;
-  Request request_;
+  ReceivedRequest request_;
   std::size_t dropped_ = 0;
   bool isHandled_ = false;
   bool isSuspended_ = false;
@@ -226,8 +229,7 @@ struct HttpServer::Callbacks {
                            void** state) {
     auto& server = *static_cast<HttpServer*>(self);
     if (*state == nullptr) {
-      auto conversation = std::make_shared<Conversation>(
-          server, Request{method, url, AddressOf(connection), {}, false, connection});
+      auto conversation = std::make_shared<Conversation>(server, connection, method, url);
       *state = conversation.get();
       server.conversations_[connection] = std::move(conversation);
       return MHD_YES;

@@ -18,19 +18,21 @@ struct MHD_Daemon;
 
 namespace rotacasts::host::web {
 
-struct Request {
+class Request {
+ public:
+  virtual ~Request() = default;
+
   std::string method;
   std::string path;
   std::string address;  // whom it comes from, without the port
   std::string body;
   bool isTooLong = false;  // the body; what was read of it is dropped
-  MHD_Connection* connection = nullptr;
 
-  /// Empty when there is none.
-  std::string Header(const char* name) const;
-  std::string Cookie(const char* name) const;
+  // Empty when there is none.
+  virtual std::string Header(const char* name) const = 0;
+  virtual std::string Cookie(const char* name) const = 0;
   /// A value behind the path's "?".
-  std::string Query(const char* name) const;
+  virtual std::string Query(const char* name) const = 0;
 };
 
 struct Response {

@@ -13,7 +13,7 @@ std::string UrlOf(const std::string& address, std::uint16_t port) {
 }  // namespace
 
 WebSite::WebSite(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out)
-    : api_(loop, host, options, out),
+    : api_(loop, host, options, sessions_, out),
       server_(loop, options.web,
               [this](const std::shared_ptr<Exchange>& exchange) { api_.Handle(exchange); }) {
   api_.onChange = [this] { server_.Pump(); };

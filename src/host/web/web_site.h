@@ -14,6 +14,7 @@ class WebSite {
   WebSite(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out);
 
  private:
+  Sessions sessions_;
   Api api_;
   HttpServer server_;
   Clock::time_point nextBeat_;
