@@ -25,5 +25,6 @@ std::vector<Result> RunDuels(const std::vector<Duel>& duels, int argc, char** ar
 std::vector<Duel> ProcessDuels();
 std::vector<Duel> IniDuels();
 std::vector<Result> MeasureHostLoad();
+std::vector<Result> MeasureWeb();
 
 }  // namespace rotacasts::bench

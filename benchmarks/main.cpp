@@ -12,5 +12,7 @@ int main(int argc, char** argv) {
   std::vector<Result> results = RunDuels(duels, argc, argv);
   std::cerr << "running hosts with 1 and with 200 profiles for 100 ticks\n";
   for (Result& result : MeasureHostLoad()) results.push_back(std::move(result));
+  std::cerr << "asking a host with 200 profiles for its page's answers\n";
+  for (Result& result : MeasureWeb()) results.push_back(std::move(result));
   PrintTable(results);
 }

@@ -1,0 +1,269 @@
+// The page's server beside 200 ticking profiles: answers, open pages, memory.
+
+#include <arpa/inet.h>
+#include <microhttpd.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include "duel.h"
+#include "host_folder_files.h"
+#include "support/child_process.h"
+
+namespace rotacasts::bench {
+namespace {
+
+using testing::ChildProcess;
+using testing::HostFolder;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kProfiles = 200;
+constexpr int kPages = 100;
+constexpr int kRounds = 40;
+constexpr int kRequestsARound = 100;
+constexpr std::chrono::seconds kWatched{10};
+constexpr const char* kPath = "/api/profiles/7/messages";
+
+/// A connection that is kept, and answers that are read whole.
+class Client {
+ public:
+  explicit Client(int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    const int on = 1;
+    ::setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    if (::connect(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+      throw std::runtime_error("nobody listens");
+    }
+  }
+  ~Client() { ::close(socket_); }
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+
+  void Send(const std::string& request) {
+    if (::send(socket_, request.data(), request.size(), 0) < 0) throw std::runtime_error("no send");
+  }
+  /// Headers and body of one answer.
+  std::string Receive() {
+    std::string answer;
+    std::size_t whole = std::string::npos;
+    while (answer.size() < whole) {
+      char bytes[16384];
+      const ssize_t count = ::recv(socket_, bytes, sizeof bytes, 0);
+      if (count <= 0) throw std::runtime_error("no answer");
+      answer.append(bytes, static_cast<std::size_t>(count));
+      const std::size_t end = answer.find("\r\n\r\n");
+      const std::size_t length = answer.find("Content-Length: ");
+      if (end < length || length == answer.npos) continue;
+      whole = end + 4 + std::stoul(answer.substr(length + 16));
+    }
+    return answer;
+  }
+  /// Reads what is there, for as long as it is said.
+  static void Drain(const std::vector<std::unique_ptr<Client>>& clients, Clock::duration time) {
+    std::vector<pollfd> sources;
+    for (const auto& client : clients) sources.push_back({client->socket_, POLLIN, 0});
+    for (const auto end = Clock::now() + time; Clock::now() < end;) {
+      ::poll(sources.data(), sources.size(), 100);
+      char bytes[65536];
+      for (const pollfd& source : sources) {
+        if (source.revents != 0) (void)!::recv(source.fd, bytes, sizeof bytes, MSG_DONTWAIT);
+      }
+    }
+  }
+
+ private:
+  int socket_ = ::socket(AF_INET, SOCK_STREAM, 0);
+};
+
+/// A process that gives one answer, whatever it is asked.
+class BareServer {
+ public:
+  explicit BareServer(const std::string& answer) {
+    int ends[2];
+    if (::pipe(ends) != 0) throw std::runtime_error("no pipe");
+    process_ = ::fork();
+    if (process_ == 0) Serve(answer, ends[1]);
+    if (::read(ends[0], &port, sizeof port) != sizeof port) throw std::runtime_error("no server");
+  }
+  ~BareServer() {
+    ::kill(process_, SIGKILL);
+    ::waitpid(process_, nullptr, 0);
+  }
+  std::uint16_t port = 0;
+
+ private:
+  [[noreturn]] static void Serve(std::string answer, int told) {
+    const auto access = [](void* text, MHD_Connection* connection, const char*, const char*,
+                           const char*, const char*, std::size_t*, void**) -> MHD_Result {
+      const auto& bytes = *static_cast<std::string*>(text);
+      MHD_Response* response = MHD_create_response_from_buffer(
+          bytes.size(), const_cast<char*>(bytes.data()), MHD_RESPMEM_PERSISTENT);
+      MHD_add_response_header(response, "Content-Type", "application/json");
+      const MHD_Result result = MHD_queue_response(connection, 200, response);
+      MHD_destroy_response(response);
+      return result;
+    };
+    MHD_Daemon* daemon =
+        MHD_start_daemon(MHD_USE_EPOLL, 0, nullptr, nullptr, access, &answer, MHD_OPTION_END);
+    const std::uint16_t bound = MHD_get_daemon_info(daemon, MHD_DAEMON_INFO_BIND_PORT)->port;
+    (void)!::write(told, &bound, sizeof bound);
+    pollfd source{MHD_get_daemon_info(daemon, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd, POLLIN, 0};
+    for (;;) {
+      MHD_UNSIGNED_LONG_LONG milliseconds = 1000;
+      MHD_get_timeout(daemon, &milliseconds);
+      ::poll(&source, 1, static_cast<int>(std::min<MHD_UNSIGNED_LONG_LONG>(milliseconds, 1000)));
+      MHD_run(daemon);
+    }
+  }
+  pid_t process_ = -1;
+};
+
+struct Latencies {
+  std::vector<double> nanoseconds;
+  void Ask(Client& client, const std::string& request) {
+    for (int i = 0; i < kRequestsARound; ++i) {
+      const auto begin = Clock::now();
+      client.Send(request);
+      client.Receive();
+      nanoseconds.push_back(static_cast<double>((Clock::now() - begin).count()));
+    }
+  }
+  double Percentile(double share) {
+    std::sort(nanoseconds.begin(), nanoseconds.end());
+    return nanoseconds[static_cast<std::size_t>(share *
+                                                static_cast<double>(nanoseconds.size() - 1))];
+  }
+};
+
+/// A host with the page, and a person signed in.
+class PageHost {
+ public:
+  PageHost() : server_({SIMULATOR_PROGRAM, "--game-code", "JO", "--step", "86400000"}) {
+    const std::string line = server_.ReadUntil("chat on").value_or(":0");
+    for (int i = 1; i <= kProfiles; ++i) {
+      folder_.AddProfile(i, "JO", std::to_string(server_.Id()), line.substr(line.rfind(':') + 1),
+                         MessageFileOf(20));
+    }
+    ChildProcess admin(
+        {ROTACASTS_HOST_PROGRAM, "admin", "set", "Anna", "--host-folder", folder_.Path()});
+    admin.WriteLine("correct horse");
+    admin.Wait();
+    host_ = std::make_unique<ChildProcess>(
+        std::vector<std::string>{ROTACASTS_HOST_PROGRAM, "run", "--host-folder", folder_.Path(),
+                                 "--minute", "10s", "--web", "127.0.0.1:0"});
+    const std::string url = host_->ReadUntil("the page: ").value_or(":0");
+    port = std::stoi(url.substr(url.rfind(':') + 1));
+    host_->ReadUntil("profiles started");
+    SignIn();
+  }
+  std::string Get(const std::string& path) const {
+    return "GET " + path + " HTTP/1.1\r\nHost: x\r\nCookie: " + cookie_ + "\r\n\r\n";
+  }
+  double ProcessorSeconds() const {
+    std::ifstream file("/proc/" + std::to_string(host_->Id()) + "/stat");
+    std::string word;
+    for (int i = 0; i < 13; ++i) file >> word;
+    double user = 0;
+    double system = 0;
+    file >> user >> system;
+    return (user + system) / static_cast<double>(::sysconf(_SC_CLK_TCK));
+  }
+  double KiB() const {
+    std::ifstream file("/proc/" + std::to_string(host_->Id()) + "/statm");
+    double pages = 0;
+    file >> pages >> pages;
+    return pages * static_cast<double>(::sysconf(_SC_PAGESIZE)) / 1024;
+  }
+  int port = 0;
+
+ private:
+  void SignIn() {
+    const std::string body = R"({"name":"Anna","password":"correct horse"})";
+    Client client(port);
+    client.Send(
+        "POST /api/session HTTP/1.1\r\nHost: x\r\nOrigin: http://x\r\nContent-Type: "
+        "application/json\r\nContent-Length: " +
+        std::to_string(body.size()) + "\r\n\r\n" + body);
+    const std::string answer = client.Receive();
+    const std::size_t begin = answer.find("rotacasts=");
+    cookie_ = answer.substr(begin, answer.find(';', begin) - begin);
+  }
+
+  HostFolder folder_;
+  ChildProcess server_;
+  std::unique_ptr<ChildProcess> host_;
+  std::string cookie_;
+};
+
+/// The host's processor time in percent of a core while these pages are open.
+double LoadWith(const PageHost& host, const std::vector<std::unique_ptr<Client>>& pages) {
+  const double before = host.ProcessorSeconds();
+  if (pages.empty()) {
+    std::this_thread::sleep_for(kWatched);
+  } else {
+    Client::Drain(pages, kWatched);
+  }
+  return (host.ProcessorSeconds() - before) * 100 / std::chrono::duration<double>(kWatched).count();
+}
+
+}  // namespace
+
+std::vector<Result> MeasureWeb() {
+  PageHost host;
+  Client client(host.port);
+  client.Send(host.Get(kPath));
+  const std::string answer = client.Receive();
+  const BareServer bare(answer.substr(answer.find("\r\n\r\n") + 4));
+  Client other(bare.port);
+  Latencies ours;
+  Latencies theirs;
+  for (int i = 0; i < kRounds; ++i) {
+    ours.Ask(client, host.Get(kPath));
+    theirs.Ask(other, host.Get(kPath));
+  }
+  const double idle = LoadWith(host, {});
+  const double before = host.KiB();
+  std::vector<std::unique_ptr<Client>> pages;
+  for (int i = 0; i < kPages; ++i) {
+    pages.push_back(std::make_unique<Client>(host.port));
+    pages.back()->Send(host.Get("/api/events?profile=7"));
+  }
+  Client::Drain(pages, std::chrono::seconds(3));
+  const double busy = LoadWith(host, pages);
+  Latencies watched;
+  for (int i = 0; i < kRounds; ++i) {
+    watched.Ask(client, host.Get(kPath));
+    Client::Drain(pages, std::chrono::milliseconds(20));
+  }
+  const std::string bareName = "bare libmicrohttpd, same bytes";
+  const auto row = [](std::string job, double our, std::string who, double their,
+                      std::string target) {
+    return Result{std::move(job),    FormatTime(our),   std::move(who),
+                  FormatTime(their), std::move(target), our / their};
+  };
+  return {row("page: an answer, median", ours.Percentile(0.5), bareName, theirs.Percentile(0.5),
+              "1.50"),
+          row("page: an answer, 99th percentile", ours.Percentile(0.99), bareName,
+              theirs.Percentile(0.99), "1.50"),
+          row("page: 99th percentile, 100 open pages", watched.Percentile(0.99),
+              "the same without pages", ours.Percentile(0.99), ""),
+          {"page: 100 open pages, processor", Format("%.2f %%", busy),
+           "the same host without pages", Format("%.2f %%", idle), "", busy / std::max(idle, 0.01)},
+          {"page: memory of an open page", Format("%.1f KiB", (host.KiB() - before) / kPages), "",
+           "", "", 0}};
+}
+
+}  // namespace rotacasts::bench
