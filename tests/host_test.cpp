@@ -593,7 +593,7 @@ struct OpaquePlugin final : HostedPlugin {
   void HideInterface() override {}
   void UnLoadInterface() override {}
   void DisableProfile(std::int32_t) override {}
-  Reply Remote(RemoteOperation, std::int32_t, const Variant&, const Variant&) override {
+  Reply Remote(const RemoteOperation&, std::int32_t, const Variant&, const Variant&) override {
     return {};
   }
 };

@@ -1,9 +1,12 @@
 #include "component/member_table.h"
 
 #include <algorithm>
-#include <cwchar>
+#include <array>
+#include <utility>
 
 #include "base/conversions.h"
+#include "base/text.h"
+#include "com/com_support.h"
 #include "com/variant_conversion.h"
 
 namespace rotacasts::win32 {
@@ -24,48 +27,50 @@ std::string TextOr(const Variant& argument) {
   return argument == Variant(Variant::Missing{}) ? std::string() : ToText(argument);
 }
 
-template <std::string (clsPlugin::*Operation)(std::int32_t, const Variant&, const Variant&)>
+template <std::size_t Operation>
 Variant CallRemote(clsPlugin& plugin, const Arguments& arguments) {
-  return (plugin.*Operation)(ToLong(arguments[0]), arguments[1], arguments[2]);
+  return (plugin.*kRemoteOperations[Operation].call)(ToLong(arguments[0]), arguments[1],
+                                                     arguments[2]);
 }
 
-const MemberRow kMembers[] = {
-    {kGetData, L"GetData", {}, nullptr},
+constexpr MemberRow kOwnMembers[] = {
+    {kGetData, "GetData", {}, nullptr},
     {kGetPrivis,
-     L"GetPrivis",
+     "GetPrivis",
      {},
      [](clsPlugin& plugin, const Arguments&) { return plugin.GetPrivis(); }},
-    {kLoadInterface, L"LoadInterface", kOfLoad,
+    {kLoadInterface, "LoadInterface", kOfLoad,
      [](clsPlugin& plugin, const Arguments& arguments) {
        plugin.LoadInterface(ToLong(arguments[0]), ToLong(arguments[1]), arguments[2],
                             TextOr(arguments[3]));
        return Variant();
      }},
-    {kUnLoadInterface, L"UnLoadInterface", kOfUnload,
+    {kUnLoadInterface, "UnLoadInterface", kOfUnload,
      [](clsPlugin& plugin, const Arguments& arguments) {
        plugin.UnLoadInterface(TextOr(arguments[0]));
        return Variant();
      }},
-    {kDisableProfile, L"DisableProfile", kOfDisable,
+    {kDisableProfile, "DisableProfile", kOfDisable,
      [](clsPlugin& plugin, const Arguments& arguments) {
        plugin.DisableProfile(ToLong(arguments[0]));
        return Variant();
      }},
-    {kGetMessagesRem, L"GetMessagesRem", kOfRemote, CallRemote<&clsPlugin::GetMessagesRem>},
-    {kAddMessageRem, L"AddMessageRem", kOfRemote, CallRemote<&clsPlugin::AddMessageRem>},
-    {kEnableRTRem, L"EnableRTRem", kOfRemote, CallRemote<&clsPlugin::EnableRTRem>},
-    {kChangeIntervalRem, L"ChangeIntervalRem", kOfRemote,
-     CallRemote<&clsPlugin::ChangeIntervalRem>},
-    {kMoveMessageDownRem, L"MoveMessageDownRem", kOfRemote,
-     CallRemote<&clsPlugin::MoveMessageDownRem>},
-    {kMoveMessageUpRem, L"MoveMessageUpRem", kOfRemote, CallRemote<&clsPlugin::MoveMessageUpRem>},
-    {kDeleteMessageRem, L"DeleteMessageRem", kOfRemote, CallRemote<&clsPlugin::DeleteMessageRem>},
-    {kHideInterface, L"HideInterface", kOfHide,
+    {kHideInterface, "HideInterface", kOfHide,
      [](clsPlugin& plugin, const Arguments& arguments) {
        plugin.HideInterface(TextOr(arguments[0]));
        return Variant();
      }},
 };
+
+/// The members above, then the remote operations.
+template <std::size_t... Own, std::size_t... Remote>
+constexpr auto AllMembers(std::index_sequence<Own...>, std::index_sequence<Remote...>) {
+  return std::array<MemberRow, sizeof...(Own) + sizeof...(Remote)>{
+      kOwnMembers[Own]..., MemberRow{kRemoteOperations[Remote].id, kRemoteOperations[Remote].name,
+                                     kOfRemote, CallRemote<Remote>}...};
+}
+constexpr auto kMembers = AllMembers(std::make_index_sequence<std::size(kOwnMembers)>(),
+                                     std::make_index_sequence<std::size(kRemoteOperations)>());
 
 /// Where each parameter's argument stands in the call, whose arguments run from the last to the
 /// first with the named ones in front; -1 for an omitted one.
@@ -107,10 +112,11 @@ const MemberRow* FindMember(DISPID id) {
 }
 
 const MemberRow* FindMember(const wchar_t* name) {
-  const auto found =
-      std::find_if(std::begin(kMembers), std::end(kMembers),
-                   [name](const MemberRow& row) { return ::_wcsicmp(row.name, name) == 0; });
-  return found != std::end(kMembers) ? &*found : nullptr;
+  const std::string wanted = FromWide(name);
+  const auto found = std::find_if(kMembers.begin(), kMembers.end(), [&](const MemberRow& row) {
+    return EqualsIgnoringCase(row.name, wanted);
+  });
+  return found != kMembers.end() ? &*found : nullptr;
 }
 
 HRESULT CollectArguments(const MemberRow& member, const DISPPARAMS& parameters,

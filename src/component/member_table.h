@@ -20,8 +20,8 @@ struct Parameter {
 
 /// One member. GetData, whose result is a record and not a value, has no call here.
 struct MemberRow {
-  MemberId id;
-  const wchar_t* name;
+  DISPID id;
+  const char* name;
   std::span<const Parameter> parameters;
   /// `arguments` has an element for each parameter, an omitted one missing.
   Variant (*call)(clsPlugin& plugin, const std::vector<Variant>& arguments);

@@ -4,24 +4,18 @@
 #include <cstddef>
 
 #include "com/windows_api.h"
-#include "plugin/descriptor.h"
+#include "plugin/cls_plugin.h"
 
 namespace rotacasts::win32 {
 
-/// The dispatch identifiers of the members, as the host may call them.
+/// The dispatch identifiers of the members, as the host may call them; kRemoteOperations has the
+/// rest.
 enum MemberId : DISPID {
   kGetData = 0x60030003,
   kGetPrivis = 0x60030004,
   kLoadInterface = 0x60030005,
   kUnLoadInterface = 0x60030006,
   kDisableProfile = 0x60030007,
-  kGetMessagesRem = 0x60030009,
-  kAddMessageRem = 0x6003000a,
-  kEnableRTRem = 0x6003000b,
-  kChangeIntervalRem = 0x6003000c,
-  kMoveMessageDownRem = 0x6003000d,
-  kMoveMessageUpRem = 0x6003000e,
-  kDeleteMessageRem = 0x6003000f,
   kHideInterface = 0x60030010,
 };
 
@@ -69,20 +63,39 @@ struct _clsPlugin : IDispatch {
   virtual HRESULT STDMETHODCALLTYPE UnLoadInterface(BSTR fName) = 0;
   virtual HRESULT STDMETHODCALLTYPE DisableProfile(LONG Index) = 0;
   virtual HRESULT STDMETHODCALLTYPE GetMessagesRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                                   BSTR* result) = 0;
+                                                   BSTR* result) {
+    return CallRemote(&clsPlugin::GetMessagesRem, Index, PDAT, Data, result);
+  }
   virtual HRESULT STDMETHODCALLTYPE AddMessageRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                                  BSTR* result) = 0;
+                                                  BSTR* result) {
+    return CallRemote(&clsPlugin::AddMessageRem, Index, PDAT, Data, result);
+  }
   virtual HRESULT STDMETHODCALLTYPE EnableRTRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                                BSTR* result) = 0;
+                                                BSTR* result) {
+    return CallRemote(&clsPlugin::EnableRTRem, Index, PDAT, Data, result);
+  }
   virtual HRESULT STDMETHODCALLTYPE ChangeIntervalRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                                      BSTR* result) = 0;
+                                                      BSTR* result) {
+    return CallRemote(&clsPlugin::ChangeIntervalRem, Index, PDAT, Data, result);
+  }
   virtual HRESULT STDMETHODCALLTYPE MoveMessageDownRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                                       BSTR* result) = 0;
+                                                       BSTR* result) {
+    return CallRemote(&clsPlugin::MoveMessageDownRem, Index, PDAT, Data, result);
+  }
   virtual HRESULT STDMETHODCALLTYPE MoveMessageUpRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                                     BSTR* result) = 0;
+                                                     BSTR* result) {
+    return CallRemote(&clsPlugin::MoveMessageUpRem, Index, PDAT, Data, result);
+  }
   virtual HRESULT STDMETHODCALLTYPE DeleteMessageRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                                     BSTR* result) = 0;
+                                                     BSTR* result) {
+    return CallRemote(&clsPlugin::DeleteMessageRem, Index, PDAT, Data, result);
+  }
   virtual HRESULT STDMETHODCALLTYPE HideInterface(BSTR fName) = 0;
+
+ protected:
+  // Behind the interface, where no caller from outside comes to.
+  virtual HRESULT CallRemote(decltype(RemoteOperation::call) operation, LONG Index,
+                             const VARIANT& PDAT, const VARIANT& Data, BSTR* result) = 0;
 };
 
 }  // namespace rotacasts::win32

@@ -120,7 +120,7 @@ HRESULT PluginObject::GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID
   return result;
 }
 
-Variant PluginObject::Call(MemberId member, const std::vector<Variant>& arguments) {
+Variant PluginObject::Call(DISPID member, const std::vector<Variant>& arguments) {
   AddRef();  // a call can bring about the last release from outside
   const ComPtr<_clsPlugin> keepAlive = ComPtr<_clsPlugin>::Take(this);
   return FindMember(member)->call(plugin_, arguments);
@@ -202,36 +202,16 @@ HRESULT PluginObject::HideInterface(BSTR fName) {
   return Contain([&] { Call(kHideInterface, {FromBstr(fName)}); });
 }
 
-HRESULT PluginObject::CallRemote(MemberId member, LONG Index, const VARIANT& PDAT,
-                                 const VARIANT& Data, BSTR* result) {
+HRESULT PluginObject::CallRemote(decltype(RemoteOperation::call) operation, LONG Index,
+                                 const VARIANT& PDAT, const VARIANT& Data, BSTR* result) {
   if (result == nullptr) return E_POINTER;
   *result = nullptr;
   return Contain([&] {
-    const Variant reply = Call(member, {std::int32_t{Index}, FromVariant(PDAT), FromVariant(Data)});
-    *result = Bstr(ToText(reply)).Release();
+    AddRef();
+    const ComPtr<_clsPlugin> keepAlive = ComPtr<_clsPlugin>::Take(this);
+    const std::string reply = (plugin_.*operation)(Index, FromVariant(PDAT), FromVariant(Data));
+    *result = Bstr(reply).Release();
   });
-}
-
-HRESULT PluginObject::GetMessagesRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
-  return CallRemote(kGetMessagesRem, Index, PDAT, Data, result);
-}
-HRESULT PluginObject::AddMessageRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
-  return CallRemote(kAddMessageRem, Index, PDAT, Data, result);
-}
-HRESULT PluginObject::EnableRTRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
-  return CallRemote(kEnableRTRem, Index, PDAT, Data, result);
-}
-HRESULT PluginObject::ChangeIntervalRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
-  return CallRemote(kChangeIntervalRem, Index, PDAT, Data, result);
-}
-HRESULT PluginObject::MoveMessageDownRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
-  return CallRemote(kMoveMessageDownRem, Index, PDAT, Data, result);
-}
-HRESULT PluginObject::MoveMessageUpRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
-  return CallRemote(kMoveMessageUpRem, Index, PDAT, Data, result);
-}
-HRESULT PluginObject::DeleteMessageRem(LONG Index, VARIANT PDAT, VARIANT Data, BSTR* result) {
-  return CallRemote(kDeleteMessageRem, Index, PDAT, Data, result);
 }
 
 }  // namespace rotacasts::win32

@@ -37,27 +37,13 @@ class PluginObject final : public _clsPlugin, public ISupportErrorInfo {
                                           BSTR fName) override;
   HRESULT STDMETHODCALLTYPE UnLoadInterface(BSTR fName) override;
   HRESULT STDMETHODCALLTYPE DisableProfile(LONG Index) override;
-  HRESULT STDMETHODCALLTYPE GetMessagesRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                           BSTR* result) override;
-  HRESULT STDMETHODCALLTYPE AddMessageRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                          BSTR* result) override;
-  HRESULT STDMETHODCALLTYPE EnableRTRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                        BSTR* result) override;
-  HRESULT STDMETHODCALLTYPE ChangeIntervalRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                              BSTR* result) override;
-  HRESULT STDMETHODCALLTYPE MoveMessageDownRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                               BSTR* result) override;
-  HRESULT STDMETHODCALLTYPE MoveMessageUpRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                             BSTR* result) override;
-  HRESULT STDMETHODCALLTYPE DeleteMessageRem(LONG Index, VARIANT PDAT, VARIANT Data,
-                                             BSTR* result) override;
   HRESULT STDMETHODCALLTYPE HideInterface(BSTR fName) override;
 
  private:
   /// Calls a member on converted arguments; lets through what it throws.
-  Variant Call(MemberId member, const std::vector<Variant>& arguments);
-  HRESULT CallRemote(MemberId member, LONG Index, const VARIANT& PDAT, const VARIANT& Data,
-                     BSTR* result);
+  Variant Call(DISPID member, const std::vector<Variant>& arguments);
+  HRESULT CallRemote(decltype(RemoteOperation::call) operation, LONG Index, const VARIANT& PDAT,
+                     const VARIANT& Data, BSTR* result) override;
   HRESULT GetDataAsVariant(VARIANT* result);
 
   std::atomic<ULONG> references_ = 1;

@@ -12,21 +12,6 @@
 
 namespace rotacasts::host {
 
-namespace {
-
-/// Error 5, with their names, for an operation that there is not.
-RemoteOperation FindOperation(const std::string& name) {
-  const auto* found = std::find(std::begin(kRemoteOperations), std::end(kRemoteOperations), name);
-  if (found != std::end(kRemoteOperations)) {
-    return static_cast<RemoteOperation>(found - kRemoteOperations);
-  }
-  std::string names;
-  for (const char* operation : kRemoteOperations) names += std::string(" ") + operation;
-  throw Complaint(name + " is no remote operation; there are" + names);
-}
-
-}  // namespace
-
 /// What follows a command's name on its line.
 class Console::Arguments {
  public:
@@ -277,7 +262,7 @@ void Console::PrintReloaded() {
 
 void Console::PrintRemote(Arguments& arguments) {
   const std::int32_t profile = arguments.Number();
-  const RemoteOperation operation = FindOperation(arguments.Word());
+  const std::string operation = arguments.Word();
   const std::optional<std::string> data = arguments.Rest();
   const Variant value = data ? Variant(*data) : Variant(Variant::Missing{});
   const HostedPlugin::Reply reply = host_.Remote(profile, operation, value);

@@ -9,23 +9,9 @@
 
 #include "base/variant.h"
 #include "forms/toolkit.h"
+#include "plugin/cls_plugin.h"
 
 namespace rotacasts::host {
-
-enum class RemoteOperation {
-  GetMessages,
-  AddMessage,
-  Enable,
-  ChangeInterval,
-  MoveMessageDown,
-  MoveMessageUp,
-  DeleteMessage,
-};
-/// The operations' names, in the same order.
-inline constexpr const char* kRemoteOperations[] = {
-    "GetMessagesRem",     "AddMessageRem",    "EnableRTRem",      "ChangeIntervalRem",
-    "MoveMessageDownRem", "MoveMessageUpRem", "DeleteMessageRem",
-};
 
 /// The host's window that the plugin's lies in, and the size that the plugin is told, in twips.
 struct PluginArea {
@@ -60,7 +46,7 @@ class HostedPlugin {
     std::vector<std::string> problems;
     bool isStored = true;  // false: what it was to change is as before, for a reason among problems
   };
-  virtual Reply Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
+  virtual Reply Remote(const RemoteOperation& operation, std::int32_t index, const Variant& data,
                        const Variant& value) = 0;
 
   /// How far a profile's broadcasts have come, and what they go by. The plugin alone knows: nothing

@@ -8,6 +8,16 @@
 namespace rotacasts::host {
 namespace {
 
+/// A complaint, with their names, for an operation that there is not.
+const RemoteOperation& FindOperation(std::string_view name) {
+  std::string names;
+  for (const RemoteOperation& operation : kRemoteOperations) {
+    if (operation.name == name) return operation;
+    names.append(" ").append(operation.name);
+  }
+  throw Complaint(std::string(name) + " is no remote operation; there are" + names);
+}
+
 /// What one datagram of UDP over IPv4 carries.
 constexpr std::size_t kLongestMessage = 65507;
 constexpr std::int32_t kLongestInterval = 30;
@@ -89,9 +99,10 @@ HostProfiles::Changes ServerHost::Reload() {
   return changes;
 }
 
-HostedPlugin::Reply ServerHost::Remote(std::int32_t index, RemoteOperation operation,
+HostedPlugin::Reply ServerHost::Remote(std::int32_t index, std::string_view operation,
                                        const Variant& value, const std::string& administrator) {
-  return plugin_.Remote(operation, index, DataOf(profiles_.At(index), administrator), value);
+  return plugin_.Remote(FindOperation(operation), index, DataOf(profiles_.At(index), administrator),
+                        value);
 }
 
 void ServerHost::RequireStarted(std::int32_t index) const {
@@ -106,7 +117,7 @@ std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
   RequireStarted(index);
   RefuseLong(text);
   const HostedPlugin::Reply reply =
-      Remote(index, RemoteOperation::AddMessage, EncodeBase64(text), administrator);
+      Remote(index, "AddMessageRem", EncodeBase64(text), administrator);
   if (reply.text != "1") {
     RaiseUnchanged("not added", reply,
                    "a message is one line of Windows-1252 letters, in a file that can be written");
@@ -118,8 +129,7 @@ std::string ServerHost::DeleteMessage(std::int32_t index, std::int32_t position,
                                       const std::string& administrator) {
   RequireStarted(index);
   const std::string text = MessagesOf(index).TextAt(position);
-  const HostedPlugin::Reply reply =
-      Remote(index, RemoteOperation::DeleteMessage, position, administrator);
+  const HostedPlugin::Reply reply = Remote(index, "DeleteMessageRem", position, administrator);
   if (reply.text != "1") RaiseUnchanged("not deleted", reply, "the file cannot be written");
   return Done("deleted: " + text, reply);
 }
@@ -128,7 +138,7 @@ std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, b
                                     const std::string& administrator) {
   RequireStarted(index);
   const std::string text = MessagesOf(index).TextAt(position);
-  const auto operation = up ? RemoteOperation::MoveMessageUp : RemoteOperation::MoveMessageDown;
+  const std::string_view operation = up ? "MoveMessageUpRem" : "MoveMessageDownRem";
   const HostedPlugin::Reply reply = Remote(index, operation, position, administrator);
   if (reply.text != "1") {
     RaiseUnchanged("not moved", reply,
@@ -139,8 +149,7 @@ std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, b
 
 std::string ServerHost::SetSwitch(std::int32_t index, bool isOn, const std::string& administrator) {
   RequireStarted(index);
-  const HostedPlugin::Reply reply =
-      Remote(index, RemoteOperation::Enable, isOn ? "1" : "0", administrator);
+  const HostedPlugin::Reply reply = Remote(index, "EnableRTRem", isOn ? "1" : "0", administrator);
   if (MessagesOf(index).enable != (isOn ? "1" : "0")) RaiseUnchanged("not switched", reply, {});
   return Done(profiles_.At(index).Label() + " is switched " + (isOn ? "on" : "off"), reply);
 }
@@ -152,7 +161,7 @@ std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
     throw Complaint("not changed: an interval is 0 to 30 minutes");
   }
   const HostedPlugin::Reply reply =
-      Remote(index, RemoteOperation::ChangeInterval, std::to_string(minutes), administrator);
+      Remote(index, "ChangeIntervalRem", std::to_string(minutes), administrator);
   if (MessagesOf(index).interval != std::to_string(minutes)) {
     RaiseUnchanged("not changed", reply, {});
   }

@@ -216,18 +216,11 @@ void HeadlessPlugin::DisableProfile(std::int32_t index) {
   At(index).Plugin().DisableProfile(index);
 }
 
-HostedPlugin::Reply HeadlessPlugin::Remote(RemoteOperation operation, std::int32_t index,
+HostedPlugin::Reply HeadlessPlugin::Remote(const RemoteOperation& operation, std::int32_t index,
                                            const Variant& data, const Variant& value) {
-  using Call = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
-  static constexpr Call kCalls[] = {
-      &clsPlugin::GetMessagesRem,    &clsPlugin::AddMessageRem,      &clsPlugin::EnableRTRem,
-      &clsPlugin::ChangeIntervalRem, &clsPlugin::MoveMessageDownRem, &clsPlugin::MoveMessageUpRem,
-      &clsPlugin::DeleteMessageRem,
-  };
-  static_assert(std::size(kCalls) == std::size(kRemoteOperations));
-  const Call call = kCalls[static_cast<std::size_t>(operation)];
   Instance& instance = At(index);
-  return instance.Answer([&] { return (instance.Plugin().*call)(index, data, value); }, data);
+  return instance.Answer([&] { return (instance.Plugin().*operation.call)(index, data, value); },
+                         data);
 }
 
 std::optional<HostedPlugin::Progress> HeadlessPlugin::ProgressOf(std::int32_t index) const {

@@ -35,7 +35,7 @@ class HeadlessPlugin final : public HostedPlugin {
   void HideInterface() override;
   void UnLoadInterface() override;
   void DisableProfile(std::int32_t index) override;
-  Reply Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
+  Reply Remote(const RemoteOperation& operation, std::int32_t index, const Variant& data,
                const Variant& value) override;
   std::optional<Progress> ProgressOf(std::int32_t index) const override;
 

@@ -81,11 +81,11 @@ void LateBoundPlugin::DisableProfile(std::int32_t index) {
   Member(object_, "DisableProfile")(NumberArgument(index));
 }
 
-HostedPlugin::Reply LateBoundPlugin::Remote(RemoteOperation operation, std::int32_t index,
+HostedPlugin::Reply LateBoundPlugin::Remote(const RemoteOperation& operation, std::int32_t index,
                                             const Variant& data, const Variant& value) {
   Reply reply;
   const auto failure = files_.Run([&] {
-    Member member(object_, kRemoteOperations[static_cast<std::size_t>(operation)]);
+    Member member(object_, operation.name);
     const win32::ComVariant answer =
         member(NumberArgument(index), ValueArgument(data), ValueArgument(value));
     reply.text = ToText(win32::FromVariant(answer.Get()));

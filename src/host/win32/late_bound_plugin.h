@@ -25,7 +25,7 @@ class LateBoundPlugin final : public HostedPlugin {
   void HideInterface() override;
   void UnLoadInterface() override;
   void DisableProfile(std::int32_t index) override;
-  Reply Remote(RemoteOperation operation, std::int32_t index, const Variant& data,
+  Reply Remote(const RemoteOperation& operation, std::int32_t index, const Variant& data,
                const Variant& value) override;
 
  private:
