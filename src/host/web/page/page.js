@@ -210,6 +210,8 @@ function untilNext(row) {
   return `${Math.floor(seconds / 60)}:${String(seconds % 60).padStart(2, "0")}`;
 }
 
+const nextText = (row) => row.next.text.trim() || "(empty)";
+
 function makeRow(index) {
   return el("li", { "data-index": index }, el("a", { href: `#/${index}` },
     el("strong"), el("span", { class: "state" }), el("span", { class: "next" })));
@@ -243,7 +245,7 @@ function showTimes() {
   for (const item of $("profiles").children) {
     const row = rows.get(Number(item.dataset.index));
     const time = row && untilNext(row);
-    if (row) setText(item.querySelector(".next"), time ? `${time} · ${row.next.text}` : `${row.messages} messages`);
+    if (row) setText(item.querySelector(".next"), time ? `${time} · ${nextText(row)}` : `${row.messages} messages`);
   }
   const row = rows.get(chosen);
   if (!row) return;
@@ -254,7 +256,7 @@ function showTimes() {
     : row.game === "idle" ? "Waiting for a game to begin."
     : row.messages === 0 ? "There is nothing to send."
     : "";
-  setText($("next"), why || (time ? `Next in ${time}: ${row.next.text}` : ""));
+  setText($("next"), why || (time ? `Next in ${time}: ${nextText(row)}` : ""));
 }
 setInterval(showTimes, 500);
 
@@ -300,7 +302,11 @@ let isSwitching = false;
 $("switch").addEventListener("change", async () => {
   const on = $("switch").checked;
   isSwitching = true;
-  if (await ask("PUT", profilePath("switch"), { on })) tell(on ? "Switched on." : "Switched off.");
+  const row = rows.get(chosen);
+  if (await ask("PUT", profilePath("switch"), { on })) {
+    row.on = on; // before the events say so
+    tell(on ? "Switched on." : "Switched off.");
+  }
   isSwitching = false;
   showProfile();
 });
