@@ -1,5 +1,8 @@
 #include "host/web/admins.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <charconv>
 
@@ -112,22 +115,34 @@ std::vector<Admin> Admins::All() const {
   return all;
 }
 
+void Admins::Make() const {
+  MachineFiles files;
+  const std::string folder = file_.substr(0, file_.rfind('\\'));
+  if (!files.FolderExists(folder)) files.CreateFolder(folder);
+  ReplaceFile(file_, "");
+  std::filesystem::permissions(
+      NativePath(file_), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
+void Admins::GiveToFoldersOwner() const {
+  const std::filesystem::path file = NativePath(file_);
+  struct stat folder {};
+  if (::stat(file.parent_path().c_str(), &folder) != 0) return;
+  // Only root can give files away; anybody else writes as the host's own user.
+  (void)!::chown(file.c_str(), folder.st_uid, folder.st_gid);
+}
+
 void Admins::Set(const Admin& admin) const {
   RefuseName(admin.name);
-  MachineFiles files;
-  if (!files.FileExists(file_)) {
-    const std::string folder = file_.substr(0, file_.rfind('\\'));
-    if (!files.FolderExists(folder)) files.CreateFolder(folder);
-    ReplaceFile(file_, "");
-    std::filesystem::permissions(NativePath(file_), std::filesystem::perms::owner_read |
-                                                        std::filesystem::perms::owner_write);
-  }
+  const bool isNew = !MachineFiles().FileExists(file_);
+  if (isNew) Make();
   IniText ini = ReadIni(file_);
   const std::string section = ToWindows1252(admin.name);
   ini.SetValue(section, kPassword, admin.password);
   ini.SetValue(section, kProfiles, ProfilesText(admin));
   ini.SetValue(section, kRightsKey, RightsText(admin));
   ReplaceFile(file_, ini.Bytes());
+  if (isNew) GiveToFoldersOwner();
 }
 
 void Admins::Remove(const std::string& name) const {

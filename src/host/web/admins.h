@@ -43,6 +43,11 @@ class Admins {
   void Remove(const std::string& name) const;
 
  private:
+  /// An empty file that only its owner can read.
+  void Make() const;
+  /// The host may run as somebody else than who calls this.
+  void GiveToFoldersOwner() const;
+
   const std::string file_;
 };
 
