@@ -1,9 +1,12 @@
 # The front door: every target installs what it needs and sets itself up.
 
-.PHONY: help demo web demo-windows test test-windows torture windows package reproduce fuzz bench docs pictures format lint clean
+.PHONY: help deps demo web demo-windows test test-windows torture windows package reproduce fuzz bench docs pictures format lint clean
 
 help: ## this list
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 22
+
+deps: ## install what the other targets need, and do nothing else
+	@scripts/bootstrap build test browser package bench help lint windows
 
 demo: ## six simulated game servers, one host: see what the program is for
 	@scripts/bootstrap build
