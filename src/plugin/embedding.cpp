@@ -2,6 +2,7 @@
 
 #include "base/arithmetic.h"
 #include "base/conversions.h"
+#include "ui/layout.h"
 
 namespace rotacasts {
 namespace {
@@ -10,7 +11,6 @@ namespace {
 // that much less high than the host's area.
 constexpr std::int32_t kLeft = 2;
 constexpr std::int32_t kTop = 30;
-constexpr std::int32_t kHeightTaken = 28;
 
 /// Whole pixels in a length of twips, by the display's real factor, which need not be whole.
 std::int32_t WholePixels(const Variant& twips, double twipsPerPixel) {
@@ -34,7 +34,8 @@ void Embedding::LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, con
     const forms::TwipsPerPixel screen = toolkit.ScreenTwipsPerPixel();
     const std::int32_t width = WholePixels(PDAT.At(pdat::kAreaWidth), screen.horizontal);
     const Checked height = WholePixels(PDAT.At(pdat::kAreaHeight), screen.vertical);
-    toolkit.MoveWindow(window->Handle(), kLeft, kTop, width, (height - kHeightTaken).Value(), true);
+    toolkit.MoveWindow(window->Handle(), kLeft, kTop, width,
+                       (height - layout::kHeadingHeight).Value(), true);
     at(6);
     toolkit.SetParent(window->Handle(), PHWND);
     at(7);

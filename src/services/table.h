@@ -15,6 +15,7 @@ namespace rotacasts {
 template <class Element>
 class Table {
  public:
+  bool HasBounds() const { return upperBound_.has_value(); }
   /// The highest index. Error 9 while the table has no bounds.
   std::int32_t UpperBound() const {
     if (!upperBound_) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
@@ -42,12 +43,7 @@ class Table {
 /// Whether a table has bounds, whatever they are.
 template <class Element>
 bool ArrayInit(const Table<Element>& table) {
-  try {
-    table.UpperBound();
-    return true;
-  } catch (const RuntimeError&) {
-    return false;
-  }
+  return table.HasBounds();
 }
 
 }  // namespace rotacasts

@@ -18,7 +18,7 @@ enum class Pick {
   WorstKillRatio,     // the lowest of those above 0
 };
 
-/// How the value is written behind the player's name.
+/// How the value is written after the player's name.
 enum class ValueFormat {
   Plain,     // a count as it is, a ratio with two decimals, then the unit
   Duration,  // seconds as hh:mm:ss, and no unit

@@ -29,7 +29,8 @@ std::string FormatSeconds(std::int32_t seconds) {
 }
 
 void Selection::Offer(std::int32_t gameType, const PlayerSlot& slot) {
-  const CategoryRow* row = FindCategory(category_, gameType);
+  if (!row_) row_ = FindCategory(category_, gameType);  // one game type a scan
+  const CategoryRow* row = *row_;
   if (row == nullptr) return;
   if (row->counter != nullptr) {
     OfferCount(*row, slot);

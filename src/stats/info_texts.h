@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "services/guard.h"
@@ -31,7 +32,8 @@ class Selection {
   void Take(const CategoryRow& row, const PlayerSlot& slot);
 
   const std::string_view category_;
-  std::string bestText_;  // label and name; empty until a player is taken
+  std::optional<const CategoryRow*> row_;  // once it has been looked up; null for none
+  std::string bestText_;                   // label and name; empty until a player is taken
   std::int32_t bestValue_ = 0;
   double bestRatio_ = 0;
   double lastRatio_ = 0;

@@ -13,6 +13,8 @@ inline constexpr forms::Colour kPaper{255, 255, 255};
 
 inline constexpr std::int32_t kClientWidth = 11190;  // twips
 inline constexpr std::int32_t kClientHeight = 6000;
+/// The height that the window leaves to the host's own heading above it, in pixels.
+inline constexpr std::int32_t kHeadingHeight = 28;
 inline constexpr const char* kFontFace = "Tahoma";
 inline constexpr double kFontSize = 8.25;  // points
 

@@ -195,8 +195,8 @@ void HeadlessPlugin::RunDue() {
 }
 
 PluginArea HeadlessSite::Area() const {
-  // What the settings window needs, and 28 pixels for the host's own heading.
-  return {1, layout::kClientWidth, layout::kClientHeight + 28 * 15};
+  constexpr std::int32_t kTwipsPerPixel = 15;  // of the toolkit without pixels
+  return {1, layout::kClientWidth, layout::kClientHeight + layout::kHeadingHeight * kTwipsPerPixel};
 }
 
 void HeadlessPlugin::LoadInterface(std::int32_t index, forms::WindowHandle parent,

@@ -25,7 +25,6 @@ constexpr int kListPadding = 16;  // beside its longest row
 // than it is told; 2 more are left free at the right and at the bottom.
 constexpr int kBesidePlugin = 4;
 constexpr int kBelowPlugin = 4;
-constexpr int kHeading = 28;
 constexpr double kHeadingSize = 10;  // points
 
 constexpr double kTwipsPerPixel = 15;
@@ -131,9 +130,9 @@ SIZE FrameWindow::SmallestSize() const {
   const auto pixels = [](std::int32_t twips) {
     return Scaled(static_cast<int>(std::ceil(twips / kTwipsPerPixel)));
   };
-  RECT area = {0, 0,
-               3 * Scaled(kMargin) + listWidth_ + pixels(layout::kClientWidth) + kBesidePlugin,
-               2 * Scaled(kMargin) + pixels(layout::kClientHeight) + kHeading + kBelowPlugin};
+  RECT area = {
+      0, 0, 3 * Scaled(kMargin) + listWidth_ + pixels(layout::kClientWidth) + kBesidePlugin,
+      2 * Scaled(kMargin) + pixels(layout::kClientHeight) + layout::kHeadingHeight + kBelowPlugin};
   ::AdjustWindowRectEx(&area, WS_OVERLAPPEDWINDOW, FALSE, 0);
   return {area.right - area.left, area.bottom - area.top};
 }
@@ -149,7 +148,8 @@ void FrameWindow::Arrange() const {
   ::MoveWindow(caption_, margin, margin, listWidth_, caption, TRUE);
   ::MoveWindow(list_, margin, margin + caption, listWidth_, height - 2 * margin - caption, TRUE);
   ::MoveWindow(area_, areaLeft, margin, width - areaLeft - margin, height - 2 * margin, TRUE);
-  ::MoveWindow(heading_, 2, 0, width - areaLeft - margin - kBesidePlugin, kHeading, TRUE);
+  ::MoveWindow(heading_, 2, 0, width - areaLeft - margin - kBesidePlugin, layout::kHeadingHeight,
+               TRUE);
 }
 
 HBRUSH FrameWindow::Face() {

@@ -96,7 +96,7 @@ void ComponentTest::Load(std::int32_t index, const std::string& gameCode) const 
   const auto parent = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(frame->Get()));
   Variant::Array data = *ProfileData(index, gameCode).AsArray();
   data[pdat::kAreaWidth] = layout::kClientWidth;
-  data[pdat::kAreaHeight] = layout::kClientHeight + 28 * 15;  // and the host's heading
+  data[pdat::kAreaHeight] = layout::kClientHeight + layout::kHeadingHeight * 15;
   Call("LoadInterface", {index, parent, data, ""});
 }
 
