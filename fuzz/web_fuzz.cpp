@@ -67,7 +67,7 @@ constexpr const char* kFiles[] = {"", "profiles/srv1/settings/Rotacasts.ini",
 constexpr const char* kMessages =
     "[Messages]\r\n1=a\r\n2=b\r\n3=c\r\n[Options]\r\nEnable=1\r\nInterval=3\r\n";
 
-/// One host for all inputs; its files are made anew for each.
+/// One host for all inputs; its files are made again for each.
 class Arena {
  public:
   Arena() {

@@ -98,7 +98,7 @@ TEST_F(EditingTest, AddingStoresTheFirstSixtyCharactersAsTyped) {
   Window().txtMessage().SetText(std::string(70, 'x'));  // longer than anyone could type
   Click("cmdAddImg", MouseEvent::kRight);
   EXPECT_EQ(Stored(2).back(), std::string(60, 'x'));
-  EXPECT_EQ(State().window.IfLoaded(), nullptr);  // not made anew to be refilled
+  EXPECT_EQ(State().window.IfLoaded(), nullptr);  // not made again to be refilled
 }
 
 TEST_F(EditingTest, AnAddThatFailsKeepsTheText) {

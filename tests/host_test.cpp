@@ -573,7 +573,7 @@ TEST_F(ConsoleTest, EachProfileGoesByItsOwnSwitchAndIntervalAndReloadTakesTheFil
             "1  off     3 min |2  on      7 min |"
             "profile 2 (srv2): its message file has another switch or interval; "
             "\"reload\" takes them over|");
-  EXPECT_EQ(Execute({"reload"}), "added: profile 5\nread anew; profiles: 3\n");
+  EXPECT_EQ(Execute({"reload"}), "added: profile 5\nread again; profiles: 3\n");
   EXPECT_EQ(rows(), "1  off     3 min |2  off     9 min |5  on      5 min |");
   std::filesystem::remove(folder.File("profiles/srv1/profile.ini"));
   folder.AddProfile(2, "NOPE", "1", "4002");  // goes on as it was
@@ -581,7 +581,7 @@ TEST_F(ConsoleTest, EachProfileGoesByItsOwnSwitchAndIntervalAndReloadTakesTheFil
   const std::string text = Execute({"disable 2", "reload", "status"});
   for (const char* says : {"not used: ", "GameCode is \"NOPE\"",
                            "changed: profile 5\nremoved: "
-                           "profile 1\nread anew; profiles: 2\n",
+                           "profile 1\nread again; profiles: 2\n",
                            "JO    stopped", "JO_2  "}) {
     EXPECT_NE(text.find(says), std::string::npos) << says << " is not in\n" << text;
   }

@@ -20,7 +20,7 @@ std::size_t CountCharacters(std::string_view text);
 /// The first `count` characters of a UTF-8 text, or all of it if it is shorter.
 std::string_view FirstCharacters(std::string_view text, std::size_t count);
 
-/// The code point that begins at `at`, which moves behind it; kInvalidCodePoint, one byte on, where
+/// The code point that begins at `at`, which moves after it; kInvalidCodePoint, one byte on, where
 /// the bytes are no well-formed UTF-8. `at` must lie inside `text`.
 char32_t NextCodePoint(std::string_view text, std::size_t& at);
 inline constexpr char32_t kInvalidCodePoint = 0xFFFFFFFF;

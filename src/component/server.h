@@ -31,7 +31,7 @@ class Server {
   void Drop() { --holds_; }
   /// Whether the DLL can be unloaded: nothing holds it, no call of it is on the stack, and no
   /// settings window is open, so nothing broadcasts. The state is given back then; a later use
-  /// starts anew.
+  /// starts again.
   bool CanUnload();
 
  private:

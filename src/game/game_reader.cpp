@@ -26,7 +26,7 @@ constexpr std::int32_t kMapRecord = 4584;
 constexpr std::int32_t kNameInRecord = 1044;
 }  // namespace common
 
-/// The rotation wraps behind its last entry and nowhere else.
+/// The rotation wraps after its last entry and nowhere else.
 Checked NextPosition(std::int32_t count, std::int32_t current) {
   const bool isLast = current == (Checked(count) - 1).Value();
   return isLast ? Checked(0) : Checked(current) + 1;

@@ -124,7 +124,7 @@ const Console::Command Console::kCommands[] = {
      [](Console& console, Arguments& arguments) {
        console.PrintPlaceholders(arguments.IsAtEnd() ? 0 : arguments.LastNumber());
      }},
-    {"show PROFILE", "read its profile.ini anew, load the window for it and start it",
+    {"show PROFILE", "read its profile.ini again, load the window for it and start it",
      [](Console& console, Arguments& arguments) { console.host_.Show(arguments.LastNumber()); }},
     {"hide", "hide the window; the broadcasts go on",
      [](Console& console, Arguments& arguments) {
@@ -138,7 +138,7 @@ const Console::Command Console::kCommands[] = {
        arguments.End();
        console.host_.Unload();
      }},
-    {"reload", "read every profile.ini and message file anew: added, changed, removed ones",
+    {"reload", "read every profile.ini and message file again: added, changed, removed ones",
      [](Console& console, Arguments& arguments) {
        arguments.End();
        console.PrintReloaded();
@@ -257,7 +257,7 @@ void Console::PrintReloaded() {
   print("added", changes.added);
   print("changed", changes.changed);
   print("removed", changes.removed);
-  out_ << "read anew; profiles: " << host_.Profiles().All().size() << "\n";
+  out_ << "read again; profiles: " << host_.Profiles().All().size() << "\n";
 }
 
 void Console::PrintRemote(Arguments& arguments) {

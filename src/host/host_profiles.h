@@ -13,7 +13,7 @@
 
 namespace rotacasts::host {
 
-/// What the profiles' files describe, kept until it is read anew, and the components that serve
+/// What the profiles' files describe, kept until it is read again, and the components that serve
 /// them. An index that no profile has raises error 5.
 class HostProfiles {
  public:
@@ -35,9 +35,9 @@ class HostProfiles {
   /// The elements of the profile data array that describe the profile.
   Variant::Array DataOf(const ProfileSettings& profile) const;
 
-  /// Reads one profile.ini anew.
+  /// Reads one profile.ini again.
   const ProfileSettings& ReadAnew(std::int32_t index);
-  /// Reads all of them anew, and says what cannot be used: a profile that was usable so far stays
+  /// Reads all of them again, and says what cannot be used: a profile that was usable so far stays
   /// as it was.
   struct Changes {
     std::vector<std::int32_t> added;

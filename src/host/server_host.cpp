@@ -196,7 +196,7 @@ ProfileStatus ServerHost::StatusOf(std::int32_t index) {
 std::optional<HostedPlugin::Progress> ServerHost::ProgressOf(std::int32_t index) const {
   auto progress = plugin_.ProgressOf(index);
   if (!progress && !started_.contains(index)) {
-    progress = HostedPlugin::Progress();  // a stopped one begins anew
+    progress = HostedPlugin::Progress();  // a stopped one begins again
   }
   return progress;
 }

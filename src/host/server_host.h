@@ -32,12 +32,12 @@ class ServerHost {
   /// Loads the window for every profile, in the order of their indexes, so that each is started;
   /// their number.
   std::size_t LoadEveryProfile();
-  /// Reads the profile's profile.ini anew and loads the window for it.
+  /// Reads the profile's profile.ini again and loads the window for it.
   void Show(std::int32_t index);
   void Hide();
   void Unload();
   void Disable(std::int32_t index);
-  /// Reads every profile.ini anew: starts what is new, stops what is gone, and lets every profile
+  /// Reads every profile.ini again: starts what is new, stops what is gone, and lets every profile
   /// that is started go by its files as they are now. A profile that was stopped stays so.
   HostProfiles::Changes Reload();
 

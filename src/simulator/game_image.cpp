@@ -26,7 +26,7 @@ struct SlotRecord {
 constexpr SlotRecord kDfbhdSlot = {717628, 60, 711340};
 constexpr SlotRecord kCommonSlot = {100584, 40, 80};
 
-/// Where a counter lies behind the start of a slot's counters.
+/// Where a counter lies after the start of a slot's counters.
 struct CounterPlace {
   std::int32_t PlayerStats::*counter;
   std::int32_t inDfbhd;

@@ -21,7 +21,7 @@ constexpr const char* kDownAction = "][Rotacasts] Move Rotacasts Down (Message: 
 constexpr const char* kUpAction = "][Rotacasts] Move Rotacasts Up (Message: ";
 constexpr const char* kDeleteAction = "][Rotacasts] Delete Rotacasts (Message: ";
 
-/// The key `places` behind the position that `data` names.
+/// The key `places` after the position that `data` names.
 std::string KeyBehind(const Variant& data, std::int32_t places) {
   return std::to_string((Checked(ToLong(data)) + places).Value());
 }

@@ -1,4 +1,4 @@
-// The one settings window: made by whoever first touches it, made anew when it is gone.
+// The one settings window: made by whoever first touches it, made again when it is gone.
 #pragma once
 
 #include <functional>

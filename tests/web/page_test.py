@@ -106,7 +106,7 @@ class Page(unittest.TestCase):
         self.assertEqual(self.host.end(), 0)
         page.sees("#banner", "connection to the host is lost")
         self.host.start()
-        page.sees("#sign-in-note", "the host was started anew")
+        page.sees("#sign-in-note", "the host was started again")
         page.sign_in("Anna", PASSWORD)
         page.sees("#desk")
         page.lists(*LIST)

@@ -106,7 +106,7 @@ class HeadlessView final : public FormView {
     }
   }
 
-  /// The text before the selection, the selection and the text behind it.
+  /// The text before the selection, the selection and the text after it.
   struct Pieces {
     std::string before, selected, behind;
   };

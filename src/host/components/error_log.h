@@ -9,8 +9,8 @@ namespace rotacasts::host {
 /// The error log takes about twice this much of the disk at most, with the one before it.
 inline constexpr std::size_t kLongestErrorLog = std::size_t{1} << 20;  // bytes
 
-/// Lets the log begin anew once it has grown long: what it holds goes to "errors.old.log" beside
-/// it, in place of what was there. A log that cannot be moved goes on growing.
+/// Starts a new log once the old one has grown long: that becomes "errors.old.log" beside it, in
+/// place of what was there. A log that cannot be moved goes on growing.
 void BeginAnewIfLong(const std::string& path) noexcept;
 
 }  // namespace rotacasts::host

@@ -17,7 +17,7 @@ struct GameProcess {
 };
 
 /// The process of each profile. A handle stands for the profile's entry, not for the process: a
-/// server that was started anew under the same program name is found again by itself. Of the
+/// server that was started again under the same program name is found again by itself. Of the
 /// programs of a name it is the one that receives at the port; if none does, that is an error, for
 /// another one would be another profile's server. Without a port there must be one only.
 class GameProcesses {

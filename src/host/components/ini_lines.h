@@ -24,7 +24,7 @@ inline std::string_view TrimBlanks(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-/// Whether a new line can begin behind these bytes.
+/// Whether a new line can begin after these bytes.
 inline bool EndsInLine(std::string_view bytes) {
   return bytes.empty() || kIniLineEnd.find(bytes.back()) != kIniLineEnd.npos;
 }
@@ -40,7 +40,7 @@ class IniCursor {
  public:
   explicit IniCursor(std::string_view bytes, std::size_t at = 0) : bytes_(bytes), next_(at) {}
 
-  /// Moves to the next line; false behind the last one. A line ends at CR LF, LF or CR.
+  /// Moves to the next line; false after the last one. A line ends at CR LF, LF or CR.
   bool Next() {
     begin_ = next_;
     if (begin_ >= bytes_.size()) return false;

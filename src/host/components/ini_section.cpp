@@ -96,7 +96,7 @@ void IniSection::EndLineBefore(std::size_t row) {
 
 void IniSection::Append(std::string_view key, std::string_view value) {
   while (!rows_.empty() && rows_.back().isGone) rows_.pop_back();
-  std::size_t at = rows_.size();  // behind the last line that is not blank
+  std::size_t at = rows_.size();  // after the last line that is not blank
   while (at > 0 && (rows_[at - 1].isGone || TrimBlanks(rows_[at - 1].Text()).empty())) --at;
   EndLineBefore(at);
   const Row row{Own(NewIniLine(key, value))};

@@ -51,12 +51,12 @@ class IniSection {
 
   std::string_view Own(std::string text);
   void Append(std::string_view key, std::string_view value);
-  /// Sees to it that a line can begin behind the row before this one, or behind the header.
+  /// Sees to it that a line can begin after the row before this one, or after the header.
   void EndLineBefore(std::size_t row);
 
   const std::string name_;
   const std::string& bytes_;
-  const std::size_t begin_;        // of the first line behind the header
+  const std::size_t begin_;        // of the first line after the header
   std::string_view behindHeader_;  // the end of its line, should it have had none
   std::size_t end_;
   std::vector<Row> rows_;

@@ -137,7 +137,7 @@ void IniText::SetValue(std::string_view section, std::string_view key, std::stri
     Replace(bytes_.size(), 0, block);
     return;
   }
-  std::size_t behindLast = cursor.NextBegin();  // behind the section's last line that is not blank
+  std::size_t behindLast = cursor.NextBegin();  // after the section's last line that is not blank
   while (cursor.NextInSection()) {
     const std::optional<IniLine> line = cursor.KeyLine();
     if (line && EqualsIgnoringCase(line->key, key)) {

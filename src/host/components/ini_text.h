@@ -13,7 +13,7 @@ namespace rotacasts::host {
 
 /// The bytes of an INI file (Windows-1252). Section and key names match without regard to ASCII
 /// letter case; the first section, and in it the first key, of a name counts. A value is everything
-/// behind the line's first "=", blanks included. Comments (";" or "#"), unknown sections, order and
+/// after the line's first "=", blanks included. Comments (";" or "#"), unknown sections, order and
 /// spacing of all other lines survive every change; new lines end in CR LF.
 ///
 /// A change costs a look through the text. From the second change of one section on its lines are
@@ -42,14 +42,14 @@ class IniText {
     enum class Kind { Heading, Key, Ignored, Unknown };  // Ignored: blank or a comment
     Kind kind = Kind::Ignored;
     std::string_view name;  // the heading's or the key's
-    std::string_view rest;  // what stands behind the heading's "]" or the key's "="
+    std::string_view rest;  // what stands after the heading's "]" or the key's "="
   };
   std::vector<Row> Rows() const;
   /// The number of the key's line, from 1; where the key is missing, that of its section's heading,
   /// and without that 1.
   std::size_t LineOf(std::string_view section, std::string_view key) const;
 
-  /// Writes a key: in its place, or behind the last line of its section, which is made if needed.
+  /// Writes a key: in its place, or after the last line of its section, which is made if needed.
   void SetValue(std::string_view section, std::string_view key, std::string_view value);
   void RemoveKey(std::string_view section, std::string_view key);
   void RemoveSection(std::string_view section);

@@ -23,7 +23,7 @@ class ReadAhead {
 
   /// Reads exactly `size` bytes at `address`.
   ReadOutcome Read(ProcessId process, std::uint32_t address, void* buffer, std::size_t size);
-  /// Reads up to `size` bytes at `address`, ending early behind a NUL or where the mapped memory
+  /// Reads up to `size` bytes at `address`, ending early after a NUL or where the mapped memory
   /// ends; `count` is what was read. NotMapped when not even the first byte is there.
   ReadOutcome ReadText(ProcessId process, std::uint32_t address, char* buffer, std::size_t size,
                        std::size_t& count);

@@ -10,7 +10,7 @@ namespace rotacasts::host {
 /// it when the process ends, however it ends; the file stays.
 class HostLock {
  public:
-  /// Writes " since `time`" behind this process' number. Raises what keeps the file from being
+  /// Writes " since `time`" after this process' number. Raises what keeps the file from being
   /// made or read.
   HostLock(const std::string& hostFolder, const std::string& time);
   ~HostLock();

@@ -31,7 +31,7 @@ class Request {
   // Empty when there is none.
   virtual std::string Header(const char* name) const = 0;
   virtual std::string Cookie(const char* name) const = 0;
-  /// A value behind the path's "?".
+  /// A value after the path's "?".
   virtual std::string Query(const char* name) const = 0;
 };
 

@@ -13,7 +13,7 @@ namespace rotacasts::host::web {
 inline constexpr std::size_t kShortestPassword = 8;
 inline constexpr std::size_t kLongestPassword = 256;
 
-/// Salted anew each time. Takes 64 MiB and a good part of a tenth of a second.
+/// With a new salt each time. Takes 64 MiB and a good part of a tenth of a second.
 std::string HashPassword(const std::string& password);
 /// The hash of a password that nobody knows, as costly to check as any other.
 std::string HashOfNobody();

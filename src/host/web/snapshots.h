@@ -1,4 +1,4 @@
-// What the page shows, as JSON texts that are made anew when it is time and shared by all pages.
+// What the page shows, as JSON texts that are made again when it is time and shared by all pages.
 #pragma once
 
 #include <chrono>
@@ -35,7 +35,7 @@ class Snapshots {
   const Text& MessagesOf(std::int32_t index);
   const Text& LogOf(std::int32_t index);
 
-  /// Makes a tenth of the rows anew, each time the next ones.
+  /// Makes a tenth of the rows again, each time the next ones.
   void RefreshSome();
   /// What is known of the profile is out of date.
   void Changed(std::int32_t index);

@@ -16,7 +16,7 @@ constexpr std::size_t kMostKept = 256 * 1024;
 // A pipe that has room at all takes as much as this at once.
 constexpr std::size_t kPiece = 4096;
 
-/// The standard output, opened anew so that not waiting is this program's own business: others may
+/// The standard output, opened again so that not waiting is this program's own business: others may
 /// have the same pipe or terminal open. -1 where that cannot be done or is not needed.
 int OpenWithoutWaiting() {
   struct stat status {};

@@ -108,7 +108,7 @@ void EventLoop::RunTurn() {
   for (std::size_t i = 1; i < sources.size() && !isStopped_; ++i) {
     const auto found = watches_.find(sources[i].fd);
     if (sources[i].revents == 0 || found == watches_.end()) continue;
-    if (found->second.number != numbers[i]) continue;  // watched anew meanwhile
+    if (found->second.number != numbers[i]) continue;  // watched again meanwhile
     const auto onReady = found->second.onReady;        // outlives an Unwatch from within
     onReady(sources[i].revents);
   }

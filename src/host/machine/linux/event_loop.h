@@ -30,7 +30,7 @@ class EventLoop {
 
   /// From the next wait on calls `onReady` in each turn that finds the descriptor ready for one of
   /// `events` (POLLIN, POLLOUT), or broken (POLLERR, POLLHUP); with what it is ready for. Watching
-  /// it anew replaces both. It stays the caller's, who unwatches it before closing it.
+  /// it again replaces both. It stays the caller's, who unwatches it before closing it.
   void Watch(int descriptor, short events, std::function<void(short ready)> onReady);
   /// Not a call more, not even one that is due in this turn. One that nobody watches is no error.
   void Unwatch(int descriptor) { watches_.erase(descriptor); }

@@ -37,7 +37,7 @@ void* RemoteAddress(std::uint32_t address) {
   return reinterpret_cast<void*>(static_cast<std::uintptr_t>(address));
 }
 
-/// Reads the remote pieces, one behind another. A number too large to be a process's stands for
+/// Reads the remote pieces, one after another. A number too large to be a process's stands for
 /// none: cut to size, it would stand for another process.
 ssize_t ReadPieces(ProcessId process, const iovec& local, std::span<const iovec> remote) {
   if (!std::in_range<pid_t>(process)) {

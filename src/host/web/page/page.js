@@ -29,7 +29,7 @@ function el(tag, attributes = {}, ...children) {
   return element;
 }
 
-/** Only what has changed is touched, so that nothing jumps and no screen reader starts anew. */
+/** Only what has changed is touched, so that nothing jumps and no screen reader starts again. */
 function setText(element, text) {
   if (element.textContent !== text) element.textContent = text;
 }
@@ -187,7 +187,7 @@ function lost() {
     const answer = await fetch("/api/session").catch(() => null);
     if (!person) return;
     if (answer?.ok) follow();
-    else if (answer?.status === 401) signedOut("You have been signed out, or the host was started anew.");
+    else if (answer?.status === 401) signedOut("You have been signed out, or the host was started again.");
     else lost();
   }, 1500);
 }
