@@ -19,7 +19,8 @@ class SystemClock final : public LocalClock {
 /// module as if it lay in the host folder's `Plugins`.
 class HostPlatform final : public ComponentFactory, public Module {
  public:
-  explicit HostPlatform(std::string hostFolder) : HostPlatform(std::move(hostFolder), machine_) {}
+  explicit HostPlatform(std::string hostFolder)
+      : hostFolder_(std::move(hostFolder)), files_(machine_) {}
   /// Its files lie in `files`, which outlives it.
   HostPlatform(std::string hostFolder, FileLayer& files)
       : hostFolder_(std::move(hostFolder)), files_(files) {}
