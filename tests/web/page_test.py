@@ -70,11 +70,13 @@ class Page(unittest.TestCase):
         page, other = self.open(), self.open()
         for one in (page, other):
             one.lists(*LIST)
-        # The other's page has not heard of it yet.
-        other.js("const real = EventSource.prototype.dispatchEvent; window.fetch = new Proxy(window.fetch, "
-                 "{apply: (f, self, [path, options]) => new Promise(go => setTimeout(() => go(f(path, options)), 400))})")
+        # The other's click is on its way while the list changes.
+        other.js("const real = fetch; window.fetch = (...request) => new Promise((go) => {"
+                 " window.letGo = () => { window.fetch = real; go(real(...request)); }; })")
         other.row(0, "delete")
         page.row(0, "delete")
+        page.lists(*LIST[1:])
+        other.js("letGo()")
         other.sees("#toast.bad", "The list has changed meanwhile")
         for one in (page, other):
             one.lists(*LIST[1:])
