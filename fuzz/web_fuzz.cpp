@@ -67,12 +67,17 @@ constexpr const char* kFiles[] = {"", "profiles/srv1/settings/Rotacasts.ini",
 constexpr const char* kMessages =
     "[Messages]\r\n1=a\r\n2=b\r\n3=c\r\n[Options]\r\nEnable=1\r\nInterval=3\r\n";
 
+/// Filled before the host looks into it.
+struct FilledFolder : testing::HostFolder {
+  FilledFolder() {
+    for (const int index : {1, 2}) AddProfile(index, "JO", "no-such-program", "4001", kMessages);
+  }
+};
+
 /// One host for all inputs; its files are made again for each.
 class Arena {
  public:
   Arena() {
-    for (const int index : {1, 2})
-      folder_.AddProfile(index, "JO", "no-such-program", "4001", kMessages);
     admins_.Set({"Anna", "-", true, {}, {kRights.begin(), kRights.end()}});
     admins_.Set({"Ben", "-", true, {}, {}});
     host_.LoadEveryProfile();
@@ -113,7 +118,7 @@ class Arena {
     Require(ini.Lines("Options").size() == 2 && ini.Sections().size() == 2, "a section was forged");
   }
 
-  testing::HostFolder folder_;
+  FilledFolder folder_;
   std::ostringstream out_;
   HostOptions options_{folder_.Path()};
   HostProfiles profiles_{folder_.Path(), out_};
