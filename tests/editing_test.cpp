@@ -194,8 +194,12 @@ TEST_F(EditingTest, AStoppedProfileIsToldOfAndNothingIsCalledForIt) {
   Plugin().LoadInterface(2, 77, refused);
   EXPECT_EQ(TakeErrors(), (Texts{"SetProfileData: 76", "Form_Reload: 76"}));
   EXPECT_EQ(Rows(), Texts{});
+  Window().chkAuto().SetValue(1);
+  Window().txtInterval().SetText("1");
+  TakeErrors();
   host.longs[0x00C87598] = 2;
   Tick(2);
+  EXPECT_EQ(TakeErrors(), Texts{}) << "told of every minute";
   for (const std::string& call : host.calls) {
     EXPECT_EQ(call.find(", )"), std::string::npos) << call << ": an empty path";
   }

@@ -82,9 +82,9 @@ class PluginHarness {
   void Type(forms::TextBox& box, const std::string& text);
   /// The texts of the section "Messages" in the profile's file.
   std::vector<std::string> Stored(int index);
-  /// Takes the boxes shown so far.
   /// Takes what was logged so far: "procedure: number".
   std::vector<std::string> TakeErrors();
+  /// Takes the boxes shown so far.
   std::vector<std::string> TakeBoxes() { return std::exchange(host.boxes, {}); }
 
   FakeHost host;

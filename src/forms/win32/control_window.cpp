@@ -131,17 +131,16 @@ LRESULT CALLBACK ControlWindow::Procedure(HWND window, UINT message, WPARAM wPar
   });
 }
 
-LRESULT ControlWindow::ByDefault(UINT message, WPARAM wParam, LPARAM lParam) const {
-  return ::CallWindowProcW(original_, window_, message, wParam, lParam);
-}
-
 LRESULT ControlWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
   const HWND window = window_;
   const WNDPROC original = original_;
+  const auto byDefault = [&] {
+    return ::CallWindowProcW(original, window, message, wParam, lParam);
+  };
   if (message == WM_NCDESTROY) {
     view_.Names().Take(window);
     ::SetWindowLongPtrW(window, GWLP_USERDATA, 0);
-    return ::CallWindowProcW(original, window, message, wParam, lParam);
+    return byDefault();
   }
   if (HandleKey(message, wParam)) return 0;
   const bool hasMenu = static_cast<bool>(control_.onMouseDown);
@@ -149,13 +148,11 @@ LRESULT ControlWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_CONTEXTMENU && hasMenu && lParam != kFromKeyboard) {
     return 0;  // the control's own menu has been shown
   }
-  if (!HandleMouse(message, lParam)) {
-    return ::CallWindowProcW(original, window, message, wParam, lParam);
-  }
+  if (!HandleMouse(message, lParam)) return byDefault();
   // A right press is the model's alone; after any other the control does what it does.
   const bool isRight = message == WM_RBUTTONDOWN || message == WM_RBUTTONUP;
   if ((isRight && hasMenu) || ::IsWindow(window) == FALSE) return 0;
-  return ::CallWindowProcW(original, window, message, wParam, lParam);
+  return byDefault();
 }
 
 bool ControlWindow::HandleKey(UINT message, WPARAM key) const {

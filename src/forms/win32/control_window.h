@@ -51,7 +51,7 @@ class ControlWindow {
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
  protected:
-  /// How a window is made. Without a procedure of its own a class uses this one.
+  /// How a window is made.
   struct Making {
     const wchar_t* windowClass;
     DWORD style;
@@ -65,7 +65,6 @@ class ControlWindow {
   /// Shows what the model holds besides its text, in a new window.
   virtual void Fill() {}
   virtual LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
-  LRESULT ByDefault(UINT message, WPARAM wParam, LPARAM lParam) const;
 
   std::intptr_t Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
     return ::SendMessageW(window_, message, wParam, lParam);
