@@ -91,8 +91,9 @@ bench: ## measure, each thing against a named opponent
 docs: ## bring what the documents take from the code up to date
 	@scripts/bootstrap build help test
 	@scripts/quietly cmake --preset sanitized
-	@scripts/quietly cmake --build --preset sanitized --target placeholder-table
-	@scripts/placeholder-table build/sanitized/docs/placeholder-table docs/help/placeholders.md
+	@scripts/quietly cmake --build --preset sanitized --target placeholder-table console-table
+	@scripts/made-table build/sanitized/docs/placeholder-table docs/help/placeholders.md
+	@scripts/made-table build/sanitized/docs/console-table docs/help/console.md
 
 pictures: demo-windows package ## take the pictures of the documents anew
 	@scripts/under-wine build/windows/tests/win32/keeper.exe scripts/setup-pictures \

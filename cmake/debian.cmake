@@ -1,21 +1,35 @@
 # What the Debian package holds, and how CPack makes it.
 find_program(GZIP gzip REQUIRED)
+find_program(CMARK cmark-gfm REQUIRED)
+file(GLOB pages CONFIGURE_DEPENDS docs/help/*)
+file(STRINGS docs/help/manuals manual_lines)
 set(manuals)
-foreach(program rotacasts-host game-server-sim)
-  set(source ${CMAKE_SOURCE_DIR}/package/debian/${program}.1)
-  set(manual ${CMAKE_BINARY_DIR}/${program}.1.gz)
-  add_custom_command(OUTPUT ${manual} COMMAND ${GZIP} -9nc ${source} >${manual}
-                     DEPENDS ${source})
-  list(APPEND manuals ${manual})
+foreach(line ${manual_lines})
+  string(REGEX MATCH "^[^ ]+" manual ${line})
+  list(APPEND manuals ${CMAKE_BINARY_DIR}/man/${manual})
 endforeach()
-add_custom_target(manuals ALL DEPENDS ${manuals})
+list(TRANSFORM manuals APPEND .gz OUTPUT_VARIABLE packed_manuals)
+add_custom_command(OUTPUT ${packed_manuals}
+                   COMMAND scripts/manuals ${PROJECT_VERSION} ${CMAKE_BINARY_DIR}/man
+                   COMMAND ${GZIP} -9nf ${manuals}
+                   WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
+                   DEPENDS ${pages} scripts/manuals)
+
+# A profile to begin with is the one that the manual shows.
+set(example ${CMAKE_BINARY_DIR}/profile.ini)
+add_custom_command(OUTPUT ${example}
+                   COMMAND sed -n "/^    \\[Profile]/,/^$/s/^    //p" docs/help/profile.md >${example}
+                   WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
+                   DEPENDS docs/help/profile.md VERBATIM)
+add_custom_target(manuals ALL DEPENDS ${packed_manuals} ${example})
 
 install(TARGETS rotacasts-host game-server-sim DESTINATION bin)
-install(FILES ${manuals} DESTINATION share/man/man1)
+foreach(manual ${packed_manuals})
+  string(REGEX REPLACE ".*\\.([0-9])\\.gz" "\\1" section ${manual})
+  install(FILES ${manual} DESTINATION share/man/man${section})
+endforeach()
 install(FILES package/debian/rotacasts-host@.service DESTINATION lib/systemd/system)
-install(FILES package/debian/profile.ini DESTINATION share/doc/rotacasts/examples)
-install(FILES README.md DESTINATION share/doc/rotacasts)
-install(FILES docs/host.md DESTINATION share/doc/rotacasts/docs)
+install(FILES ${example} DESTINATION share/doc/rotacasts/examples)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME rotacasts)

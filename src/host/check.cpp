@@ -142,7 +142,7 @@ Findings CheckHostFolder(const std::string& hostFolder) {
     CheckServers(hostFolder, found.warnings);
   } else {
     found.warnings.push_back(NativePath(hostFolder).string() + ": there is no usable profile; " +
-                             "write profiles/NAME/profile.ini as README describes it");
+                             "write profiles/NAME/profile.ini, with Index, GameCode, Process and Target");
   }
   return found;
 }

@@ -181,10 +181,14 @@ void Console::Run(std::string_view line) {
 
 void Console::PrintHelp() const {
   TextTable table({"Command", "What it does"});
-  for (const Command& command : kCommands) {
-    table.Add({std::string(command.usage), std::string(command.help)});
-  }
+  for (const auto& [usage, help] : Commands()) table.Add({usage, help});
   table.Print(out_);
+}
+
+std::vector<std::pair<std::string, std::string>> Console::Commands() {
+  std::vector<std::pair<std::string, std::string>> all;
+  for (const Command& command : kCommands) all.emplace_back(command.usage, command.help);
+  return all;
 }
 
 std::vector<std::string> Console::CommandNames() {

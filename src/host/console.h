@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/server_host.h"
@@ -22,6 +23,8 @@ class Console {
   /// What the host does when it is asked to reload by a signal.
   void Reload() { Execute("reload"); }
 
+  /// What can be typed, and what it does.
+  static std::vector<std::pair<std::string, std::string>> Commands();
   /// The commands' names, for whoever completes them.
   static std::vector<std::string> CommandNames();
 

@@ -83,7 +83,7 @@ int main(int argc, char** argv) {
   Options options;
   CLI::App app("Simulates a game server: a living game in memory, chat on a loopback port.",
                "game-server-sim");
-  app.add_option("--game-code", options.gameCode, "JO, JO_2, DFX2, DFBHD, or with _AFF, _AFF2")
+  app.add_option("--game-code", options.gameCode, "as in a profile, such as JO or JO_AFF")
       ->required();
   app.add_option("--players", options.life.players)
       ->check(CLI::Range(1, 250))
