@@ -18,7 +18,7 @@ add_custom_command(OUTPUT ${packed_manuals}
 # A profile to begin with is the one that the manual shows.
 set(example ${CMAKE_BINARY_DIR}/profile.ini)
 add_custom_command(OUTPUT ${example}
-                   COMMAND sed -n "/^    \\[Profile]/,/^$/s/^    //p" docs/help/profile.md >${example}
+                   COMMAND sed -n "/^    \\[Profile]/,/^$/s/^    //p" docs/help/profile.md > ${example}
                    WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
                    DEPENDS docs/help/profile.md VERBATIM)
 add_custom_target(manuals ALL DEPENDS ${packed_manuals} ${example})
