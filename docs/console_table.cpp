@@ -1,5 +1,5 @@
-// Prints the table of the console's commands for the documents, from the one that the console itself
-// goes by.
+// Prints the table of the console's commands for the documents, from the one that the console
+// itself goes by.
 
 #include <iostream>
 
@@ -9,7 +9,8 @@ namespace {
 
 /// A cell ends at a bar.
 std::string Escaped(std::string text) {
-  for (std::size_t at = 0; (at = text.find('|', at)) != text.npos; at += 2) text.insert(at, 1, '\\');
+  for (std::size_t at = 0; (at = text.find('|', at)) != text.npos; at += 2)
+    text.insert(at, 1, '\\');
   return text;
 }
 

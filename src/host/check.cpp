@@ -141,8 +141,9 @@ Findings CheckHostFolder(const std::string& hostFolder) {
   if (found.profiles != 0) {
     CheckServers(hostFolder, found.warnings);
   } else {
-    found.warnings.push_back(NativePath(hostFolder).string() + ": there is no usable profile; " +
-                             "write profiles/NAME/profile.ini, with Index, GameCode, Process and Target");
+    found.warnings.push_back(
+        NativePath(hostFolder).string() + ": there is no usable profile; " +
+        "write profiles/NAME/profile.ini, with Index, GameCode, Process and Target");
   }
   return found;
 }

@@ -18,8 +18,8 @@ class TimerLoop {
 
   explicit TimerLoop(std::chrono::nanoseconds minute = std::chrono::minutes(1)) : minute_(minute) {}
 
-  /// Starts the timer, from now on, or starts it again with another interval (milliseconds, at least
-  /// 1, stretched by the length of a minute).
+  /// Starts the timer, from now on, or starts it again with another interval (milliseconds, at
+  /// least 1, stretched by the length of a minute).
   void Start(Id id, std::int32_t milliseconds, std::function<void()> callback,
              Clock::time_point now = Clock::now());
   void Stop(Id id) { timers_.erase(id); }
