@@ -80,7 +80,7 @@ TEST_F(EmbeddingTest, ErrorsAreReportedUnderTheRightNameAndStartNothing) {
 TEST_F(EmbeddingTest, ALoadWhileAMessageBoxIsOpenEndsSilentlyWithoutStarting) {
   Load(1);
   toolkit.onMessageBox = [&](const std::string&, const std::string&) { Load(2); };
-  State().reporter.Notify(ReportKind::Success, "open");
+  State().reporter.Notify(Outcome::Success, "open");
   EXPECT_TRUE(host.logged.empty());
   EXPECT_FALSE(Window().Timers().Elements().contains(2));
   EXPECT_EQ(State().tables.currentWindowProfile, 2);  // what came before showing has happened

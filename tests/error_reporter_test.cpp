@@ -29,7 +29,7 @@ class ErrorReporterTest : public PluginTest {
  protected:
   void Report(bool quiet = false, std::int32_t profile = 2) {
     const RuntimeError error(ErrorNumber::TypeMismatch);
-    State().reporter.ReportError(ReportKind::Error, "tmrRT", &error, profile, 0, quiet);
+    State().reporter.ReportError({"tmrRT", error, profile, 0, quiet});
   }
   static constexpr const char* kText =
       "DLL Error!|Error Line: 0\r\nError 13: Type mismatch\r\nDLL: tvxRT.dll\r\n"
@@ -95,7 +95,7 @@ TEST_F(ErrorReporterTest, AFaultThatComesBackInsideItsOwnBoxDoesNotPileUpForEver
     ++errors;
     if (host.logged.size() < 100) Report();
     if (toolkit.OpenMessageBoxes() < kMost) return;
-    State().reporter.Notify(ReportKind::Failure, "told all the same");
+    State().reporter.Notify(Outcome::Failure, "told all the same");
     host.files[kConfig].clear();
     Report();
   };

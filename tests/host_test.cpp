@@ -171,7 +171,7 @@ TEST_F(SimulatorTest, ThePluginReadsTheWorldThatTheSimulatorLives) {
       return leader->name + ": " + std::to_string(leader->stats.*counter);
     };
     const auto next = static_cast<std::size_t>(world.position + 1) % world.maps.size();
-    const auto text = [&](const char* token) { return State().broadcast.LiveText(1, token); };
+    const auto text = [&](const char* token) { return State().liveTexts.TextOf(1, token); };
     EXPECT_EQ(text("{ShowMostKills}"), "[Most Kills] " + best(&PlayerStats::Kills) + " Kills");
     EXPECT_EQ(text("{ShowHighScorer}"),
               "[Highest Scorer] " + best(&PlayerStats::Score) + " Exp Pts");

@@ -2,7 +2,6 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
-#include "broadcast/placeholders.h"
 #include "game/address_table.h"
 
 namespace rotacasts {
@@ -16,7 +15,7 @@ constexpr std::int16_t kChatMode = 3;
 }  // namespace
 
 void BroadcastTimer::tmrRT_Timer(std::int16_t Index) {
-  Guard(reporter_, {"tmrRT", tables_.currentWindowProfile}, [&](Step& at) {
+  Guard(errors_, {"tmrRT", tables_.currentWindowProfile}, [&](Step& at) {
     while (RunPass(Index, at) == Pass::TriesNextMessage) {
     }
   });
@@ -41,7 +40,7 @@ BroadcastTimer::Pass BroadcastTimer::RunPass(std::int16_t index, Step& at) {
   at(8);
   const std::string message = section.TextOf(lines.at(static_cast<std::size_t>(position)));
   at(9);
-  std::string text = LiveText(index, message);
+  std::string text = liveTexts_.TextOf(index, message);
   at(11);
   tables_.NextMessage(index) = position + 1;
   if (text.empty()) {
@@ -69,19 +68,6 @@ bool BroadcastTimer::IsDue(std::int32_t index, Step& at) {
   if (interval <= 1 || elapsed >= interval - 1) return true;
   ++elapsed;
   return false;
-}
-
-std::string BroadcastTimer::LiveText(std::int32_t profileIndex, const std::string& message) {
-  const bool isDfbhd = tables_.Profiles(profileIndex).GameCode == kDfbhd;
-  std::string text = message;
-  if (message == kShowNextMap) {
-    text = isDfbhd ? game_.GetNextMap(profileIndex) : game_.GetNextMapJO(profileIndex);
-  } else if (const auto category = PlaceholderCategory(message)) {
-    const std::string name(*category);
-    text =
-        isDfbhd ? infoTexts_.GetStat(profileIndex, name) : infoTexts_.GetStat2(profileIndex, name);
-  }
-  return std::string(TrimSpaces(ReplaceAll(text, "\r\n", "")));
 }
 
 void BroadcastTimer::Send(std::int16_t index, std::string text) {

@@ -4,8 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "game/game_reader.h"
-#include "stats/info_texts.h"
+#include "broadcast/live_texts.h"
 #include "store/message_file.h"
 
 namespace rotacasts {
@@ -14,24 +13,19 @@ namespace rotacasts {
 /// that the settings window shows; what is sent is read from the profile's file on every tick.
 class BroadcastTimer {
  public:
-  BroadcastTimer(const HostServices& services, ProfileTables& tables, ErrorReporter& reporter,
-                 GameReader& game, InfoTexts& infoTexts, MessageFile& store, SettingsView& window)
+  BroadcastTimer(const HostServices& services, ProfileTables& tables, ErrorHandler& errors,
+                 GameReader& game, LiveTexts& liveTexts, MessageFile& store, SettingsView& window)
       : services_(services),
         tables_(tables),
-        reporter_(reporter),
+        errors_(errors),
         game_(game),
-        infoTexts_(infoTexts),
+        liveTexts_(liveTexts),
         store_(store),
         window_(window) {}
 
   /// One tick, once a minute, of the profile `Index`: sends at most one message. An error is
   /// reported under "tmrRT" for the current window profile.
   void tmrRT_Timer(std::int16_t Index);
-
-  /// What a message says now: itself, or a placeholder's live text, on one line and without blanks
-  /// at its ends. Errors of a live text are reported; its text is then what the reader falls back
-  /// to.
-  std::string LiveText(std::int32_t profileIndex, const std::string& message);
 
  private:
   enum class Pass { Ended, TriesNextMessage };
@@ -41,9 +35,9 @@ class BroadcastTimer {
 
   const HostServices& services_;
   ProfileTables& tables_;
-  ErrorReporter& reporter_;
+  ErrorHandler& errors_;
   GameReader& game_;
-  InfoTexts& infoTexts_;
+  LiveTexts& liveTexts_;
   MessageFile& store_;
   SettingsView& window_;
 };

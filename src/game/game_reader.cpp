@@ -64,7 +64,7 @@ std::string NextMapNameJO(const ProcessView& process, Step& at) {
 }  // namespace
 
 void GameReader::SetMemory(std::int32_t profileIndex, bool isAffiliate) {
-  Guard(reporter_, {"SetMemory", profileIndex}, [&](Step& at) {
+  Guard(errors_, {"SetMemory", profileIndex}, [&](Step& at) {
     at(1);
     tables_.MemoryMaps(profileIndex) = MemoryMap();
     at(2);
@@ -76,7 +76,7 @@ void GameReader::SetMemory(std::int32_t profileIndex, bool isAffiliate) {
 
 bool GameReader::HasMemoryMap(std::int32_t profileIndex) const {
   try {
-    return tables_.MemoryMaps(profileIndex).Holds(location::kGameState);
+    return std::as_const(tables_).MemoryMaps(profileIndex).Holds(location::kGameState);
   } catch (...) {
     return false;
   }
@@ -84,23 +84,23 @@ bool GameReader::HasMemoryMap(std::int32_t profileIndex) const {
 
 bool GameReader::IsGameRunning(std::int32_t profileIndex) const {
   const std::int32_t state =
-      ProcessView(services_, tables_, profileIndex).ReadLong(location::kGameState);
+      ProcessView(source_, tables_, profileIndex).ReadLong(location::kGameState);
   return std::find(std::begin(kRunningStates), std::end(kRunningStates), state) !=
          std::end(kRunningStates);
 }
 
 std::string GameReader::GetNextMap(std::int32_t profileIndex) {
   std::string text;
-  Guard(reporter_, {"GetNextMap", profileIndex}, [&](Step& at) {
-    text = std::string(kNextMapLabel) + NextMapName({services_, tables_, profileIndex}, at);
+  Guard(errors_, {"GetNextMap", profileIndex}, [&](Step& at) {
+    text = std::string(kNextMapLabel) + NextMapName({source_, tables_, profileIndex}, at);
   });
   return text;
 }
 
 std::string GameReader::GetNextMapJO(std::int32_t profileIndex) {
   std::string text = "Unknown!!!";
-  Guard(reporter_, {"GetNextMapJO", profileIndex, true}, [&](Step& at) {
-    text = std::string(kNextMapLabel) + NextMapNameJO({services_, tables_, profileIndex}, at);
+  Guard(errors_, {"GetNextMapJO", profileIndex, true}, [&](Step& at) {
+    text = std::string(kNextMapLabel) + NextMapNameJO({source_, tables_, profileIndex}, at);
   });
   return text;
 }

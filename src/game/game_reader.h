@@ -6,6 +6,8 @@
 #include <string_view>
 
 #include "services/guard.h"
+#include "services/host_services.h"
+#include "services/profile_tables.h"
 
 namespace rotacasts {
 
@@ -15,8 +17,8 @@ inline constexpr std::string_view kNextMapLabel = "[Next Map] ";
 /// Reads a profile's game server afresh on every call; keeps nothing.
 class GameReader {
  public:
-  GameReader(const HostServices& services, ProfileTables& tables, ErrorReporter& reporter)
-      : services_(services), tables_(tables), reporter_(reporter) {}
+  GameReader(const MemorySource& source, ProfileTables& tables, ErrorHandler& errors)
+      : source_(source), tables_(tables), errors_(errors) {}
 
   /// Replaces the profile's memory map by a new one for its game build: the record's game code and
   /// affiliate flags must be in place. Errors are reported under "SetMemory".
@@ -35,9 +37,9 @@ class GameReader {
   std::string GetNextMapJO(std::int32_t profileIndex);
 
  private:
-  const HostServices& services_;
+  const MemorySource& source_;
   ProfileTables& tables_;
-  ErrorReporter& reporter_;
+  ErrorHandler& errors_;
 };
 
 }  // namespace rotacasts

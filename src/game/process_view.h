@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/arithmetic.h"
 #include "services/host_services.h"
@@ -16,22 +17,22 @@ namespace rotacasts {
 class ProcessView {
  public:
   /// Error 9 for a profile index beyond the tables.
-  ProcessView(const HostServices& services, ProfileTables& tables, std::int32_t profileIndex)
-      : services_(services),
+  ProcessView(const MemorySource& source, ProfileTables& tables, std::int32_t profileIndex)
+      : source_(source),
         processHandle_(tables.Profiles(profileIndex).ProcessHandle),
-        map_(tables.MemoryMaps(profileIndex)) {}
+        map_(std::as_const(tables).MemoryMaps(profileIndex)) {}
 
   std::int32_t Address(std::string_view location) const { return map_.Address(location); }
   std::int32_t ReadLong(Checked address) const {
-    return services_.Memory().ReadLong(processHandle_, address.Value());
+    return source_.Memory().ReadLong(processHandle_, address.Value());
   }
   std::int32_t ReadLong(std::string_view location) const { return ReadLong(Address(location)); }
   std::string ReadStr(Checked address) const {
-    return services_.Memory().ReadStr(processHandle_, address.Value());
+    return source_.Memory().ReadStr(processHandle_, address.Value());
   }
 
  private:
-  const HostServices& services_;
+  const MemorySource& source_;
   std::int32_t& processHandle_;  // the record's own field, as the component contract has it
   const MemoryMap map_;
 };

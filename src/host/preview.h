@@ -1,15 +1,16 @@
 // What a message of a profile would say at this moment.
 #pragma once
 
+#include <memory>
 #include <string>
 
-#include "forms/headless/headless_toolkit.h"
+#include "broadcast/live_texts.h"
 #include "host/host_profiles.h"
 
 namespace rotacasts::host {
 
 /// Reads game servers with the plugin's own readers; needs no plugin at work and writes nothing.
-class Preview {
+class Preview final : MemorySource, ErrorHandler {
  public:
   explicit Preview(HostProfiles& profiles);
 
@@ -31,16 +32,19 @@ class Preview {
   Text TextOf(const ProfileSettings& profile, const Game& game, const std::string& message);
 
  private:
-  class Components;
+  // What the readers ask for, and whom they tell of an error.
+  MemoryComponent& Memory() const override { return *memory_; }
+  void ReportError(const Failure& failure) override { problem_ = failure.error.description; }
 
   void Describe(const ProfileSettings& profile);
 
   HostProfiles& profiles_;
-  std::string problem_;  // the last error that a reader has reported
-  headless::TimerLoop timers_;
-  headless::HeadlessToolkit toolkit_;
-  const std::unique_ptr<ComponentFactory> components_;
-  PluginState state_;
+  const std::unique_ptr<MemoryComponent> memory_;
+  std::string problem_;   // the last error that a reader has told of
+  ProfileTables tables_;  // of the one profile that is looked at, whatever its own index
+  GameReader game_{*this, tables_, *this};
+  InfoTexts infoTexts_{*this, tables_, *this};
+  LiveTexts liveTexts_{tables_, game_, infoTexts_};
 };
 
 }  // namespace rotacasts::host

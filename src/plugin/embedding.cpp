@@ -22,7 +22,7 @@ std::int32_t WholePixels(const Variant& twips, double twipsPerPixel) {
 
 void Embedding::LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, const Variant& PDAT) {
   if (Index == 0) return;
-  Guard(reporter_, {"LoadInterface", Index}, [&](Step& at) {
+  Guard(errors_, {"LoadInterface", Index}, [&](Step& at) {
     at(2);
     profiles_.SetProfileData(Index, PDAT);
     at(3);
@@ -60,7 +60,7 @@ void Embedding::HideInterface() {
 
 void Embedding::UnLoadInterface() {
   constexpr std::int32_t kNoProfile = 0;
-  Guard(reporter_, {"UnLoadInterface", kNoProfile}, [&](Step& at) {
+  Guard(errors_, {"UnLoadInterface", kNoProfile}, [&](Step& at) {
     at(1);
     profiles_.ResetRunTimeTables();
     at(2);

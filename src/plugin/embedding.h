@@ -12,11 +12,11 @@ inline constexpr std::int32_t kTimerInterval = 60000;
 
 class Embedding {
  public:
-  Embedding(HostServices& services, ProfileTables& tables, ErrorReporter& reporter,
-            Profiles& profiles, SettingsWindow& window)
+  Embedding(HostServices& services, ProfileTables& tables, ErrorHandler& errors, Profiles& profiles,
+            SettingsWindow& window)
       : services_(services),
         tables_(tables),
-        reporter_(reporter),
+        errors_(errors),
         profiles_(profiles),
         window_(window) {}
 
@@ -34,7 +34,7 @@ class Embedding {
 
   HostServices& services_;
   ProfileTables& tables_;
-  ErrorReporter& reporter_;
+  ErrorHandler& errors_;
   Profiles& profiles_;
   SettingsWindow& window_;
 };

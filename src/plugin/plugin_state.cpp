@@ -9,12 +9,13 @@ PluginState::PluginState(Platform platform)
       reporter(services, tables),
       game(services, tables, reporter),
       infoTexts(services, tables, reporter),
+      liveTexts(tables, game, infoTexts),
       window([this] {
         return SettingsWindowContext{services, tables, reporter, store,
                                      [this](std::int16_t index) { broadcast.tmrRT_Timer(index); }};
       }),
       store(services, tables, reporter, window),
-      broadcast(services, tables, reporter, game, infoTexts, store, window),
+      broadcast(services, tables, reporter, game, liveTexts, store, window),
       profiles(services, tables, reporter, game, window),
       embedding(services, tables, reporter, profiles, window),
       remote(services, tables, reporter, store, window,

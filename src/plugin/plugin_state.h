@@ -27,6 +27,7 @@ class PluginState {
   ErrorReporter reporter;
   GameReader game;
   InfoTexts infoTexts;
+  LiveTexts liveTexts;
   SettingsWindow window;
   MessageFile store;
   BroadcastTimer broadcast;

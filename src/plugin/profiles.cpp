@@ -17,6 +17,19 @@ void GrowToReach(Table<Element>& table, std::int32_t index) {
 
 }  // namespace
 
+void FillRecord(ProfileRecord& record, const Variant& PDAT) {
+  record.Data0 = ToText(PDAT.At(pdat::kData0));
+  record.GameCode = ToText(PDAT.At(pdat::kGameCode));
+  record.ProcessHandle = ToLong(PDAT.At(pdat::kProcessHandle));
+  record.Data3 = ToText(PDAT.At(pdat::kData3));
+  record.Data4 = ToText(PDAT.At(pdat::kData4));
+  record.Data5 = ToText(PDAT.At(pdat::kData5));
+  record.MessageTarget = ToLong(PDAT.At(pdat::kMessageTarget));
+  record.ProfileFolder = ToText(PDAT.At(pdat::kProfileFolder));
+  record.IsAffiliate = record.GameCode.ends_with(kAffiliateEnding);
+  record.IsAffiliate2 = record.GameCode.ends_with(kAffiliate2Ending);
+}
+
 void Profiles::GrowTables(std::int32_t index) {
   GrowToReach(tables_.Profiles, index);
   GrowToReach(tables_.MemoryMaps, index);
@@ -26,7 +39,7 @@ void Profiles::GrowTables(std::int32_t index) {
 }
 
 void Profiles::SetProfileData(std::int32_t Index, const Variant& PDAT) {
-  Guard(reporter_, {"SetProfileData", Index}, [&](Step& at) {
+  Guard(errors_, {"SetProfileData", Index}, [&](Step& at) {
     at(1);
     GrowTables(Index);
     at(2);
@@ -41,24 +54,11 @@ void Profiles::SetProfileData(std::int32_t Index, const Variant& PDAT) {
   });
 }
 
-void Profiles::FillRecord(ProfileRecord& record, const Variant& PDAT) {
-  record.Data0 = ToText(PDAT.At(pdat::kData0));
-  record.GameCode = ToText(PDAT.At(pdat::kGameCode));
-  record.ProcessHandle = ToLong(PDAT.At(pdat::kProcessHandle));
-  record.Data3 = ToText(PDAT.At(pdat::kData3));
-  record.Data4 = ToText(PDAT.At(pdat::kData4));
-  record.Data5 = ToText(PDAT.At(pdat::kData5));
-  record.MessageTarget = ToLong(PDAT.At(pdat::kMessageTarget));
-  record.ProfileFolder = ToText(PDAT.At(pdat::kProfileFolder));
-  record.IsAffiliate = record.GameCode.ends_with(kAffiliateEnding);
-  record.IsAffiliate2 = record.GameCode.ends_with(kAffiliate2Ending);
-}
-
 void Profiles::DisableProfile(std::int32_t Index) {
   const auto ifThere = [](auto&& statement) {
     ResumeNext({ErrorNumber::SubscriptOutOfRange, ErrorNumber::NoSuchArrayElement}, statement);
   };
-  Guard(reporter_, {"DisableProfile", Index}, [&](Step& at) {
+  Guard(errors_, {"DisableProfile", Index}, [&](Step& at) {
     at(1);
     ifThere([&] { tables_.MemoryMaps(Index) = MemoryMap(); });
     at(2);

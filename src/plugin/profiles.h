@@ -5,15 +5,21 @@
 
 #include "game/game_reader.h"
 #include "services/guard.h"
+#include "services/host_services.h"
+#include "services/profile_tables.h"
 #include "ui/settings_window.h"
 
 namespace rotacasts {
 
+/// Takes a profile's data into its record, element after element; what is filled before an error
+/// stays filled.
+void FillRecord(ProfileRecord& record, const Variant& PDAT);
+
 class Profiles {
  public:
-  Profiles(HostServices& services, ProfileTables& tables, ErrorReporter& reporter, GameReader& game,
+  Profiles(HostServices& services, ProfileTables& tables, ErrorHandler& errors, GameReader& game,
            SettingsWindow& window)
-      : services_(services), tables_(tables), reporter_(reporter), game_(game), window_(window) {}
+      : services_(services), tables_(tables), errors_(errors), game_(game), window_(window) {}
 
   /// Stores a profile's data: grows the tables to `Index`, fills the record, builds the memory map
   /// and the message file's path. Position and tick count of a running profile stay. Reported under
@@ -30,11 +36,10 @@ class Profiles {
 
  private:
   void GrowTables(std::int32_t index);
-  void FillRecord(ProfileRecord& record, const Variant& PDAT);
 
   HostServices& services_;
   ProfileTables& tables_;
-  ErrorReporter& reporter_;
+  ErrorHandler& errors_;
   GameReader& game_;
   SettingsWindow& window_;
 };

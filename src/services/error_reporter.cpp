@@ -1,7 +1,6 @@
 #include "services/error_reporter.h"
 
 #include "base/conversions.h"
-#include "services/guard.h"
 
 namespace rotacasts {
 namespace {
@@ -15,40 +14,25 @@ constexpr const char* kReportSent = "\r\n\r\nError Report Sent: Yes";
 constexpr const char* kReportFailed = "\r\n\r\nError Report Sent: Failed!";
 constexpr const char* kReportNotWanted = "\r\n\r\nError Report Sent: No";
 
+/// What the administrator is told; the outcome of the report is appended to it.
+std::string WordsOf(const Failure& failure) {
+  return "Error Line: " + std::to_string(failure.line) + "\r\nError " +
+         std::to_string(failure.error.number) + ": " + failure.error.description +
+         "\r\nDLL: " + kModuleFile + "\r\nFunction/Sub: " + failure.procedure;
+}
+
 }  // namespace
 
-struct ErrorReporter::Incident {
-  std::string procedure;
-  RuntimeError error;
-  std::int32_t profileIndex;
-  std::int32_t line;
-  /// What the administrator is told; the outcome of the report is appended to it.
-  std::string text;
-};
-
-void ErrorReporter::ReportError(ReportKind kind, const std::string& text, const RuntimeError* error,
-                                std::int32_t profileIndex, std::int32_t line, bool quiet) try {
-  switch (kind) {
-    case ReportKind::Success:
-      return Show(text, "Success");
-    case ReportKind::Failure:
-      return Show(text, "Failed!");
-    case ReportKind::Error:
-      break;
-  }
-  if (error == nullptr) return;
-  Incident incident{text, *error, profileIndex, line,
-                    "Error Line: " + std::to_string(line) + "\r\nError " +
-                        std::to_string(error->number) + ": " + error->description +
-                        "\r\nDLL: " + kModuleFile + "\r\nFunction/Sub: " + text};
+void ErrorReporter::ReportError(const Failure& failure) try {
+  Failure logged = failure;  // the log takes references, and may change what they refer to
   try {
-    services_.Utility().LogError(kModuleFile, incident.procedure, incident.error, incident.line);
+    services_.Utility().LogError(kModuleFile, logged.procedure, logged.error, logged.line);
   } catch (...) {  // without a log the administrator's box is all that is left
-    if (!quiet) ShowError(incident.text + kReportNotWanted);
+    if (!failure.quiet) ShowError(WordsOf(failure) + kReportNotWanted);
     return;
   }
   try {
-    ReportIncident(incident, quiet);
+    TellOf(logged, WordsOf(failure));
   } catch (...) {
     const RuntimeError second = CurrentRuntimeError();
     Show(std::to_string(second.number) + ": " + second.description, "tvxRT.dll Error");
@@ -56,22 +40,27 @@ void ErrorReporter::ReportError(ReportKind kind, const std::string& text, const 
 } catch (...) {  // not even a box could be shown; the host lives on
 }
 
-void ErrorReporter::ReportIncident(Incident& incident, bool quiet) {
+void ErrorReporter::Notify(Outcome outcome, const std::string& text) try {
+  Show(text, outcome == Outcome::Success ? "Success" : "Failed!");
+} catch (...) {  // no box could be shown; the host lives on
+}
+
+void ErrorReporter::TellOf(const Failure& failure, const std::string& words) {
   std::string path = services_.HostFolder() + "\\settings\\config.ini";
   std::string wanted;
   ResumeNext({ErrorNumber::SubscriptOutOfRange},
              [&] { wanted = services_.Utility().GetIniKey("Settings", "ReportErrors", path); });
-  incident.text += ToDouble(wanted) == 1 ? SendReport(incident) : kReportNotWanted;
-  if (!quiet) ShowError(incident.text);
+  const std::string outcome = ToDouble(wanted) == 1 ? SendReport(failure) : kReportNotWanted;
+  if (!failure.quiet) ShowError(words + outcome);
 }
 
-std::string ErrorReporter::SendReport(const Incident& incident) {
+std::string ErrorReporter::SendReport(const Failure& failure) {
   Variant isAffiliate;  // stays empty for a profile without a record
   ResumeNext({ErrorNumber::SubscriptOutOfRange},
-             [&] { isAffiliate = tables_.Profiles(incident.profileIndex).IsAffiliate; });
-  Variant report(Variant::Array{std::to_string(incident.error.number), incident.error.description,
+             [&] { isAffiliate = tables_.Profiles(failure.profileIndex).IsAffiliate; });
+  Variant report(Variant::Array{std::to_string(failure.error.number), failure.error.description,
                                 std::string(kModuleFile) + " " + FormatVersion(services_.Version()),
-                                incident.procedure, isAffiliate, incident.line});
+                                failure.procedure, isAffiliate, failure.line});
   bool delivered = false;
   ResumeNext({ErrorNumber::SubscriptOutOfRange},
              [&] { delivered = services_.Utility().SendErrorReport(report); });

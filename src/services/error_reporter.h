@@ -1,43 +1,37 @@
 // The one error reporter and message-box routine.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
+#include "services/guard.h"
 #include "services/host_services.h"
 #include "services/profile_tables.h"
 
 namespace rotacasts {
 
-enum class ReportKind : std::uint8_t { Success = 1, Failure = 2, Error = 4 };
+/// The title of a notice.
+enum class Outcome { Success, Failure };
 
 /// Logs an error, sends a report when the host's configuration asks for one, and tells the
 /// administrator in a message box. Nothing thrown leaves it.
-class ErrorReporter {
+class ErrorReporter final : public ErrorHandler {
  public:
-  ErrorReporter(HostServices& services, ProfileTables& tables)
+  ErrorReporter(const HostServices& services, const ProfileTables& tables)
       : services_(services), tables_(tables) {}
 
-  /// Kind Success or Failure: shows `text` in a box titled "Success" or "Failed!"; `error` is null.
-  /// Kind Error: reports `error` of the procedure named `text`, which worked for `profileIndex` and
-  /// failed at `line`; `quiet` suppresses the box.
-  void ReportError(ReportKind kind, const std::string& text, const RuntimeError* error,
-                   std::int32_t profileIndex, std::int32_t line, bool quiet);
-
-  /// A plain notice to the administrator.
-  void Notify(ReportKind kind, const std::string& text) {
-    ReportError(kind, text, nullptr, 0, 0, false);
-  }
+  void ReportError(const Failure& failure) override;
+  /// A plain notice to the administrator: a box titled "Success" or "Failed!".
+  void Notify(Outcome outcome, const std::string& text);
 
  private:
-  struct Incident;
-  void ReportIncident(Incident& incident, bool quiet);
-  std::string SendReport(const Incident& incident);
+  /// Sends the report, if one is wanted, and shows `words` with what became of it.
+  void TellOf(const Failure& failure, const std::string& words);
+  std::string SendReport(const Failure& failure);
   void Show(const std::string& text, const std::string& title);
   void ShowError(const std::string& text);
 
-  HostServices& services_;
-  ProfileTables& tables_;
+  const HostServices& services_;
+  const ProfileTables& tables_;
 };
 
 }  // namespace rotacasts

@@ -4,12 +4,28 @@
 #include <algorithm>
 #include <cstdint>
 #include <initializer_list>
+#include <string>
 #include <string_view>
-#include <utility>
 
-#include "services/error_reporter.h"
+#include "base/runtime_error.h"
 
 namespace rotacasts {
+
+/// An error, and what it has ended.
+struct Failure {
+  std::string procedure;
+  RuntimeError error;
+  std::int32_t profileIndex;  // the profile worked for
+  std::int32_t line;          // where it failed
+  bool quiet = false;         // the administrator is spared the box
+};
+
+/// Whoever is told of the errors that end procedures. Nothing thrown leaves it.
+class ErrorHandler {
+ public:
+  virtual ~ErrorHandler() = default;
+  virtual void ReportError(const Failure& failure) = 0;
+};
 
 /// The line number that an error report gives: the step that a procedure's body marked last.
 class Step {
@@ -29,18 +45,17 @@ struct Procedure {
   bool quiet = false;
 };
 
-/// Runs `body(step)` and hands whatever it throws to the reporter. Answers whether it ran to its
+/// Runs `body(step)` and hands whatever it throws to the handler. Answers whether it ran to its
 /// end.
 template <class Body>
-bool Guard(ErrorReporter& reporter, const Procedure& procedure, Body&& body) {
+bool Guard(ErrorHandler& handler, const Procedure& procedure, Body&& body) {
   Step step;
   try {
     body(step);
     return true;
   } catch (...) {
-    const RuntimeError error = CurrentRuntimeError();
-    reporter.ReportError(ReportKind::Error, std::string(procedure.name), &error,
-                         procedure.profileIndex, step.Line(), procedure.quiet);
+    handler.ReportError({std::string(procedure.name), CurrentRuntimeError(), procedure.profileIndex,
+                         step.Line(), procedure.quiet});
     return false;
   }
 }

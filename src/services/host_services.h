@@ -11,9 +11,17 @@ namespace rotacasts {
 /// The plugin's own file name, as the host and the error log know it.
 inline constexpr const char* kModuleFile = "tvxRT.dll";
 
+/// Where whoever reads game servers has the memory component from.
+class MemorySource {
+ public:
+  virtual ~MemorySource() = default;
+  /// Error 91 while there is none.
+  virtual MemoryComponent& Memory() const = 0;
+};
+
 /// The host folder and the components, created once and held for the plugin's life. A component
 /// that could not be created stays unset; reaching for it raises error 91.
-class HostServices {
+class HostServices final : public MemorySource {
  public:
   explicit HostServices(Platform platform) : platform_(platform) {}
 
@@ -26,7 +34,7 @@ class HostServices {
   /// The host's installation folder, without a trailing backslash: the root of every path.
   const std::string& HostFolder() const { return hostFolder_; }
   UtilityComponent& Utility() const;
-  MemoryComponent& Memory() const;
+  MemoryComponent& Memory() const override;
   /// Created on first use. Error 429 when that fails; the next use tries again.
   FileSystemObject& FileSystem();
   LocalTime Now() const { return platform_.clock.Now(); }

@@ -9,9 +9,9 @@
 
 namespace rotacasts {
 
-/// An array from 0 to an upper bound, or without bounds until it is sized. An element comes into
-/// being, empty, when it is first touched, so that a profile index of a billion costs no more than
-/// one of 1; and it keeps its address until the table drops it.
+/// An array from 0 to an upper bound, or without bounds until it is sized. An element that was
+/// never written takes no room, so that a profile index of a billion costs no more than one of 1;
+/// and it keeps its address until the table drops it.
 template <class Element>
 class Table {
  public:
@@ -29,13 +29,21 @@ class Table {
   /// Raises the upper bound, keeping every element.
   void GrowTo(std::int32_t upperBound) { upperBound_ = upperBound; }
 
-  /// Error 9 beyond the bounds.
-  Element& operator()(std::int32_t index) {
-    if (index < 0 || index > UpperBound()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
-    return elements_[index];
+  /// The element, to write to. Error 9 beyond the bounds.
+  Element& operator()(std::int32_t index) { return elements_[WithinBounds(index)]; }
+  /// The element, to read: an empty one if it was never written. Error 9 beyond the bounds.
+  const Element& operator()(std::int32_t index) const {
+    static const Element kEmpty{};
+    const auto found = elements_.find(WithinBounds(index));
+    return found != elements_.end() ? found->second : kEmpty;
   }
 
  private:
+  std::int32_t WithinBounds(std::int32_t index) const {
+    if (index < 0 || index > UpperBound()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    return index;
+  }
+
   std::optional<std::int32_t> upperBound_;
   std::map<std::int32_t, Element> elements_;
 };

@@ -89,12 +89,12 @@ std::string InfoTexts::GetStat2(std::int32_t profileIndex, const std::string& ca
 std::string InfoTexts::Build(const EntryPoint& entry, std::int32_t profileIndex,
                              const std::string& category) {
   std::string text;
-  Guard(reporter_, {entry.procedure, profileIndex}, [&](Step& at) {
+  Guard(errors_, {entry.procedure, profileIndex}, [&](Step& at) {
     Selection selection(category);
     at(1);
     CompleteErrors(
         [&] {
-          ScanPlayers({services_, tables_, profileIndex}, entry.layout,
+          ScanPlayers({source_, tables_, profileIndex}, entry.layout,
                       [&](auto gameType, const auto& slot) { selection.Offer(gameType, slot); });
         },
         [&](RuntimeError& error) {

@@ -44,8 +44,8 @@ class Selection {
 /// procedure's name and gives the empty text, so nothing is announced.
 class InfoTexts {
  public:
-  InfoTexts(const HostServices& services, ProfileTables& tables, ErrorReporter& reporter)
-      : services_(services), tables_(tables), reporter_(reporter) {}
+  InfoTexts(const MemorySource& source, ProfileTables& tables, ErrorHandler& errors)
+      : source_(source), tables_(tables), errors_(errors) {}
 
   /// For a profile whose game code is "DFBHD". An overflow's description is completed by the
   /// category and the last ratio.
@@ -58,9 +58,9 @@ class InfoTexts {
   std::string Build(const EntryPoint& entry, std::int32_t profileIndex,
                     const std::string& category);
 
-  const HostServices& services_;
+  const MemorySource& source_;
   ProfileTables& tables_;
-  ErrorReporter& reporter_;
+  ErrorHandler& errors_;
 };
 
 }  // namespace rotacasts

@@ -52,7 +52,7 @@ MessageSection MessageFile::Open(std::int32_t profileIndex) {
 }
 
 void MessageFile::LoadMessages(std::int32_t profileIndex) {
-  Guard(reporter_, {"LoadMessages", profileIndex}, [&](Step& at) {
+  Guard(errors_, {"LoadMessages", profileIndex}, [&](Step& at) {
     at(1);
     const std::string file = tables_.MessageFiles(profileIndex);
     MessageSection section(services_.Utility(), file);
@@ -102,7 +102,7 @@ bool MessageFile::DeleteEntry(std::int32_t profileIndex, const std::string& key)
 
 /// Renumbers.
 void MessageFile::RewriteEntries(std::int32_t profileIndex, MessageSection section) {
-  Guard(reporter_, {"RewriteEntries", profileIndex}, [&](Step& at) {
+  Guard(errors_, {"RewriteEntries", profileIndex}, [&](Step& at) {
     at(1);
     const MessageEntries entries = section.Entries();
     at(2);

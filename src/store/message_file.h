@@ -10,6 +10,8 @@
 #include <string>
 
 #include "services/guard.h"
+#include "services/host_services.h"
+#include "services/profile_tables.h"
 #include "store/message_section.h"
 #include "store/renumbering.h"
 #include "store/settings_view.h"
@@ -21,9 +23,9 @@ inline constexpr std::size_t kMessageCharacters = 60;
 
 class MessageFile {
  public:
-  MessageFile(HostServices& services, ProfileTables& tables, ErrorReporter& reporter,
+  MessageFile(HostServices& services, ProfileTables& tables, ErrorHandler& errors,
               SettingsView& window)
-      : services_(services), tables_(tables), reporter_(reporter), window_(window) {}
+      : services_(services), tables_(tables), errors_(errors), window_(window) {}
 
   /// The profile's file, for operations of the caller's own. Error 76 for a stopped profile, 9 for
   /// one that was never set up.
@@ -59,7 +61,7 @@ class MessageFile {
 
   HostServices& services_;
   ProfileTables& tables_;
-  ErrorReporter& reporter_;
+  ErrorHandler& errors_;
   SettingsView& window_;
 };
 

@@ -31,7 +31,7 @@ std::string KeyBehind(const Variant& data, std::int32_t places) {
 std::string RemoteCommands::Run(std::string_view operation, std::int32_t index,
                                 const std::function<void(std::string&, Step&)>& body) {
   std::string reply;
-  Guard(reporter_, {operation, index}, [&](Step& at) { body(reply, at); });
+  Guard(errors_, {operation, index}, [&](Step& at) { body(reply, at); });
   return reply;
 }
 
@@ -42,7 +42,7 @@ std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const Variant& PD
   } catch (...) {
     RuntimeError error = CurrentRuntimeError();
     error.description += QuoteFile(Index);  // an error of its own goes to the host instead
-    reporter_.ReportError(ReportKind::Error, "GetMessagesRem", &error, Index, at.Line(), false);
+    errors_.ReportError({"GetMessagesRem", error, Index, at.Line()});
     return {};
   }
 }

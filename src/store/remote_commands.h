@@ -23,12 +23,12 @@ namespace rotacasts {
 class RemoteCommands {
  public:
   /// `setProfileData` stores a profile's data, as LoadInterface does.
-  RemoteCommands(HostServices& services, ProfileTables& tables, ErrorReporter& reporter,
+  RemoteCommands(HostServices& services, ProfileTables& tables, ErrorHandler& errors,
                  MessageFile& store, SettingsView& window,
                  std::function<void(std::int32_t, const Variant&)> setProfileData)
       : services_(services),
         tables_(tables),
-        reporter_(reporter),
+        errors_(errors),
         store_(store),
         window_(window),
         log_(services),
@@ -65,7 +65,7 @@ class RemoteCommands {
 
   HostServices& services_;
   ProfileTables& tables_;
-  ErrorReporter& reporter_;
+  ErrorHandler& errors_;
   MessageFile& store_;
   SettingsView& window_;
   AdminLog log_;

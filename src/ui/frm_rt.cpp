@@ -208,16 +208,16 @@ void frmRT::Add(Step& at) {
   const std::int32_t profile = CurrentProfile();
   const std::string text = txtMessage().Text();
   if (TrimSpaces(text).empty()) {
-    return context_.reporter.Notify(ReportKind::Failure, "Message Box is empty!");
+    return context_.reporter.Notify(Outcome::Failure, "Message Box is empty!");
   }
   at(3);
   const std::string message(FirstCharacters(text, kMessageCharacters));
   if (!context_.store.AddEntry(profile, message)) {
     at(5);
-    return context_.reporter.Notify(ReportKind::Failure, "Could not add message!");
+    return context_.reporter.Notify(Outcome::Failure, "Could not add message!");
   }
   at(4);
-  context_.reporter.Notify(ReportKind::Success, "Message added successfully!");
+  context_.reporter.Notify(Outcome::Success, "Message added successfully!");
   if (!Shows(profile)) return;
   txtMessage().SetText("");
   context_.store.LoadMessages(profile);
@@ -289,7 +289,7 @@ void frmRT::mnuDelete_Click(Step& at) {
   const bool removed = Remove(profile, messages_->All().at(lstMessages().Checked(selected)));
   at(2);
   if (Shows(profile)) context_.store.LoadMessages(profile);
-  if (!removed) context_.reporter.Notify(ReportKind::Failure, "Could not delete message!");
+  if (!removed) context_.reporter.Notify(Outcome::Failure, "Could not delete message!");
 }
 
 bool frmRT::Remove(std::int32_t profile, const MessageRow& row) {

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "forms/form.h"
-#include "services/guard.h"
+#include "services/error_reporter.h"
 #include "store/message_file.h"
 #include "ui/image_button.h"
 #include "ui/message_rows.h"

@@ -47,7 +47,7 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   forms::WindowHandle parent_ = 0;  // of the window, once it is loaded
   TimerLoop timers_;
   headless::HeadlessToolkit toolkit_;
-  mutable PluginState state_;  // its tables make an element when it is looked at
+  PluginState state_;
   clsPlugin plugin_;
   bool isInTick_ = false;
   std::vector<std::string>* problems_ = nullptr;  // of the call that is under way
