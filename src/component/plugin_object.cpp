@@ -28,10 +28,13 @@ HRESULT AnswerError(const RuntimeError& error) {
   return FAILED(result) ? result : E_FAIL;
 }
 
-/// Runs a member's body; nothing thrown leaves it, but becomes the caller's error information.
+/// Runs the body of one of the object's members, during which the last release from outside may
+/// come; nothing thrown leaves it, but becomes the caller's error information.
 template <class Body>
-HRESULT Contain(Body&& body) {
+HRESULT Contain(_clsPlugin* object, Body&& body) {
   const Entry entry;
+  object->AddRef();
+  const ComPtr<_clsPlugin> keepAlive = ComPtr<_clsPlugin>::Take(object);
   try {
     body();
     return S_OK;
@@ -120,12 +123,6 @@ HRESULT PluginObject::GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID
   return result;
 }
 
-Variant PluginObject::Call(DISPID member, const std::vector<Variant>& arguments) {
-  AddRef();  // a call can bring about the last release from outside
-  const ComPtr<_clsPlugin> keepAlive = ComPtr<_clsPlugin>::Take(this);
-  return FindMember(member)->call(plugin_, arguments);
-}
-
 HRESULT PluginObject::GetDataAsVariant(VARIANT* result) {
   ComPtr<IRecordInfo> info;
   HRESULT outcome = LoadRecordInfo(info.Receive());
@@ -152,7 +149,7 @@ HRESULT PluginObject::Invoke(DISPID id, REFIID interfaceId, LCID, WORD flags,
   const MemberRow* member = FindMember(id);
   if (member == nullptr || (flags & DISPATCH_METHOD) == 0) return DISP_E_MEMBERNOTFOUND;
   HRESULT collected = S_OK;
-  const HRESULT outcome = Contain([&] {
+  const HRESULT outcome = Contain(this, [&] {
     std::vector<Variant> arguments;
     collected = CollectArguments(*member, *parameters, arguments, badArgument);
     if (FAILED(collected)) return;
@@ -160,7 +157,7 @@ HRESULT PluginObject::Invoke(DISPID id, REFIID interfaceId, LCID, WORD flags,
       collected = GetDataAsVariant(result);
       return;
     }
-    const Variant value = Call(member->id, arguments);
+    const Variant value = member->call(plugin_, arguments);
     if (result != nullptr) *result = ToVariant(value).Release();
   });
   if (FAILED(collected)) return collected;
@@ -174,41 +171,37 @@ HRESULT PluginObject::Invoke(DISPID id, REFIID interfaceId, LCID, WORD flags,
 HRESULT PluginObject::GetData(PluginRecord* result) {
   if (result == nullptr) return E_POINTER;
   *result = {};
-  return Contain([&] { FillRecord(plugin_.GetData(), *result); });
+  return Contain(this, [&] { FillRecord(plugin_.GetData(), *result); });
 }
 
 HRESULT PluginObject::GetPrivis(VARIANT* result) {
   if (result == nullptr) return E_POINTER;
   ::VariantInit(result);
-  return Contain([&] { *result = ToVariant(Call(kGetPrivis, {})).Release(); });
+  return Contain(this, [&] { *result = ToVariant(plugin_.GetPrivis()).Release(); });
 }
 
 HRESULT PluginObject::LoadInterface(LONG Index, LONG PHWND, VARIANT PDAT, BSTR fName) {
-  return Contain([&] {
-    Call(kLoadInterface,
-         {std::int32_t{Index}, std::int32_t{PHWND}, FromVariant(PDAT), FromBstr(fName)});
-  });
+  return Contain(this,
+                 [&] { plugin_.LoadInterface(Index, PHWND, FromVariant(PDAT), FromBstr(fName)); });
 }
 
 HRESULT PluginObject::UnLoadInterface(BSTR fName) {
-  return Contain([&] { Call(kUnLoadInterface, {FromBstr(fName)}); });
+  return Contain(this, [&] { plugin_.UnLoadInterface(FromBstr(fName)); });
 }
 
 HRESULT PluginObject::DisableProfile(LONG Index) {
-  return Contain([&] { Call(kDisableProfile, {std::int32_t{Index}}); });
+  return Contain(this, [&] { plugin_.DisableProfile(Index); });
 }
 
 HRESULT PluginObject::HideInterface(BSTR fName) {
-  return Contain([&] { Call(kHideInterface, {FromBstr(fName)}); });
+  return Contain(this, [&] { plugin_.HideInterface(FromBstr(fName)); });
 }
 
 HRESULT PluginObject::CallRemote(decltype(RemoteOperation::call) operation, LONG Index,
                                  const VARIANT& PDAT, const VARIANT& Data, BSTR* result) {
   if (result == nullptr) return E_POINTER;
   *result = nullptr;
-  return Contain([&] {
-    AddRef();
-    const ComPtr<_clsPlugin> keepAlive = ComPtr<_clsPlugin>::Take(this);
+  return Contain(this, [&] {
     const std::string reply = (plugin_.*operation)(Index, FromVariant(PDAT), FromVariant(Data));
     *result = Bstr(reply).Release();
   });

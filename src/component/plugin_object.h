@@ -2,16 +2,16 @@
 #pragma once
 
 #include <atomic>
-#include <vector>
 
 #include "component/plugin_interface.h"
 #include "plugin/cls_plugin.h"
 
 namespace rotacasts::win32 {
 
-/// The object behind the class's interfaces. Calls by identifier, by name and through the dual
-/// interface meet in one table of members. Nothing thrown leaves it: a member that lets an error
-/// through answers it as an exception, with the error's number and description.
+/// The object behind the class's interfaces. Calls by identifier and by name go through the table
+/// of members; those of the dual interface go straight to the plugin. Nothing thrown leaves it: a
+/// member that lets an error through answers it as an exception, with the error's number and
+/// description.
 class PluginObject final : public _clsPlugin, public ISupportErrorInfo {
  public:
   PluginObject();
@@ -40,8 +40,6 @@ class PluginObject final : public _clsPlugin, public ISupportErrorInfo {
   HRESULT STDMETHODCALLTYPE HideInterface(BSTR fName) override;
 
  private:
-  /// Calls a member on converted arguments; lets through what it throws.
-  Variant Call(DISPID member, const std::vector<Variant>& arguments);
   HRESULT CallRemote(decltype(RemoteOperation::call) operation, LONG Index, const VARIANT& PDAT,
                      const VARIANT& Data, BSTR* result) override;
   HRESULT GetDataAsVariant(VARIANT* result);
