@@ -13,8 +13,7 @@ namespace rotacasts {
 namespace {
 
 // A player as the examples show one.
-const PlayerSlot kExample = {.number = 0,
-                             .name = "Rex",
+const PlayerSlot kExample = {.name = "Rex",
                              .stats = {.Suicides = 2,
                                        .Murders = 1,
                                        .Kills = 23,

@@ -67,7 +67,7 @@ TEST_F(EditingTest, TheAddButtonMovesWhilePressedWithAndWithoutPictures) {
       Press(part, MouseEvent::kLeft);
       EXPECT_EQ(Caption(), pressed);
       EXPECT_EQ(Picture(), pictures ? "C:\\Host\\imgs\\butdown.gif" : "");
-      Window().Find(part)->UserReleased({MouseEvent::kLeft, 0, -9000, 0});  // far off the button
+      Window().Find(part)->UserReleased({MouseEvent::kLeft, -9000, 0});  // far off the button
       EXPECT_EQ(TakeBoxes(), Texts{"Failed!|Message Box is empty!"});
       EXPECT_EQ(Caption(), released);
       Press(part, MouseEvent::kRight);

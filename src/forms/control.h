@@ -35,7 +35,6 @@ struct MouseEvent {
   static constexpr std::int16_t kRight = 2;
   static constexpr std::int16_t kMiddle = 4;
   std::int16_t button = 0;
-  std::int16_t shift = 0;
   float x = 0;
   float y = 0;
 };

@@ -40,7 +40,6 @@ enum class Property {
   Focus,
   Font,
   Look,  // colours, transparency, alignment
-  Picture,
   Selection,
   Text,
   Value,

@@ -15,7 +15,6 @@ void ScanPlayers(const ProcessView& process, const SlotLayout& layout, const Slo
   for (Checked number = 0; number.Value() <= lastSlot; number = number + 1) {
     const Checked first = process.ReadLong(table);
     const Checked fromFirst = number * layout.stride;
-    slot.number = number.Value();
     slot.name = process.ReadStr(first + layout.nameOffset + fromFirst);
     if (slot.name.empty()) continue;
     const Checked block = first + layout.statisticsOffset + fromFirst;

@@ -75,7 +75,6 @@ inline constexpr SlotLayout kCommonLayout = {100584, 40, 80, &CounterRow::common
 
 /// A slot that holds a player.
 struct PlayerSlot {
-  std::int32_t number = 0;
   std::string name;
   PlayerStats stats;
 };

@@ -253,12 +253,12 @@ std::vector<std::string> PluginHarness::TakeErrors() {
 }
 
 void PluginHarness::Press(const char* control, std::int16_t button, float x, float y) {
-  Window().Find(control)->UserPressed({button, 0, x, y});
+  Window().Find(control)->UserPressed({button, x, y});
 }
 
 void PluginHarness::Click(const char* control, std::int16_t button, float x, float y) {
   Press(control, button, x, y);
-  Window().Find(control)->UserReleased({button, 0, x, y});
+  Window().Find(control)->UserReleased({button, x, y});
 }
 
 void PluginHarness::Type(forms::TextBox& box, const std::string& text) {

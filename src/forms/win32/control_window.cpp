@@ -99,7 +99,6 @@ void ControlWindow::Changed(Property property) {
       ::SetWindowTextW(window_, ToWide(Text()).c_str());
       return Arrange();
     case Property::Look:
-    case Property::Picture:
       return Redraw();
     default:
       return;
@@ -171,8 +170,7 @@ bool ControlWindow::HandleMouse(UINT message, LPARAM lParam) {
                    [message](const MouseRow& other) { return other.message == message; });
   if (row == std::end(kMouseMessages)) return false;
   const TwipsPerPixel screen = view_.Toolkit().ScreenTwipsPerPixel();
-  const MouseEvent event{row->button, 0,
-                         static_cast<float>(GET_X_LPARAM(lParam) * screen.horizontal),
+  const MouseEvent event{row->button, static_cast<float>(GET_X_LPARAM(lParam) * screen.horizontal),
                          static_cast<float>(GET_Y_LPARAM(lParam) * screen.vertical)};
   // What receives a press receives its release, wherever the pointer is by then.
   const bool captures = !IsReachedByTab();

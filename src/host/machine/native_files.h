@@ -14,8 +14,6 @@ namespace rotacasts::host {
 
 /// The path as the machine spells it.
 std::filesystem::path NativePath(const std::string& path);
-/// The inverse: a native path in the host suite's spelling.
-std::string HostPath(const std::filesystem::path& path);
 
 /// The whole file; nothing when it does not exist.
 std::optional<std::string> ReadWholeFile(const std::string& path);

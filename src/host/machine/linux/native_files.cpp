@@ -205,10 +205,6 @@ std::filesystem::path NativePath(const std::string& path) {
   return ReplaceAll(path, "\\", "/");
 }
 
-std::string HostPath(const std::filesystem::path& path) {
-  return ReplaceAll(path.string(), "/", "\\");
-}
-
 std::optional<std::string> ReadWholeFile(const std::string& path) {
   RefuseEmpty(path);
   const std::filesystem::path native = NativePath(path);

@@ -149,10 +149,6 @@ std::filesystem::path NativePath(const std::string& path) {
   return win32::ToWide(path);
 }
 
-std::string HostPath(const std::filesystem::path& path) {
-  return win32::FromWide(std::filesystem::path(path).make_preferred().native());
-}
-
 std::optional<std::string> ReadWholeFile(const std::string& path) {
   RefuseEmpty(path);
   const std::filesystem::path native = NativePath(path);
