@@ -38,7 +38,7 @@ class ComPtr {
   explicit operator bool() const { return object_ != nullptr; }
   /// Hands the reference to the caller.
   Interface* Detach() { return std::exchange(object_, nullptr); }
-  /// Where a function that answers a reference puts it; drops what was held.
+  /// Where a function that hands out a reference puts it; drops what was held.
   Interface** Receive() {
     *this = ComPtr();
     return &object_;

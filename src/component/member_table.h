@@ -33,7 +33,7 @@ const MemberRow* FindMember(DISPID id);
 const MemberRow* FindMember(const wchar_t* name);
 
 /// The arguments of a call, one for each of the member's parameters, converted to its kind; an
-/// omitted optional one is missing. Answers a failure code of the dispatch mechanism, and in
+/// omitted optional one is missing. Returns a failure code of the dispatch mechanism, and in
 /// `badArgument` which argument it is about.
 HRESULT CollectArguments(const MemberRow& member, const DISPPARAMS& parameters,
                          std::vector<Variant>& arguments, UINT* badArgument);

@@ -10,7 +10,7 @@ const GUID& ClassId();
 const GUID& InterfaceId();
 const GUID& LibraryId();
 
-/// The caller owns what it receives; each answers the failure code of what went wrong.
+/// The caller owns what it receives; each returns the failure code of what went wrong.
 HRESULT LoadLibraryOfModule(ITypeLib** library);
 HRESULT LoadTypeInfo(REFGUID id, ITypeInfo** info);
 HRESULT LoadRecordInfo(IRecordInfo** info);

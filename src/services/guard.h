@@ -45,7 +45,7 @@ struct Procedure {
   bool quiet = false;
 };
 
-/// Runs `body(step)` and hands whatever it throws to the handler. Answers whether it ran to its
+/// Runs `body(step)` and hands whatever it throws to the handler. Returns whether it ran to its
 /// end.
 template <class Body>
 bool Guard(ErrorHandler& handler, const Procedure& procedure, Body&& body) {
@@ -61,7 +61,7 @@ bool Guard(ErrorHandler& handler, const Procedure& procedure, Body&& body) {
 }
 
 /// Runs one statement; an error of these numbers makes the procedure go on with its next statement,
-/// any other passes on. Answers whether the statement ran to its end.
+/// any other passes on. Returns whether the statement ran to its end.
 template <class Statement>
 bool ResumeNext(std::initializer_list<ErrorNumber> numbers, Statement&& statement) {
   try {

@@ -42,7 +42,7 @@ class MessageFile {
   /// Removes the entry under the key and renumbers the rest; false after an error of the removal.
   bool DeleteEntry(std::int32_t profileIndex, const std::string& key);
 
-  /// Exchanges the texts under two keys and answers them as they stood before; nothing tests that
+  /// Exchanges the texts under two keys and returns them as they stood before; nothing tests that
   /// either key exists. Raises what fails, with the first text put back.
   struct Exchanged {
     std::string first;

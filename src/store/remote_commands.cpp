@@ -22,7 +22,7 @@ constexpr const char* kUpAction = "][Rotacasts] Move Rotacasts Up (Message: ";
 constexpr const char* kDeleteAction = "][Rotacasts] Delete Rotacasts (Message: ";
 
 /// The key `places` after the position that `data` names.
-std::string KeyBehind(const Variant& data, std::int32_t places) {
+std::string KeyAfter(const Variant& data, std::int32_t places) {
   return std::to_string((Checked(ToLong(data)) + places).Value());
 }
 
@@ -146,9 +146,9 @@ std::string RemoteCommands::MoveMessageDownRem(std::int32_t Index, const Variant
   return Run("MoveMessageDownRem", Index, [&](std::string& reply, Step& at) {
     at(1);
     store_.Open(Index);
-    const std::string key = KeyBehind(Data, 1);
+    const std::string key = KeyAfter(Data, 1);
     at(2);
-    const auto texts = Exchange(Index, key, KeyBehind(Data, 2));
+    const auto texts = Exchange(Index, key, KeyAfter(Data, 2));
     at(3);
     reply = texts ? kDone : kNotDone;
     at(4);
@@ -161,7 +161,7 @@ std::string RemoteCommands::MoveMessageUpRem(std::int32_t Index, const Variant& 
   return Run("MoveMessageUpRem", Index, [&](std::string& reply, Step& at) {
     at(1);
     store_.Open(Index);
-    const std::string key = KeyBehind(Data, 1);
+    const std::string key = KeyAfter(Data, 1);
     at(2);
     const auto texts = Exchange(Index, ToText(Data), key);
     at(3);
@@ -176,7 +176,7 @@ std::string RemoteCommands::DeleteMessageRem(std::int32_t Index, const Variant& 
   return Run("DeleteMessageRem", Index, [&](std::string& reply, Step& at) {
     at(1);
     store_.Open(Index);
-    const std::string key = KeyBehind(Data, 1);
+    const std::string key = KeyAfter(Data, 1);
     at(2);
     const std::string text = store_.Open(Index).Read(key);
     at(3);

@@ -52,7 +52,7 @@ class RemoteCommands {
   std::string DeleteMessageRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
 
  private:
-  /// Runs an operation under its name; answers the reply that the body has set by its end.
+  /// Runs an operation under its name; returns the reply that the body has set by its end.
   std::string Run(std::string_view operation, std::int32_t index,
                   const std::function<void(std::string& reply, Step& at)>& body);
   std::string List(std::int32_t index, const Variant& PDAT, Step& at);

@@ -23,7 +23,7 @@ std::size_t CountInPlace(const MessageEntries& entries);
 /// line to line: then no new key is that of an entry whose turn is yet to come.
 bool OnlyMoveUp(const MessageEntries& entries, std::size_t position);
 
-/// The texts that shall stand in the file in place of these entries, or nothing to leave it alone.
+/// The texts that are to stand in the file in place of these entries, or nothing to leave it alone.
 using Arrange = std::function<std::optional<std::vector<std::string>>(const MessageEntries&)>;
 
 /// The texts that a renumbering keeps: those that are not blank.
@@ -32,7 +32,7 @@ std::vector<std::string> TextsThatStay(const MessageEntries& entries);
 /// Replaces every entry of the section by the texts that `arrange` makes of them, under the keys 1
 /// to n. A text that stood in the file before and is among the new ones stands in it at every
 /// moment: what changes is written under spare keys first, then in its place; the spare keys go
-/// last. Answers whether there was anything to do. Raises what fails, with the old texts put back
+/// last. Returns whether there was anything to do. Raises what fails, with the old texts put back
 /// where that can be done.
 bool Replace(MessageSection& section, const Arrange& arrange);
 

@@ -108,7 +108,7 @@ class HeadlessView final : public FormView {
 
   /// The text before the selection, the selection and the text after it.
   struct Pieces {
-    std::string before, selected, behind;
+    std::string before, selected, after;
   };
 
   Pieces Split(const TextBox& box) const {
@@ -125,13 +125,13 @@ class HeadlessView final : public FormView {
   void Replace(TextBox& box, std::string_view replacement) {
     const Pieces pieces = Split(box);
     if (box.MaxLength() > 0) {
-      const std::size_t kept = CountCharacters(pieces.before) + CountCharacters(pieces.behind);
+      const std::size_t kept = CountCharacters(pieces.before) + CountCharacters(pieces.after);
       replacement = FirstCharacters(replacement, box.MaxLength() - std::min(box.MaxLength(), kept));
     }
     const std::string head = pieces.before + std::string(replacement);
     caretAfterReplacing_ = CountCharacters(head);
-    if (head + pieces.behind == box.Text()) Changed(box, Property::Text);  // no event, a new caret
-    box.UserChangedText(head + pieces.behind);
+    if (head + pieces.after == box.Text()) Changed(box, Property::Text);  // no event, a new caret
+    box.UserChangedText(head + pieces.after);
   }
 
   HeadlessToolkit& toolkit_;

@@ -26,7 +26,7 @@ class TimerLoop {
 
   /// When the next timer is due; nothing while none runs.
   std::optional<Clock::time_point> NextDue() const;
-  /// Runs every timer that is due, the longest due first; answers how many ran. Periods missed
+  /// Runs every timer that is due, the longest due first; returns how many ran. Periods missed
   /// meanwhile are dropped, not caught up on. A callback may start and stop any timer.
   int RunDue(Clock::time_point now = Clock::now());
 

@@ -36,9 +36,9 @@ std::string ClientOf(const Request& request) {
 /// Whether the request comes from a page of this very host; browsers say so with every change.
 bool IsOwnOrigin(const Request& request) {
   const std::string origin = request.Header("Origin");
-  const auto behind = origin.find("://");
+  const auto scheme = origin.find("://");
   const std::string host = request.Header("Host");
-  return behind != origin.npos && !host.empty() && origin.substr(behind + 3) == host;
+  return scheme != origin.npos && !host.empty() && origin.substr(scheme + 3) == host;
 }
 
 bool IsJson(const Request& request) {

@@ -43,7 +43,7 @@ constexpr MemberRow<UtilityComponent> kUtilityMembers[] = {
     RowOf<&UtilityComponent::SendErrorReport, UtilityComponent>(L"SendErrorReport"),
 };
 
-/// Answers the exception now being handled.
+/// Describes the exception now being handled.
 HRESULT AnswerException(EXCEPINFO* exception, const char* source) {
   try {
     const RuntimeError error = CurrentRuntimeError();

@@ -9,7 +9,7 @@ namespace rotacasts::host {
 
 /// An object whose members are the component's operations, their names in any letter case. What
 /// the component leaves in a by-reference argument is written back; an error that it raises is
-/// answered as DISP_E_EXCEPTION with the error's number and description. The component stays the
+/// returned as DISP_E_EXCEPTION with the error's number and description. The component stays the
 /// caller's and outlives the object.
 win32::ComPtr<IDispatch> MakeMemoryObject(MemoryComponent& component);
 win32::ComPtr<IDispatch> MakeUtilityObject(UtilityComponent& component);
@@ -18,7 +18,7 @@ win32::ComPtr<IDispatch> MakeUtilityObject(UtilityComponent& component);
 win32::ComPtr<IClassFactory> MakeFactory(win32::ComPtr<IDispatch> object);
 
 /// Makes an object creatable by its programmatic identifier within this process, for as long as the
-/// registration lives: every creation answers this one object. A class identifier that the machine
+/// registration lives: every creation returns this one object. A class identifier that the machine
 /// already knows for the name is used; else `classId` is recorded for it, and stays recorded.
 class ObjectRegistration {
  public:

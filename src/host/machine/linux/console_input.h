@@ -9,7 +9,7 @@
 namespace rotacasts::host {
 
 /// Hands every line of the standard input to `onLine`, the last one even without a line feed, until
-/// that answers false; calls `onEnd` at the end of the input. The loop is the caller's and lives
+/// that returns false; calls `onEnd` at the end of the input. The loop is the caller's and lives
 /// longer.
 class ConsoleInput {
  public:
