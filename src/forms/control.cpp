@@ -8,15 +8,6 @@
 
 namespace rotacasts::forms {
 
-void Toolkit::ShowMessageBox(const std::string& text, const std::string& title) {
-  struct OpenBox {
-    explicit OpenBox(int& boxes) : count(boxes) { ++count; }
-    ~OpenBox() { --count; }
-    int& count;
-  } box(openBoxes_);
-  RunMessageBox(text, title);
-}
-
 FormView* Control::View() const {
   return form_.view_.get();
 }

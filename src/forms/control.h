@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "forms/toolkit.h"
+#include "platform/toolkit.h"
 
 namespace rotacasts::forms {
 

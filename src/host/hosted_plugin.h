@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/variant.h"
-#include "forms/toolkit.h"
+#include "platform/toolkit.h"
 #include "plugin/cls_plugin.h"
 
 namespace rotacasts::host {

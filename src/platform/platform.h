@@ -6,8 +6,8 @@
 #include <string>
 
 #include "base/local_time.h"
-#include "forms/toolkit.h"
 #include "platform/components.h"
+#include "platform/toolkit.h"
 
 namespace rotacasts {
 

@@ -98,7 +98,14 @@ class Toolkit {
 
   /// A box with an OK button and no icon, modal to the application. It runs a message loop: timer
   /// ticks, calls of the host and even the end of the window can arrive before this returns.
-  void ShowMessageBox(const std::string& text, const std::string& title);
+  void ShowMessageBox(const std::string& text, const std::string& title) {
+    struct OpenBox {
+      explicit OpenBox(int& boxes) : count(boxes) { ++count; }
+      ~OpenBox() { --count; }
+      int& count;
+    } box(openBoxes_);
+    RunMessageBox(text, title);
+  }
   /// How many message boxes are open now, one inside the other.
   int OpenMessageBoxes() const { return openBoxes_; }
 
