@@ -34,6 +34,11 @@ function setText(element, text) {
   if (element.textContent !== text) element.textContent = text;
 }
 
+function setCurrent(element, isCurrent) {
+  if (isCurrent) element.setAttribute("aria-current", "true");
+  else element.removeAttribute("aria-current");
+}
+
 // --- Asking the host ---
 
 /** The answer, or null when it was no: then it has been told. */
@@ -69,11 +74,18 @@ function toast(words, { isBad = false, undo = null, seconds = 6 } = {}) {
   $("undo").onclick = undo;
   $("toast").hidden = false;
   setText($(isBad ? "warned" : "told"), "");
-  setText($(isBad ? "warned" : "told"), words);
-  toastTimer = setTimeout(hideToast, seconds * 1000);
+  setText($(isBad ? "warned" : "told"), undo ? `${words}. Control Z puts it back.` : words);
+  toastTimer = setTimeout(() => fadeToast(seconds), seconds * 1000);
+}
+
+/** Nothing goes from under a hand. */
+function fadeToast(seconds) {
+  if ($("toast").matches(":hover, :focus-within")) toastTimer = setTimeout(() => fadeToast(seconds), seconds * 1000);
+  else hideToast();
 }
 
 function hideToast() {
+  clearTimeout(toastTimer);
   const hadFocus = $("toast").contains(document.activeElement);
   $("toast").hidden = true;
   if (hadFocus) $("profile-name").focus();
@@ -81,6 +93,14 @@ function hideToast() {
 
 const tell = (words, more) => toast(words, more);
 const warn = (words) => toast(words, { isBad: true, seconds: 12 });
+
+addEventListener("keydown", (event) => {
+  if (event.key === "Escape") return hideToast();
+  const isUndo = event.key === "z" && (event.ctrlKey || event.metaKey) && !event.shiftKey;
+  if (!isUndo || event.target.value || $("toast").hidden || $("undo").hidden) return; // a field has an undo of its own
+  event.preventDefault();
+  $("undo").click();
+});
 
 // --- Signing in and out ---
 
@@ -163,7 +183,8 @@ function follow() {
     silence = setTimeout(lost, kSilenceSeconds * 1000);
     act(JSON.parse(event.data));
   });
-  on("profile", (row) => { known.add(row.index); rows.set(row.index, row); showRows(); });
+  let isComplete = false;
+  on("profile", (row) => { known.add(row.index); rows.set(row.index, row); if (isComplete) showRows(); });
   on("gone", (index) => { rows.delete(index); showRows(); });
   on("messages", (value) => { if (value.index === chosen) showMessages(value); });
   on("log", (value) => { if (value.index === chosen) showLog(value); });
@@ -173,6 +194,7 @@ function follow() {
     for (const index of rows.keys()) if (!known.has(index)) rows.delete(index);
     if ($("banner").textContent) tell("Connected again.");
     setText($("banner"), "");
+    isComplete = true;
     showRows(true);
   });
   mine.onerror = () => { if (mine === source) lost(); };
@@ -200,6 +222,7 @@ function stateOf(row) {
   if (row.stopped) return ["stopped", "stopped"];
   if (row.game === "unreachable") return ["unreachable", "unreachable"];
   if (!row.on) return ["off", "switched off"];
+  if (row.messages === 0) return ["off", "no messages"];
   if (row.game === "idle") return ["waiting", "no game"];
   return ["sending", "sending"];
 }
@@ -229,7 +252,7 @@ function showRows(isComplete = false) {
     setText(name, row.folder);
     setText(state, words);
     state.className = `state ${kind}`;
-    item.firstChild.toggleAttribute("aria-current", row.index === chosen);
+    setCurrent(item.firstChild, row.index === chosen);
   });
   if (isComplete) {
     $("no-profiles").hidden = all.length > 0;
@@ -245,7 +268,7 @@ function showTimes() {
   for (const item of $("profiles").children) {
     const row = rows.get(Number(item.dataset.index));
     const time = row && untilNext(row);
-    if (row) setText(item.querySelector(".next"), time ? `${time} · ${nextText(row)}` : `${row.messages} messages`);
+    if (row) setText(item.querySelector(".next"), time ? `${time} · ${nextText(row)}` : row.messages === 1 ? "1 message" : `${row.messages} messages`);
   }
   const row = rows.get(chosen);
   if (!row) return;
@@ -253,8 +276,8 @@ function showTimes() {
   const why = row.stopped ? `Stopped at the host's console; “show ${row.index}” there starts it again.`
     : row.game === "unreachable" ? "Nothing is sent while the game server is unreachable."
     : !row.on ? "Nothing is sent while this is switched off."
-    : row.game === "idle" ? "Waiting for a game to begin."
     : row.messages === 0 ? "There is nothing to send."
+    : row.game === "idle" ? "Waiting for a game to begin."
     : "";
   setText($("next"), why || (time ? `Next in ${time}: ${nextText(row)}` : ""));
 }
@@ -280,8 +303,10 @@ function choose() {
 }
 
 addEventListener("hashchange", () => {
+  const before = chosen;
   choose();
-  if (document.body.classList.contains("chosen")) $("profile-name").focus();
+  if ($("toast").classList.contains("bad")) hideToast();
+  (chosen ? $("profile-name") : $("profiles").querySelector(`[data-index="${before}"] a`))?.focus();
 });
 
 function showProfile() {
@@ -322,7 +347,8 @@ $("interval").addEventListener("change", async () => {
 });
 
 function showMessages(value) {
-  const begins = !list;
+  const focused = document.activeElement;
+  const place = [...$("messages").children].findIndex((item) => item.contains(focused));
   list = value;
   $("messages-loading").hidden = true;
   $("no-messages").hidden = value.messages.length > 0 || value.problem !== "";
@@ -334,7 +360,8 @@ function showMessages(value) {
     fillMessage(items.children[position], message, position, value.messages.length);
   });
   markNext();
-  showSent(value.sent, begins);
+  if (place >= 0 && (!focused.isConnected || focused.disabled)) focusRow(place, focused.dataset.kind);
+  showSent(value.sent);
 }
 
 function makeMessage(position) {
@@ -350,6 +377,8 @@ function makeMessage(position) {
 
 function fillMessage(item, message, position, count) {
   const [text, says] = item.querySelector(".text").children;
+  const before = text.textContent === message.text ? says.offsetHeight : 0;
+  if (says.textContent !== saysNow(message)) says.style.minHeight = `${before}px`; // the rows below stay where they are
   setText(text, message.text);
   says.hidden = !message.live && message.says !== "";
   setText(says, saysNow(message));
@@ -372,8 +401,7 @@ function saysNow(message) {
 function markNext() {
   const next = rows.get(chosen)?.next?.position;
   [...$("messages").children].forEach((item, position) => {
-    item.classList.toggle("is-next", position === next);
-    item.toggleAttribute("aria-current", position === next);
+    setCurrent(item, position === next);
   });
 }
 
@@ -437,28 +465,33 @@ function faultOf(text) {
   return strange ? `“${strange}” is no letter that the game servers know.` : null;
 }
 
+function showHint(words, isBad = false) {
+  setText($("hint"), words);
+  $("hint").classList.toggle("bad", isBad);
+}
+
 function showDraft() {
   const text = $("text").value.trim();
   const fault = faultOf(text);
-  const isInside = !placeholders.includes(text) && placeholders.some((name) => text.includes(name));
-  setText($("hint"), fault ?? (isInside ? "A live text works only as the whole message."
-    : letters(text) > kWindowLetters ? `The plugin's own window shows the first ${kWindowLetters} letters.` : ""));
-  $("hint").classList.toggle("bad", fault !== null);
-  $("text").setAttribute("aria-invalid", fault !== null);
+  const isLive = placeholders.includes(text);
   setText($("count"), text ? `${letters(text)} letters` : "");
+  $("text").setAttribute("aria-invalid", fault !== null);
   $("add").disabled = $("say").disabled = !text || fault !== null;
+  $("hint").setAttribute("aria-live", "polite");
   clearTimeout(previewTimer);
-  if (!text || fault) return setText($("reads"), "");
-  if (!placeholders.includes(text)) return setText($("reads"), `Players read: ${text}`);
-  setText($("reads"), "Players read: …");
-  previewTimer = setTimeout(() => preview(text), 150);
+  showHint(fault ?? (isLive ? "" // until it is read
+    : placeholders.some((name) => text.includes(name)) ? "A live text works only as the whole message."
+    : letters(text) > kWindowLetters ? `The plugin's own window shows the first ${kWindowLetters} letters.` : ""), fault !== null);
+  if (isLive) previewTimer = setTimeout(() => preview(text), 150);
 }
 
+/** What the live text says at this moment, again and again; only the first time aloud. */
 async function preview(text) {
   const answer = await ask("POST", profilePath("preview"), { text });
   if (!answer || $("text").value.trim() !== text) return;
-  setText($("reads"), answer.says ? `Players read now: ${answer.says}`
+  showHint(answer.says ? `Players read now: ${answer.says}`
     : answer.problem ? sentence(answer.problem) : "It has nothing to say now, and would be skipped.");
+  $("hint").setAttribute("aria-live", "off");
   previewTimer = setTimeout(() => preview(text), 5000);
 }
 
