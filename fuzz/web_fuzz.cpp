@@ -59,7 +59,7 @@ constexpr RouteRow kRoutes[] = {
     {"POST", "/api/profiles/1/preview", 0},    {"POST", "/api/profiles/1/messages", 1},
     {"DELETE", "/api/profiles/1/messages", 0}, {"POST", "/api/profiles/1/restored", 1},
     {"POST", "/api/profiles/1/moves", 0},      {"PUT", "/api/profiles/1/switch", 0},
-    {"PUT", "/api/profiles/1/interval", 0},
+    {"PUT", "/api/profiles/1/interval", 0},    {"POST", "/api/profiles/1/say", 0},
 };
 
 constexpr const char* kFiles[] = {"", "profiles/srv1/settings/Rotacasts.ini",
@@ -109,8 +109,9 @@ class Arena {
     Require(nlohmann::json::accept(exchange.response.body), "the answer is no JSON");
     Require(folder_.Read(kFiles[2]) == kMessages, "another profile's file changed");
     const std::string bytes = folder_.Read(kFiles[1]);
-    const bool isPreview = std::string_view(route.path).ends_with("preview");
-    Require(bytes == kMessages || (status == 200 && hasRights && !isPreview),
+    const std::string_view path = route.path;
+    const bool isChange = !path.ends_with("preview") && !path.ends_with("say");
+    Require(bytes == kMessages || (status == 200 && hasRights && isChange),
             "a refused request changed the file");
     const IniText ini(bytes);
     Require(static_cast<int>(ini.Lines("Messages").size()) <= 3 + route.linesMore,
