@@ -12,13 +12,13 @@ demo: ## six simulated game servers, one host: see what the program is for
 	@scripts/bootstrap build
 	@scripts/quietly cmake --preset release
 	@scripts/quietly cmake --build --preset release
-	@scripts/demo build/release/bin
+	@setpriv --pdeathsig TERM scripts/demo build/release/bin
 
 web: ## the same with the page for administrators, at a printed address, until Ctrl-C
 	@scripts/bootstrap build
 	@scripts/quietly cmake --preset release
 	@scripts/quietly cmake --build --preset release --target rotacasts-host game-server-sim
-	@scripts/web build/release/bin
+	@setpriv --pdeathsig TERM scripts/web build/release/bin
 
 demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves pictures
 	@scripts/bootstrap build help windows
@@ -98,6 +98,8 @@ docs: ## bring what the documents take from the code up to date
 pictures: demo-windows package ## take the pictures of the documents anew
 	@scripts/under-wine build/windows/tests/win32/keeper.exe scripts/setup-pictures \
 	  build/package/RotacastsSetup-*.exe build/demo-windows
+	@scripts/bootstrap browser
+	scripts/page-picture build/release/bin docs/page.png
 	cp build/demo-windows/windows-host.png docs/
 	cp $(patsubst docs/help/pictures/%,build/demo-windows/%,$(wildcard docs/help/pictures/*)) docs/help/pictures/
 
