@@ -8,7 +8,7 @@ import statistics
 import time
 import unittest
 
-from support import ADD, PASSWORD, Document, Host
+from support import ADD, CHANGE, PASSWORD, Document, Host
 
 DOCUMENT = Document(os.environ["ROTACASTS_SOURCE"] + "/docs/web.md")
 VALUES = {"text": "Hello", "number": 1, "truth": True}
@@ -37,38 +37,26 @@ class Api(unittest.TestCase):
             self.assertEqual((answer[0], answer[2].get("error")), (status, error), answer[2])
             self.assertTrue(DOCUMENT.fits("error", answer[2]), answer[2])
 
-    def events(self, who="Anna", profile=2):
-        """The events that there are at once, by kind."""
-        connection = http.client.HTTPConnection("127.0.0.1", self.host.port, timeout=20)
-        connection.request("GET", f"/api/events?profile={profile}", None,
-                           {"Cookie": self.cookies[who]})
-        answer, found = connection.getresponse(), {}
-        while "ready" not in found:
-            kind = answer.readline().decode().split(": ", 1)[1].strip()
-            found.setdefault(kind, []).append(json.loads(answer.readline().decode()[6:]))
-            answer.readline()
-        connection.close()
-        return found
-
     def test_every_answer_has_the_form_that_the_document_gives(self):
         self.assertEqual(len(DOCUMENT.routes), 16)
         special = {"/api/session": {"name": "Anna", "password": PASSWORD},
                    "/api/profiles/N/restored": {"position": 0, "text": "Again"}}
-        for method, path, _, takes, form in DOCUMENT.routes:
+        for method, path, needs, takes, form in DOCUMENT.routes:
             if form == "events" or (method, path) == ("DELETE", "/api/session"):
                 continue
             text = self.host.messages()[1]
             body = special.get(path) or sample(takes, text=text)
             status, headers, answer = self.ask(method, path.replace("N", "2"),
-                                               body if takes is not None else None)
+                                               body if takes is not None else None,
+                                               needs and "Anna")
             self.assertEqual(status, 200, (method, path, answer))
             self.assertTrue(DOCUMENT.fits(form, answer), (method, path, answer))
             self.assertIn("default-src 'none'", headers["Content-Security-Policy"])
-        for kind, values in self.events().items():
+        for kind, values in self.host.events(self.cookies["Anna"]).items():
             if kind in DOCUMENT.forms:
                 self.assertTrue(all(DOCUMENT.fits(kind, value) for value in values), values)
-        self.assertEqual([row["index"] for row in self.events("Ben", 2)["profile"]], [3])
-        self.assertNotIn("messages", self.events("Ben", 2))
+        bens = self.host.events(self.cookies["Ben"])
+        self.assertEqual(([row["index"] for row in bens["profile"]], "messages" in bens), ([3], False))
 
     def test_nobody_does_what_is_not_theirs(self):
         before = [self.host.messages(index) for index in (2, 3)] + self.host.log()
@@ -92,6 +80,8 @@ class Api(unittest.TestCase):
             for kind in (None, "text/plain", "application/x-www-form-urlencoded"):
                 self.expect(415, "type", method, path, body, Content_Type=kind)
             self.expect(413, "long", method, path, b'{"text":"' + b"x" * 17000 + b'"}')
+            with self.assertRaises(OSError):  # nobody reads an endless one to its end
+                self.ask(method, path, b"x" * 9_000_000)
             for words in (b"", b"[]", b"{", b'{"text":"\xff"}', b'{"text":"\xed\xa0\x80"}', b"[" * 9000):
                 self.expect(400, "form", method, path, words)
             for field in takes:
@@ -159,8 +149,25 @@ class Changes(unittest.TestCase):
             self.host.server.heard.clear()
             self.assertTrue(self.host.server.hears(text, 3))
         self.assertLess(time.time() - begin, 6)
+        for _ in range(100):  # more than one address may have; another one is still served
+            sockets.append(socket.create_connection(("127.0.0.1", self.host.port)))
+        with self.assertRaises(OSError):
+            self.host.ask("GET", "/api/session")
+        other = http.client.HTTPConnection("127.0.0.1", self.host.port, 20, ("127.0.0.2", 0))
+        other.request("GET", "/")
+        self.assertEqual(other.getresponse().status, 200)
+        other.close()
         for one in sockets:
             one.close()
+
+    def test_a_log_of_all_profiles_is_for_who_sees_them_all(self):
+        self.host.end()
+        self.host.options = ("--shared-log",)
+        self.host.start()
+        for name, status, kinds in (("Anna", 200, True), ("Eve", 403, False)):
+            cookie = self.host.sign_in(name)[1]
+            self.assertEqual(self.host.ask("GET", "/api/profiles/2/log", None, cookie)[0], status)
+            self.assertEqual("log" in self.host.events(cookie), kinds)
 
 
 class SigningIn(unittest.TestCase):
@@ -195,13 +202,31 @@ class SigningIn(unittest.TestCase):
             self.assertRegex(answer["Set-Cookie"], "^rotacasts=[0-9a-f]{64}; Path=/; HttpOnly; "
                                                    f"SameSite=Strict{secure}$")
         sessions = [self.host.sign_in("Anna")[1] for _ in range(2)]
+        once = self.host.sign_in("Anna")[1]
+        self.host.sign_in("Anna", Cookie=once)  # takes the place of the session that there was
         state = lambda cookie: self.host.ask("GET", "/api/session", None, cookie)[0]
         self.assertNotEqual(*sessions)
         self.host.ask("DELETE", "/api/session", {}, sessions[0])
-        self.assertEqual([state(cookie) for cookie in sessions], [401, 200])
+        self.assertEqual([state(cookie) for cookie in [once, *sessions]], [401, 401, 200])
         self.host.admin("set", "Anna", password="another horse")
         time.sleep(1.1)
         self.assertEqual(state(sessions[1]), 401)
+        eve, ben = (self.host.sign_in(name)[1] for name in ("Eve", "Ben"))
+        change = lambda: self.host.ask("PUT", "/api/profiles/2/switch", {"on": True}, eve)[0]
+        self.assertEqual((change(), state(ben)), (200, 200))
+        self.host.admin("remove", "Ben")
+        file = self.host.folder + "/settings/admins.ini"
+        with open(file) as admins:
+            text = admins.read()
+        for line, status in ((f"Rights={CHANGE}", 403), ("Profiles=2", 404)):  # by hand, signed in
+            with open(file, "w") as admins:
+                admins.write(text.replace(line, line.split("=")[0] + "="))
+            time.sleep(1.1)
+            self.assertEqual((change(), state(ben)), (status, 401))
+        os.remove(file)
+        os.mkdir(file)  # it cannot be read: nobody may, and the host goes on
+        time.sleep(1.1)
+        self.assertEqual((change(), self.host.sign_in("Eve")[0]), (401, 401))
 
     def test_the_command_line_says_who_may(self):
         self.assertEqual(os.stat(self.host.folder + "/settings/admins.ini").st_mode & 0o777, 0o600)

@@ -73,7 +73,8 @@ class Host:
 
     def start(self):
         self.process = subprocess.Popen(
-            [PROGRAMS + "/rotacasts-host", "run", "--host-folder", self.folder, "--web",
+            ["setpriv", "--pdeathsig", "KILL",  # it does not outlive the test, however that ends
+             PROGRAMS + "/rotacasts-host", "run", "--host-folder", self.folder, "--web",
              f"127.0.0.1:{self.port}", *self.options],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         self.url = self.process.stdout.readline().decode().split()[-1]
@@ -104,18 +105,33 @@ class Host:
         with open(f"{folder}/{name}", encoding="cp1252") as file:
             return file.read().splitlines()
 
+    def connect(self):
+        return http.client.HTTPConnection("127.0.0.1", self.port, timeout=20)
+
     def ask(self, method, path, body=None, cookie=None, **headers):
         """Status, headers and JSON of an answer; a header given as None is left out."""
         sent = {"Origin": self.url.rstrip("/"), "Content-Type": "application/json",
                 "Cookie": cookie, **{name.replace("_", "-"): value for name, value in headers.items()}}
         data = body if isinstance(body, bytes) or body is None else json.dumps(body)
-        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=20)
+        connection = self.connect()
         connection.request(method, path, data, {k: v for k, v in sent.items() if v is not None})
         answer = connection.getresponse()
         text = answer.read()
         connection.close()
         isJson = answer.headers["Content-Type"] == "application/json"
         return answer.status, answer.headers, json.loads(text) if isJson and text else text
+
+    def events(self, cookie, profile=2):
+        """The events that there are at once, by kind."""
+        connection = self.connect()
+        connection.request("GET", f"/api/events?profile={profile}", None, {"Cookie": cookie})
+        answer, found = connection.getresponse(), {}
+        while "ready" not in found:
+            kind = answer.readline().decode().split(": ", 1)[1].strip()
+            found.setdefault(kind, []).append(json.loads(answer.readline().decode()[6:]))
+            answer.readline()
+        connection.close()
+        return found
 
     def sign_in(self, name, password=PASSWORD, **headers):
         status, answer, _ = self.ask("POST", "/api/session",

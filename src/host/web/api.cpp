@@ -178,8 +178,18 @@ void Api::Admit(const Route& route, Call& call) {
 const std::vector<Admin>& Api::People() {
   const Clock::time_point now = Clock::now();
   if (now - peopleAt_ < std::chrono::seconds(1)) return people_;
-  people_ = admins_.All();
   peopleAt_ = now;
+  std::string trouble;
+  try {
+    people_ = admins_.All();
+  } catch (const RuntimeError& error) {  // the broadcasts go on
+    people_.clear();
+    trouble = error.description;
+  }
+  if (trouble != trouble_ && !trouble.empty()) {
+    out_ << "nobody can be signed in: " << trouble << "\n" << std::flush;
+  }
+  trouble_ = std::move(trouble);
   return people_;
 }
 
@@ -211,6 +221,7 @@ void Api::SignIn(Call& call) {
     if (!isRight || !admin) {
       return exchange->Answer(Refusal{401, "wrong", "the name or the password is wrong"});
     }
+    sessions_.End(exchange->Asked().Cookie(kCookie));
     const std::string cookie = std::string(kCookie) + "=" + sessions_.Begin(*admin) +
                                "; Path=/; HttpOnly; SameSite=Strict" + (isSecure ? "; Secure" : "");
     exchange->Answer(

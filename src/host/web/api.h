@@ -36,6 +36,7 @@ class Api {
 
   void Find(const std::shared_ptr<Exchange>& exchange);
   void Admit(const Route& route, Call& call);
+  /// Nobody while the file cannot be read.
   const std::vector<Admin>& People();
   std::optional<Admin> PersonOf(const Request& request);
   Response Changed(const Call& call, const std::string& words);
@@ -64,6 +65,7 @@ class Api {
   const Admins admins_;
   std::vector<Admin> people_;
   Clock::time_point peopleAt_;
+  std::string trouble_;  // why they could not be read
   Snapshots snapshots_;
   SignInBrake brake_;
   PasswordChecks checks_;

@@ -21,7 +21,6 @@ using Clock = EventLoop::Clock;
 constexpr unsigned kMostConnections = 600;
 constexpr unsigned kMostOfOneAddress = 200;
 constexpr unsigned kQuietSeconds = 30;
-constexpr std::chrono::seconds kLongestRequest{30};
 constexpr std::size_t kMemoryOfConnection = 16 * 1024;
 constexpr std::size_t kMostBytesDropped = 1024 * 1024;
 constexpr std::size_t kBlock = 8 * 1024;
@@ -259,8 +258,9 @@ struct HttpServer::Callbacks {
   static void Log(void*, const char*, va_list) {}  // a client's nonsense is no news
 };
 
-HttpServer::HttpServer(EventLoop& loop, const std::string& address, Handler handler)
-    : loop_(loop), handler_(std::move(handler)) {
+HttpServer::HttpServer(EventLoop& loop, const std::string& address, Handler handler,
+                       std::chrono::milliseconds longest)
+    : loop_(loop), handler_(std::move(handler)), longest_(longest) {
   Start(address);
   const auto* events = MHD_get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD);
   loop_.Watch(events->epoll_fd, POLLIN, [this](short) { Run(); });
@@ -316,8 +316,8 @@ std::optional<Clock::time_point> HttpServer::NextRun() const {
 void HttpServer::CutOff() {
   const Clock::time_point now = Clock::now();
   if (now < nextCut_) return;
-  nextCut_ = now + std::chrono::seconds(1);
-  const Clock::time_point limit = now - kLongestRequest;
+  nextCut_ = now + longest_ / 30;
+  const Clock::time_point limit = now - longest_;
   for (auto& [connection, since] : since_) {
     if (since > limit) continue;
     ::shutdown(MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd,

@@ -69,12 +69,15 @@ class Exchange {
 class HttpServer {
  public:
   static constexpr std::size_t kLongestBody = 16 * 1024;
+  static constexpr std::chrono::seconds kLongestRequest{30};
   /// Answers a request. Whoever answers later keeps the pointer weakly: the client may be gone.
   using Handler = std::function<void(const std::shared_ptr<Exchange>&)>;
 
   /// Listens at "ADDRESS:PORT"; an IPv6 address in brackets, port 0 for any. Error 5 for what is no
-  /// address, 57 with the reason where nobody can listen there.
-  HttpServer(EventLoop& loop, const std::string& address, Handler handler);
+  /// address, 57 with the reason where nobody can listen there. `longest` is what a request and its
+  /// answer may take, events aside.
+  HttpServer(EventLoop& loop, const std::string& address, Handler handler,
+             std::chrono::milliseconds longest = kLongestRequest);
   ~HttpServer();
   HttpServer(const HttpServer&) = delete;
   HttpServer& operator=(const HttpServer&) = delete;
@@ -96,6 +99,7 @@ class HttpServer {
 
   EventLoop& loop_;
   const Handler handler_;
+  const std::chrono::milliseconds longest_;
   std::map<MHD_Connection*, EventLoop::Clock::time_point> since_;  // of each request under way
   std::map<MHD_Connection*, std::shared_ptr<Conversation>> conversations_;
   std::map<MHD_Connection*, Conversation*> sources_;
