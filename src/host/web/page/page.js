@@ -475,6 +475,7 @@ function showDraft() {
   const fault = faultOf(text);
   const isLive = placeholders.includes(text);
   setText($("count"), text ? `${letters(text)} letters` : "");
+  $("placeholders").value = isLive ? text : "";
   $("text").setAttribute("aria-invalid", fault !== null);
   $("add").disabled = $("say").disabled = !text || fault !== null;
   $("hint").setAttribute("aria-live", "polite");
@@ -510,9 +511,7 @@ async function send(path, words) {
 $("text").addEventListener("input", showDraft);
 $("placeholders").addEventListener("change", () => {
   if ($("placeholders").value) $("text").value = $("placeholders").value;
-  $("placeholders").value = "";
-  showDraft();
-  $("text").focus();
+  showDraft(); // the focus stays: arrow keys go through all of them
 });
 $("compose").addEventListener("submit", (event) => {
   event.preventDefault();
