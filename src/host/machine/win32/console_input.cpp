@@ -4,6 +4,7 @@
 #include <string>
 
 #include "com/com_support.h"
+#include "host/machine/win32/unique_handle.h"
 
 namespace rotacasts::host {
 namespace {
@@ -66,10 +67,8 @@ DWORD WINAPI RunReader(void* parameter) {
 
 void PostConsoleLines(HWND window, UINT message) {
   auto reader = std::make_unique<Reader>(Reader{::GetStdHandle(STD_INPUT_HANDLE), window, message});
-  const HANDLE thread = ::CreateThread(nullptr, 0, RunReader, reader.get(), 0, nullptr);
-  if (thread == nullptr) return;
-  static_cast<void>(reader.release());
-  ::CloseHandle(thread);
+  const win32::UniqueHandle thread(::CreateThread(nullptr, 0, RunReader, reader.get(), 0, nullptr));
+  if (thread) static_cast<void>(reader.release());
 }
 
 }  // namespace rotacasts::host

@@ -5,19 +5,16 @@
 #include "base/runtime_error.h"
 #include "com/com_support.h"
 #include "host/machine/native_files.h"
+#include "host/machine/win32/unique_handle.h"
 
 namespace rotacasts::host {
 
 /// Open for writing, and nobody else may.
-struct HostLock::File {
+struct HostLock::File : win32::UniqueHandle {
   explicit File(const std::string& path)
-      : handle(::CreateFileW(NativePath(path).c_str(), GENERIC_READ | GENERIC_WRITE,
-                             FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
-                             nullptr)) {}
-  ~File() {
-    if (handle != INVALID_HANDLE_VALUE) ::CloseHandle(handle);
-  }
-  const HANDLE handle;
+      : UniqueHandle(::CreateFileW(NativePath(path).c_str(), GENERIC_READ | GENERIC_WRITE,
+                                   FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                                   nullptr)) {}
 };
 
 HostLock::~HostLock() = default;
@@ -26,12 +23,12 @@ HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
   const std::string path = hostFolder + "\\host.lock";
   file_ = std::make_unique<File>(path);
   const DWORD problem = ::GetLastError();
-  if (file_->handle != INVALID_HANDLE_VALUE) {
+  if (*file_) {
     const std::string words =
         "process " + std::to_string(::GetCurrentProcessId()) + " since " + time + "\r\n";
     DWORD written = 0;
-    ::WriteFile(file_->handle, words.data(), static_cast<DWORD>(words.size()), &written, nullptr);
-    ::SetEndOfFile(file_->handle);
+    ::WriteFile(file_->Get(), words.data(), static_cast<DWORD>(words.size()), &written, nullptr);
+    ::SetEndOfFile(file_->Get());
     return;
   }
   if (problem != ERROR_SHARING_VIOLATION) {

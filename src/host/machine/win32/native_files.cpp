@@ -1,9 +1,8 @@
 #include "host/machine/native_files.h"
 
-#include <utility>
-
 #include "base/runtime_error.h"
 #include "com/com_support.h"
+#include "host/machine/win32/unique_handle.h"
 
 #undef ReplaceFile  // the system's own name for something else
 
@@ -32,24 +31,12 @@ bool IsMissing(DWORD problem) {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// An open file. Others may do with it meanwhile what `share` says.
-class File {
+/// An open file, or none. Others may do with it meanwhile what `share` says.
+class File : public win32::UniqueHandle {
  public:
   File(const std::filesystem::path& path, DWORD access, DWORD creation, DWORD share = kShareAll)
-      : handle_(::CreateFileW(path.c_str(), access, share, nullptr, creation, FILE_ATTRIBUTE_NORMAL,
-                              nullptr)) {}
-  ~File() { Close(); }
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-
-  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
-  HANDLE Get() const { return handle_; }
-  void Close() {
-    if (IsOpen()) ::CloseHandle(std::exchange(handle_, INVALID_HANDLE_VALUE));
-  }
-
- private:
-  HANDLE handle_;
+      : UniqueHandle(::CreateFileW(path.c_str(), access, share, nullptr, creation,
+                                   FILE_ATTRIBUTE_NORMAL, nullptr)) {}
 };
 
 void WriteAll(const File& file, std::string_view bytes, const std::filesystem::path& path) {
@@ -105,7 +92,7 @@ void RefuseReadOnly(const std::filesystem::path& path) {
 /// Whether the file is as it was seen and nobody has it open for writing.
 bool IsStill(const std::filesystem::path& path, const FileBytes& seen) {
   const File file(path, GENERIC_READ, OPEN_EXISTING, FILE_SHARE_READ | FILE_SHARE_DELETE);
-  if (!file.IsOpen()) return IsMissing(::GetLastError()) && !seen;
+  if (!file) return IsMissing(::GetLastError()) && !seen;
   return seen && ReadAll(file, path) == *seen;
 }
 
@@ -153,7 +140,7 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
   RefuseEmpty(path);
   const std::filesystem::path native = NativePath(path);
   const File file(native, GENERIC_READ, OPEN_EXISTING);
-  if (!file.IsOpen()) {
+  if (!file) {
     const DWORD problem = ::GetLastError();
     if (IsMissing(problem)) return std::nullopt;
     RefuseFolder(native, ::GetFileAttributesW(native.c_str()));
@@ -170,7 +157,7 @@ bool ReplaceFile(const std::string& path, std::string_view bytes, const FileByte
   const std::filesystem::path beside = NameBeside(target);
   try {
     File file(beside, GENERIC_WRITE, CREATE_ALWAYS);
-    if (!file.IsOpen()) Raise(::GetLastError(), target);
+    if (!file) Raise(::GetLastError(), target);
     WriteAll(file, bytes, target);
     if (::FlushFileBuffers(file.Get()) == FALSE) Raise(::GetLastError(), target);
     file.Close();
@@ -191,7 +178,7 @@ void AppendLine(const std::string& path, const std::string& line) {
   RefuseEmpty(path);
   const std::filesystem::path native = NativePath(path);
   const File file(native, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
-  if (!file.IsOpen()) {
+  if (!file) {
     const DWORD problem = ::GetLastError();
     if (problem == ERROR_FILE_NOT_FOUND) {
       throw RuntimeError(ErrorNumber::FileNotFound, win32::FromWide(native.native()));

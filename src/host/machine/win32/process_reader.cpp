@@ -7,6 +7,7 @@
 
 // clang-format off
 #include "host/machine/win32/sockets.h"
+#include "host/machine/win32/unique_handle.h"
 #include "com/com_support.h"
 #include <iphlpapi.h>
 #include <tlhelp32.h>
@@ -32,31 +33,26 @@ HANDLE Open(ProcessId process) {
 class OpenedProcess {
  public:
   explicit OpenedProcess(ProcessId process) : handle_(Open(process)) {}
-  ~OpenedProcess() {
-    if (handle_ != nullptr) ::CloseHandle(handle_);
-  }
-  OpenedProcess(const OpenedProcess&) = delete;
-  OpenedProcess& operator=(const OpenedProcess&) = delete;
 
   /// Why the process could not be opened; Complete when it was.
   ReadOutcome Outcome() const {
-    if (handle_ != nullptr) return ReadOutcome::Complete;
+    if (handle_) return ReadOutcome::Complete;
     return ::GetLastError() == ERROR_ACCESS_DENIED ? ReadOutcome::NotAllowed
                                                    : ReadOutcome::ProcessGone;
   }
   ReadOutcome Read(std::uint32_t address, void* buffer, std::size_t size) const {
     SIZE_T count = 0;
     const void* place = reinterpret_cast<const void*>(address);
-    if (::ReadProcessMemory(handle_, place, buffer, size, &count) != FALSE && count == size) {
+    if (::ReadProcessMemory(handle_.Get(), place, buffer, size, &count) != FALSE && count == size) {
       return ReadOutcome::Complete;
     }
     // One that has ended can still be opened while somebody else holds it.
-    return ::WaitForSingleObject(handle_, 0) == WAIT_OBJECT_0 ? ReadOutcome::ProcessGone
-                                                              : ReadOutcome::NotMapped;
+    return ::WaitForSingleObject(handle_.Get(), 0) == WAIT_OBJECT_0 ? ReadOutcome::ProcessGone
+                                                                    : ReadOutcome::NotMapped;
   }
 
  private:
-  const HANDLE handle_;
+  const win32::UniqueHandle handle_;
 };
 
 /// Whether a program file has the name, which may leave its ending out.
@@ -105,16 +101,15 @@ ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buff
 
 std::vector<ProcessId> FindProcesses(const std::string& programName) {
   std::vector<ProcessId> found;
-  const HANDLE snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-  if (snapshot == INVALID_HANDLE_VALUE) return found;
+  const win32::UniqueHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  if (!snapshot) return found;
   const std::wstring name = win32::ToWide(programName);
   PROCESSENTRY32W entry{};
   entry.dwSize = sizeof entry;
-  for (BOOL more = ::Process32FirstW(snapshot, &entry); more != FALSE;
-       more = ::Process32NextW(snapshot, &entry)) {
+  for (BOOL more = ::Process32FirstW(snapshot.Get(), &entry); more != FALSE;
+       more = ::Process32NextW(snapshot.Get(), &entry)) {
     if (HasName(entry.szExeFile, name)) found.push_back(entry.th32ProcessID);
   }
-  ::CloseHandle(snapshot);
   return found;
 }
 
