@@ -4,6 +4,7 @@
 #include <array>
 
 #include "broadcast/placeholders.h"
+#include "forms/window_messages.h"
 #include "support/fake_host.h"
 #include "ui/layout.h"
 
@@ -11,28 +12,36 @@ namespace rotacasts {
 namespace {
 
 using forms::MouseEvent;
-using headless::kRowHeight;
+using headless::WindowMessage;
 using testing::MessageFileBytes;
 using testing::PluginTest;
 using Texts = std::vector<std::string>;
 
+constexpr int kRowHeight = 13;  // pixels
+
 class EditingTest : public PluginTest {
  protected:
-  void Show(const Texts& messages) {
-    host.MessageFile(2) = MessageFileBytes(messages);
-    Load(2);
-    host.calls.clear();
+  EditingTest() {
     toolkit.onPopUp = [this](forms::MenuItem& menu) -> forms::MenuItem* {
       shown.push_back(menu.name);
       entryWasEnabled = Window().txtMessage().IsEnabled();
       return choice.empty() ? nullptr : &Window().Menu(choice);
     };
+    toolkit.onSend = [this](forms::Control& control, const WindowMessage& now) -> std::intptr_t {
+      if (control.GetKind() == forms::Kind::TextBox) sent.push_back(now);
+      if (now.message != forms::kLbItemFromPoint) return 0;
+      const std::intptr_t row = now.lParam / 65536 / kRowHeight;
+      return row < Window().lstMessages().Count() ? row : forms::kLbOutsideItems;
+    };
+  }
+  void Show(const Texts& listed) {
+    host.MessageFile(2) = MessageFileBytes(listed);
+    Load(2);
+    host.calls.clear();
   }
   void RightClickRow(int row) {
     Press("lstMessages", MouseEvent::kRight, 100, static_cast<float>(row * kRowHeight * 15 + 20));
   }
-  /// The messages as if another hand had written them, while the window shows what it loaded.
-  void WriteBehind(const Texts& messages) { host.MessageFile(2) = MessageFileBytes(messages); }
   /// Chooses an item of the list's menu for a row.
   void Choose(int row, const char* item) {
     choice = item;
@@ -46,8 +55,9 @@ class EditingTest : public PluginTest {
   const forms::Rectangle& Caption() { return Window().Find("cmdAdd")->Bounds(); }
   const std::string& Picture() { return Window().Get<forms::Image>("cmdAddImg").Picture(); }
 
-  Texts shown;
+  Texts shown;  // menus
   std::string choice;
+  std::vector<WindowMessage> sent;  // to text boxes
   bool entryWasEnabled = true;
 };
 
@@ -84,6 +94,13 @@ TEST_F(EditingTest, TheAddButtonMovesWhilePressedWithAndWithoutPictures) {
 
 TEST_F(EditingTest, AddingStoresTheFirstSixtyCharactersAsTyped) {
   Show({"a"});
+  Add("   ");
+  EXPECT_TRUE(host.calls.empty());
+  host.failAtCall = 2;
+  Add("b");
+  EXPECT_EQ(TakeBoxes(),
+            (Texts{"Failed!|Message Box is empty!", "Failed!|Could not add message!"}));
+  EXPECT_EQ(Window().txtMessage().Text(), "b");
   toolkit.onMessageBox = [this](const std::string& text, const std::string&) {
     EXPECT_EQ(text, "Message added successfully!");
     EXPECT_EQ(Rows(), Texts{"a"});  // refilled once the box is closed
@@ -100,16 +117,6 @@ TEST_F(EditingTest, AddingStoresTheFirstSixtyCharactersAsTyped) {
   Click("cmdAddImg", MouseEvent::kRight);
   EXPECT_EQ(Stored(2).back(), std::string(60, 'x'));
   EXPECT_EQ(State().window.IfLoaded(), nullptr);  // not made again to be refilled
-}
-
-TEST_F(EditingTest, AnAddThatFailsKeepsTheText) {
-  Show({"a"});
-  Add("   ");
-  EXPECT_TRUE(host.calls.empty());
-  host.failAtCall = 2;
-  Add("b");
-  EXPECT_EQ(host.boxes, (Texts{"Failed!|Message Box is empty!", "Failed!|Could not add message!"}));
-  EXPECT_EQ(Window().txtMessage().Text(), "b");
 }
 
 TEST_F(EditingTest, ARightClickSelectsTheRowAndShowsTheMenu) {
@@ -168,7 +175,7 @@ TEST_F(EditingTest, ARowThatAnotherHandHasMadeDoubtfulIsLeftAloneAndTheListRefil
         Row{"mnuDelete", 1, turned, {"c", alike + " two", alike + " one"}},
         Row{"mnuUp", 3, {"c", alike + " 2"}, {"c", alike + " 2"}}}) {
     Show(listed);
-    WriteBehind(stored);
+    host.MessageFile(2) = MessageFileBytes(stored);  // by another hand
     Window().lstMessages().Select(row);
     Window().Menu(item).onClick();
     EXPECT_EQ(Stored(2), left) << item << row;
@@ -191,13 +198,10 @@ TEST_F(EditingTest, AStoppedProfileIsToldOfAndNothingIsCalledForIt) {
   EXPECT_EQ(TakeErrors(), (Texts{"mnuDown: 76", "mnuDelete_Click: 76", "chkAuto_Click: 76",
                                  "txtInterval_Change: 76", "txtInterval_Change: 76"}));
   Variant::Array refused = *Data(2, "JO").AsArray();
-  refused[7] = "..\\..";
+  refused[pdat::kProfileFolder] = "..\\..";
   Plugin().LoadInterface(2, 77, refused);
   EXPECT_EQ(TakeErrors(), (Texts{"SetProfileData: 76", "Form_Reload: 76"}));
   EXPECT_EQ(Rows(), Texts{});
-  Window().chkAuto().SetValue(1);
-  Window().txtInterval().SetText("1");
-  TakeErrors();
   host.longs[0x00C87598] = 2;
   Tick(2);
   EXPECT_EQ(TakeErrors(), Texts{}) << "told of every minute";
@@ -248,29 +252,32 @@ TEST_F(EditingTest, TokensReplaceTheEntry) {
   EXPECT_TRUE(host.calls.empty());
 }
 
-TEST_F(EditingTest, TheEditingItemsActOnTheDisabledEntryBox) {
+TEST_F(EditingTest, TheEditingItemsGoToTheDisabledEntryBox) {
   Show({});
-  forms::TextBox& box = Window().txtMessage();
-  box.SetText("abc");
-  for (const auto& [item, text, clipboard] :
-       std::vector<std::array<const char*, 3>>{{"mnuCut", "abc", ""},  // nothing selected
-                                               {"mnuCopy", "abc", ""},
-                                               {"mnuSelectAll", "abc", ""},
-                                               {"mnuCopy", "abc", "abc"},
-                                               {"mnuCut", "", "abc"},
-                                               {"mnuPaste", "abc", "abc"},
-                                               {"mnuSelectAll", "abc", "abc"},
-                                               {"mnuDelete2", "", "abc"}}) {
-    choice = item;
-    Press("txtMessage", MouseEvent::kRight);
-    EXPECT_EQ(box.Text(), text) << item;
-    EXPECT_EQ(toolkit.Clipboard(), clipboard) << item;
-    EXPECT_FALSE(entryWasEnabled);
-    EXPECT_TRUE(box.IsEnabled());
-    EXPECT_EQ(Window().Focused(), &box);
+  const forms::TextBox& box = Window().txtMessage();
+  for (const std::size_t selected : {0U, 2U}) {
+    toolkit.selection.length = selected;
+    for (const auto& [item, wanted] : {std::pair("mnuCut", WindowMessage{forms::kWmCut}),
+                                       {"mnuCopy", {forms::kWmCopy}},
+                                       {"mnuPaste", {forms::kWmPaste}},
+                                       {"mnuSelectAll", {forms::kEmSetSel, 0, -1}}}) {
+      choice = item;
+      Press("txtMessage", MouseEvent::kRight);
+      EXPECT_FALSE(entryWasEnabled);
+      EXPECT_TRUE(box.IsEnabled() && Window().Focused() == &box);
+      const bool isIdle = selected == 0 && wanted.message != forms::kWmPaste && wanted.lParam == 0;
+      EXPECT_EQ(std::exchange(sent, {}), std::vector<WindowMessage>(isIdle ? 0 : 1, wanted))
+          << item;
+    }
   }
+  choice = "mnuDelete2";
+  Press("txtMessage", MouseEvent::kRight);
+  EXPECT_EQ(sent.at(0).message, forms::kEmReplaceSel);
+  EXPECT_STREQ(reinterpret_cast<const char*>(sent[0].lParam), "");
   Press("txtMessage", MouseEvent::kLeft);
-  EXPECT_EQ(shown.size(), 8U);
+  EXPECT_EQ(shown.size(), 9U);
+  TypeOver(Window().txtInterval(), "x");
+  EXPECT_EQ(sent.back(), (WindowMessage{forms::kEmSetSel, 0, -1}));  // what was put back
 }
 
 /// A change in the window that shows profile 2, and what the host does inside one of its calls.
@@ -281,14 +288,22 @@ class VisitedChangeTest : public EditingTest {
     std::function<void()> run;
     Texts left = {"a", "b", "c"};  // what profile 2 holds in any case
   };
-  /// Runs the change with the visit inside its call of that number; false when it has fewer calls.
+  /// Runs the change with the visit inside its call, box or menu of that number; false when it has
+  /// fewer.
   bool Run(const Change& change, const std::function<void()>& visit, int call) {
-    Show({"a", "b", "c"});
     host.MessageFile(3) = kOther;
+    Show({"a", "b", "c"});
     Window().lstMessages().Select(1);
     int number = 0;
-    host.insideCall = [&] {
+    const auto enter = [&] {
       if (++number == call) visit();  // whose own calls are beyond that number
+    };
+    host.insideCall = enter;
+    toolkit.onMessageBox = [&](const std::string&, const std::string&) { enter(); };
+    toolkit.onPopUp = [&](forms::MenuItem&) {
+      forms::MenuItem* const chosen = &Window().Menu(choice);
+      enter();
+      return chosen;
     };
     change.run();
     host.insideCall = nullptr;
@@ -309,21 +324,23 @@ class VisitedChangeTest : public EditingTest {
   const std::string kOther = MessageFileBytes({"x", "y", "z", "v"}, "0", "7");
 };
 
-TEST_F(VisitedChangeTest, StaysInItsOwnFileWhateverTheHostDoesInsideAnyOfItsCalls) {
+TEST_F(VisitedChangeTest, StaysInItsOwnFileWhateverTheHostDoesMeanwhile) {
   const auto unload = [this] { Plugin().UnLoadInterface(""); };
   const std::pair<const char*, std::function<void()>> visits[] = {
       {"load 3", [&] { Load(3); }},
-      {"unload, load 3", [&] { unload(), Load(3); }},
+      {"unload, load 3", [&] { unload(), Load(3), Window().lstMessages().Select(1); }},
       {"load 2", [&] { Load(2); }},
       {"unload", unload}};
+  const auto choose = [this](const char* item) { return [=, this] { Choose(1, item); }; };
   const Change changes[] = {
-      {"up", [&] { Window().Menu("mnuUp").UserClicked(); }},
-      {"down", [&] { Window().Menu("mnuDown").UserClicked(); }},
-      {"delete", [&] { Window().Menu("mnuDelete").UserClicked(); }, {"a", "c"}},
+      {"up", choose("mnuUp")},
+      {"down", choose("mnuDown")},
+      {"delete", choose("mnuDelete"), {"a", "c"}},
       {"add", [&] { Add("d"); }},
       {"switch", [&] { Window().chkAuto().UserClicked(); }},
       {"interval", [&] { TypeOver(Window().txtInterval(), "5"); }},
       {"no interval", [&] { TypeOver(Window().txtInterval(), "x"); }},
+      {"token", [&] { choice = "mnuNextMap", Press("txtMessage", MouseEvent::kRight); }},
       {"show", [&] { Load(2); }},
   };
   for (const Change& change : changes) {
@@ -331,38 +348,10 @@ TEST_F(VisitedChangeTest, StaysInItsOwnFileWhateverTheHostDoesInsideAnyOfItsCall
       for (int call = 1; Run(change, visit, call); ++call) {
         SCOPED_TRACE(std::string(change.name) + ", " + name + " in call " + std::to_string(call));
         Check(change);
-        EXPECT_EQ(State().window.IfLoaded() == nullptr, name == std::string("unload"));
+        const auto window = State().window.IfLoaded();
+        EXPECT_EQ(window == nullptr, name == std::string("unload"));
+        EXPECT_EQ(*name == 'u' && window != nullptr ? window->txtMessage().Text() : "", "");
       }
-    }
-  }
-}
-
-TEST_F(VisitedChangeTest, WhateverArrivesWhileABoxOrAMenuIsOpenDoesNoHarm) {
-  const auto wreck = [this] {
-    host.MessageFile(3) = kOther;
-    Plugin().UnLoadInterface("");
-    Load(3);
-    Window().lstMessages().Select(1);
-  };
-  Show({"a", "b", "c"});
-  toolkit.onMessageBox = [&](const std::string&, const std::string&) { wreck(); };
-  Add("d");
-  Check({"add", nullptr, {"a", "b", "c", "d"}});
-  toolkit.onMessageBox = nullptr;
-  for (const char* item : {"mnuUp", "mnuDelete", "mnuPaste", "mnuNextMap", ""}) {
-    for (const auto& [box, y] :
-         {std::pair("lstMessages", kRowHeight * 15 + 20), {"txtMessage", 0}}) {
-      SCOPED_TRACE(std::string(item) + " at " + box);
-      Show({"a", "b", "c"});
-      toolkit.onPopUp = [&](forms::MenuItem&) {
-        forms::MenuItem* chosen = *item != 0 ? &Window().Menu(item) : nullptr;
-        wreck();
-        return chosen;
-      };
-      Press(box, MouseEvent::kRight, 100, static_cast<float>(y));
-      Check({item, nullptr});
-      EXPECT_EQ(Window().txtMessage().Text(), "");
-      EXPECT_EQ(host.logged, Texts{});
     }
   }
 }

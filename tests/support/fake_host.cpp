@@ -4,7 +4,6 @@
 #include <sstream>
 
 #include "base/text.h"
-#include "forms/window_messages.h"
 #include "host/components/ini_text.h"
 
 namespace rotacasts::testing {
@@ -261,14 +260,8 @@ void PluginHarness::Click(const char* control, std::int16_t button, float x, flo
   Window().Find(control)->UserReleased({button, x, y});
 }
 
-void PluginHarness::Type(forms::TextBox& box, const std::string& text) {
-  const std::string ansi = ToWindows1252(text);
-  box.GetForm().Send(box, forms::kEmReplaceSel, 1, reinterpret_cast<std::intptr_t>(ansi.c_str()));
-}
-
 void PluginHarness::TypeOver(forms::TextBox& box, const std::string& text) {
-  box.GetForm().Send(box, forms::kEmSetSel, 0, -1);
-  Type(box, text);
+  box.UserChangedText(std::string(FirstCharacters(text, box.MaxLength())));
 }
 
 std::vector<std::string> PluginHarness::Stored(int index) {

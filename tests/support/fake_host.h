@@ -77,9 +77,8 @@ class PluginHarness {
   /// Presses (and releases) a mouse button on a control of the window; twips.
   void Press(const char* control, std::int16_t button, float x = 0, float y = 0);
   void Click(const char* control, std::int16_t button, float x = 0, float y = 0);
-  /// The user types into a text box: over all of it, or over what is selected.
-  void TypeOver(forms::TextBox& box, const std::string& text);
-  void Type(forms::TextBox& box, const std::string& text);
+  /// The user types over what is in a text box, as much as it takes.
+  static void TypeOver(forms::TextBox& box, const std::string& text);
   /// The texts of the section "Messages" in the profile's file.
   std::vector<std::string> Stored(int index);
   /// Takes what was logged so far: "procedure: number".

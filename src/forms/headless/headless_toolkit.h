@@ -1,7 +1,7 @@
 // The form toolkit without pixels: forms work, nothing is drawn.
 //
-// Message boxes go to a function, popup menus ask a function for the choice, timers run in a
-// TimerLoop, and the edit and list messages are interpreted on the model itself.
+// Message boxes go to a function, popup menus ask a function for the choice, the messages to the
+// controls' windows go to a function, and timers run in a TimerLoop.
 #pragma once
 
 #include <cstdint>
@@ -15,10 +15,6 @@
 
 namespace rotacasts::headless {
 
-/// Height of a list row in pixels, the same for every list: what a list box of the window's font
-/// has.
-inline constexpr std::int32_t kRowHeight = 13;
-
 /// Where a window lies: what MoveWindow and SetParent were told last.
 struct Placement {
   std::int32_t x = 0;
@@ -26,6 +22,14 @@ struct Placement {
   std::int32_t width = 0;
   std::int32_t height = 0;
   forms::WindowHandle parent = 0;
+};
+
+/// A message to the window that a control would have, as in forms/window_messages.h.
+struct WindowMessage {
+  std::uint32_t message = 0;
+  std::uintptr_t wParam = 0;
+  std::intptr_t lParam = 0;
+  bool operator==(const WindowMessage&) const = default;
 };
 
 class HeadlessToolkit final : public forms::Toolkit {
@@ -39,9 +43,14 @@ class HeadlessToolkit final : public forms::Toolkit {
   std::function<forms::MenuItem*(forms::MenuItem& menu)> onPopUp;
   /// Checks a picture file; raises 53 or 481. Without one, every picture is accepted.
   std::function<void(const std::string& path)> onLoadPicture;
+  /// Carries out a message to a control's window and answers it. Without one, nothing happens and
+  /// the answer is 0.
+  std::function<std::intptr_t(forms::Control& control, const WindowMessage& message)> onSend;
 
   /// The display that there would be.
   forms::TwipsPerPixel screen;
+  /// What would be selected in a text box.
+  forms::TextSelection selection;
 
   std::shared_ptr<forms::FormView> CreateView(forms::Form& form) override;
   forms::TwipsPerPixel ScreenTwipsPerPixel() const override { return screen; }
@@ -51,7 +60,6 @@ class HeadlessToolkit final : public forms::Toolkit {
 
   const Placement& PlacementOf(forms::WindowHandle window) { return placements_[window]; }
   TimerLoop& Timers() { return timers_; }
-  std::string& Clipboard() { return clipboard_; }
 
  protected:
   void RunMessageBox(const std::string& text, const std::string& title) override {
@@ -62,7 +70,6 @@ class HeadlessToolkit final : public forms::Toolkit {
   TimerLoop& timers_;
   forms::WindowHandle lastHandle_ = 0;
   std::map<forms::WindowHandle, Placement> placements_;
-  std::string clipboard_;
 };
 
 }  // namespace rotacasts::headless
