@@ -157,34 +157,19 @@ TEST_F(RemoteTest, TheLogLiesWhereTheFlagSays) {
             "[00:00:07][Rotacasts] Add Rotacast (Message: a) from admin\r\n");
 }
 
+// The fuzzer asks the same of many more.
 TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
   Start({"a"});
   const std::string other = host.MessageFile(1);
-  const std::string nul("nul\0byte", 8);
-  for (const std::string& text :
-       {std::string("a\r\n[Options]\r\nEnable=1"), std::string("a\n2=b"), std::string("a\rb"),
-        std::string("[Messages]"), std::string("=x"), std::string("a) from root"), nul,
-        std::string("\x1B[2J\x07"), std::string(1 << 20, 'm'), std::string("..\\..\\x")}) {
+  for (const std::string& text : {std::string("a\r\n[Options]\r\nEnable=1"), std::string("=x"),
+                                  std::string("nul\0\x1B[2J\x07", 9), std::string(1 << 20, 'm')}) {
     Variant::Array data = *Pdat().AsArray();
     data[pdat::kAdministrator] = "eve\r\n[00:00:00]" + text;
     const std::size_t lines = Stored(2).size();
     EXPECT_EQ(Plugin().AddMessageRem(2, data, text), "") << text;  // raw: it is not encoded
     EXPECT_EQ(Stored(2).size(), lines);
     Plugin().AddMessageRem(2, data, "<" + text + ">");
-    Plugin().EnableRTRem(2, data, text);
-    Plugin().ChangeIntervalRem(2, data, text);
-    const std::string file = host.MessageFile(2);
-    for (const auto operation : {&clsPlugin::MoveMessageUpRem, &clsPlugin::MoveMessageDownRem,
-                                 &clsPlugin::DeleteMessageRem}) {
-      for (const Variant& position : {Variant(text), Variant("99999999999"), Variant("2147483647"),
-                                      Variant(-2147483647 - 1)}) {
-        (Plugin().*operation)(2, data, position);
-      }
-    }
-    EXPECT_EQ(host.MessageFile(2), file);
-    const std::string listing = Plugin().GetMessagesRem(2, data, text);
-    EXPECT_EQ(listing.substr(0, 4), "<a>|");
-    EXPECT_EQ(listing.find_first_of("\r\n"), listing.npos);
+    for (const RemoteCall call : kChanges) (Plugin().*call)(2, data, text);
     EXPECT_LE(Stored(2).size(), lines + 1);
     EXPECT_EQ(host::IniText(host.MessageFile(2)).Lines("Options").size(), 2U);
     for (const std::string& line : TakeLog()) {
@@ -193,14 +178,13 @@ TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
     }
   }
   TakeErrors();
-  for (const char* folder : {"..", "..\\srv1", "a\\..\\..\\b", "a/../b", ".. ", "...", "a\nb"}) {
+  for (const char* folder : {"..", "a\\..\\..\\b", "a/../b", ".. ", "...", "a\nb"}) {
     Variant::Array data = *Pdat().AsArray();
     data[pdat::kProfileFolder] = folder;
     data[pdat::kSharedLog] = false;
     Plugin().AddMessageRem(2, data, "<text>");
-    EXPECT_EQ(TakeErrors(), Texts{"AddMessageRem: 76"}) << folder;
     State().profiles.SetProfileData(3, data);
-    EXPECT_EQ(TakeErrors(), Texts{"SetProfileData: 76"}) << folder;
+    EXPECT_EQ(TakeErrors(), (Texts{"AddMessageRem: 76", "SetProfileData: 76"})) << folder;
     EXPECT_EQ(State().tables.MessageFiles(3), "") << folder;
   }
   EXPECT_EQ(host.MessageFile(1), other);

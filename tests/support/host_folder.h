@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <string>
 
@@ -11,13 +12,16 @@ namespace rotacasts::testing {
 class HostFolder {
  public:
   HostFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "rotacasts-XXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
+    std::random_device random;
+    path_ = std::filesystem::temp_directory_path() / ("rotacasts-" + std::to_string(random()));
+    std::filesystem::create_directory(path_);
   }
   ~HostFolder() { std::filesystem::remove_all(path_); }
 
   std::string Path() const { return path_.string(); }
-  std::string File(const std::string& name) const { return (path_ / name).string(); }
+  std::string File(const std::string& name) const {
+    return (path_ / name).make_preferred().string();
+  }
   void Write(const std::string& name, const std::string& bytes) const {
     std::filesystem::create_directories((path_ / name).parent_path());
     std::ofstream(path_ / name, std::ios::binary) << bytes;

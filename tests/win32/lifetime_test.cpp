@@ -7,20 +7,13 @@
 #include "component/identities.h"
 #include "support/component_test.h"
 
-#include <psapi.h>  // needs the types of the system's main header
-
 namespace rotacasts {
 namespace {
 
 using testing::ComponentTest;
 using testing::MessageFileBytes;
+using testing::PrivateBytes;
 using testing::PumpWaiting;
-
-SIZE_T PrivateBytes() {
-  PROCESS_MEMORY_COUNTERS counters{};
-  ::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);
-  return counters.PagefileUsage;
-}
 
 class LifetimeTest : public ComponentTest {
  protected:
@@ -130,7 +123,7 @@ TEST_F(LifetimeTest, HandlesItsErrorsBesideAnotherComponentsRuntimeLibrary) {
 TEST_F(LifetimeTest, LeavesNothingInTheProcessThatItIsTakenOutOf) {
   constexpr int kLives = 120;
   constexpr int kToWarmUp = 20;
-  SIZE_T before = 0;
+  std::size_t before = 0;
   for (int life = 0; life < kLives; ++life) {
     if (life == kToWarmUp) before = PrivateBytes();
     EXPECT_EQ(ErrorInside(LoadedCopy(installed).Create()), 13);

@@ -20,7 +20,7 @@ class HeadlessSite final : public PluginSite {
   PluginArea Area() const override;
 };
 
-class HeadlessPlugin final : public HostedPlugin {
+class HeadlessPlugin : public HostedPlugin {
  public:
   /// `minute` is how long a minute of its timers lasts. What goes wrong with a profile is told to
   /// `troubles`, but for what a remote operation answers.

@@ -1,59 +1,18 @@
 #include "support/component_test.h"
 
-#include <cmath>
+#include <algorithm>
 
 #include "com/variant_conversion.h"
 #include "ui/layout.h"
+
+#include <psapi.h>  // needs the types of the system's main header
 
 namespace rotacasts::testing {
 namespace {
 
 using win32::ComVariant;
 
-RECT PixelsOf(const forms::Rectangle& twips, const forms::Rectangle& container) {
-  const HDC screen = ::GetDC(nullptr);
-  const double twipsPerPixel = 1440.0 / ::GetDeviceCaps(screen, LOGPIXELSX);
-  ::ReleaseDC(nullptr, screen);
-  const auto pixels = [=](std::int32_t length) { return std::lround(length / twipsPerPixel); };
-  const std::int32_t left = twips.left + container.left;
-  const std::int32_t top = twips.top + container.top;
-  return {pixels(left), pixels(top), pixels(left + twips.width), pixels(top + twips.height)};
-}
-
-const layout::ControlRow& RowOf(std::string_view name) {
-  for (const layout::ControlRow& row : layout::Controls()) {
-    if (row.name == name) return row;
-  }
-  throw std::invalid_argument(std::string(name));
-}
-
-const wchar_t* ClassOf(forms::Kind kind) {
-  switch (kind) {
-    case forms::Kind::Frame:
-    case forms::Kind::CheckBox:
-      return L"Button";
-    case forms::Kind::TextBox:
-      return L"Edit";
-    case forms::Kind::ListBox:
-      return L"ListBox";
-    case forms::Kind::Label:
-      return L"Static";
-    default:
-      return L"rotacasts.picture";
-  }
-}
-
-/// The child of that class at that place; null when there is none.
-HWND ChildAt(HWND form, const wchar_t* windowClass, const RECT& place) {
-  for (HWND child = nullptr;
-       (child = ::FindWindowExW(form, child, windowClass, nullptr)) != nullptr;) {
-    RECT area;
-    ::GetWindowRect(child, &area);
-    ::MapWindowPoints(nullptr, form, reinterpret_cast<POINT*>(&area), 2);
-    if (::EqualRect(&area, &place) != FALSE) return child;
-  }
-  return nullptr;
-}
+constexpr int kFirstControl = 1000;  // the controls' identifiers go on in their order
 
 class ComEnvironment final : public ::testing::Environment {
  public:
@@ -70,6 +29,12 @@ Frame::Frame()
     : window_(::CreateWindowExW(0, L"STATIC", L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 20, 20,
                                 900, 600, nullptr, nullptr, nullptr, nullptr)) {
   ::SetForegroundWindow(window_);
+}
+
+std::size_t PrivateBytes() {
+  PROCESS_MEMORY_COUNTERS counters{};
+  ::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);
+  return counters.PagefileUsage;
 }
 
 InstalledPlugin& Installed() {
@@ -104,21 +69,19 @@ HWND ComponentTest::Form() const {
   return ::FindWindowExW(frame->Get(), nullptr, L"rotacasts.form", nullptr);
 }
 
-HWND ComponentTest::Control(const char* name) const {
-  const layout::ControlRow& row = RowOf(name);
-  const forms::Rectangle container =
-      row.container.empty() ? forms::Rectangle{} : RowOf(row.container).bounds;
-  const HWND found = ChildAt(Form(), ClassOf(row.kind), PixelsOf(row.bounds, container));
+HWND ComponentTest::Control(std::string_view name) const {
+  const auto row = std::ranges::find(layout::Controls(), name, &layout::ControlRow::name);
+  const auto place = static_cast<int>(row - layout::Controls().begin());
+  const HWND found = ::GetDlgItem(Form(), kFirstControl + place);
   EXPECT_NE(found, nullptr) << name;
   return found;
 }
 
 HWND ComponentTest::AddButton() const {
-  return ChildAt(Form(), ClassOf(forms::Kind::Image),
-                 PixelsOf(layout::kAddButton, RowOf("Frame2").bounds));
+  return ::GetDlgItem(Form(), kFirstControl + static_cast<int>(layout::Controls().size()));
 }
 
-std::string ComponentTest::TextOf(const char* control) const {
+std::string ComponentTest::TextOf(std::string_view control) const {
   wchar_t text[200];
   const LRESULT size =
       ::SendMessageW(Control(control), WM_GETTEXT, 200, reinterpret_cast<LPARAM>(text));

@@ -24,6 +24,9 @@ class Frame {
   HWND window_;
 };
 
+/// What this process has taken of the system's memory for itself.
+std::size_t PrivateBytes();
+
 /// The one installation that the program's tests share.
 InstalledPlugin& Installed();
 
@@ -38,11 +41,10 @@ class ComponentTest : public ::testing::Test {
 
   /// The settings window; null while it is not in the frame.
   HWND Form() const;
-  /// The window of a control of the layout, found by its class and by its place on the form to the
-  /// pixel; null, and a failure, when there is none.
-  HWND Control(const char* name) const;
+  /// The window of a control of the layout; null, and a failure, when there is none.
+  HWND Control(std::string_view name) const;
   HWND AddButton() const;
-  std::string TextOf(const char* control) const;
+  std::string TextOf(std::string_view control) const;
   std::vector<std::string> Rows() const;
 
   InstalledPlugin& installed = Installed();

@@ -1,0 +1,32 @@
+// The stand-alone host's components on a folder of the machine.
+#pragma once
+
+#include "host/components/utility_component.h"
+#include "support/fake_host.h"
+#include "support/host_folder.h"
+
+namespace rotacasts::testing {
+
+struct FixedClock final : public LocalClock {
+  LocalTime Now() const override { return {2010, 3, 7, 14, 5, 9}; }
+};
+
+class HostFilesTest : public ::testing::Test {
+ protected:
+  void Set(const char* section, const UtilityComponent::Key& key,
+           const std::optional<std::string>& value) {
+    utility.WriteIniKey(section, key, value, file);
+  }
+  /// Files and folders in the folder.
+  std::ptrdiff_t Count() const {
+    return std::distance(std::filesystem::directory_iterator(folder.Path()), {});
+  }
+  HostFolder folder;
+  FixedClock clock;
+  host::MachineFiles machine;
+  host::IniFiles ini{machine};
+  host::HostUtilityComponent utility{folder.Path(), clock, ini};
+  std::string file = folder.Path() + "\\a.ini";  // the host suite's spelling
+};
+
+}  // namespace rotacasts::testing
