@@ -68,7 +68,7 @@ class Exchange {
 /// one address.
 class HttpServer {
  public:
-  static constexpr std::size_t kLongestBody = 16 * 1024;
+  static constexpr std::size_t kLongestBody = std::size_t{16} * 1024;
   static constexpr std::chrono::seconds kLongestRequest{30};
   /// Answers a request. Whoever answers later keeps the pointer weakly: the client may be gone.
   using Handler = std::function<void(const std::shared_ptr<Exchange>&)>;

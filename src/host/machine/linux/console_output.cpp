@@ -12,7 +12,7 @@
 namespace rotacasts::host {
 namespace {
 
-constexpr std::size_t kMostKept = 256 * 1024;
+constexpr std::size_t kMostKept = std::size_t{256} * 1024;
 // A pipe that has room at all takes as much as this at once.
 constexpr std::size_t kPiece = 4096;
 
