@@ -8,7 +8,7 @@ namespace {
 /// "3 min 20 s"
 std::string Length(Troubles::Clock::duration length) {
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(length).count();
-  const std::string rest = std::to_string(seconds % 60) + " s";
+  std::string rest = std::to_string(seconds % 60) + " s";
   if (seconds < 60) return rest;
   const std::string minutes = std::to_string(seconds / 60 % 60) + " min";
   if (seconds < 3600) return minutes + " " + rest;

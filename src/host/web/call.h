@@ -63,7 +63,7 @@ struct Call {
   }
   /// A text that players could be sent: one line of letters that the message file holds.
   std::string Message() const {
-    const std::string text(TrimSpaces(Text("text")));
+    std::string text(TrimSpaces(Text("text")));
     if (text.empty()) throw Refusal{422, "refused", "there is no text"};
     const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == 127; };
     if (std::any_of(text.begin(), text.end(), isControl)) {

@@ -21,9 +21,9 @@ using Clock = EventLoop::Clock;
 constexpr unsigned kMostConnections = 600;
 constexpr unsigned kMostOfOneAddress = 200;
 constexpr unsigned kQuietSeconds = 30;
-constexpr std::size_t kMemoryOfConnection = 16 * 1024;
-constexpr std::size_t kMostBytesDropped = 1024 * 1024;
-constexpr std::size_t kBlock = 8 * 1024;
+constexpr std::size_t kMemoryOfConnection = std::size_t{16} * 1024;
+constexpr std::size_t kMostBytesDropped = std::size_t{1024} * 1024;
+constexpr std::size_t kBlock = std::size_t{8} * 1024;
 
 /// What every answer says: only the page's own files count, nobody frames it or keeps it.
 constexpr std::pair<const char*, const char*> kHeadersOfAll[] = {

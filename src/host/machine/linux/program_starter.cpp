@@ -103,6 +103,7 @@ void ProgramStarter::Start(const std::vector<std::string>& command,
   int problem = ::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0 ? errno : 0;
   program->errors = ends[0];
   std::vector<char*> words;
+  words.reserve(command.size() + 1);
   for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
   pid_t id = 0;
