@@ -161,8 +161,9 @@ TEST_F(RemoteTest, TheLogLiesWhereTheFlagSays) {
 TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
   Start({"a"});
   const std::string other = host.MessageFile(1);
-  for (const std::string& text : {std::string("a\r\n[Options]\r\nEnable=1"), std::string("=x"),
-                                  std::string("nul\0\x1B[2J\x07", 9), std::string(1 << 20, 'm')}) {
+  for (const std::string& text :
+       {std::string("a\r\n[Options]\r\nEnable=1"), std::string("a\n2=b"), std::string("=x"),
+        std::string("nul\0\x1B[2J\x07", 9), std::string(1 << 20, 'm')}) {
     Variant::Array data = *Pdat().AsArray();
     data[pdat::kAdministrator] = "eve\r\n[00:00:00]" + text;
     const std::size_t lines = Stored(2).size();
