@@ -138,8 +138,11 @@ TEST(EndToEnd, OneHostWorksInAFolderUntilItsEnd) {
     EXPECT_TRUE(second.ReadUntil(folder.Path() + " has a host at work, process " +
                                  std::to_string(first.Id()) + " since "));
     EXPECT_EQ(second.Wait(), 3);
-    ChildProcess check({ROTACASTS_HOST_PROGRAM, "check", "--host-folder", folder.Path()});
-    EXPECT_TRUE(check.ReadUntil("profiles checked: 1"));
+    for (const auto& [command, says] :
+         {std::pair("check", "profiles checked: 1"), {"preview", "0         a        a"}}) {
+      ChildProcess beside({ROTACASTS_HOST_PROGRAM, command, "--host-folder", folder.Path()});
+      EXPECT_TRUE(beside.ReadUntil(says)) << command;
+    }
     first.Wait(SIGKILL);
   }
 }

@@ -159,9 +159,16 @@ TEST_F(HostFilesTest, WhatIsNoFileIsAnErrorAndNoWait) {
   check("link to a pipe");
 }
 
-TEST_F(HostFilesTest, AFullDiskLeavesEverythingAsItWas) {
+TEST_F(HostFilesTest, AFullDiskOrAFolderThatMayNotChangeLeavesEverythingAsItWas) {
   folder.Write("a.ini", "[S]\r\n1=a");
   folder.Write("log", "one");
+  const auto change = [this](const char* flag) {  // which not every file system and user can
+    return std::system(("chattr " + (flag + (" " + folder.Path())) + " 2>&-").c_str()) == 0;
+  };
+  if (change("+i")) {
+    EXPECT_EQ(ErrorOf([&] { Set("S", "1", "x"); }), 70);
+    EXPECT_TRUE(change("-i"));
+  }
   const testing::FullDisk full(20);
   EXPECT_EQ(ErrorOf([&] { Set("S", "2", std::string(30, 'x')); }), 61);
   EXPECT_EQ(ErrorOf([&] { utility.AppendFile(folder.Path() + "\\log", std::string(30, 'x')); }),
