@@ -47,6 +47,7 @@ std::vector<Result> RunDuels(const std::vector<Duel>& duels, int argc, char** ar
   std::cerr << "\n";
   std::vector<Result> results;
   for (const Duel& duel : duels) {
+    if (!medians.nanoseconds.contains(duel.job + "/ours")) continue;  // not asked for
     const double ours = medians.nanoseconds[duel.job + "/ours"];
     const double theirs = medians.nanoseconds[duel.job + "/theirs"];
     results.push_back({duel.job, FormatTime(ours), duel.opponent, FormatTime(theirs), duel.target,
