@@ -62,25 +62,6 @@ TEST_F(FormsTest, ATickMayUnloadItsOwnTimerAndAnothersThatIsDue) {
   EXPECT_EQ(ticks, (std::vector<int>{1}));
 }
 
-TEST_F(FormsTest, NothingAHandlerNeedsDiesUnderIt) {
-  auto& box = form->Add<CheckBox>("box");
-  form->Timers().Load(1);
-  form->Timers().SetInterval(1, 1000);
-  form->Timers().SetEnabled(1, true);
-  bool ended = false;
-  box.onClick = [&, text = std::string("captured")] {
-    form->Unload();
-    form.reset();  // the last reference from outside
-    EXPECT_EQ(box.Value(), 1);
-    EXPECT_EQ(text, "captured");
-    box.SetEnabled(false);
-    ended = true;
-  };
-  box.UserClicked();
-  EXPECT_TRUE(ended);
-  EXPECT_FALSE(timers.NextDue());
-}
-
 TEST_F(FormsTest, ActsThatArriveAfterTheUnloadDoNothing) {
   auto& box = form->Add<CheckBox>("box");
   auto& text = form->Add<TextBox>("text");

@@ -101,10 +101,6 @@ TEST_F(GameReaderTest, TheNextMapWrapsBehindTheLastAndNowhereElse) {
     host.texts = {{kMaps + 56052, "Rio"}};
     EXPECT_EQ(Game().GetNextMapJO(1), "[Next Map] Rio");
   }
-  EXPECT_EQ(host.calls,
-            (std::vector<std::string>{"ReadLong(101, 0x00C86FDC)", "ReadLong(101, 0x00005004)",
-                                      "ReadLong(101, 0x0000500C)", "ReadLong(101, 0x00005014)",
-                                      "ReadLong(101, 0x02551118)", "ReadStr(101, 0x0090DAF4)"}));
 }
 
 TEST_F(GameReaderTest, WhatCannotBeReadGivesTheFallbackText) {

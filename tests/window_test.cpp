@@ -1,7 +1,5 @@
 // The settings window: its layout, and filling it from a message file.
 
-#include <set>
-
 #include "support/fake_host.h"
 
 namespace rotacasts {
@@ -15,24 +13,6 @@ class WindowTest : public PluginTest {
  protected:
   std::string Stored(const char* key) { return State().store.Open(2).ReadOption(key); }
 };
-
-TEST_F(WindowTest, EveryControlLiesInsideItsContainerWithATabOfItsOwn) {
-  std::set<int> tabs;
-  for (const auto& control : Window().Controls()) {
-    if (control->TabIndex() < 0) continue;  // made at run time
-    EXPECT_TRUE(tabs.insert(control->TabIndex()).second) << control->Name();
-    const forms::Rectangle inside = control->Container() != nullptr
-                                        ? control->Container()->Bounds()
-                                        : forms::Rectangle{0, 0, 11190, 6000};
-    const forms::Rectangle& bounds = control->Bounds();
-    EXPECT_LE(bounds.left + bounds.width, inside.width) << control->Name();
-    EXPECT_LE(bounds.top + bounds.height, inside.height) << control->Name();
-  }
-  EXPECT_EQ(tabs.size(), 10U);
-  EXPECT_EQ(Window().txtInterval().Text(), "2");
-  EXPECT_EQ(Window().txtInterval().MaxLength(), 2U);
-  EXPECT_EQ(Window().txtMessage().MaxLength(), 60U);
-}
 
 TEST_F(WindowTest, ReloadAppliesTheDefaultsAndWritesBothOptionsBack) {
   using Row = std::tuple<const char*, const char*, int, const char*>;
