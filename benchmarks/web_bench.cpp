@@ -4,17 +4,22 @@
 #include <microhttpd.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <csignal>
+#include <cstring>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "duel.h"
 #include "host_folder_files.h"
@@ -31,7 +36,8 @@ constexpr int kProfiles = 200;
 constexpr int kPages = 100;
 constexpr int kRounds = 40;
 constexpr int kRequestsARound = 100;
-constexpr std::chrono::seconds kWatched{10};
+constexpr std::chrono::seconds kWatched{60};  // a tick of every profile is in it
+constexpr std::chrono::seconds kTicking{15};  // with a tick a second
 constexpr const char* kPath = "/api/profiles/7/messages";
 
 /// A connection that is kept, and answers that are read whole.
@@ -95,7 +101,10 @@ class BareServer {
     int ends[2];
     if (::pipe(ends) != 0) throw std::runtime_error("no pipe");
     process_ = ::fork();
-    if (process_ == 0) Serve(answer, ends[1]);
+    if (process_ == 0) {
+      ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+      Serve(answer, ends[1]);
+    }
     if (::read(ends[0], &port, sizeof port) != sizeof port) throw std::runtime_error("no server");
   }
   ~BareServer() {
@@ -107,7 +116,9 @@ class BareServer {
  private:
   [[noreturn]] static void Serve(std::string answer, int told) {
     const auto access = [](void* text, MHD_Connection* connection, const char*, const char*,
-                           const char*, const char*, std::size_t*, void**) -> MHD_Result {
+                           const char*, const char*, std::size_t*, void** state) -> MHD_Result {
+      // An answer to the first call, the headers', would end the connection.
+      if (std::exchange(*state, text) == nullptr) return MHD_YES;
       const auto& bytes = *static_cast<std::string*>(text);
       MHD_Response* response = MHD_create_response_from_buffer(
           bytes.size(), const_cast<char*>(bytes.data()), MHD_RESPMEM_PERSISTENT);
@@ -148,14 +159,62 @@ struct Latencies {
   }
 };
 
+/// The chat port of every profile: when which profile's messages have arrived, as the kernel says.
+class Arrivals {
+ public:
+  Arrivals() {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    const int room = 1 << 24;
+    const int on = 1;
+    ::setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &room, sizeof room);
+    ::setsockopt(socket_, SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on);
+    ::bind(socket_, reinterpret_cast<sockaddr*>(&address), size);
+    ::getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size);
+    port = ntohs(address.sin_port);
+  }
+  ~Arrivals() { ::close(socket_); }
+  Arrivals(const Arrivals&) = delete;
+  Arrivals& operator=(const Arrivals&) = delete;
+
+  /// Takes what has arrived. The moments are in nanoseconds since 1970.
+  std::map<std::string, std::vector<double>> Take() {
+    std::map<std::string, std::vector<double>> moments;
+    char text[2048];
+    char extra[256];
+    iovec bytes{text, sizeof text};
+    for (;;) {
+      msghdr message{};
+      message.msg_iov = &bytes;
+      message.msg_iovlen = 1;
+      message.msg_control = extra;
+      message.msg_controllen = sizeof extra;
+      const ssize_t count = ::recvmsg(socket_, &message, MSG_DONTWAIT);
+      if (count <= 0) return moments;
+      timespec moment{};
+      std::memcpy(&moment, CMSG_DATA(CMSG_FIRSTHDR(&message)), sizeof moment);
+      const std::string words(text, static_cast<std::size_t>(count));
+      moments[words.substr(0, words.find(" number"))].push_back(
+          static_cast<double>(moment.tv_sec) * 1e9 + static_cast<double>(moment.tv_nsec));
+    }
+  }
+  std::uint16_t port = 0;
+
+ private:
+  int socket_ = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+};
+
 /// A host with the page, and a person signed in.
 class PageHost {
  public:
-  PageHost() : server_({SIMULATOR_PROGRAM, "--game-code", "JO", "--step", "86400000"}) {
-    const std::string line = server_.ReadUntil("chat on").value_or(":0");
+  explicit PageHost(const char* minute)
+      : server_({SIMULATOR_PROGRAM, "--game-code", "JO", "--step", "86400000"}) {
+    server_.ReadUntil("chat on");
     for (int i = 1; i <= kProfiles; ++i) {
-      folder_.AddProfile(i, "JO", std::to_string(server_.Id()), line.substr(line.rfind(':') + 1),
-                         MessageFileOf(20));
+      folder_.AddProfile(i, "JO", std::to_string(server_.Id()), std::to_string(arrivals.port),
+                         MessageFileOf(20, "Profile " + std::to_string(i)));
     }
     ChildProcess admin(
         {ROTACASTS_HOST_PROGRAM, "admin", "set", "Anna", "--host-folder", folder_.Path()});
@@ -163,7 +222,7 @@ class PageHost {
     admin.Wait();
     host_ = std::make_unique<ChildProcess>(
         std::vector<std::string>{ROTACASTS_HOST_PROGRAM, "run", "--host-folder", folder_.Path(),
-                                 "--minute", "10s", "--web", "127.0.0.1:0"});
+                                 "--minute", minute, "--web", "127.0.0.1:0"});
     const std::string url = host_->ReadUntil("the page: ").value_or(":0");
     port = std::stoi(url.substr(url.rfind(':') + 1));
     host_->ReadUntil("profiles started");
@@ -188,6 +247,7 @@ class PageHost {
     return pages * static_cast<double>(::sysconf(_SC_PAGESIZE)) / 1024;
   }
   int port = 0;
+  Arrivals arrivals;
 
  private:
   void SignIn() {
@@ -219,10 +279,57 @@ double LoadWith(const PageHost& host, const std::vector<std::unique_ptr<Client>>
   return (host.ProcessorSeconds() - before) * 100 / std::chrono::duration<double>(kWatched).count();
 }
 
+using Pages = std::vector<std::unique_ptr<Client>>;
+
+Pages OpenPages(const PageHost& host) {
+  Pages pages;
+  for (int i = 0; i < kPages; ++i) {
+    pages.push_back(std::make_unique<Client>(host.port));
+    pages.back()->Send(host.Get("/api/events?profile=7"));
+  }
+  Client::Drain(pages, std::chrono::seconds(3));
+  return pages;
+}
+
+/// How much later than its earliest tick each of a profile's ticks was, measured on the second's
+/// grid; without and with open pages, in this order.
+std::pair<Latencies, Latencies> DelaysOfTicks() {
+  PageHost host("1s");
+  std::this_thread::sleep_for(kTicking);
+  auto alone = host.arrivals.Take();
+  const Pages pages = OpenPages(host);
+  host.arrivals.Take();  // while they were opened
+  Client::Drain(pages, kTicking);
+  auto watched = host.arrivals.Take();
+  std::pair<Latencies, Latencies> delays;
+  const auto phase = [](double moment) { return std::fmod(moment, 1e9); };
+  for (auto& [profile, moments] : alone) {
+    const double first = phase(moments.front());
+    // Around the first tick's place in its second, so that none lies beyond a second's end.
+    const auto place = [&](double moment) { return std::remainder(phase(moment) - first, 1e9); };
+    double earliest = 0;
+    for (const auto* list : {&moments, &watched[profile]}) {
+      for (const double moment : *list) earliest = std::min(earliest, place(moment));
+    }
+    for (const double moment : moments) {
+      delays.first.nanoseconds.push_back(place(moment) - earliest);
+    }
+    for (const double moment : watched[profile]) {
+      delays.second.nanoseconds.push_back(place(moment) - earliest);
+    }
+  }
+  if (delays.first.nanoseconds.size() < kProfiles * 10 ||
+      delays.second.nanoseconds.size() < kProfiles * 10) {
+    throw std::runtime_error("ticks are missing");
+  }
+  return delays;
+}
+
 }  // namespace
 
 std::vector<Result> MeasureWeb() {
-  PageHost host;
+  auto [alone, beside] = DelaysOfTicks();
+  PageHost host("60s");
   Client client(host.port);
   client.Send(host.Get(kPath));
   const std::string answer = client.Receive();
@@ -236,16 +343,12 @@ std::vector<Result> MeasureWeb() {
   }
   const double idle = LoadWith(host, {});
   const double before = host.KiB();
-  std::vector<std::unique_ptr<Client>> pages;
-  for (int i = 0; i < kPages; ++i) {
-    pages.push_back(std::make_unique<Client>(host.port));
-    pages.back()->Send(host.Get("/api/events?profile=7"));
-  }
-  Client::Drain(pages, std::chrono::seconds(3));
+  const Pages pages = OpenPages(host);
   const double busy = LoadWith(host, pages);
+  Client fresh(host.port);  // the other one has been silent for too long
   Latencies watched;
   for (int i = 0; i < kRounds; ++i) {
-    watched.Ask(client, host.Get(kPath));
+    watched.Ask(fresh, host.Get(kPath));
     Client::Drain(pages, std::chrono::milliseconds(20));
   }
   const std::string bareName = "bare libmicrohttpd, same bytes";
@@ -262,6 +365,10 @@ std::vector<Result> MeasureWeb() {
               "the same without pages", ours.Percentile(0.99), ""),
           {"page: 100 open pages, processor", Format("%.2f %%", busy),
            "the same host without pages", Format("%.2f %%", idle), "", busy / std::max(idle, 0.01)},
+          row("page: delay of a tick, median, 100 open pages", beside.Percentile(0.5),
+              "the same host without pages", alone.Percentile(0.5), ""),
+          row("page: delay of a tick, 99th percentile", beside.Percentile(0.99),
+              "the same host without pages", alone.Percentile(0.99), ""),
           {"page: memory of an open page", Format("%.1f KiB", (host.KiB() - before) / kPages), "",
            "", "", 0}};
 }
