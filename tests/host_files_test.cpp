@@ -14,9 +14,7 @@ using testing::HostFilesTest;
 
 TEST_F(HostFilesTest, IniKeysAreWrittenAsWindows1252AndReadBack) {
   Set("S", "Key", " Grüße € = 1 ");
-  EXPECT_EQ(folder.Read("a.ini"),
-            "[S]\r\nKey= Gr\xFC\xDF"
-            "e \x80 = 1 \r\n");
+  EXPECT_EQ(folder.Read("a.ini"), "[S]\r\nKey= Gr\xFC\xDF\x65 \x80 = 1 \r\n");
   EXPECT_EQ(utility.GetIniKey("s", "KEY", file), " Grüße € = 1 ");
   Set("S", 7, "seven");
   EXPECT_EQ(utility.GetIniSection("S", file),
@@ -33,8 +31,7 @@ TEST_F(HostFilesTest, WhatAnIniFileCannotHoldIsRefusedBeforeAnythingIsWritten) {
   Set("S", "1", "a");
   const std::string before = folder.Read("a.ini");
   const std::string nul("a\0b", 3);
-  for (const std::string& bad :
-       {std::string("a\r\nb"), std::string("a\n"), nul, std::string("Ł"), std::string("\xFF")}) {
+  for (const std::string& bad : {std::string("a\r\nb"), {"a\n"}, nul, {"Ł"}, {"\xFF"}}) {
     EXPECT_EQ(ErrorOf([&] { Set("S", "2", bad); }), 5);
     EXPECT_EQ(ErrorOf([&] { Set("S", bad, "text"); }), 5);
   }
@@ -82,7 +79,7 @@ TEST_F(HostFilesTest, AnOperationIsOneChangeThatTheLogTellsOfAfterwards) {
     Set("S", "2", "y");
     EXPECT_EQ(utility.GetIniKey("S", "2", file), "y");
     EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n");
-    utility.AppendFile(folder.Path() + "\\log", "told");
+    utility.AppendFile(log, "told");
     EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=x\r\n2=y\r\n");
     Set("S", "3", "z");
   }),
@@ -93,31 +90,26 @@ TEST_F(HostFilesTest, AnOperationIsOneChangeThatTheLogTellsOfAfterwards) {
 
 TEST_F(HostFilesTest, AnOperationIsDoneAnewOnWhatAnotherProgramHasSaved) {
   folder.Write("log", "");
-  std::ofstream writer;
-  for (const char* other : {"renamed", "in place", "gone"}) {
-    SCOPED_TRACE(other);
+  for (const auto& [how, saved] : {std::pair("renamed", "[S]\r\n1=c\r\n"),
+                                   {"in place", "[S]\r\n1=d\r\n"},
+                                   {"gone", "[S]\r\n"}}) {
     folder.Write("a.ini", "[S]\r\n1=a\r\n");
     int runs = 0;
     EXPECT_EQ(ini.Run([&] {
       Set("S", "2", "b");
-      if (++runs == 1 && *other == 'r') {
-        folder.Write("b.ini", "[S]\r\n1=c\r\n");
-        std::filesystem::rename(folder.File("b.ini"), folder.File("a.ini"));
-      } else if (runs == 1 && *other == 'i') {
-        folder.Write("a.ini", "[S]\r\n1=d\r\n");
-      } else if (runs == 1) {
-        std::filesystem::remove(folder.File("a.ini"));
+      if (++runs == 1) {
+        folder.Write(*how == 'i' ? "a.ini" : "b.ini", saved);
+        if (*how == 'g') std::filesystem::remove(folder.File("a.ini"));
+        if (*how == 'r') std::filesystem::rename(folder.File("b.ini"), folder.File("a.ini"));
       }
-      utility.AppendFile(folder.Path() + "\\log", other);
+      utility.AppendFile(log, how);
     }),
               std::nullopt);
     EXPECT_EQ(runs, 2);
-    EXPECT_EQ(folder.Read("a.ini"), *other == 'r'   ? "[S]\r\n1=c\r\n2=b\r\n"
-                                    : *other == 'i' ? "[S]\r\n1=d\r\n2=b\r\n"
-                                                    : "[S]\r\n2=b\r\n");
+    EXPECT_EQ(folder.Read("a.ini"), saved + std::string("2=b\r\n"));
   }
   EXPECT_EQ(folder.Read("log"), "renamed\r\nin place\r\ngone\r\n");
-  writer.open(folder.File("a.ini"), std::ios::app);  // and keeps it open
+  const std::ofstream writer(folder.File("a.ini"), std::ios::app);  // and keeps it open
   EXPECT_EQ(ErrorOf([&] { Set("S", "2", "x"); }), 70);
   EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n2=b\r\n");
 }
@@ -126,8 +118,7 @@ TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {
   std::string procedure = "tmrRT";
   RuntimeError error(13, "Type\r\nmismatch ü");
   std::int32_t line = 4;
-  utility.LogError("tvxRT.dll", procedure, error, line);
-  utility.LogError("tvxRT.dll", procedure, error, line);
+  for (int i = 0; i < 2; ++i) utility.LogError("tvxRT.dll", procedure, error, line);
   const std::string entry =
       "2010-03-07 14:05:09 tvxRT.dll tmrRT line 4: error 13: Type  mismatch ü\r\n";
   EXPECT_EQ(folder.Read("logs/errors.log"), entry + entry);
@@ -138,8 +129,7 @@ TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {
     EXPECT_EQ(folder.Read("logs/errors.old.log"), std::string(kLongestErrorLog, letter));
   }
   Variant report(Variant::Array{"13", "Type mismatch", "tvxRT.dll 1.0.0", "tmrRT", Variant(), 4});
-  EXPECT_TRUE(utility.SendErrorReport(report));
-  EXPECT_TRUE(utility.SendErrorReport(report));
+  EXPECT_TRUE(utility.SendErrorReport(report) && utility.SendErrorReport(report));
   EXPECT_EQ(folder.Read("reports/2010-03-07 14-05-09 2.txt"),
             "Date: 2010-03-07 14:05:09\r\nError number: 13\r\nDescription: Type mismatch\r\n"
             "Module: tvxRT.dll 1.0.0\r\nProcedure: tmrRT\r\nAffiliate: \r\nLine: 4\r\n");
@@ -150,28 +140,26 @@ TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {
 
 TEST_F(HostFilesTest, TextFilesAreReadAndAppendedByTheLine) {
   HostFileSystem files(ini);
-  const std::string log = folder.Path() + "\\new\\a.txt";
-  EXPECT_EQ(ErrorOf([&] { files.CreateTextFile(log); }), 76);
-  EXPECT_EQ(ErrorOf([&] { files.CreateFolder(folder.Path() + "\\x\\y"); }), 76);
-  files.CreateFolder(folder.Path() + "\\new");
-  EXPECT_EQ(ErrorOf([&] { files.CreateFolder(folder.Path() + "\\new"); }), 58);
-  EXPECT_EQ(ErrorOf([&] { utility.AppendFile(log, "x"); }), 53);
-  files.CreateTextFile(log);
-  utility.AppendFile(log, "Grüße");
-  EXPECT_EQ(ErrorOf([&] { utility.AppendFile(log, "two\nlines"); }), 5);
-  utility.AppendFile(log, "");
-  EXPECT_EQ(folder.Read("new/a.txt"),
-            "Gr\xFC\xDF"
-            "e\r\n\r\n");
-  std::string path = log;
-  EXPECT_EQ(utility.ReadFile(path), (std::vector<std::string>{"Grüße", ""}));
-  EXPECT_TRUE(files.FileExists(log) && files.FolderExists(folder.Path() + "\\new"));
-  EXPECT_FALSE(files.FileExists(folder.Path() + "\\new") || files.FolderExists(log));
+  const std::string made = folder.Path() + "\\new";
+  std::string text = made + "\\a.txt";
+  EXPECT_EQ(ErrorOf([&] { files.CreateTextFile(text); }), 76);
+  EXPECT_EQ(ErrorOf([&] { files.CreateFolder(made + "\\y"); }), 76);
+  files.CreateFolder(made);
+  EXPECT_EQ(ErrorOf([&] { files.CreateFolder(made); }), 58);
+  EXPECT_EQ(ErrorOf([&] { utility.AppendFile(text, "x"); }), 53);
+  files.CreateTextFile(text);
+  utility.AppendFile(text, "Grüße");
+  EXPECT_EQ(ErrorOf([&] { utility.AppendFile(text, "two\nlines"); }), 5);
+  utility.AppendFile(text, "");
+  EXPECT_EQ(folder.Read("new/a.txt"), "Gr\xFC\xDF\x65\r\n\r\n");
+  EXPECT_EQ(utility.ReadFile(text), (std::vector<std::string>{"Grüße", ""}));
+  EXPECT_TRUE(files.FileExists(text) && files.FolderExists(made));
+  EXPECT_FALSE(files.FileExists(made) || files.FolderExists(text));
 }
 
 TEST(Base64, DecodesItsOwnAndRefusesTheRest) {
-  for (const std::string& text : {std::string(), std::string("a"), std::string("ab"),
-                                  std::string("Grüße"), std::string("\0\xFF|", 3)}) {
+  const std::string any("\0\xFF|", 3);
+  for (const std::string& text : {std::string(), {"a"}, {"ab"}, {"Grüße"}, any}) {
     EXPECT_EQ(DecodeBase64(EncodeBase64(text)), text);
   }
   EXPECT_EQ(EncodeBase64(std::string(100, '\xFF')).find_first_of("|\r\n"), std::string::npos);

@@ -27,6 +27,7 @@ class HostFilesTest : public ::testing::Test {
   host::IniFiles ini{machine};
   host::HostUtilityComponent utility{folder.Path(), clock, ini};
   std::string file = folder.Path() + "\\a.ini";  // the host suite's spelling
+  const std::string log = folder.Path() + "\\log";
 };
 
 }  // namespace rotacasts::testing

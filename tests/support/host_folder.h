@@ -31,6 +31,15 @@ class HostFolder {
     bytes << std::ifstream(path_ / name, std::ios::binary).rdbuf();
     return bytes.str();
   }
+  /// What the files of a folder hold, one behind the other; nothing where there is no folder.
+  std::string ReadAll(const std::string& place) const {
+    std::string bytes;
+    std::error_code none;
+    for (const auto& file : std::filesystem::directory_iterator(path_ / place, none)) {
+      bytes += Read(place + "/" + file.path().filename().string());
+    }
+    return bytes;
+  }
   /// Writes a profile and, unless empty, its message file.
   void AddProfile(int index, const std::string& code, const std::string& process,
                   const std::string& target, const std::string& messageFile = {}) const {
