@@ -349,7 +349,9 @@ TEST_F(ConsoleTest, CommandsDoWhatTheySayOrSayWhatIsWrong) {
   Execute("");
   folder.AddProfile(2, "DFX2", "1", "4002");
   for (const auto& [lines, says] :
-       {std::pair("status", "JO    unreachable  off     7 min  0"),
+       {std::pair("show", "usage: show PROFILE"),
+        {"show 9", "there is no profile 9"},
+        {"status", "JO    unreachable  off     7 min  0"},
         {"show 2\nstatus", "DFX2  unreachable  off"},
         {"hide\ndisable 2\nunload\nstatus", "stopped"},
         {"add 2 x", "profile 2 (srv2) is stopped; \"show 2\" starts it"},
