@@ -35,9 +35,7 @@ TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {
   const HWND window =
       ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
   PostConsoleLines(window, WM_APP);
-  const std::string bytes =
-      "status\r\nadd 1 Gr\xC3\xBC\xC3\x9F"
-      "e";
+  const std::string bytes = "status\r\nadd 1 Grüße";
   DWORD count = 0;
   ::WriteFile(writer, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
   ::CloseHandle(writer);

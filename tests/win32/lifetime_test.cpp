@@ -1,7 +1,5 @@
 // The DLL's life in its host's process: what keeps it there, whom it meets there, what it leaves.
 
-#include <filesystem>
-
 #include "com/variant_conversion.h"
 #include "com/windows_api.h"
 #include "component/identities.h"
@@ -11,9 +9,9 @@ namespace rotacasts {
 namespace {
 
 using testing::ComponentTest;
-using testing::MessageFileBytes;
+using testing::InstalledPlugin;
 using testing::PrivateBytes;
-using testing::PumpWaiting;
+using win32::ComPtr;
 
 class LifetimeTest : public ComponentTest {
  protected:
@@ -29,36 +27,21 @@ class LifetimeTest : public ComponentTest {
 };
 
 TEST_F(LifetimeTest, StaysWhileACallOfItsIsOnTheStack) {
-  struct Row {
-    const char* entry;
-    std::function<void()> enter;
-  };
-  for (const Row& row : std::initializer_list<Row>{
-           {"a click's box", [&] { user.insideBox = letGo, testing::ClickMouse(AddButton()); }},
-           {"a tick's box",
-            [&] {
-              user.insideBox = letGo;
-              host.failAtCall = 1;
-              ::SendMessageW(Form(), WM_TIMER, 2, 0);
-            }},
-           {"a menu",
-            [&] {
-              user.insideMenu = letGo;
-              ::SendMessageW(Control("lstMessages"), WM_RBUTTONDOWN, 0, MAKELPARAM(9, 3));
-            }},
-           {"a component's loop in a tick",
-            [&] { host.insideCall = letGo, ::SendMessageW(Form(), WM_TIMER, 2, 0); }},
-           {"a component's loop in a call", [&] {
-              host.insideCall = letGo;
-              Call("AddMessageRem", {2, testing::ProfileData(2, "JO"), "<x>"});
-            }}}) {
-    host.MessageFile(2) = MessageFileBytes({"a", "b"});
-    Load(2);
-    row.enter();
-    PumpWaiting();
-    EXPECT_EQ(std::exchange(mayGo, {}), S_FALSE) << row.entry;
-    EXPECT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK) << row.entry;
-    plugin.emplace(testing::InstalledPlugin::Create());
+  const auto tick = [&] { ::SendMessageW(Form(), WM_TIMER, 2, 0); };
+  const auto add = [&] { Call("AddMessageRem", {2, testing::ProfileData(2, "JO"), "<x>"}); };
+  const std::pair<const char*, std::function<void()>> entries[] = {
+      {"a click's box", [&] { user.insideBox = letGo, testing::ClickMouse(AddButton()); }},
+      {"a tick's box", [&] { user.insideBox = letGo, host.failAtCall = 1, tick(); }},
+      {"a menu", [&] { user.insideMenu = letGo, RightClickRow(0); }},
+      {"a component's loop in a tick", [&] { host.insideCall = letGo, tick(); }},
+      {"a component's loop in a call", [&] { host.insideCall = letGo, add(); }}};
+  for (const auto& [name, enter] : entries) {
+    Show({"a", "b"});
+    enter();
+    testing::PumpWaiting();
+    EXPECT_EQ(std::exchange(mayGo, {}), S_FALSE) << name;
+    EXPECT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK) << name;
+    plugin.emplace(InstalledPlugin::Create());
   }
 }
 
@@ -69,9 +52,9 @@ TEST_F(LifetimeTest, StartsOnceAlsoWhereAnObjectIsCreatedInsideTheBoxOfItsStart)
   std::optional<win32::LateBound> second;
   user.insideBox = [&] {
     mayGo = installed.CallEntry("DllCanUnloadNow");
-    second.emplace(testing::InstalledPlugin::Create());
+    second.emplace(InstalledPlugin::Create());
   };
-  plugin.emplace(testing::InstalledPlugin::Create());
+  plugin.emplace(InstalledPlugin::Create());
   EXPECT_EQ(mayGo, S_FALSE);
   EXPECT_EQ(user.boxes.size(), 1U);
   second.reset();
@@ -79,54 +62,39 @@ TEST_F(LifetimeTest, StartsOnceAlsoWhereAnObjectIsCreatedInsideTheBoxOfItsStart)
   EXPECT_NE(Form(), nullptr);
 }
 
-/// A second copy of the DLL in this process, loaded and taken out as COM does.
-class LoadedCopy {
- public:
-  explicit LoadedCopy(const testing::InstalledPlugin& installed)
-      : file_(installed.HostFolder() + "\\Plugins\\copy.dll") {
-    if (!std::filesystem::exists(file_)) std::filesystem::copy_file(installed.File(), file_);
-    module_ = ::LoadLibraryW(win32::ToWide(file_).c_str());
-  }
-  ~LoadedCopy() {
-    EXPECT_EQ(testing::CallEntryOf(module_, "DllCanUnloadNow"), S_OK);
-    ::FreeLibrary(module_);
-  }
-  win32::LateBound Create() const {
+/// The number of an error that is raised and handled inside a second copy of the DLL in this
+/// process, loaded and taken out as COM does.
+int ErrorInside(const std::string& copy) {
+  const HMODULE module = ::LoadLibraryW(win32::ToWide(copy).c_str());
+  int number = 0;
+  {
     CLSID id;
     ::CLSIDFromString(win32::kClassIdText, &id);
-    win32::ComPtr<IClassFactory> factory;
-    win32::ComPtr<IDispatch> object;
+    ComPtr<IClassFactory> factory;
+    ComPtr<IDispatch> object;
     testing::CallEntryOf<const CLSID&, const IID&, void**>(
-        module_, "DllGetClassObject", id, IID_IClassFactory, factory.ReceiveVoid());
+        module, "DllGetClassObject", id, IID_IClassFactory, factory.ReceiveVoid());
     factory->CreateInstance(nullptr, IID_IDispatch, object.ReceiveVoid());
-    return win32::LateBound(object);
+    const win32::LateBound plugin(object);
+    win32::Member disable(plugin, "DisableProfile");
+    number = testing::ErrorOf([&] { disable(win32::TextArgument("no number")); });
   }
-
- private:
-  const std::string file_;
-  HMODULE module_;
-};
-
-/// The number of an error that is raised and handled inside the DLL.
-int ErrorInside(const win32::LateBound& plugin) {
-  return testing::ErrorOf(
-      [&] { win32::Member(plugin, "DisableProfile")(win32::TextArgument("no number")); });
+  EXPECT_EQ(testing::CallEntryOf(module, "DllCanUnloadNow"), S_OK);
+  ::FreeLibrary(module);
+  return number;
 }
 
-TEST_F(LifetimeTest, HandlesItsErrorsBesideAnotherComponentsRuntimeLibrary) {
-  const HMODULE library = ::LoadLibraryA(ANOTHERS_LIBRARY);
-  ASSERT_NE(library, nullptr);
-  EXPECT_EQ(ErrorInside(LoadedCopy(installed).Create()), 13);
-  ::FreeLibrary(library);
-}
-
-TEST_F(LifetimeTest, LeavesNothingInTheProcessThatItIsTakenOutOf) {
+TEST_F(LifetimeTest, HandlesItsErrorsBesideAnotherRuntimeLibraryAndLeavesNothingInTheProcess) {
   constexpr int kLives = 120;
   constexpr int kToWarmUp = 20;
+  const std::string copy = installed.File() + ".copy.dll";
+  std::filesystem::copy_file(installed.File(), copy);
+  const HMODULE anothers = ::LoadLibraryA(ANOTHERS_LIBRARY);
+  ASSERT_NE(anothers, nullptr);
   std::size_t before = 0;
   for (int life = 0; life < kLives; ++life) {
-    if (life == kToWarmUp) before = PrivateBytes();
-    EXPECT_EQ(ErrorInside(LoadedCopy(installed).Create()), 13);
+    if (life == kToWarmUp) ::FreeLibrary(anothers), before = PrivateBytes();
+    EXPECT_EQ(ErrorInside(copy), 13);
   }
   EXPECT_LT(PrivateBytes(), before + (kLives - kToWarmUp) * 256);
 }

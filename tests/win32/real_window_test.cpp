@@ -12,10 +12,6 @@
 #include "support/component_test.h"
 #include "ui/layout.h"
 
-// The header declares the interface without its identifier.
-__CRT_UUID_DECL(IAccPropServices, 0x6e26e776, 0x04f0, 0x495d, 0x80, 0xe4, 0x33, 0x30, 0x35, 0x2e,
-                0x31, 0x69)
-
 namespace rotacasts {
 namespace {
 
@@ -24,51 +20,35 @@ using testing::ComponentTest;
 using testing::MessageFileBytes;
 using testing::PressKey;
 using testing::PumpUntil;
-using testing::PumpWaiting;
 using testing::TypeKeys;
+
+using Texts = std::vector<std::string>;
 
 constexpr int kGameState = 0x00C87598;  // of a "JO" server
 const char* const kAdded = "Success|Message added successfully!";
 
 class RealWindowTest : public ComponentTest {
  protected:
-  /// Shows profile 2 with these messages.
-  void Show(const std::vector<std::string>& messages) {
-    host.MessageFile(2) = MessageFileBytes(messages);
-    Load(2);
-    ::UpdateWindow(Form());
-    PumpWaiting();
-  }
-  /// A minute of this plugin's lasts this many milliseconds.
-  void ShortenTheMinute(LONG milliseconds) const {
-    EXPECT_EQ(installed.CallEntry("RotacastsShortenMinute", milliseconds), S_OK);
-  }
-  /// Clicks a row of the list with the right button.
-  void RightClickRow(int row) const {
-    const HWND list = Control("lstMessages");
-    RECT item;
-    ::SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    ::SendMessageW(list, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(item.left + 9, item.top + 3));
-    PumpWaiting();
-  }
   void ChooseFromList(int row, const std::string& item) {
     user.WillChoose({item});
     RightClickRow(row);
   }
-  void ChooseFromEntry(std::vector<std::string> items) {
+  void ChooseFromEntry(Texts items) {
     user.WillChoose(std::move(items));
     ClickMouse(Control("txtMessage"), true);
+  }
+  static RECT AreaOf(HWND window) {
+    RECT area;
+    ::GetWindowRect(window, &area);
+    return area;
   }
 };
 
 TEST_F(RealWindowTest, LiesInTheHostsAreaWithEveryControlInItsPlace) {
   Show({"a", "b"});
-  ASSERT_NE(Form(), nullptr);
-  EXPECT_EQ(::GetParent(Form()), frame->Get());
   const auto expectPlace = [](HWND window, HWND parent, const RECT& expected,
                               std::string_view what) {
-    RECT area;
-    ::GetWindowRect(window, &area);
+    RECT area = AreaOf(window);
     ::MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&area), 2);
     EXPECT_NE(::EqualRect(&area, &expected), FALSE) << what << area.right << " " << area.bottom;
   };
@@ -81,10 +61,9 @@ TEST_F(RealWindowTest, LiesInTheHostsAreaWithEveryControlInItsPlace) {
     const forms::Rectangle in = container != all.end() ? container->bounds : forms::Rectangle{};
     const std::int32_t left = in.left + row.bounds.left;
     const std::int32_t top = in.top + row.bounds.top;
-    expectPlace(control, Form(),
-                {pixels(left), pixels(top), pixels(left + row.bounds.width),
-                 pixels(top + row.bounds.height)},
-                row.name);
+    const RECT place = {pixels(left), pixels(top), pixels(left + row.bounds.width),
+                        pixels(top + row.bounds.height)};
+    expectPlace(control, Form(), place, row.name);
     const auto font = reinterpret_cast<HFONT>(::SendMessageW(control, WM_GETFONT, 0, 0));
     LOGFONTW look{};
     ::GetObjectW(font, sizeof look, &look);
@@ -96,11 +75,8 @@ TEST_F(RealWindowTest, LiesInTheHostsAreaWithEveryControlInItsPlace) {
     EXPECT_NE(::IsWindowVisible(control), FALSE) << row.name;
     EXPECT_TRUE(row.kind == forms::Kind::TextBox || TextOf(row.name) == row.text);
   }
-  EXPECT_NE(AddButton(), nullptr);
-  EXPECT_EQ(Rows(), (std::vector<std::string>{"a", "b"}));
   EXPECT_EQ(::SendMessageW(Control("lstMessages"), LB_GETITEMDATA, 1, 0), 2);
   EXPECT_EQ(::SendMessageW(Control("chkAuto"), BM_GETCHECK, 0, 0), BST_CHECKED);
-  EXPECT_EQ(TextOf("txtInterval"), "1");
 
   Call("HideInterface", {});
   EXPECT_EQ(::IsWindowVisible(Form()), FALSE);
@@ -111,7 +87,7 @@ TEST_F(RealWindowTest, LiesInTheHostsAreaWithEveryControlInItsPlace) {
 }
 
 TEST_F(RealWindowTest, KeepsFocusAndPlaceOverADeleteAndAMessageBox) {
-  std::vector<std::string> messages;
+  Texts messages;
   for (int i = 0; i < 100; ++i) messages.push_back("message " + std::to_string(i));
   Show(messages);
   const HWND list = Control("lstMessages");
@@ -134,11 +110,7 @@ TEST_F(RealWindowTest, AReleaseBelongsToItsPressAndALostPressShowsTheButtonRelea
   Show({"a"});
   const HWND picture = AddButton();
   const HWND caption = ::GetWindow(picture, GW_CHILD);
-  const auto captionTop = [&] {
-    RECT area;
-    ::GetWindowRect(caption, &area);
-    return area.top;
-  };
+  const auto captionTop = [&] { return AreaOf(caption).top; };
   const LONG released = captionTop();
   ::SendMessageW(caption, WM_LBUTTONUP, 0, MAKELPARAM(9, 9));
   ::SendMessageW(picture, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 1));
@@ -147,53 +119,45 @@ TEST_F(RealWindowTest, AReleaseBelongsToItsPressAndALostPressShowsTheButtonRelea
   ::ReleaseCapture();
   EXPECT_EQ(captionTop(), released);
   ::SendMessageW(picture, WM_LBUTTONUP, 0, MAKELPARAM(1, 1));
-  EXPECT_EQ(user.boxes, std::vector<std::string>{});
+  EXPECT_EQ(user.boxes, Texts{});
   ClickMouse(picture);
-  EXPECT_EQ(user.boxes, std::vector<std::string>{"Failed!|Message Box is empty!"});
+  EXPECT_EQ(user.boxes, Texts{"Failed!|Message Box is empty!"});
 }
 
-/// Takes the place of the system's service that names windows for accessibility clients.
-class NamesService final : public win32::CountedObject<IAccPropServices> {
+/// Takes the place of the system's service that names windows for accessibility clients: of
+/// IAccPropServices, in its order, what is called.
+class NamesService final : public IUnknown {
  public:
-  using Names = std::map<HWND, std::wstring>;
-  using Ids = const MSAAPROPID*;
-  explicit NamesService(Names& names) : names_(names) {}
-  HRESULT WINAPI SetHwndPropStr(HWND window, DWORD object, DWORD child, MSAAPROPID id,
-                                LPCWSTR text) override {
-    const bool isName = object == static_cast<DWORD>(OBJID_CLIENT) && child == CHILDID_SELF &&
-                        IsEqualGUID(id, PROPID_ACC_NAME);
-    if (isName) names_[window] = text;
+  HRESULT WINAPI QueryInterface(REFIID, void** object) override {
+    *object = this;
     return S_OK;
   }
-  HRESULT WINAPI ClearHwndProps(HWND window, DWORD, DWORD, Ids, int) override {
-    names_.erase(window);
+  ULONG WINAPI AddRef() override { return 2; }
+  ULONG WINAPI Release() override { return 1; }
+  virtual void SetPropValue() {}
+  virtual void SetPropServer() {}
+  virtual void ClearProps() {}
+  virtual void SetHwndProp() {}
+  virtual HRESULT WINAPI SetHwndPropStr(HWND window, DWORD object, DWORD child, MSAAPROPID id,
+                                        LPCWSTR text) {
+    const bool isClient = object == static_cast<DWORD>(OBJID_CLIENT) && child == CHILDID_SELF;
+    if (isClient && IsEqualGUID(id, PROPID_ACC_NAME)) names[window] = text;
     return S_OK;
   }
-  // clang-format off
-  HRESULT WINAPI SetPropValue(const BYTE*, DWORD, MSAAPROPID, VARIANT) override { return E_NOTIMPL; }
-  HRESULT WINAPI SetPropServer(const BYTE*, DWORD, Ids, int, IAccPropServer*, AnnoScope) override { return E_NOTIMPL; }
-  HRESULT WINAPI ClearProps(const BYTE*, DWORD, Ids, int) override { return E_NOTIMPL; }
-  HRESULT WINAPI SetHwndProp(HWND, DWORD, DWORD, MSAAPROPID, VARIANT) override { return E_NOTIMPL; }
-  HRESULT WINAPI SetHwndPropServer(HWND, DWORD, DWORD, Ids, int, IAccPropServer*, AnnoScope) override { return E_NOTIMPL; }
-  HRESULT WINAPI ComposeHwndIdentityString(HWND, DWORD, DWORD, BYTE**, DWORD*) override { return E_NOTIMPL; }
-  HRESULT WINAPI DecomposeHwndIdentityString(const BYTE*, DWORD, HWND*, DWORD*, DWORD*) override { return E_NOTIMPL; }
-  HRESULT WINAPI SetHmenuProp(HMENU, DWORD, MSAAPROPID, VARIANT) override { return E_NOTIMPL; }
-  HRESULT WINAPI SetHmenuPropStr(HMENU, DWORD, MSAAPROPID, LPCWSTR) override { return E_NOTIMPL; }
-  HRESULT WINAPI SetHmenuPropServer(HMENU, DWORD, Ids, int, IAccPropServer*, AnnoScope) override { return E_NOTIMPL; }
-  HRESULT WINAPI ClearHmenuProps(HMENU, DWORD, Ids, int) override { return E_NOTIMPL; }
-  HRESULT WINAPI ComposeHmenuIdentityString(HMENU, DWORD, BYTE**, DWORD*) override { return E_NOTIMPL; }
-  HRESULT WINAPI DecomposeHmenuIdentityString(const BYTE*, DWORD, HMENU*, DWORD*) override { return E_NOTIMPL; }
-  // clang-format on
+  virtual void SetHwndPropServer() {}
+  virtual HRESULT WINAPI ClearHwndProps(HWND window, DWORD, DWORD, const MSAAPROPID*, int) {
+    names.erase(window);
+    return S_OK;
+  }
 
- private:
-  Names& names_;
+  std::map<HWND, std::wstring> names;
 };
 
 TEST_F(RealWindowTest, ScreenReadersFindANameForEachControl) {
-  NamesService::Names names;
+  NamesService service;
   // The factory asks for what every object has, whatever else it is.
-  const auto factory = host::MakeFactory(
-      win32::ComPtr<IDispatch>::Take(reinterpret_cast<IDispatch*>(new NamesService(names))));
+  const auto factory =
+      host::MakeFactory(win32::ComPtr<IDispatch>::Take(reinterpret_cast<IDispatch*>(&service)));
   DWORD cookie = 0;
   ::CoRegisterClassObject(CLSID_AccPropServices, factory.Get(), CLSCTX_INPROC_SERVER,
                           REGCLS_MULTIPLEUSE, &cookie);
@@ -202,11 +166,11 @@ TEST_F(RealWindowTest, ScreenReadersFindANameForEachControl) {
                                       {"lstMessages", L"Rotacasts"},
                                       {"chkAuto", L"Display Rotacasts:"},
                                       {"txtInterval", L"Show Message Every"}}) {
-    EXPECT_EQ(names[Control(control)], name) << control;
+    EXPECT_EQ(service.names[Control(control)], name) << control;
   }
   EXPECT_EQ(::GetWindow(Control("txtInterval"), GW_HWNDPREV), Control("Label10"));
   Call("UnLoadInterface", {""});
-  EXPECT_TRUE(names.empty());
+  EXPECT_TRUE(service.names.empty());
   ::CoRevokeClassObject(cookie);
 }
 
@@ -232,15 +196,14 @@ TEST_F(RealWindowTest, IsReadableWhateverTheSystemsTextColourIs) {
 TEST_F(RealWindowTest, TheTabKeyGoesThroughTheControlsInTheirOrder) {
   Show({"a"});
   ClickMouse(Control("txtMessage"));
-  const std::vector<const char*> order = {"txtMessage", "lstMessages", "chkAuto", "txtInterval",
-                                          "txtMessage"};
-  for (const char* name : order) {
+  for (const char* name : {"txtMessage", "lstMessages", "chkAuto", "txtInterval", "txtMessage"}) {
     EXPECT_EQ(::GetFocus(), Control(name)) << name;
     PressKey(VK_TAB);
   }
-  PressKey(VK_TAB, true);
-  PressKey(VK_TAB, true);
-  EXPECT_EQ(::GetFocus(), Control("txtInterval")) << "and back again";
+  for (const char* name : {"txtMessage", "txtInterval"}) {
+    PressKey(VK_TAB, true);
+    EXPECT_EQ(::GetFocus(), Control(name)) << "and back again";
+  }
 }
 
 TEST_F(RealWindowTest, AMessageIsTypedAndAddedWithTheMouse) {
@@ -249,20 +212,20 @@ TEST_F(RealWindowTest, AMessageIsTypedAndAddedWithTheMouse) {
   TypeKeys("Hello 7" + std::string(60, 'x'));
   EXPECT_EQ(TextOf("txtMessage").size(), 60U) << "no more can be typed";
   ClickMouse(AddButton());
-  ASSERT_EQ(user.boxes, std::vector<std::string>{kAdded});
+  ASSERT_EQ(user.boxes, Texts{kAdded});
   EXPECT_EQ(TextOf("txtMessage"), "");
-  EXPECT_EQ(Rows(), (std::vector<std::string>{"a", "Hello 7" + std::string(53, 'x')}));
+  EXPECT_EQ(Rows(), (Texts{"a", "Hello 7" + std::string(53, 'x')}));
 }
 
 TEST_F(RealWindowTest, TheListsMenuMovesAndDeletesTheRowUnderThePointer) {
   Show({"a", "b", "c"});
   ChooseFromList(0, "Move Down");
-  EXPECT_EQ(user.menus.back(), (std::vector<std::string>{"(Move Up)", "Move Down", "Delete"}));
-  EXPECT_EQ(Rows(), (std::vector<std::string>{"b", "a", "c"}));
+  EXPECT_EQ(user.menus.back(), (Texts{"(Move Up)", "Move Down", "Delete"}));
+  EXPECT_EQ(Rows(), (Texts{"b", "a", "c"}));
   ChooseFromList(2, "Move Up");
-  EXPECT_EQ(user.menus.back(), (std::vector<std::string>{"Move Up", "(Move Down)", "Delete"}));
+  EXPECT_EQ(user.menus.back(), (Texts{"Move Up", "(Move Down)", "Delete"}));
   ChooseFromList(0, "Delete");
-  EXPECT_EQ(Rows(), (std::vector<std::string>{"c", "a"}));
+  EXPECT_EQ(Rows(), (Texts{"c", "a"}));
   EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"c", "a"}));
   RightClickRow(1);  // the menu is cancelled
   EXPECT_EQ(user.menus.size(), 4U);
@@ -274,8 +237,8 @@ TEST_F(RealWindowTest, TheEntryBoxIsEditedThroughItsMenuWhileItIsDisabled) {
   ChooseFromEntry({"Insert Info Message", "Most Kills"});
   EXPECT_EQ(TextOf("txtMessage"), "{ShowMostKills}");
   ASSERT_EQ(user.menus.size(), 2U);
-  EXPECT_EQ(user.menus[0], (std::vector<std::string>{"Insert Info Message", "-", "Cut", "Copy",
-                                                     "Paste", "Delete", "-", "Select All"}));
+  EXPECT_EQ(user.menus[0], (Texts{"Insert Info Message", "-", "Cut", "Copy", "Paste", "Delete", "-",
+                                  "Select All"}));
   EXPECT_EQ(user.menus[1].size(), AllPlaceholders().size());
   for (const char* item : {"Select All", "Cut"}) ChooseFromEntry({item});
   EXPECT_EQ(TextOf("txtMessage"), "");
@@ -336,7 +299,7 @@ TEST_F(RealWindowTest, TheKeyboardFindsItsWay) {
     ::ReleaseDC(box, context);
     return seen;
   };
-  ::SetFocus(Control("txtMessage"));
+  ::SetFocus(entry);
   const auto without = pixels();
   ::SetFocus(box);
   const auto with = pixels();
@@ -344,19 +307,18 @@ TEST_F(RealWindowTest, TheKeyboardFindsItsWay) {
   PressKey(VK_SPACE);
   PressKey(VK_SPACE);
   EXPECT_EQ(pixels(), with);
-  ::SetFocus(Control("txtMessage"));
+  ::SetFocus(entry);
   EXPECT_EQ(pixels(), without);
 }
 
 TEST_F(RealWindowTest, TheTimerBroadcastsAlsoWhileTheWindowIsHiddenUntilTheProfileIsDisabled) {
-  ShortenTheMinute(20);
+  EXPECT_EQ(installed.CallEntry("RotacastsShortenMinute", LONG{20}), S_OK);  // milliseconds
   host.longs[kGameState] = 2;
   Show({"a", "b"});
   EXPECT_TRUE(PumpUntil([&] { return host.sent.size() >= 3; }));
   Call("HideInterface", {});
   EXPECT_TRUE(PumpUntil([&] { return host.sent.size() >= 6; }));
-  EXPECT_EQ(std::vector<std::string>(host.sent.begin(), host.sent.begin() + 4),
-            (std::vector<std::string>{"a", "b", "a", "b"}));
+  EXPECT_EQ(Texts(host.sent.begin(), host.sent.begin() + 4), (Texts{"a", "b", "a", "b"}));
   Call("DisableProfile", {2});
   const std::size_t sent = host.sent.size();
   const DWORD end = ::GetTickCount() + 100;  // five ticks
@@ -367,20 +329,16 @@ TEST_F(RealWindowTest, TheTimerBroadcastsAlsoWhileTheWindowIsHiddenUntilTheProfi
 
 TEST_F(RealWindowTest, WhateverTheHostDoesWhileABoxOrAMenuIsOpenDoesNoHarm) {
   const auto unload = [&] { Call("UnLoadInterface", {""}); };
-  const std::function<void()> wrecks[] = {
-      unload,
-      [&] { unload(), Load(3); },
-      [&] { Load(3); },
-      [&] { Call("DisableProfile", {2}); },
-      [&] { frame.reset(), frame.emplace(); },
-  };
+  const std::function<void()> wrecks[] = {unload, [&] { unload(), Load(3); }, [&] { Load(3); },
+                                          [&] { Call("DisableProfile", {2}); },
+                                          [&] { frame.reset(), frame.emplace(); }};
   const std::string others = MessageFileBytes({"x", "y", "z"});
   for (std::size_t i = 0; i < std::size(wrecks); ++i) {
     host.MessageFile(3) = others;
     Show({"a", "b"});
     user.boxes.clear();
     user.insideBox = wrecks[i];
-    ::SendMessageW(Control("txtMessage"), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"c"));
+    ::SetWindowTextW(Control("txtMessage"), L"c");
     ClickMouse(AddButton());
     EXPECT_EQ(user.boxes.at(0), kAdded) << i;
     EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a", "b", "c"})) << i;
@@ -390,7 +348,7 @@ TEST_F(RealWindowTest, WhateverTheHostDoesWhileABoxOrAMenuIsOpenDoesNoHarm) {
     ChooseFromList(1, "Delete");
     EXPECT_EQ(host.MessageFile(3), others) << i;
     Show({"a"});
-    EXPECT_EQ(Rows(), std::vector<std::string>{"a"}) << i;
+    EXPECT_EQ(Rows(), Texts{"a"}) << i;
   }
 }
 

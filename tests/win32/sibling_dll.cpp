@@ -2,10 +2,12 @@
 // own, with C:\Host as the host folder.
 
 #include "com/registry.h"
+#include "com/win32_platform.h"
 #include "host/components/host_platform.h"
 #include "host/win32/sibling_objects.h"
 
-namespace rotacasts {
+using namespace rotacasts;
+
 namespace {
 
 struct Siblings {
@@ -14,52 +16,36 @@ struct Siblings {
   std::unique_ptr<UtilityComponent> utility = platform.CreateUtility();
 };
 
-struct ClassRow {
-  const wchar_t* classId;
-  const char* progId;
-  win32::ComPtr<IDispatch> (*make)(Siblings&);
-};
-
-constexpr ClassRow kClasses[] = {
-    {host::kMemoryClassId, MemoryComponent::kProgId,
-     [](Siblings& siblings) { return host::MakeMemoryObject(*siblings.memory); }},
-    {host::kUtilityClassId, UtilityComponent::kProgId,
-     [](Siblings& siblings) { return host::MakeUtilityObject(*siblings.utility); }},
-};
+constexpr std::pair<const wchar_t*, const char*> kClasses[] = {
+    {host::kMemoryClassId, MemoryComponent::kProgId},
+    {host::kUtilityClassId, UtilityComponent::kProgId}};
 
 }  // namespace
-}  // namespace rotacasts
-
-using namespace rotacasts;
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID id, void** object) {
   static Siblings* const siblings = new Siblings;  // until the process ends
-  for (const ClassRow& row : kClasses) {
-    CLSID own;
-    if (FAILED(::CLSIDFromString(row.classId, &own)) || !IsEqualCLSID(classId, own)) continue;
-    return host::MakeFactory(row.make(*siblings))->QueryInterface(id, object);
-  }
-  return CLASS_E_CLASSNOTAVAILABLE;
+  CLSID memory;
+  ::CLSIDFromString(host::kMemoryClassId, &memory);
+  const auto sibling = IsEqualCLSID(classId, memory) ? host::MakeMemoryObject(*siblings->memory)
+                                                     : host::MakeUtilityObject(*siblings->utility);
+  return host::MakeFactory(sibling)->QueryInterface(id, object);
 }
 
 STDAPI DllRegisterServer() {
-  HMODULE module = nullptr;
-  ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                       reinterpret_cast<LPCWSTR>(&DllRegisterServer), &module);
-  wchar_t file[MAX_PATH];
-  ::GetModuleFileNameW(module, file, MAX_PATH);
-  for (const ClassRow& row : kClasses) {
-    const HRESULT written = win32::WriteEntries(
-        win32::ClassEntries(row.classId, win32::ToWide(row.progId), L"test", file));
-    if (FAILED(written)) return written;
+  const std::string file = win32::LoadedModule(::GetModuleHandleW(L"siblings.dll")).File();
+  HRESULT written = S_OK;
+  for (const auto& [classId, progId] : kClasses) {
+    if (FAILED(written)) break;
+    written = win32::WriteEntries(
+        win32::ClassEntries(classId, win32::ToWide(progId), L"test", win32::ToWide(file)));
   }
-  return S_OK;
+  return written;
 }
 
 STDAPI DllUnregisterServer() {
-  for (const ClassRow& row : kClasses) {
-    win32::RemoveKey(std::wstring(L"CLSID\\") + row.classId);
-    win32::RemoveKey(win32::ToWide(row.progId));
+  for (const auto& [classId, progId] : kClasses) {
+    win32::RemoveKey(std::wstring(L"CLSID\\") + classId);
+    win32::RemoveKey(win32::ToWide(progId));
   }
   return S_OK;
 }

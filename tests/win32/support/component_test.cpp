@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "com/variant_conversion.h"
+#include "forms/win32/gdi.h"
 #include "ui/layout.h"
 
 #include <psapi.h>  // needs the types of the system's main header
@@ -13,15 +14,6 @@ namespace {
 using win32::ComVariant;
 
 constexpr int kFirstControl = 1000;  // the controls' identifiers go on in their order
-
-class ComEnvironment final : public ::testing::Environment {
- public:
-  void SetUp() override { ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
-  void TearDown() override { ::CoUninitialize(); }
-};
-
-const ::testing::Environment* const theCom =
-    ::testing::AddGlobalTestEnvironment(new ComEnvironment);
 
 }  // namespace
 
@@ -35,11 +27,6 @@ std::size_t PrivateBytes() {
   PROCESS_MEMORY_COUNTERS counters{};
   ::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);
   return counters.PagefileUsage;
-}
-
-InstalledPlugin& Installed() {
-  static InstalledPlugin installed;
-  return installed;
 }
 
 ComponentTest::~ComponentTest() {
@@ -65,6 +52,13 @@ void ComponentTest::Load(std::int32_t index, const std::string& gameCode) const 
   Call("LoadInterface", {index, parent, data, ""});
 }
 
+void ComponentTest::Show(const std::vector<std::string>& messages) {
+  host.MessageFile(2) = MessageFileBytes(messages);
+  Load(2);
+  ::UpdateWindow(Form());
+  PumpWaiting();
+}
+
 HWND ComponentTest::Form() const {
   return ::FindWindowExW(frame->Get(), nullptr, L"rotacasts.form", nullptr);
 }
@@ -82,10 +76,7 @@ HWND ComponentTest::AddButton() const {
 }
 
 std::string ComponentTest::TextOf(std::string_view control) const {
-  wchar_t text[200];
-  const LRESULT size =
-      ::SendMessageW(Control(control), WM_GETTEXT, 200, reinterpret_cast<LPARAM>(text));
-  return win32::FromWide({text, static_cast<std::size_t>(size)});
+  return win32::TextOf(Control(control));
 }
 
 std::vector<std::string> ComponentTest::Rows() const {
@@ -97,6 +88,14 @@ std::vector<std::string> ComponentTest::Rows() const {
     rows[i] = win32::FromWide({text, static_cast<std::size_t>(size)});
   }
   return rows;
+}
+
+void ComponentTest::RightClickRow(int row) const {
+  const HWND list = Control("lstMessages");
+  RECT item;
+  ::SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+  ::SendMessageW(list, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(item.left + 9, item.top + 3));
+  PumpWaiting();
 }
 
 }  // namespace rotacasts::testing

@@ -24,11 +24,17 @@ class Frame {
   HWND window_;
 };
 
+/// A VARIANT that refers to what is there.
+inline VARIANT ReferenceTo(VARTYPE kind, void* target) {
+  VARIANT value;
+  ::VariantInit(&value);
+  value.vt = static_cast<VARTYPE>(VT_BYREF | kind);
+  value.byref = target;
+  return value;
+}
+
 /// What this process has taken of the system's memory for itself.
 std::size_t PrivateBytes();
-
-/// The one installation that the program's tests share.
-InstalledPlugin& Installed();
 
 /// Each test begins with a plugin of no state, and ends by asserting that nothing holds the DLL.
 class ComponentTest : public ::testing::Test {
@@ -39,6 +45,9 @@ class ComponentTest : public ::testing::Test {
   Variant Call(const char* member, std::vector<Variant> arguments) const;
   void Load(std::int32_t index, const std::string& gameCode = "JO") const;
 
+  /// Shows profile 2 with these messages.
+  void Show(const std::vector<std::string>& messages);
+
   /// The settings window; null while it is not in the frame.
   HWND Form() const;
   /// The window of a control of the layout; null, and a failure, when there is none.
@@ -46,6 +55,8 @@ class ComponentTest : public ::testing::Test {
   HWND AddButton() const;
   std::string TextOf(std::string_view control) const;
   std::vector<std::string> Rows() const;
+  /// Clicks a row of the list with the right button.
+  void RightClickRow(int row) const;
 
   InstalledPlugin& installed = Installed();
   FakeHost host;

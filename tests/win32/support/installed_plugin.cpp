@@ -1,13 +1,10 @@
 #include "support/installed_plugin.h"
 
-#include <filesystem>
 #include <fstream>
 
 #include "com/com_support.h"
 
 namespace rotacasts::testing {
-namespace {
-
 namespace fs = std::filesystem;
 
 fs::path OwnFolder() {
@@ -16,9 +13,13 @@ fs::path OwnFolder() {
   return fs::path(path).parent_path();
 }
 
-}  // namespace
+InstalledPlugin& Installed() {
+  static InstalledPlugin installed;
+  return installed;
+}
 
 InstalledPlugin::InstalledPlugin() {
+  ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   const fs::path host = hostFolder_;
   fs::create_directories(host / "Plugins");
   fs::copy_file(OwnFolder() / "tvxRT.dll", host / "Plugins" / "tvxRT.dll",
@@ -30,11 +31,12 @@ InstalledPlugin::InstalledPlugin() {
     std::ofstream(settings / "Rotacasts.ini");
   }
   module_ = ::LoadLibraryW(win32::ToWide(File()).c_str());
-  if (module_ == nullptr) throw RuntimeError(ErrorNumber::FileNotFound, File());
-  if (FAILED(CallEntry("DllRegisterServer"))) throw RuntimeError(ErrorNumber::PermissionDenied);
+  const bool isThere = module_ != nullptr && SUCCEEDED(CallEntry("DllRegisterServer"));
+  if (!isThere) throw RuntimeError(ErrorNumber::FileNotFound, File());
 }
 
 InstalledPlugin::~InstalledPlugin() {
+  ::CoUninitialize();
   CallEntry("DllUnregisterServer");
   ::FreeLibrary(module_);
   std::error_code ignored;

@@ -1,6 +1,7 @@
 // The DLL as an administrator installs it: in a host folder's Plugins folder, registered.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 #include "com/late_bound.h"
@@ -15,9 +16,12 @@ HRESULT CallEntryOf(HMODULE module, const char* name, Arguments... arguments) {
       arguments...);
 }
 
-/// Copies the DLL that lies beside the test program into a host folder, and registers it for as
-/// long as the object lives. The folders of the profiles 1 to 3 are there, each with an empty
-/// message file.
+/// The folder that the test program lies in.
+std::filesystem::path OwnFolder();
+
+/// Copies the DLL that lies beside the test program into a host folder, and registers it, with COM
+/// initialised, for as long as the object lives. The folders of the profiles 1 to 3 are there, each
+/// with an empty message file.
 class InstalledPlugin {
  public:
   InstalledPlugin();
@@ -25,8 +29,6 @@ class InstalledPlugin {
   InstalledPlugin(const InstalledPlugin&) = delete;
   InstalledPlugin& operator=(const InstalledPlugin&) = delete;
 
-  /// Without a trailing backslash.
-  const std::string& HostFolder() const { return hostFolder_; }
   std::string File() const { return hostFolder_ + "\\Plugins\\tvxRT.dll"; }
   /// Calls an entry point; E_NOTIMPL when there is none of that name.
   template <class... Arguments>
@@ -41,5 +43,8 @@ class InstalledPlugin {
   const std::string hostFolder_ = "C:\\Host";  // as the fakes have it
   HMODULE module_ = nullptr;
 };
+
+/// The one installation that the program's tests share.
+InstalledPlugin& Installed();
 
 }  // namespace rotacasts::testing

@@ -1,47 +1,20 @@
 #include "support/user.h"
 
-#include <chrono>
 #include <utility>
 
-#include "com/com_support.h"
+#include "forms/win32/gdi.h"
 
 namespace rotacasts::testing {
 namespace {
-
-using win32::FromWide;
 
 AnsweringUser* theUser = nullptr;  // a thread's hook knows no object
 
 constexpr UINT kAnswer = WM_APP + 1;
 
-void Send(INPUT input) {
-  ::SendInput(1, &input, sizeof input);
-}
-
-void SendKey(WORD key, bool up) {
-  INPUT input{};
-  input.type = INPUT_KEYBOARD;
-  input.ki.wVk = key;
-  input.ki.dwFlags = up ? KEYEVENTF_KEYUP : 0;
-  Send(input);
-}
-
-void SendButton(DWORD flag) {
-  INPUT input{};
-  input.type = INPUT_MOUSE;
-  input.mi.dwFlags = flag;
-  Send(input);
-}
-
-std::string TextOf(HWND window) {
-  wchar_t text[1024];
-  return FromWide({text, static_cast<std::size_t>(::GetWindowTextW(window, text, 1024))});
-}
-
 std::string CaptionOf(HMENU menu, int position) {
   wchar_t text[200];
   const int size = ::GetMenuStringW(menu, static_cast<UINT>(position), text, 200, MF_BYPOSITION);
-  return FromWide({text, static_cast<std::size_t>(size)});
+  return win32::FromWide({text, static_cast<std::size_t>(size)});
 }
 
 }  // namespace
@@ -55,35 +28,34 @@ void PumpWaiting() {
 }
 
 bool PumpUntil(const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  for (;;) {
+  for (const ULONGLONG end = ::GetTickCount64() + 10000; ::GetTickCount64() < end;) {
     PumpWaiting();
     if (condition()) return true;
-    if (std::chrono::steady_clock::now() > end) return false;
     ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 100, QS_ALLINPUT);
   }
+  return false;
 }
 
 void ClickMouse(HWND window, bool right) {
   RECT area;
   ::GetWindowRect(window, &area);
   ::SetCursorPos((area.left + area.right) / 2, (area.top + area.bottom) / 2);
-  SendButton(right ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN);
-  SendButton(right ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP);
+  ::mouse_event(right ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
+  ::mouse_event(right ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
   PumpWaiting();
 }
 
-void PressKey(WORD key, bool shift) {
-  if (shift) SendKey(VK_SHIFT, false);
-  SendKey(key, false);
-  SendKey(key, true);
-  if (shift) SendKey(VK_SHIFT, true);
+void PressKey(BYTE key, bool shift) {
+  if (shift) ::keybd_event(VK_SHIFT, 0, 0, 0);
+  ::keybd_event(key, 0, 0, 0);
+  ::keybd_event(key, 0, KEYEVENTF_KEYUP, 0);
+  if (shift) ::keybd_event(VK_SHIFT, 0, KEYEVENTF_KEYUP, 0);
   PumpWaiting();
 }
 
 void TypeKeys(const std::string& text) {
   for (const char letter : text) {
-    PressKey(static_cast<WORD>(::toupper(letter)), ::isupper(letter) != 0);
+    PressKey(static_cast<BYTE>(::toupper(letter)), ::isupper(letter) != 0);
   }
 }
 
@@ -94,7 +66,6 @@ AnsweringUser::AnsweringUser()
 
 AnsweringUser::~AnsweringUser() {
   ::UnhookWindowsHookEx(hook_);
-  theUser = nullptr;
 }
 
 LRESULT CALLBACK AnsweringUser::Watch(int code, WPARAM wParam, LPARAM lParam) {
@@ -117,7 +88,7 @@ void CALLBACK AnsweringUser::PressOk(HWND box, UINT, UINT_PTR timer, DWORD) {
 
 void AnsweringUser::Answer(HWND box) {
   constexpr int kTextOfMessageBox = 0xFFFF;
-  boxes.push_back(TextOf(box) + "|" + TextOf(::GetDlgItem(box, kTextOfMessageBox)));
+  boxes.push_back(win32::TextOf(box) + "|" + win32::TextOf(::GetDlgItem(box, kTextOfMessageBox)));
   // In the box's own message loop, as a person would.
   ::SetTimer(box, kAnswer, 0, PressOk);
 }
@@ -134,8 +105,7 @@ void AnsweringUser::Choose(HMENU menu) {
     const bool isSeparator = (state & MF_SEPARATOR) != 0 && (state & MF_POPUP) == 0;
     const bool isDisabled = (state & (MF_GRAYED | MF_DISABLED)) != 0;
     seen.push_back(isSeparator ? "-" : isDisabled ? "(" + caption + ")" : caption);
-    if (isSeparator) continue;
-    ++items;
+    if (!isSeparator) ++items;
     if (!wanted_.empty() && caption == wanted_.front()) at = items;
   }
   if (at == 0) {

@@ -17,7 +17,7 @@ void PumpWaiting();
 /// Presses and releases a button of the mouse over the middle of a window, with real input.
 void ClickMouse(HWND window, bool right = false);
 /// Presses and releases keys, with real input. `shift` holds the shift key meanwhile.
-void PressKey(WORD key, bool shift = false);
+void PressKey(BYTE key, bool shift = false);
 /// Types a text of letters and digits, with real input.
 void TypeKeys(const std::string& text);
 
