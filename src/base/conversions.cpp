@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "base/text.h"
 
@@ -68,8 +69,21 @@ std::optional<std::string> DecimalSpelling(std::string_view text) {
   return spelling;
 }
 
+/// A short whole number without a sign, as most are; -1 for any other text.
+std::int32_t PlainNumber(std::string_view text) {
+  constexpr std::size_t kMostDigits = 9;
+  if (text.empty() || text.size() > kMostDigits) return -1;
+  std::int32_t number = 0;
+  for (const char digit : text) {
+    if (digit < '0' || digit > '9') return -1;
+    number = number * 10 + (digit - '0');
+  }
+  return number;
+}
+
 /// Errors: 13 for a text that is no number, 6 for one beyond the range of a double.
 double ParseNumber(std::string_view text) {
+  if (const std::int32_t number = PlainNumber(text); number >= 0) return number;
   std::optional<std::string> spelling = DecimalSpelling(text);
   if (!spelling) RaiseMismatch();
   std::replace(spelling->begin(), spelling->end(), '.', DecimalPoint());
@@ -102,6 +116,11 @@ std::string ToText(const Variant& value) {
           [](const auto&) -> std::string { RaiseMismatch(); },
       },
       value.Get());
+}
+
+std::string ToText(Variant&& value) {
+  std::string* const text = value.AsText();
+  return text != nullptr ? std::move(*text) : ToText(std::as_const(value));
 }
 
 double ToDouble(const Variant& value) {

@@ -16,6 +16,8 @@
 namespace rotacasts {
 
 std::string ToText(const Variant& value);
+/// The same, with the text itself where it is one.
+std::string ToText(Variant&& value);
 std::int32_t ToLong(const Variant& value);
 std::int16_t ToInteger(const Variant& value);
 double ToDouble(const Variant& value);

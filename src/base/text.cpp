@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
+#include <utility>
 
 #include "base/runtime_error.h"
 
@@ -17,9 +20,15 @@ constexpr std::array<char32_t, 32> kHighControls = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
+/// Looks at eight bytes at a time: nearly every text is asked about, many times.
 bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](char letter) { return static_cast<unsigned char>(letter) < 0x80; });
+  std::uint64_t seen = 0;
+  for (std::uint64_t word = 0; text.size() >= sizeof word; text.remove_prefix(sizeof word)) {
+    std::memcpy(&word, text.data(), sizeof word);
+    seen |= word;
+  }
+  for (const char letter : text) seen |= static_cast<unsigned char>(letter);
+  return (seen & 0x8080808080808080) == 0;
 }
 
 bool IsContinuation(char byte) {
@@ -80,7 +89,7 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
 }
 
 bool HasLineBreak(std::string_view text) {
-  return text.find_first_of("\r\n") != text.npos;
+  return text.find('\n') != text.npos || text.find('\r') != text.npos;
 }
 
 std::string ReplaceAll(std::string_view text, std::string_view part, std::string_view replacement) {
@@ -98,6 +107,7 @@ std::size_t CountCharacters(std::string_view text) {
 }
 
 std::string_view FirstCharacters(std::string_view text, std::size_t count) {
+  if (text.size() <= count) return text;  // as most are
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (!IsContinuation(text[at]) && count-- == 0) return text.substr(0, at);
   }
@@ -159,6 +169,10 @@ std::string FromWindows1252(std::string_view bytes) {
     AppendCodePoint(text, byte >= 0x80 && byte < 0xA0 ? kHighControls[byte - 0x80] : byte);
   }
   return text;
+}
+
+std::string TakeFromWindows1252(std::string bytes) {
+  return IsAscii(bytes) ? std::move(bytes) : FromWindows1252(bytes);
 }
 
 std::string ToWindows1252(std::string_view text) {

@@ -30,6 +30,8 @@ bool IsValidUtf8(std::string_view text);
 /// Windows-1252 to UTF-8. The five bytes that the code page leaves undefined stand for the control
 /// codes of the same number, as Windows has it, so every byte survives the way there and back.
 std::string FromWindows1252(std::string_view bytes);
+/// The same for bytes that are no longer needed as they were.
+std::string TakeFromWindows1252(std::string bytes);
 /// UTF-8 to Windows-1252. Error 5, naming the character, for one that the code page does not hold
 /// and for malformed UTF-8.
 std::string ToWindows1252(std::string_view text);

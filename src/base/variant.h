@@ -51,6 +51,8 @@ class Variant {
   bool IsEmpty() const { return std::holds_alternative<std::monostate>(value_); }
   /// The array, or null for any other kind.
   const Array* AsArray() const { return std::get_if<Array>(&value_); }
+  /// The text, or null for any other kind.
+  std::string* AsText() { return std::get_if<std::string>(&value_); }
 
   /// Element `index` of the array. Errors: 13 when this is no array, 9 beyond its bounds.
   const Variant& At(std::size_t index) const {
@@ -59,6 +61,8 @@ class Variant {
     if (index >= array->size()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return (*array)[index];
   }
+
+  Variant& At(std::size_t index) { return const_cast<Variant&>(std::as_const(*this).At(index)); }
 
   bool operator==(const Variant&) const = default;
 

@@ -79,7 +79,7 @@ class LateUtility final : public UtilityComponent {
   std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override {
     return TextsOf(getIniSection_(TextArgument(section), TextReference(file)));
   }
-  Variant ParseIniKey(const std::string& line, bool asPair) override {
+  Variant ParseIniKey(std::string&& line, bool asPair) override {
     return FromVariant(parseIniKey_(TextArgument(line), ValueArgument(asPair)).Get());
   }
   std::vector<std::string> ReadFile(std::string& file) override {

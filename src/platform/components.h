@@ -61,8 +61,9 @@ class UtilityComponent {
   /// Every line of the section as "key=value" in file order, then one element that is no line. With
   /// no line the upper bound is below 1.
   virtual std::vector<std::string> GetIniSection(const std::string& section, std::string& file) = 0;
-  /// Splits such a line at its first "=": the array of key and value, or the value alone.
-  virtual Variant ParseIniKey(const std::string& line, bool asPair) = 0;
+  /// Splits such a line at its first "=": the array of key and value, or the value alone. The line
+  /// may be used up, unless an error is raised.
+  virtual Variant ParseIniKey(std::string&& line, bool asPair) = 0;
 
   /// The lines of a text file.
   virtual std::vector<std::string> ReadFile(std::string& file) = 0;

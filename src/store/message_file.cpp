@@ -18,18 +18,19 @@ struct Row {
 };
 
 /// The list's row for a line; nothing for a line that is not listed.
-std::optional<Row> RowOf(MessageSection& section, const std::string& line) {
+std::optional<Row> RowOf(MessageSection& section, std::string& line) {
   if (IsBlank(line)) return std::nullopt;
   MessageEntry entry;
-  CompleteErrors([&] { entry = section.Split(line); },
+  CompleteErrors([&] { entry = section.Split(std::move(line)); },
                  [&](RuntimeError& error) { error.description += " [" + line + "]"; });
   const std::int32_t key = ToLong(entry.key);
   if (key <= 0) return std::nullopt;
-  return Row{std::string(FirstCharacters(entry.text, kMessageCharacters)), key};
+  entry.text.resize(FirstCharacters(entry.text, kMessageCharacters).size());
+  return Row{std::move(entry.text), key};
 }
 
 /// Lists these rows and no others. Hidden meanwhile: drawn once, not once per item.
-void Fill(ShownMessages& list, const std::vector<Row>& rows) {
+void Fill(ShownMessages& list, std::vector<Row>& rows) {
   list.Clear();
   if (rows.empty()) return;
   struct Hidden {
@@ -37,7 +38,7 @@ void Fill(ShownMessages& list, const std::vector<Row>& rows) {
     ~Hidden() { shown.Show(); }
     ShownMessages& shown;
   } hidden(list);
-  for (const Row& row : rows) list.Append(row.text, row.key);
+  for (Row& row : rows) list.Append(std::move(row.text), row.key);
 }
 
 }  // namespace
@@ -65,7 +66,8 @@ void MessageFile::LoadMessages(std::int32_t profileIndex) {
     std::vector<Row> rows;
     std::exception_ptr error;  // what was read before it is listed all the same
     try {
-      for (const std::string& line : lines) {
+      rows.reserve(lines.size());
+      for (std::string& line : lines) {
         if (auto row = RowOf(section, line)) rows.push_back(std::move(*row));
       }
     } catch (...) {
@@ -104,7 +106,7 @@ bool MessageFile::DeleteEntry(std::int32_t profileIndex, const std::string& key)
 void MessageFile::RewriteEntries(std::int32_t profileIndex, MessageSection section) {
   Guard(errors_, {"RewriteEntries", profileIndex}, [&](Step& at) {
     at(1);
-    const MessageEntries entries = section.Entries();
+    MessageEntries entries = section.Entries();
     at(2);
     std::size_t position = CountInPlace(entries);
     if (!OnlyMoveUp(entries, position)) {
@@ -115,7 +117,7 @@ void MessageFile::RewriteEntries(std::int32_t profileIndex, MessageSection secti
     // goes from its old key only when it stands under its new one.
     for (std::size_t i = position; i < entries.size(); ++i) {
       at(4);
-      if (!IsBlank(entries[i].text)) section.Write(KeyAt(position++), entries[i].text);
+      if (!IsBlank(entries[i].text)) section.Write(KeyAt(position++), std::move(entries[i].text));
       at(3);
       section.Remove(KeyToRemove(entries[i].key));
     }

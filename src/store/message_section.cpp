@@ -32,52 +32,48 @@ std::string KeyAt(std::size_t position) {
 }
 
 std::vector<std::string> MessageSection::Lines() {
-  std::string file = file_;
-  std::vector<std::string> lines = utility_.GetIniSection(kMessagesSection, file);
+  std::vector<std::string> lines = utility_.GetIniSection(kMessagesSection, Path());
   if (!lines.empty()) lines.pop_back();  // the last element is no line
   return lines;
 }
 
-MessageEntry MessageSection::Split(const std::string& line) {
-  const Variant pair = utility_.ParseIniKey(line, true);
-  return {ToText(pair.At(0)), ToText(pair.At(1))};
+MessageEntry MessageSection::Split(std::string&& line) {
+  Variant pair = utility_.ParseIniKey(std::move(line), true);
+  return {ToText(std::move(pair.At(0))), ToText(std::move(pair.At(1)))};
 }
 
 std::string MessageSection::TextOf(const std::string& line) {
-  return ToText(utility_.ParseIniKey(line, false));
+  return ToText(utility_.ParseIniKey(std::string(line), false));
 }
 
 MessageEntries MessageSection::Entries() {
   MessageEntries entries;
-  for (const std::string& line : Lines()) {
-    if (!IsBlank(line)) entries.push_back(Split(line));
+  std::vector<std::string> lines = Lines();
+  entries.reserve(lines.size());
+  for (std::string& line : lines) {
+    if (!IsBlank(line)) entries.push_back(Split(std::move(line)));
   }
   return entries;
 }
 
 std::string MessageSection::Read(const std::string& key) {
-  std::string file = file_;
-  return utility_.GetIniKey(kMessagesSection, key, file);
+  return utility_.GetIniKey(kMessagesSection, key, Path());
 }
 
-void MessageSection::Write(const std::string& key, const std::string& text) {
-  std::string file = file_;
-  utility_.WriteIniKey(kMessagesSection, key, text, file);
+void MessageSection::Write(const std::string& key, std::string text) {
+  utility_.WriteIniKey(kMessagesSection, key, std::move(text), Path());
 }
 
 void MessageSection::Remove(const UtilityComponent::Key& key) {
-  std::string file = file_;
-  utility_.WriteIniKey(kMessagesSection, key, std::nullopt, file);
+  utility_.WriteIniKey(kMessagesSection, key, std::nullopt, Path());
 }
 
 std::string MessageSection::ReadOption(const char* key) {
-  std::string file = file_;
-  return utility_.GetIniKey(kOptionsSection, key, file);
+  return utility_.GetIniKey(kOptionsSection, key, Path());
 }
 
 void MessageSection::WriteOption(const char* key, const std::string& value) {
-  std::string file = file_;
-  utility_.WriteIniKey(kOptionsSection, key, value, file);
+  utility_.WriteIniKey(kOptionsSection, key, value, Path());
 }
 
 }  // namespace rotacasts

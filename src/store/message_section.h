@@ -35,24 +35,27 @@ class MessageSection {
 
   /// The lines of the section, blank ones included.
   std::vector<std::string> Lines();
-  /// Key and text of a line; and the text alone.
-  MessageEntry Split(const std::string& line);
+  /// Key and text of a line, which is used up unless an error is raised; and the text alone.
+  MessageEntry Split(std::string&& line);
   std::string TextOf(const std::string& line);
   /// The lines that are not blank, split.
   MessageEntries Entries();
 
   /// The text under a key; empty when there is none.
   std::string Read(const std::string& key);
-  void Write(const std::string& key, const std::string& text);
+  void Write(const std::string& key, std::string text);
   void Remove(const UtilityComponent::Key& key);
 
   std::string ReadOption(const char* key);
   void WriteOption(const char* key, const std::string& value);
 
  private:
-  // What a component makes of a path that it is handed by reference is not relied on.
+  /// The path for one call: what a component makes of it is not relied on.
+  std::string& Path() { return path_ = file_; }
+
   UtilityComponent& utility_;
   const std::string file_;
+  std::string path_;
 };
 
 bool IsBlank(std::string_view text);

@@ -52,12 +52,12 @@ std::string RemoteCommands::List(std::int32_t index, const Variant& PDAT, Step& 
   setProfileData_(index, PDAT);
   at(2);
   MessageSection section = store_.Open(index);
-  const std::vector<std::string> lines = section.Lines();
+  std::vector<std::string> lines = section.Lines();
   at(3);
   std::string messages;
-  for (const std::string& line : lines) {
+  for (std::string& line : lines) {
     if (IsBlank(line)) continue;
-    const std::string text = section.Split(line).text;
+    const std::string text = section.Split(std::move(line)).text;
     if (!messages.empty()) messages += '|';
     messages += services_.Memory().Enc64(text);
   }

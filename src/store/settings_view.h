@@ -13,7 +13,7 @@ class ShownMessages {
   virtual ~ShownMessages() = default;
   virtual void Clear() = 0;
   /// Adds a row at the end: the text that it shows, and the key of its message in the file.
-  virtual void Append(const std::string& text, std::int32_t key) = 0;
+  virtual void Append(std::string text, std::int32_t key) = 0;
   virtual void Hide() = 0;
   virtual void Show() = 0;
 };

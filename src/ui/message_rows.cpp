@@ -18,10 +18,10 @@ void MessageRows::Clear() {
   rows_.clear();
 }
 
-void MessageRows::Append(const std::string& text, std::int32_t key) {
+void MessageRows::Append(std::string text, std::int32_t key) {
   list_.Add(text);
   list_.SetItemData(list_.Count() - 1, key);
-  rows_.push_back({text, key});
+  rows_.push_back({std::move(text), key});
 }
 
 void MessageRows::Show() {

@@ -28,7 +28,7 @@ class MessageRows final : public ShownMessages {
   explicit MessageRows(forms::ListBox& list) : list_(list) {}
 
   void Clear() override;
-  void Append(const std::string& text, std::int32_t key) override;
+  void Append(std::string text, std::int32_t key) override;
   void Hide() override { list_.SetVisible(false); }
   /// Shows the list again, from the row on that was the uppermost when it was cleared.
   void Show() override;

@@ -103,7 +103,7 @@ class FakeUtility final : public UtilityComponent {
     lines.emplace_back();
     return lines;
   }
-  Variant ParseIniKey(const std::string& line, bool asPair) override {
+  Variant ParseIniKey(std::string&& line, bool asPair) override {
     host_.Called("ParseIniKey(" + line + (asPair ? ", True)" : ", False)"));
     const auto equals = line.find('=');
     if (equals == line.npos || line.find("unsplittable") != line.npos) {

@@ -24,7 +24,7 @@ class IniFiles::Running {
     files_.isRunning_ = files_.isSettled_ = false;
     files_.changedByOther_.reset();
     files_.failure_.reset();
-    files_.images_.clear();
+    files_.DropImages();
   }
   IniFiles& files_;
 };
@@ -48,7 +48,7 @@ bool IniFiles::Flush() {
     for (auto& [path, image] : images_) Store(path, image);
   } catch (...) {
     failure_ = CurrentRuntimeError();
-    images_.clear();
+    DropImages();
     throw;
   }
   return !changedByOther_;
@@ -80,9 +80,17 @@ IniFiles::Image IniFiles::ReadImage(const std::string& path) {
 }
 
 IniFiles::Image& IniFiles::ImageOf(const std::string& path) {
-  const auto known = images_.find(path);
-  return known != images_.end() ? known->second
-                                : images_.emplace(path, ReadImage(path)).first->second;
+  if (latest_ == nullptr || latest_->first != path) {
+    auto known = images_.find(path);
+    if (known == images_.end()) known = images_.emplace(path, ReadImage(path)).first;
+    latest_ = &*known;
+  }
+  return latest_->second;
+}
+
+void IniFiles::DropImages() {
+  latest_ = nullptr;
+  images_.clear();
 }
 
 void IniFiles::Read(const std::string& path, const std::function<void(const IniText&)>& read) {
@@ -90,19 +98,13 @@ void IniFiles::Read(const std::string& path, const std::function<void(const IniT
   read(ReadImage(path).text);
 }
 
-void IniFiles::Change(const std::string& path, const std::function<void(IniText&)>& change) {
-  if (!isRunning_) {
-    const auto failure = Run([&] { Change(path, change); });
-    if (failure) throw RuntimeError(*failure);
-    return;
-  }
+IniText& IniFiles::ToChange(const std::string& path) {
   Image& image = ImageOf(path);
   if (!image.text.IsChanged()) {
     image.seen.reset();
     if (image.exists) image.seen = image.text.Bytes();
   }
-  change(image.text);
-  if (isSettled_) Flush();
+  return image.text;
 }
 
 bool IniFiles::Exists(const std::string& path) {

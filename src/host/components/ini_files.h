@@ -35,7 +35,17 @@ class IniFiles {
 
   /// Calls `read` with the file's text, empty when there is no such file.
   void Read(const std::string& path, const std::function<void(const IniText&)>& read);
-  void Change(const std::string& path, const std::function<void(IniText&)>& change);
+  /// Has `change` change it.
+  template <class Function>
+  void Change(const std::string& path, const Function& change) {
+    if (!isRunning_) {
+      const auto failure = Run([&] { Change(path, change); });
+      if (failure) throw RuntimeError(*failure);
+    } else {
+      change(ToChange(path));
+      if (isSettled_) Flush();
+    }
+  }
   /// Whether there is such a file, or will be once the operation has ended.
   bool Exists(const std::string& path);
 
@@ -52,6 +62,8 @@ class IniFiles {
 
   Image ReadImage(const std::string& path);
   Image& ImageOf(const std::string& path);
+  IniText& ToChange(const std::string& path);
+  void DropImages();
   void Store(const std::string& path, Image& image);
 
   FileLayer& layer_;
@@ -60,7 +72,8 @@ class IniFiles {
   bool isSettled_ = false;
   std::optional<std::string> changedByOther_;  // the file for which it must be run again
   std::optional<RuntimeError> failure_;
-  std::map<std::string, Image> images_;  // by path
+  std::map<std::string, Image> images_;              // by path
+  decltype(images_)::value_type* latest_ = nullptr;  // that was asked for; most often the next too
 };
 
 }  // namespace rotacasts::host

@@ -19,9 +19,10 @@ struct IniLine {
 inline constexpr std::string_view kIniLineEnd = "\r\n";
 
 inline std::string_view TrimBlanks(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == text.npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+  const auto isBlank = [](char letter) { return letter == ' ' || letter == '\t'; };
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 /// Whether a new line can begin after these bytes.

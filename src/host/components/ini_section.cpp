@@ -1,8 +1,13 @@
 #include "host/components/ini_section.h"
 
-namespace rotacasts::host {
+#include <algorithm>
+#include <utility>
 
-std::size_t IniSection::KeyHash::operator()(std::string_view key) const {
+namespace rotacasts::host {
+namespace {
+
+/// The same for all spellings of a key.
+std::uint32_t HashOf(std::string_view key) {
   std::uint32_t hash = 2166136261;  // FNV-1a
   for (const char c : key) {
     const auto byte = static_cast<unsigned char>(c);
@@ -11,61 +16,82 @@ std::size_t IniSection::KeyHash::operator()(std::string_view key) const {
   return hash;
 }
 
+}  // namespace
+
 IniSection::IniSection(std::string name, const std::string& bytes, IniCursor cursor)
     : name_(std::move(name)), bytes_(bytes), begin_(cursor.NextBegin()), end_(begin_) {
-  std::unordered_map<std::size_t, std::size_t> last;  // row of a key that comes again, by its first
   while (cursor.NextInSection()) {
-    const std::size_t size = cursor.NextBegin() - cursor.Begin();
-    rows_.push_back(
-        {std::string_view(bytes_).substr(cursor.Begin(), size), size - cursor.Text().size()});
+    Row& row = rows_.emplace_back();
     end_ = cursor.NextBegin();
+    row.whole = std::string_view(bytes_).substr(cursor.Begin(), end_ - cursor.Begin());
+    row.endSize = static_cast<std::uint8_t>(row.whole.size() - cursor.Text().size());
     const std::optional<IniLine> line = cursor.KeyLine();
-    if (!line) continue;
-    const std::size_t row = rows_.size() - 1;
-    const auto [first, isFirst] = byKey_.emplace(line->key, row);
-    if (isFirst) continue;
-    const std::size_t before = last.try_emplace(first->second, first->second).first->second;
-    last[first->second] = rows_[before].next = row;
+    row.hasKey = line.has_value();
+    if (line) row.hash = HashOf(line->key);
   }
+  FillBuckets();
+}
+
+void IniSection::FillBuckets() {
+  std::size_t count = 16;
+  while (count < 2 * rows_.size()) count *= 2;
+  buckets_.assign(count, kNoRow);
+  for (std::size_t row = rows_.size(); row-- > 0;) {
+    if (rows_[row].hasKey && !rows_[row].isGone) PutInBucket(static_cast<std::uint32_t>(row));
+  }
+}
+
+void IniSection::PutInBucket(std::uint32_t row) {
+  std::uint32_t& first = buckets_[rows_[row].hash & (buckets_.size() - 1)];
+  rows_[row].next = std::exchange(first, row);
+}
+
+std::uint32_t& IniSection::Find(std::string_view key) {
+  const std::uint32_t hash = HashOf(key);
+  std::uint32_t* place = &buckets_[hash & (buckets_.size() - 1)];
+  const auto isOther = [&](const Row& row) {
+    return row.hash != hash || !EqualsIgnoringCase(row.KeyLine()->key, key);
+  };
+  while (*place != kNoRow && isOther(rows_[*place])) place = &rows_[*place].next;
+  return *place;
 }
 
 std::vector<IniLine> IniSection::Lines() const {
   std::vector<IniLine> lines;
-  lines.reserve(byKey_.size());
+  lines.reserve(rows_.size());
   for (const Row& row : rows_) {
-    if (const auto line = row.isGone ? std::nullopt : row.KeyLine()) lines.push_back(*line);
+    if (row.hasKey && !row.isGone) lines.push_back(*row.KeyLine());
   }
   return lines;
 }
 
-std::optional<std::string_view> IniSection::Value(std::string_view key) const {
-  const auto found = byKey_.find(key);
-  if (found == byKey_.end()) return std::nullopt;
-  return rows_[found->second].KeyLine()->value;
+std::optional<std::string_view> IniSection::Value(std::string_view key) {
+  const std::uint32_t row = Find(key);
+  if (row == kNoRow) return std::nullopt;
+  return rows_[row].KeyLine()->value;
 }
 
 bool IniSection::Set(std::string_view key, std::string_view value) {
-  const auto found = byKey_.find(key);
-  if (found == byKey_.end()) {
+  const std::uint32_t found = Find(key);
+  if (found == kNoRow) {
     Append(key, value);
     return true;
   }
-  Row& row = rows_[found->second];
+  Row& row = rows_[found];
   const std::string_view old = row.KeyLine()->value;
   if (old == value) return false;
-  std::string whole(row.whole.data(), old.data());
-  whole.append(value).append(row.whole.substr(row.whole.size() - row.endSize));
-  row.whole = Own(std::move(whole));
+  const std::string_view before(row.whole.data(),
+                                static_cast<std::size_t>(old.data() - row.whole.data()));
+  row.whole = Own({before, value, row.whole.substr(row.whole.size() - row.endSize)});
   return true;
 }
 
 bool IniSection::Remove(std::string_view key) {
-  const auto found = byKey_.find(key);
-  if (found == byKey_.end()) return false;
-  Row& row = rows_[found->second];
+  std::uint32_t& place = Find(key);
+  if (place == kNoRow) return false;
+  Row& row = rows_[place];
   row.isGone = true;
-  byKey_.erase(found);
-  if (row.next != 0) byKey_.emplace(rows_[row.next].KeyLine()->key, row.next);
+  place = row.next;
   return true;
 }
 
@@ -79,9 +105,14 @@ std::string IniSection::FileBytes() const {
   return bytes.append(bytes_, end_);
 }
 
-std::string_view IniSection::Own(std::string text) {
-  ownSize_ += text.size();
-  return own_.emplace_back(std::move(text));
+std::string_view IniSection::Own(std::initializer_list<std::string_view> parts) {
+  std::size_t size = 0;
+  for (const std::string_view part : parts) size += part.size();
+  ownSize_ += size;
+  auto* const begin = static_cast<char*>(own_.allocate(size, 1));
+  char* end = begin;
+  for (const std::string_view part : parts) end = std::copy(part.begin(), part.end(), end);
+  return {begin, size};
 }
 
 void IniSection::EndLineBefore(std::size_t row) {
@@ -89,7 +120,7 @@ void IniSection::EndLineBefore(std::size_t row) {
     const std::string_view header = std::string_view(bytes_).substr(0, begin_);
     if (!EndsInLine(header)) behindHeader_ = kIniLineEnd;
   } else if (Row& before = rows_[row - 1]; !EndsInLine(before.whole)) {
-    before.whole = Own(std::string(before.whole).append(kIniLineEnd));
+    before.whole = Own({before.whole, kIniLineEnd});
     before.endSize = kIniLineEnd.size();
   }
 }
@@ -99,9 +130,15 @@ void IniSection::Append(std::string_view key, std::string_view value) {
   std::size_t at = rows_.size();  // after the last line that is not blank
   while (at > 0 && (rows_[at - 1].isGone || TrimBlanks(rows_[at - 1].Text()).empty())) --at;
   EndLineBefore(at);
-  const Row row{Own(NewIniLine(key, value))};
-  rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(at), row);
-  byKey_.emplace(row.KeyLine()->key, at);
+  Row row{Own({key, "=", value, kIniLineEnd})};
+  row.hasKey = true;
+  row.hash = HashOf(key);
+  rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(at), row);  // what follows has no key
+  if (rows_.size() > buckets_.size()) {
+    FillBuckets();
+  } else {
+    PutInBucket(static_cast<std::uint32_t>(at));
+  }
 }
 
 }  // namespace rotacasts::host

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
+#include <initializer_list>
+#include <memory_resource>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "host/components/ini_lines.h"
@@ -18,9 +18,9 @@ class IniSection {
   /// long as this lives.
   IniSection(std::string name, const std::string& bytes, IniCursor cursor);
 
-  bool Is(std::string_view name) const { return EqualsIgnoringCase(name_, name); }
+  bool Is(std::string_view name) const { return name == name_ || EqualsIgnoringCase(name_, name); }
   std::vector<IniLine> Lines() const;
-  std::optional<std::string_view> Value(std::string_view key) const;
+  std::optional<std::string_view> Value(std::string_view key);
   /// False when that is what the key holds already.
   bool Set(std::string_view key, std::string_view value);
   /// False when there is no such key.
@@ -30,26 +30,28 @@ class IniSection {
   std::string FileBytes() const;
 
  private:
+  static constexpr std::uint32_t kNoRow = ~std::uint32_t{0};
+
   struct Row {
     std::string_view whole;
-    std::size_t endSize = kIniLineEnd.size();  // of its line's end
+    std::uint8_t endSize = kIniLineEnd.size();  // of its line's end
+    bool hasKey = false;
     bool isGone = false;
-    std::size_t next = 0;  // the next row of the same key; 0 for none
+    std::uint32_t hash = 0;       // of its key
+    std::uint32_t next = kNoRow;  // in the same bucket
 
     std::string_view Text() const { return whole.substr(0, whole.size() - endSize); }
     std::optional<IniLine> KeyLine() const { return IniCursor::KeyLineOf(Text()); }
   };
-  /// The same for all spellings of a key.
-  struct KeyHash {
-    std::size_t operator()(std::string_view key) const;
-  };
-  struct SameKey {
-    bool operator()(std::string_view a, std::string_view b) const {
-      return EqualsIgnoringCase(a, b);
-    }
-  };
 
-  std::string_view Own(std::string text);
+  /// The place that names the first row of the key: in its bucket or in the row before it there. It
+  /// holds kNoRow when there is no such row.
+  std::uint32_t& Find(std::string_view key);
+  /// Puts every row with a key into its bucket anew, the first of each key in front.
+  void FillBuckets();
+  void PutInBucket(std::uint32_t row);
+
+  std::string_view Own(std::initializer_list<std::string_view> parts);
   void Append(std::string_view key, std::string_view value);
   /// Sees to it that a line can begin after the row before this one, or after the header.
   void EndLineBefore(std::size_t row);
@@ -60,8 +62,8 @@ class IniSection {
   std::string_view behindHeader_;  // the end of its line, should it have had none
   std::size_t end_;
   std::vector<Row> rows_;
-  std::unordered_map<std::string_view, std::size_t, KeyHash, SameKey> byKey_;  // the first of each
-  std::deque<std::string> own_;  // what new lines lie in, never moved
+  std::vector<std::uint32_t> buckets_;       // the first row of each; their number a power of 2
+  std::pmr::monotonic_buffer_resource own_;  // what new lines lie in, never moved
   std::size_t ownSize_ = 0;
 };
 

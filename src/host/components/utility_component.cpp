@@ -69,25 +69,29 @@ std::vector<std::string> HostUtilityComponent::GetIniSection(const std::string& 
                                                              std::string& file) {
   std::vector<std::string> lines;
   files_.Read(file, [&](const IniText& ini) {
-    for (const IniText::Line& line : ini.Lines(section)) {
-      std::string text = FromWindows1252(line.key);
-      text += '=';
-      text += FromWindows1252(line.value);
-      lines.push_back(std::move(text));
+    const std::vector<IniText::Line> found = ini.Lines(section);
+    lines.reserve(found.size() + 1);
+    for (const IniText::Line& line : found) {
+      std::string text;
+      text.reserve(line.key.size() + 1 + line.value.size());
+      text.append(line.key).append("=").append(line.value);
+      lines.push_back(TakeFromWindows1252(std::move(text)));
     }
   });
   lines.emplace_back();  // the one further element that is no line
   return lines;
 }
 
-Variant HostUtilityComponent::ParseIniKey(const std::string& line, bool asPair) {
+Variant HostUtilityComponent::ParseIniKey(std::string&& line, bool asPair) {
   const auto equals = line.find('=');
   if (equals == line.npos) {
     throw RuntimeError(ErrorNumber::InvalidProcedureCall, line + " has no '='");
   }
-  const std::string value = line.substr(equals + 1);
-  if (!asPair) return value;
-  return Variant::Array{line.substr(0, equals), value};
+  Variant::Array pair;
+  pair.reserve(2);
+  pair.emplace_back(line.substr(0, equals));
+  pair.emplace_back(std::move(line.erase(0, equals + 1)));
+  return asPair ? Variant(std::move(pair)) : std::move(pair[1]);
 }
 
 std::vector<std::string> HostUtilityComponent::ReadFile(std::string& file) {

@@ -93,9 +93,10 @@ struct MemberCall<Function> {
     std::tuple<CallArgument<Parameters>...> arguments{reversed[kCount - 1 - Index]...};
     Variant result;
     if constexpr (std::is_void_v<Result>) {
-      (component.*Function)(std::get<Index>(arguments).Get()...);
+      (component.*Function)(std::forward<Parameters>(std::get<Index>(arguments).Get())...);
     } else {
-      result = ResultOfCall((component.*Function)(std::get<Index>(arguments).Get()...));
+      result = ResultOfCall(
+          (component.*Function)(std::forward<Parameters>(std::get<Index>(arguments).Get())...));
     }
     (std::get<Index>(arguments).Return(), ...);
     return result;
