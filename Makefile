@@ -78,7 +78,7 @@ fuzz: ## a minute of arbitrary input for the remote operations and the INI reade
 	@scripts/bootstrap build test
 	@scripts/quietly cmake --preset fuzz
 	@scripts/quietly cmake --build --preset fuzz
-	build/fuzz/fuzz/remote-fuzz -max_total_time=60 -timeout=20 -max_len=1500 \
+	build/fuzz/fuzz/remote-fuzz -fork=$$(nproc) -max_total_time=60 -timeout=20 -max_len=1500 \
 	  -dict=fuzz/tokens.dict -artifact_prefix=build/fuzz/ build/fuzz/fuzz/found fuzz/seeds
 
 bench: ## measure, each thing against a named opponent
