@@ -1,6 +1,5 @@
 // A whole host program: peak memory and processor time for 100 ticks of every profile.
 
-#include <arpa/inet.h>
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -9,6 +8,7 @@
 
 #include <stdexcept>
 
+#include "chat_port.h"
 #include "duel.h"
 #include "host_folder_files.h"
 #include "support/child_process.h"
@@ -22,32 +22,16 @@ using testing::HostFolder;
 constexpr int kTicks = 100;
 
 /// The chat port of every profile: counts what arrives.
-class Listener {
+class Listener : public ChatPort {
  public:
-  Listener() {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    const int room = 1 << 24;
-    ::setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &room, sizeof room);
-    ::bind(socket_, reinterpret_cast<sockaddr*>(&address), size);
-    ::getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size);
-    port = ntohs(address.sin_port);
-  }
-  ~Listener() { ::close(socket_); }
   void Receive(int messages) {
     char bytes[2048];
-    pollfd source{socket_, POLLIN, 0};
+    pollfd source{Socket(), POLLIN, 0};
     for (int i = 0; i < messages; ++i) {
       if (::poll(&source, 1, 10000) <= 0) throw std::runtime_error("the host fell silent");
-      if (::recv(socket_, bytes, sizeof bytes, 0) < 0) throw std::runtime_error("no message");
+      if (::recv(Socket(), bytes, sizeof bytes, 0) < 0) throw std::runtime_error("no message");
     }
   }
-  int port = 0;
-
- private:
-  int socket_ = ::socket(AF_INET, SOCK_DGRAM, 0);
 };
 
 struct Usage {

@@ -21,6 +21,7 @@
 #include <thread>
 #include <utility>
 
+#include "chat_port.h"
 #include "duel.h"
 #include "host_folder_files.h"
 #include "support/child_process.h"
@@ -160,24 +161,12 @@ struct Latencies {
 };
 
 /// The chat port of every profile: when which profile's messages have arrived, as the kernel says.
-class Arrivals {
+class Arrivals : public ChatPort {
  public:
   Arrivals() {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    const int room = 1 << 24;
     const int on = 1;
-    ::setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &room, sizeof room);
-    ::setsockopt(socket_, SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on);
-    ::bind(socket_, reinterpret_cast<sockaddr*>(&address), size);
-    ::getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size);
-    port = ntohs(address.sin_port);
+    ::setsockopt(Socket(), SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on);
   }
-  ~Arrivals() { ::close(socket_); }
-  Arrivals(const Arrivals&) = delete;
-  Arrivals& operator=(const Arrivals&) = delete;
 
   /// Takes what has arrived. The moments are in nanoseconds since 1970.
   std::map<std::string, std::vector<double>> Take() {
@@ -191,7 +180,7 @@ class Arrivals {
       message.msg_iovlen = 1;
       message.msg_control = extra;
       message.msg_controllen = sizeof extra;
-      const ssize_t count = ::recvmsg(socket_, &message, MSG_DONTWAIT);
+      const ssize_t count = ::recvmsg(Socket(), &message, MSG_DONTWAIT);
       if (count <= 0) return moments;
       timespec moment{};
       std::memcpy(&moment, CMSG_DATA(CMSG_FIRSTHDR(&message)), sizeof moment);
@@ -200,10 +189,6 @@ class Arrivals {
           static_cast<double>(moment.tv_sec) * 1e9 + static_cast<double>(moment.tv_nsec));
     }
   }
-  std::uint16_t port = 0;
-
- private:
-  int socket_ = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
 };
 
 /// A host with the page, and a person signed in.
