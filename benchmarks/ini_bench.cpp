@@ -110,7 +110,7 @@ void AddDuels(int messages, std::vector<Duel>& duels) {
 class LongList {
  public:
   LongList() : state_(platform_.Bundle(toolkit_)), plugin_(state_) {
-    Variant::Array data(pdat::kSize);
+    HostValue::Array data(pdat::kSize);
     data[pdat::kGameCode] = "JO";
     data[pdat::kProcessHandle] = data[pdat::kMessageTarget] = 1;
     data[pdat::kProfileFolder] = "srv1";
@@ -145,7 +145,7 @@ class LongList {
   host::HostPlatform platform_{folder_.Path()};
   PluginState state_;
   clsPlugin plugin_;
-  Variant data_;
+  HostValue data_;
   int deleted_ = 0;
 };
 

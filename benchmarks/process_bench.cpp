@@ -84,7 +84,7 @@ std::int32_t BareScan(const BareReader& reader) {
 struct Plugin {
   Plugin(const Server& server, const HostFolder& folder)
       : platform(folder.Path()), state(platform.Bundle(toolkit)) {
-    Variant::Array data(pdat::kSize);
+    HostValue::Array data(pdat::kSize);
     data[pdat::kGameCode] = "JO";
     data[pdat::kProcessHandle] =
         platform.Processes().Register({std::to_string(server.process.Id()), 0, "profile 1"});
@@ -159,7 +159,7 @@ Duel ScanDuel(const std::string& slots, const Server& server, const std::shared_
 struct Crowd {
   explicit Crowd(const Server& server) : folder(server) {
     for (const auto& [index, profile] : profiles.All()) {
-      Variant::Array data = profiles.DataOf(profile);
+      HostValue::Array data = profiles.DataOf(profile);
       data[pdat::kAreaHeight] = data[pdat::kAreaWidth] = 9000;
       plugin.LoadInterface(index, 1, data);
     }

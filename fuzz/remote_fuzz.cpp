@@ -32,7 +32,7 @@ const std::string kFiles[] = {"", kRoot + "profiles\\srv1\\settings\\Rotacasts.i
 const std::string kConfig = kRoot + "settings\\config.ini";
 const std::string kErrorLog = kRoot + "logs\\errors.log";
 
-using Operation = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
+using Operation = std::string (clsPlugin::*)(std::int32_t, const HostValue&, const HostValue&);
 
 /// The operations, and what each may bring into a message file: one line, and its section where
 /// there is none yet.
@@ -94,7 +94,7 @@ class Arena {
 
     const OperationRow& operation =
         kOperations[input.ConsumeIntegralInRange<std::size_t>(0, std::size(kOperations) - 1)];
-    const Variant data = Data(input);
+    const HostValue data = Data(input);
     Call(operation, index, Pdat(index, input), data);
 
     Require(folder_.files[kFiles[other]] == othersFile, "another profile's file changed");
@@ -110,7 +110,7 @@ class Arena {
     if (index == 1 || index == 2) return;
     const std::string files[] = {folder_.files[kFiles[1]], folder_.files[kFiles[2]]};
     const auto call = [&](const OperationRow& operation) {
-      const Variant data = Data(input);
+      const HostValue data = Data(input);
       Call(operation, index, Pdat(1, input), data);
       Require(folder_.files[kFiles[1]] == files[0] && folder_.files[kFiles[2]] == files[1],
               "a profile that is not set up changed a file");
@@ -130,8 +130,8 @@ class Arena {
   }
 
  private:
-  void Call(const OperationRow& operation, std::int32_t index, const Variant& PDAT,
-            const Variant& data) {
+  void Call(const OperationRow& operation, std::int32_t index, const HostValue& PDAT,
+            const HostValue& data) {
     platform_.Files().Run([&] {
       try {
         (plugin_.*operation.call)(index, PDAT, data);
@@ -150,8 +150,8 @@ class Arena {
     }
   }
 
-  Variant Pdat(int index, FuzzedDataProvider& input) {
-    Variant::Array data(pdat::kSize);
+  HostValue Pdat(int index, FuzzedDataProvider& input) {
+    HostValue::Array data(pdat::kSize);
     data[pdat::kGameCode] = "JO";
     data[pdat::kProcessHandle] = data[pdat::kMessageTarget] = 1;
     data[pdat::kProfileFolder] = "srv" + std::to_string(index);
@@ -161,22 +161,22 @@ class Arena {
     return data;
   }
 
-  Variant Data(FuzzedDataProvider& input) {
+  HostValue Data(FuzzedDataProvider& input) {
     switch (input.ConsumeIntegralInRange(0, 7)) {
       case 0:
-        return Variant::Missing{};
+        return HostValue::Missing{};
       case 1:
         return input.ConsumeIntegral<std::int32_t>();
       case 2:
         return input.ConsumeFloatingPoint<double>();
       case 3:
-        return Variant::Array{Variant(Variant::Foreign{})};
+        return HostValue::Array{HostValue(HostValue::Foreign{})};
       case 4:  // a well-formed text, whatever it says
         return state_.services.Memory().Enc64(input.ConsumeRandomLengthString(200));
       case 5:
         return std::to_string(input.ConsumeIntegralInRange(-2, 9));
       case 6:
-        return Variant(input.ConsumeBool());
+        return HostValue(input.ConsumeBool());
       default:
         return input.ConsumeRandomLengthString(200);
     }

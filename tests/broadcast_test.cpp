@@ -161,7 +161,7 @@ TEST_F(BroadcastTest, AnIntervalThatIsNoNumberIsReportedForTheCurrentWindowProfi
   Window().txtInterval().SetText("");
   EXPECT_EQ(Ticks(1), "-");
   EXPECT_EQ(host.logged.back(), "tmrRT: 13 Type mismatch");
-  EXPECT_EQ(host.reports.back().At(4), Variant(true));  // profile 5's flag, not profile 2's
+  EXPECT_EQ(host.reports.back().At(4), HostValue(true));  // profile 5's flag, not profile 2's
 }
 
 TEST_F(BroadcastTest, EveryProfileGoesByTheOptionsOfTheWindow) {

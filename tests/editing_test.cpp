@@ -207,7 +207,7 @@ TEST_F(EditingTest, AStoppedProfileIsToldOfAndNothingIsCalledForIt) {
   EXPECT_EQ(host.boxes.at(0), "Failed!|Could not add message!");
   EXPECT_EQ(TakeErrors(), (Texts{"mnuDown: 76", "mnuDelete_Click: 76", "chkAuto_Click: 76",
                                  "txtInterval_Change: 76", "txtInterval_Change: 76"}));
-  Variant::Array refused = *Data(2, "JO").AsArray();
+  HostValue::Array refused = *Data(2, "JO").AsArray();
   refused[pdat::kProfileFolder] = "..\\..";
   Plugin().LoadInterface(2, 77, refused);
   EXPECT_EQ(TakeErrors(), (Texts{"SetProfileData: 76", "Form_Reload: 76"}));

@@ -65,7 +65,7 @@ TEST_F(EmbeddingTest, UnloadingStopsEveryProfileAndALaterLoadStartsOnlyItsOwn) {
 }
 
 TEST_F(EmbeddingTest, ErrorsAreReportedUnderTheRightNameAndStartNothing) {
-  Variant::Array data = *Data(2, "JO").AsArray();
+  HostValue::Array data = *Data(2, "JO").AsArray();
   data.resize(12);
   Plugin().LoadInterface(2, 77, data);
   Load(40000);  // beyond the timer array's 16 bits

@@ -56,10 +56,10 @@ TEST_F(ErrorReporterTest, TheReportNamesTheAffiliateFlagOfAKnownProfile) {
   State().profiles.SetProfileData(2, Data(2, "JO_AFF"));
   Report();
   Report(false, 99);
-  const Variant::Array known{"13", "Type mismatch", "tvxRT.dll 1.2.9", "tmrRT", true, 0};
-  Variant::Array unknown = known;
-  unknown[4] = Variant();
-  EXPECT_EQ(host.reports, (std::vector<Variant>{known, unknown}));
+  const HostValue::Array known{"13", "Type mismatch", "tvxRT.dll 1.2.9", "tmrRT", true, 0};
+  HostValue::Array unknown = known;
+  unknown[4] = HostValue();
+  EXPECT_EQ(host.reports, (std::vector<HostValue>{known, unknown}));
 }
 
 TEST_F(ErrorReporterTest, AnErrorWhileReportingReplacesTheBox) {

@@ -128,7 +128,8 @@ TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {
     EXPECT_EQ(folder.Read("logs/errors.log"), entry);
     EXPECT_EQ(folder.Read("logs/errors.old.log"), std::string(kLongestErrorLog, letter));
   }
-  Variant report(Variant::Array{"13", "Type mismatch", "tvxRT.dll 1.0.0", "tmrRT", Variant(), 4});
+  HostValue report(
+      HostValue::Array{"13", "Type mismatch", "tvxRT.dll 1.0.0", "tmrRT", HostValue(), 4});
   EXPECT_TRUE(utility.SendErrorReport(report) && utility.SendErrorReport(report));
   EXPECT_EQ(folder.Read("reports/2010-03-07 14-05-09 2.txt"),
             "Date: 2010-03-07 14:05:09\r\nError number: 13\r\nDescription: Type mismatch\r\n"

@@ -88,7 +88,7 @@ std::string WindowInterval(Scene& scene) {
 auto Menu(const char* item) {
   return [item](Scene& scene) { return scene.ClickMenu(item); };
 }
-auto Remote(PluginHarness::RemoteCall call, const Variant& data) {
+auto Remote(PluginHarness::RemoteCall call, const HostValue& data) {
   return [call, data](Scene& scene) { return scene.Remote(call, data); };
 }
 
@@ -179,7 +179,7 @@ class RandomLife : public PluginHarness {
     if (inWindow) {
       texts[at] = ChangeInWindow(kind, texts[at]);
     } else {
-      const Variant data(kind == 0 ? "<" + texts[at] + ">" : std::to_string(at));
+      const HostValue data(kind == 0 ? "<" + texts[at] + ">" : std::to_string(at));
       Remote(kCalls[kind], data, profile);
     }
     if (kind == 3) texts.erase(texts.begin() + static_cast<std::ptrdiff_t>(at));

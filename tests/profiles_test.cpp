@@ -47,7 +47,7 @@ TEST_F(ProfilesTest, FillsTheRecordAndTheAffiliateFlags) {
     EXPECT_EQ(record.IsAffiliate, affiliate) << code;
     EXPECT_EQ(record.IsAffiliate2, affiliate2) << code;
   }
-  Variant::Array data(8);
+  HostValue::Array data(8);
   for (std::size_t i = 0; i < data.size(); ++i) data[i] = static_cast<std::int32_t>(i);
   State().profiles.SetProfileData(1, data);
   const ProfileRecord& r = State().tables.Profiles(1);
@@ -57,13 +57,13 @@ TEST_F(ProfilesTest, FillsTheRecordAndTheAffiliateFlags) {
 }
 
 TEST_F(ProfilesTest, BadDataIsReportedAndKeepsWhatWasFilledBefore) {
-  Variant::Array data = *Data(1, "JO_2").AsArray();
+  HostValue::Array data = *Data(1, "JO_2").AsArray();
   data[pdat::kMessageTarget] = "port";
   State().profiles.SetProfileData(1, data);
   EXPECT_EQ(State().tables.Profiles(1).GameCode, "JO_2");
   EXPECT_EQ(State().tables.Profiles(1).ProfileFolder, "");
   State().profiles.SetProfileData(1, "no array");
-  State().profiles.SetProfileData(1, Variant::Array(7, Variant(1)));
+  State().profiles.SetProfileData(1, HostValue::Array(7, HostValue(1)));
   SetUpProfile(1);
   data = *Data(1, "JO").AsArray();
   data[pdat::kProfileFolder] = "..";

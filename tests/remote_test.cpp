@@ -24,7 +24,7 @@ class RemoteTest : public PluginTest {
     Load(inWindow ? 2 : 1);
     host.calls.clear();
   }
-  static Variant Pdat() { return Data(2, "JO"); }
+  static HostValue Pdat() { return Data(2, "JO"); }
   static constexpr RemoteCall kChanges[] = {
       &clsPlugin::AddMessageRem,      &clsPlugin::EnableRTRem,      &clsPlugin::ChangeIntervalRem,
       &clsPlugin::MoveMessageDownRem, &clsPlugin::MoveMessageUpRem, &clsPlugin::DeleteMessageRem};
@@ -109,8 +109,8 @@ TEST_F(RemoteTest, WhatTheControlsRefuseIsReportedForEveryProfile) {
 TEST_F(RemoteTest, ErrorsEndAnOperationUnderItsNameWithTheReplyAsItStood) {
   Start({"a", "b"});
   const std::string file = host.MessageFile(2);
-  for (const Variant& bad : {Variant(Variant::Missing{}), Variant(Variant::Null{}),
-                             Variant(Variant::Foreign{}), Variant(Variant::Array{})}) {
+  for (const HostValue& bad : {HostValue(HostValue::Missing{}), HostValue(HostValue::Null{}),
+                               HostValue(HostValue::Foreign{}), HostValue(HostValue::Array{})}) {
     for (const RemoteCall call : kChanges) EXPECT_EQ(Remote(call, bad), "");
   }
   EXPECT_EQ(host.logged.size(), 24U);
@@ -141,9 +141,10 @@ TEST_F(RemoteTest, AStoppedProfileIsRefused) {
 
 TEST_F(RemoteTest, TheLogLiesWhereTheFlagSays) {
   Start({});
-  Variant::Array data = *Pdat().AsArray();
+  HostValue::Array data = *Pdat().AsArray();
   const std::string own = "C:\\Host\\profiles\\srv2\\adminlogs\\2010-03-07.txt";
-  for (const Variant& flag : {Variant(false), Variant(1), Variant("True-ish"), Variant()}) {
+  for (const HostValue& flag :
+       {HostValue(false), HostValue(1), HostValue("True-ish"), HostValue()}) {
     data[pdat::kSharedLog] = flag;
     Plugin().AddMessageRem(2, data, "<a>");
     EXPECT_EQ(std::exchange(host.files[own], ""),
@@ -164,7 +165,7 @@ TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
   for (const std::string& text :
        {std::string("a\r\n[Options]\r\nEnable=1"), std::string("a\n2=b"), std::string("=x"),
         std::string("nul\0\x1B[2J\x07", 9), std::string(1 << 20, 'm')}) {
-    Variant::Array data = *Pdat().AsArray();
+    HostValue::Array data = *Pdat().AsArray();
     data[pdat::kAdministrator] = "eve\r\n[00:00:00]" + text;
     const std::size_t lines = Stored(2).size();
     EXPECT_EQ(Plugin().AddMessageRem(2, data, text), "") << text;  // raw: it is not encoded
@@ -180,7 +181,7 @@ TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
   }
   TakeErrors();
   for (const char* folder : {"..", "a\\..\\..\\b", "a/../b", ".. ", "...", "a\nb"}) {
-    Variant::Array data = *Pdat().AsArray();
+    HostValue::Array data = *Pdat().AsArray();
     data[pdat::kProfileFolder] = folder;
     data[pdat::kSharedLog] = false;
     Plugin().AddMessageRem(2, data, "<text>");

@@ -65,29 +65,29 @@ TEST(Conversions, TextsToWholeNumbers) {
 }
 
 TEST(Conversions, KindsToKinds) {
-  EXPECT_EQ(ToText(Variant()), "");
-  EXPECT_EQ(ToText(Variant(true)), "True");
-  EXPECT_EQ(ToText(Variant(0.5)), "0.5");
-  EXPECT_EQ(ToText(Variant(std::int16_t{-3})), "-3");
-  EXPECT_EQ(ToLong(Variant(true)), -1);
-  EXPECT_EQ(ToLong(Variant()), 0);
-  EXPECT_EQ(ToLong(Variant(1.5)), 2);
-  EXPECT_EQ(ErrorOf([] { ToInteger(Variant(32768)); }), 6);
-  EXPECT_EQ(ToBoolean(Variant("false")), false);
-  EXPECT_EQ(ToBoolean(Variant("2")), true);
-  for (const Variant& none :
-       {Variant(Variant::Missing{}), Variant(Variant::Foreign{}), Variant(Variant::Array{})}) {
+  EXPECT_EQ(ToText(HostValue()), "");
+  EXPECT_EQ(ToText(HostValue(true)), "True");
+  EXPECT_EQ(ToText(HostValue(0.5)), "0.5");
+  EXPECT_EQ(ToText(HostValue(std::int16_t{-3})), "-3");
+  EXPECT_EQ(ToLong(HostValue(true)), -1);
+  EXPECT_EQ(ToLong(HostValue()), 0);
+  EXPECT_EQ(ToLong(HostValue(1.5)), 2);
+  EXPECT_EQ(ErrorOf([] { ToInteger(HostValue(32768)); }), 6);
+  EXPECT_EQ(ToBoolean(HostValue("false")), false);
+  EXPECT_EQ(ToBoolean(HostValue("2")), true);
+  for (const HostValue& none : {HostValue(HostValue::Missing{}), HostValue(HostValue::Foreign{}),
+                                HostValue(HostValue::Array{})}) {
     EXPECT_EQ(ErrorOf([&] { ToText(none); }), 13);
     EXPECT_EQ(ErrorOf([&] { ToLong(none); }), 13);
   }
-  EXPECT_EQ(ErrorOf([] { ToText(Variant(Variant::Null{})); }), 94);
-  EXPECT_EQ(ErrorOf([] { Variant("text").At(0); }), 13);
-  EXPECT_EQ(ErrorOf([] { Variant(Variant::Array(2)).At(2); }), 9);
-  for (const Variant& truth :
-       {Variant(true), Variant(-1), Variant(std::int16_t{-1}), Variant(-1.0)}) {
+  EXPECT_EQ(ErrorOf([] { ToText(HostValue(HostValue::Null{})); }), 94);
+  EXPECT_EQ(ErrorOf([] { HostValue("text").At(0); }), 13);
+  EXPECT_EQ(ErrorOf([] { HostValue(HostValue::Array(2)).At(2); }), 9);
+  for (const HostValue& truth :
+       {HostValue(true), HostValue(-1), HostValue(std::int16_t{-1}), HostValue(-1.0)}) {
     EXPECT_TRUE(EqualsTrue(truth));
   }
-  EXPECT_FALSE(EqualsTrue(Variant(1)) || EqualsTrue(Variant("yes")) || EqualsTrue(Variant()));
+  EXPECT_FALSE(EqualsTrue(HostValue(1)) || EqualsTrue(HostValue("yes")) || EqualsTrue(HostValue()));
 }
 
 TEST(Conversions, NumbersToTexts) {

@@ -76,7 +76,7 @@ class PluginWindow {
       : scene_(scene), plugin_(hostFolder, scene.Files()) {}
   ~PluginWindow() { plugin_.UnLoadInterface(); }
   void Show() {
-    Variant::Array data(pdat::kSize);
+    HostValue::Array data(pdat::kSize);
     data[pdat::kGameCode] = "JO";
     data[pdat::kProcessHandle] = 101;
     data[pdat::kMessageTarget] = "4001";

@@ -103,7 +103,7 @@ Whole RoundTo(double number) {
 
 }  // namespace
 
-std::string ToText(const Variant& value) {
+std::string ToText(const HostValue& value) {
   return std::visit(
       Overloaded{
           [](std::monostate) { return std::string(); },
@@ -112,18 +112,18 @@ std::string ToText(const Variant& value) {
           [](std::int32_t number) { return std::to_string(number); },
           [](double number) { return FormatNumber(number); },
           [](const std::string& text) { return text; },
-          [](Variant::Null) -> std::string { throw RuntimeError(ErrorNumber::InvalidUseOfNull); },
+          [](HostValue::Null) -> std::string { throw RuntimeError(ErrorNumber::InvalidUseOfNull); },
           [](const auto&) -> std::string { RaiseMismatch(); },
       },
       value.Get());
 }
 
-std::string ToText(Variant&& value) {
+std::string ToText(HostValue&& value) {
   std::string* const text = value.AsText();
   return text != nullptr ? std::move(*text) : ToText(std::as_const(value));
 }
 
-double ToDouble(const Variant& value) {
+double ToDouble(const HostValue& value) {
   return std::visit(
       Overloaded{
           [](std::monostate) { return 0.0; },
@@ -132,13 +132,13 @@ double ToDouble(const Variant& value) {
           [](std::int32_t number) { return static_cast<double>(number); },
           [](double number) { return number; },
           [](const std::string& text) { return ParseNumber(text); },
-          [](Variant::Null) -> double { throw RuntimeError(ErrorNumber::InvalidUseOfNull); },
+          [](HostValue::Null) -> double { throw RuntimeError(ErrorNumber::InvalidUseOfNull); },
           [](const auto&) -> double { RaiseMismatch(); },
       },
       value.Get());
 }
 
-bool ToBoolean(const Variant& value) {
+bool ToBoolean(const HostValue& value) {
   if (const auto* text = std::get_if<std::string>(&value.Get())) {
     if (EqualsIgnoringCase(*text, "True")) return true;
     if (EqualsIgnoringCase(*text, "False")) return false;
@@ -146,10 +146,10 @@ bool ToBoolean(const Variant& value) {
   return ToDouble(value) != 0;
 }
 
-std::int32_t ToLong(const Variant& value) {
+std::int32_t ToLong(const HostValue& value) {
   return RoundTo<std::int32_t>(ToDouble(value));
 }
-std::int16_t ToInteger(const Variant& value) {
+std::int16_t ToInteger(const HostValue& value) {
   return RoundTo<std::int16_t>(ToDouble(value));
 }
 std::int32_t RoundToLong(double number) {
@@ -165,9 +165,9 @@ bool IsNumeric(std::string_view text) {
   }
 }
 
-bool EqualsTrue(const Variant& value) {
-  return value == Variant(true) || value == Variant(std::int16_t{-1}) ||
-         value == Variant(std::int32_t{-1}) || value == Variant(-1.0);
+bool EqualsTrue(const HostValue& value) {
+  return value == HostValue(true) || value == HostValue(std::int16_t{-1}) ||
+         value == HostValue(std::int32_t{-1}) || value == HostValue(-1.0);
 }
 
 std::string FormatNumber(double number) {

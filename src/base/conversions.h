@@ -11,17 +11,17 @@
 #include <string>
 #include <string_view>
 
-#include "base/variant.h"
+#include "base/host_value.h"
 
 namespace rotacasts {
 
-std::string ToText(const Variant& value);
+std::string ToText(const HostValue& value);
 /// The same, with the text itself where it is one.
-std::string ToText(Variant&& value);
-std::int32_t ToLong(const Variant& value);
-std::int16_t ToInteger(const Variant& value);
-double ToDouble(const Variant& value);
-bool ToBoolean(const Variant& value);
+std::string ToText(HostValue&& value);
+std::int32_t ToLong(const HostValue& value);
+std::int16_t ToInteger(const HostValue& value);
+double ToDouble(const HostValue& value);
+bool ToBoolean(const HostValue& value);
 
 /// The 32-bit whole number nearest to `number`, halves to the even neighbour, or error 6.
 std::int32_t RoundToLong(double number);
@@ -29,7 +29,7 @@ std::int32_t RoundToLong(double number);
 /// Whether the text converts to a number. The empty text does not.
 bool IsNumeric(std::string_view text);
 /// Whether the value equals True: the boolean, or the number -1 that stands for it.
-bool EqualsTrue(const Variant& value);
+bool EqualsTrue(const HostValue& value);
 
 /// Plain decimal with up to 15 significant digits and "." as the decimal point: 2, 0.5, -33.33.
 std::string FormatNumber(double number);

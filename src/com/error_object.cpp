@@ -11,21 +11,21 @@ constexpr const char* kOwnSource = "tvxRT";
 
 struct PropertyRow {
   const wchar_t* name;
-  Variant (*value)(const RuntimeError& error);
+  HostValue (*value)(const RuntimeError& error);
 };
 
 // A property's identifier is its place here, so the first one is the default one.
 constexpr PropertyRow kProperties[] = {
-    {L"Number", [](const RuntimeError& error) { return Variant(error.number); }},
+    {L"Number", [](const RuntimeError& error) { return HostValue(error.number); }},
     {L"Source",
      [](const RuntimeError& error) {
-       return Variant(error.source.empty() ? kOwnSource : error.source);
+       return HostValue(error.source.empty() ? kOwnSource : error.source);
      }},
-    {L"Description", [](const RuntimeError& error) { return Variant(error.description); }},
-    {L"HelpFile", [](const RuntimeError& error) { return Variant(error.helpFile); }},
-    {L"HelpContext", [](const RuntimeError& error) { return Variant(error.helpContext); }},
+    {L"Description", [](const RuntimeError& error) { return HostValue(error.description); }},
+    {L"HelpFile", [](const RuntimeError& error) { return HostValue(error.helpFile); }},
+    {L"HelpContext", [](const RuntimeError& error) { return HostValue(error.helpContext); }},
     // The plugin takes no function of the system's for an error of its own.
-    {L"LastDllError", [](const RuntimeError&) { return Variant(std::int32_t{0}); }},
+    {L"LastDllError", [](const RuntimeError&) { return HostValue(std::int32_t{0}); }},
 };
 static_assert(DISPID_VALUE == 0);
 
@@ -54,7 +54,7 @@ class ErrorObject final : public CountedObject<IDispatch> {
     if (static_cast<std::size_t>(member) >= std::size(kProperties)) return DISP_E_MEMBERNOTFOUND;
     if (result == nullptr) return S_OK;
     try {
-      *result = ToVariant(kProperties[member].value(error_)).Release();
+      *result = ToComVariant(kProperties[member].value(error_)).Release();
       return S_OK;
     } catch (...) {
       return E_OUTOFMEMORY;

@@ -99,7 +99,7 @@ class NumberArgument {
 /// By value: any other value.
 class ValueArgument {
  public:
-  explicit ValueArgument(const Variant& value) : value_(ToVariant(value)) {}
+  explicit ValueArgument(const HostValue& value) : value_(ToComVariant(value)) {}
   void Put(VARIANT& place) const { place = value_.Get(); }
   void WriteBack() const {}
 

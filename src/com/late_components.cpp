@@ -8,21 +8,21 @@ namespace rotacasts::win32 {
 namespace {
 
 std::int32_t LongOf(const ComVariant& value) {
-  return value.Get().vt == VT_I4 ? value.Get().lVal : ToLong(FromVariant(value.Get()));
+  return value.Get().vt == VT_I4 ? value.Get().lVal : ToLong(ToHostValue(value.Get()));
 }
 
 std::string TextOf(const ComVariant& value) {
-  return ToText(FromVariant(value.Get()));
+  return ToText(ToHostValue(value.Get()));
 }
 
 /// The elements of an array of texts.
 std::vector<std::string> TextsOf(const ComVariant& value) {
-  const Variant array = FromVariant(value.Get());
-  const Variant::Array* elements = array.AsArray();
+  const HostValue array = ToHostValue(value.Get());
+  const HostValue::Array* elements = array.AsArray();
   if (elements == nullptr) throw RuntimeError(ErrorNumber::TypeMismatch);
   std::vector<std::string> texts;
   texts.reserve(elements->size());
-  for (const Variant& element : *elements) texts.push_back(ToText(element));
+  for (const HostValue& element : *elements) texts.push_back(ToText(element));
   return texts;
 }
 
@@ -79,8 +79,8 @@ class LateUtility final : public UtilityComponent {
   std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override {
     return TextsOf(getIniSection_(TextArgument(section), TextReference(file)));
   }
-  Variant ParseIniKey(std::string&& line, bool asPair) override {
-    return FromVariant(parseIniKey_(TextArgument(line), ValueArgument(asPair)).Get());
+  HostValue ParseIniKey(std::string&& line, bool asPair) override {
+    return ToHostValue(parseIniKey_(TextArgument(line), ValueArgument(asPair)).Get());
   }
   std::vector<std::string> ReadFile(std::string& file) override {
     return TextsOf(readFile_(TextReference(file)));
@@ -98,11 +98,11 @@ class LateUtility final : public UtilityComponent {
     logError_(TextArgument(module), TextReference(procedure), VariantReference(owned),
               NumberReference(line));
   }
-  bool SendErrorReport(Variant& report) override {
-    const Variant::Array* elements = report.AsArray();
+  bool SendErrorReport(HostValue& report) override {
+    const HostValue::Array* elements = report.AsArray();
     if (elements == nullptr) throw RuntimeError(ErrorNumber::TypeMismatch);
-    ComVariant array = ToVariantArray(*elements);
-    return ToBoolean(FromVariant(sendErrorReport_(VariantReference(array)).Get()));
+    ComVariant array = ToComVariantArray(*elements);
+    return ToBoolean(ToHostValue(sendErrorReport_(VariantReference(array)).Get()));
   }
 
  private:
@@ -120,10 +120,10 @@ class LateUtility final : public UtilityComponent {
 class LateFileSystem final : public FileSystemObject {
  public:
   bool FileExists(const std::string& path) override {
-    return ToBoolean(FromVariant(fileExists_(TextArgument(path)).Get()));
+    return ToBoolean(ToHostValue(fileExists_(TextArgument(path)).Get()));
   }
   bool FolderExists(const std::string& path) override {
-    return ToBoolean(FromVariant(folderExists_(TextArgument(path)).Get()));
+    return ToBoolean(ToHostValue(folderExists_(TextArgument(path)).Get()));
   }
   void CreateFolder(const std::string& path) override { createFolder_(TextArgument(path)); }
   void CreateTextFile(const std::string& path) override {

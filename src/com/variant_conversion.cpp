@@ -8,25 +8,25 @@ namespace {
 // Deeper nesting is no data: a by-reference VARIANT can even refer to itself.
 constexpr int kDeepest = 8;
 
-Variant From(const VARIANT& value, int depth);
+HostValue From(const VARIANT& value, int depth);
 
 /// A whole number as the smallest kind that the core has for it.
-Variant FromWhole(std::int64_t number) {
+HostValue FromWhole(std::int64_t number) {
   if (number >= INT32_MIN && number <= INT32_MAX) return static_cast<std::int32_t>(number);
   return static_cast<double>(number);
 }
 
-Variant FromArray(SAFEARRAY* array, VARTYPE kind, int depth) {
+HostValue FromArray(SAFEARRAY* array, VARTYPE kind, int depth) {
   LONG lower = 0;
   LONG upper = -1;
   if (array == nullptr || ::SafeArrayGetDim(array) != 1 ||
       FAILED(::SafeArrayGetLBound(array, 1, &lower)) ||
       FAILED(::SafeArrayGetUBound(array, 1, &upper))) {
-    return Variant::Foreign{};
+    return HostValue::Foreign{};
   }
   const LONG before = std::max<LONG>(lower, 0);
-  Variant::Array elements(static_cast<std::size_t>(std::min<LONG>(before, upper + 1)),
-                          Variant(Variant::Missing{}));
+  HostValue::Array elements(static_cast<std::size_t>(std::min<LONG>(before, upper + 1)),
+                            HostValue(HostValue::Missing{}));
   void* data = nullptr;
   if (upper < before || FAILED(::SafeArrayAccessData(array, &data))) return elements;
   auto* element =
@@ -43,23 +43,23 @@ Variant FromArray(SAFEARRAY* array, VARTYPE kind, int depth) {
 }
 
 /// Kinds that the system itself knows how to express as a number or a text.
-Variant FromConverted(const VARIANT& value, VARTYPE wanted) {
+HostValue FromConverted(const VARIANT& value, VARTYPE wanted) {
   ComVariant converted;
   if (FAILED(::VariantChangeType(converted.Address(), const_cast<VARIANT*>(&value), 0, wanted)))
-    return Variant::Foreign{};
+    return HostValue::Foreign{};
   if (wanted == VT_R8) return converted.Get().dblVal;
   return FromBstr(converted.Get().bstrVal);
 }
 
-Variant FromPlain(const VARIANT& value, int depth) {
+HostValue FromPlain(const VARIANT& value, int depth) {
   switch (value.vt) {
     case VT_EMPTY:
       return {};
     case VT_NULL:
-      return Variant::Null{};
+      return HostValue::Null{};
     case VT_ERROR:
-      if (value.scode == DISP_E_PARAMNOTFOUND) return Variant::Missing{};
-      return Variant::Foreign{};
+      if (value.scode == DISP_E_PARAMNOTFOUND) return HostValue::Missing{};
+      return HostValue::Foreign{};
     case VT_BOOL:
       return value.boolVal != VARIANT_FALSE;
     case VT_I1:
@@ -94,13 +94,13 @@ Variant FromPlain(const VARIANT& value, int depth) {
       if ((value.vt & VT_ARRAY) != 0) {
         return FromArray(value.parray, static_cast<VARTYPE>(value.vt & ~VT_ARRAY), depth);
       }
-      return Variant::Foreign{};
+      return HostValue::Foreign{};
   }
 }
 
 /// What a by-reference VARIANT refers to, as a plain one that owns nothing.
-Variant FromReference(const VARIANT& value, int depth) {
-  if (value.byref == nullptr) return Variant::Foreign{};
+HostValue FromReference(const VARIANT& value, int depth) {
+  if (value.byref == nullptr) return HostValue::Foreign{};
   const auto kind = static_cast<VARTYPE>(value.vt & ~VT_BYREF);
   if (kind == VT_VARIANT) return From(*value.pvarVal, depth + 1);
   VARIANT target;
@@ -136,15 +136,15 @@ Variant FromReference(const VARIANT& value, int depth) {
         target.llVal = *value.pllVal;
         break;
       default:
-        return Variant::Foreign{};
+        return HostValue::Foreign{};
     }
   }
   target.vt = kind;
   return FromPlain(target, depth);
 }
 
-Variant From(const VARIANT& value, int depth) {
-  if (depth > kDeepest) return Variant::Foreign{};
+HostValue From(const VARIANT& value, int depth) {
+  if (depth > kDeepest) return HostValue::Foreign{};
   return (value.vt & VT_BYREF) != 0 ? FromReference(value, depth) : FromPlain(value, depth);
 }
 
@@ -157,7 +157,7 @@ VARIANT OfKind(VARTYPE kind) {
 
 /// Fills one element of a new array.
 template <class Element, class Fill>
-ComVariant MakeArray(const Variant::Array& elements, VARTYPE kind, Fill fill) {
+ComVariant MakeArray(const HostValue::Array& elements, VARTYPE kind, Fill fill) {
   ComVariant result;
   SAFEARRAY* array = ::SafeArrayCreateVector(kind, 0, static_cast<ULONG>(elements.size()));
   if (array == nullptr) throw RuntimeError(ErrorNumber::OutOfMemory);
@@ -170,12 +170,12 @@ ComVariant MakeArray(const Variant::Array& elements, VARTYPE kind, Fill fill) {
 
 struct Converter {
   ComVariant operator()(std::monostate) const { return {}; }
-  ComVariant operator()(Variant::Missing) const {
+  ComVariant operator()(HostValue::Missing) const {
     VARIANT value = OfKind(VT_ERROR);
     value.scode = DISP_E_PARAMNOTFOUND;
     return ComVariant(value);
   }
-  ComVariant operator()(Variant::Null) const { return ComVariant(OfKind(VT_NULL)); }
+  ComVariant operator()(HostValue::Null) const { return ComVariant(OfKind(VT_NULL)); }
   ComVariant operator()(bool truth) const {
     VARIANT value = OfKind(VT_BOOL);
     value.boolVal = truth ? VARIANT_TRUE : VARIANT_FALSE;
@@ -202,31 +202,32 @@ struct Converter {
     value.bstrVal = copy.Release();
     return ComVariant(value);
   }
-  ComVariant operator()(const Variant::Array& elements) const {
-    const bool textsOnly = std::all_of(
-        elements.begin(), elements.end(),
-        [](const Variant& element) { return std::holds_alternative<std::string>(element.Get()); });
-    if (!textsOnly || elements.empty()) return ToVariantArray(elements);
-    return MakeArray<BSTR>(elements, VT_BSTR, [](BSTR& slot, const Variant& element) {
+  ComVariant operator()(const HostValue::Array& elements) const {
+    const bool textsOnly =
+        std::all_of(elements.begin(), elements.end(), [](const HostValue& element) {
+          return std::holds_alternative<std::string>(element.Get());
+        });
+    if (!textsOnly || elements.empty()) return ToComVariantArray(elements);
+    return MakeArray<BSTR>(elements, VT_BSTR, [](BSTR& slot, const HostValue& element) {
       slot = Bstr(std::get<std::string>(element.Get())).Release();
     });
   }
-  ComVariant operator()(Variant::Foreign) const { return {}; }
+  ComVariant operator()(HostValue::Foreign) const { return {}; }
 };
 
 }  // namespace
 
-Variant FromVariant(const VARIANT& value) {
+HostValue ToHostValue(const VARIANT& value) {
   return From(value, 0);
 }
 
-ComVariant ToVariant(const Variant& value) {
+ComVariant ToComVariant(const HostValue& value) {
   return std::visit(Converter{}, value.Get());
 }
 
-ComVariant ToVariantArray(const Variant::Array& elements) {
-  return MakeArray<VARIANT>(elements, VT_VARIANT, [](VARIANT& slot, const Variant& element) {
-    slot = ToVariant(element).Release();
+ComVariant ToComVariantArray(const HostValue::Array& elements) {
+  return MakeArray<VARIANT>(elements, VT_VARIANT, [](VARIANT& slot, const HostValue& element) {
+    slot = ToComVariant(element).Release();
   });
 }
 

@@ -12,7 +12,7 @@
 namespace rotacasts::win32 {
 namespace {
 
-using Arguments = std::vector<Variant>;
+using Arguments = std::vector<HostValue>;
 using enum ParameterKind;
 
 constexpr Parameter kOfLoad[] = {
@@ -23,12 +23,12 @@ constexpr Parameter kOfDisable[] = {{L"Index", Number}};
 constexpr Parameter kOfRemote[] = {{L"Index", Number}, {L"PDAT", Any}, {L"Data", Any, true}};
 
 /// An omitted text is an empty one.
-std::string TextOr(const Variant& argument) {
-  return argument == Variant(Variant::Missing{}) ? std::string() : ToText(argument);
+std::string TextOr(const HostValue& argument) {
+  return argument == HostValue(HostValue::Missing{}) ? std::string() : ToText(argument);
 }
 
 template <std::size_t Operation>
-Variant CallRemote(clsPlugin& plugin, const Arguments& arguments) {
+HostValue CallRemote(clsPlugin& plugin, const Arguments& arguments) {
   return (plugin.*kRemoteOperations[Operation].call)(ToLong(arguments[0]), arguments[1],
                                                      arguments[2]);
 }
@@ -43,22 +43,22 @@ constexpr MemberRow kOwnMembers[] = {
      [](clsPlugin& plugin, const Arguments& arguments) {
        plugin.LoadInterface(ToLong(arguments[0]), ToLong(arguments[1]), arguments[2],
                             TextOr(arguments[3]));
-       return Variant();
+       return HostValue();
      }},
     {kUnLoadInterface, "UnLoadInterface", kOfUnload,
      [](clsPlugin& plugin, const Arguments& arguments) {
        plugin.UnLoadInterface(TextOr(arguments[0]));
-       return Variant();
+       return HostValue();
      }},
     {kDisableProfile, "DisableProfile", kOfDisable,
      [](clsPlugin& plugin, const Arguments& arguments) {
        plugin.DisableProfile(ToLong(arguments[0]));
-       return Variant();
+       return HostValue();
      }},
     {kHideInterface, "HideInterface", kOfHide,
      [](clsPlugin& plugin, const Arguments& arguments) {
        plugin.HideInterface(TextOr(arguments[0]));
-       return Variant();
+       return HostValue();
      }},
 };
 
@@ -88,7 +88,7 @@ HRESULT Locate(const MemberRow& member, const DISPPARAMS& call, std::vector<int>
   return S_OK;
 }
 
-Variant Converted(const Variant& value, ParameterKind kind) {
+HostValue Converted(const HostValue& value, ParameterKind kind) {
   switch (kind) {
     case Number:
       return ToLong(value);
@@ -124,12 +124,12 @@ HRESULT CollectArguments(const MemberRow& member, const DISPPARAMS& parameters,
   std::vector<int> places;
   const HRESULT located = Locate(member, parameters, places);
   if (FAILED(located)) return located;
-  arguments.assign(places.size(), Variant(Variant::Missing{}));
+  arguments.assign(places.size(), HostValue(HostValue::Missing{}));
   for (std::size_t i = 0; i < places.size(); ++i) {
     const Parameter& parameter = member.parameters[i];
-    Variant value = Variant::Missing{};
-    if (places[i] >= 0) value = FromVariant(parameters.rgvarg[places[i]]);
-    if (value == Variant(Variant::Missing{})) {
+    HostValue value = HostValue::Missing{};
+    if (places[i] >= 0) value = ToHostValue(parameters.rgvarg[places[i]]);
+    if (value == HostValue(HostValue::Missing{})) {
       if (!parameter.optional) return DISP_E_PARAMNOTOPTIONAL;
       continue;
     }

@@ -24,7 +24,7 @@ struct MemberRow {
   const char* name;
   std::span<const Parameter> parameters;
   /// `arguments` has an element for each parameter, an omitted one missing.
-  Variant (*call)(clsPlugin& plugin, const std::vector<Variant>& arguments);
+  HostValue (*call)(clsPlugin& plugin, const std::vector<HostValue>& arguments);
 };
 
 std::span<const MemberRow> Members();
@@ -36,6 +36,6 @@ const MemberRow* FindMember(const wchar_t* name);
 /// omitted optional one is missing. Returns a failure code of the dispatch mechanism, and in
 /// `badArgument` which argument it is about.
 HRESULT CollectArguments(const MemberRow& member, const DISPPARAMS& parameters,
-                         std::vector<Variant>& arguments, UINT* badArgument);
+                         std::vector<HostValue>& arguments, UINT* badArgument);
 
 }  // namespace rotacasts::win32

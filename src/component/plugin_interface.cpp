@@ -11,7 +11,7 @@ void FillRecord(const PLUGIN& plugin, PluginRecord& record) {
   };
   struct VariantRow {
     VARIANT PluginRecord::*field;
-    Variant PLUGIN::*value;
+    HostValue PLUGIN::*value;
   };
   struct FlagRow {
     VARIANT_BOOL PluginRecord::*field;
@@ -47,7 +47,7 @@ void FillRecord(const PLUGIN& plugin, PluginRecord& record) {
   }
   for (const TextRow& row : kTexts) record.*row.field = Bstr(plugin.*row.value).Release();
   for (const VariantRow& row : kVariants) {
-    record.*row.field = ToVariant(plugin.*row.value).Release();
+    record.*row.field = ToComVariant(plugin.*row.value).Release();
   }
 }
 

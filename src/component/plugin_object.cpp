@@ -150,15 +150,15 @@ HRESULT PluginObject::Invoke(DISPID id, REFIID interfaceId, LCID, WORD flags,
   if (member == nullptr || (flags & DISPATCH_METHOD) == 0) return DISP_E_MEMBERNOTFOUND;
   HRESULT collected = S_OK;
   const HRESULT outcome = Contain(this, [&] {
-    std::vector<Variant> arguments;
+    std::vector<HostValue> arguments;
     collected = CollectArguments(*member, *parameters, arguments, badArgument);
     if (FAILED(collected)) return;
     if (member->id == kGetData) {
       collected = GetDataAsVariant(result);
       return;
     }
-    const Variant value = member->call(plugin_, arguments);
-    if (result != nullptr) *result = ToVariant(value).Release();
+    const HostValue value = member->call(plugin_, arguments);
+    if (result != nullptr) *result = ToComVariant(value).Release();
   });
   if (FAILED(collected)) return collected;
   if (SUCCEEDED(outcome)) return S_OK;
@@ -177,12 +177,12 @@ HRESULT PluginObject::GetData(PluginRecord* result) {
 HRESULT PluginObject::GetPrivis(VARIANT* result) {
   if (result == nullptr) return E_POINTER;
   ::VariantInit(result);
-  return Contain(this, [&] { *result = ToVariant(plugin_.GetPrivis()).Release(); });
+  return Contain(this, [&] { *result = ToComVariant(plugin_.GetPrivis()).Release(); });
 }
 
 HRESULT PluginObject::LoadInterface(LONG Index, LONG PHWND, VARIANT PDAT, BSTR fName) {
   return Contain(this,
-                 [&] { plugin_.LoadInterface(Index, PHWND, FromVariant(PDAT), FromBstr(fName)); });
+                 [&] { plugin_.LoadInterface(Index, PHWND, ToHostValue(PDAT), FromBstr(fName)); });
 }
 
 HRESULT PluginObject::UnLoadInterface(BSTR fName) {
@@ -202,7 +202,7 @@ HRESULT PluginObject::CallRemote(decltype(RemoteOperation::call) operation, LONG
   if (result == nullptr) return E_POINTER;
   *result = nullptr;
   return Contain(this, [&] {
-    const std::string reply = (plugin_.*operation)(Index, FromVariant(PDAT), FromVariant(Data));
+    const std::string reply = (plugin_.*operation)(Index, ToHostValue(PDAT), ToHostValue(Data));
     *result = Bstr(reply).Release();
   });
 }

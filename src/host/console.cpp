@@ -268,7 +268,7 @@ void Console::PrintRemote(Arguments& arguments) {
   const std::int32_t profile = arguments.Number();
   const std::string operation = arguments.Word();
   const std::optional<std::string> data = arguments.Rest();
-  const Variant value = data ? Variant(*data) : Variant(Variant::Missing{});
+  const HostValue value = data ? HostValue(*data) : HostValue(HostValue::Missing{});
   const HostedPlugin::Reply reply = host_.Remote(profile, operation, value);
   for (const std::string& problem : reply.problems) out_ << problem << "\n";
   out_ << '"' << reply.text << "\"\n";

@@ -121,8 +121,8 @@ void HostProfiles::Record(std::string procedure, const std::string& words) const
 } catch (const RuntimeError&) {  // it has been told
 }
 
-Variant::Array HostProfiles::DataOf(const ProfileSettings& profile) const {
-  Variant::Array data(pdat::kSize);
+HostValue::Array HostProfiles::DataOf(const ProfileSettings& profile) const {
+  HostValue::Array data(pdat::kSize);
   data[pdat::kData0] = profile.folder;
   data[pdat::kGameCode] = profile.gameCode;
   data[pdat::kProcessHandle] = handles_.at(profile.index);

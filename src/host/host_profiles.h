@@ -33,7 +33,7 @@ class HostProfiles {
   const std::map<std::int32_t, ProfileSettings>& All() const { return profiles_; }
   const ProfileSettings& At(std::int32_t index) const;
   /// The elements of the profile data array that describe the profile.
-  Variant::Array DataOf(const ProfileSettings& profile) const;
+  HostValue::Array DataOf(const ProfileSettings& profile) const;
 
   /// Reads one profile.ini again.
   const ProfileSettings& ReadAnew(std::int32_t index);

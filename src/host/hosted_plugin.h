@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "base/variant.h"
+#include "base/host_value.h"
 #include "platform/toolkit.h"
 #include "plugin/cls_plugin.h"
 
@@ -35,7 +35,7 @@ class HostedPlugin {
   virtual ~HostedPlugin() = default;
 
   virtual void LoadInterface(std::int32_t index, forms::WindowHandle parent,
-                             const Variant& data) = 0;
+                             const HostValue& data) = 0;
   virtual void HideInterface() = 0;
   virtual void UnLoadInterface() = 0;
   virtual void DisableProfile(std::int32_t index) = 0;
@@ -46,8 +46,8 @@ class HostedPlugin {
     std::vector<std::string> problems;
     bool isStored = true;  // false: what it was to change is as before, for a reason among problems
   };
-  virtual Reply Remote(const RemoteOperation& operation, std::int32_t index, const Variant& data,
-                       const Variant& value) = 0;
+  virtual Reply Remote(const RemoteOperation& operation, std::int32_t index, const HostValue& data,
+                       const HostValue& value) = 0;
 
   /// How far a profile's broadcasts have come, and what they go by. The plugin alone knows: nothing
   /// is answered where its insides are not at hand.

@@ -45,8 +45,9 @@ void RefuseLong(const std::string& text) {
 
 }  // namespace
 
-Variant ServerHost::DataOf(const ProfileSettings& profile, const std::string& administrator) const {
-  Variant::Array data = profiles_.DataOf(profile);
+HostValue ServerHost::DataOf(const ProfileSettings& profile,
+                             const std::string& administrator) const {
+  HostValue::Array data = profiles_.DataOf(profile);
   data[pdat::kAdministrator] = administrator.empty() ? options_.administrator : administrator;
   data[pdat::kSharedLog] = options_.sharedLog;
   const PluginArea area = site_.Area();
@@ -100,7 +101,7 @@ HostProfiles::Changes ServerHost::Reload() {
 }
 
 HostedPlugin::Reply ServerHost::Remote(std::int32_t index, std::string_view operation,
-                                       const Variant& value, const std::string& administrator) {
+                                       const HostValue& value, const std::string& administrator) {
   return plugin_.Remote(FindOperation(operation), index, DataOf(profiles_.At(index), administrator),
                         value);
 }

@@ -43,7 +43,7 @@ class ServerHost {
 
   /// Passes a remote operation to the plugin, `value` as it stands, in the name of an
   /// administrator; no name: the console's.
-  HostedPlugin::Reply Remote(std::int32_t index, std::string_view operation, const Variant& value,
+  HostedPlugin::Reply Remote(std::int32_t index, std::string_view operation, const HostValue& value,
                              const std::string& administrator = {});
   // The same for people: values that are checked before anything is written, and the outcome in
   // words. Error 5 with the reason when nothing has been changed.
@@ -69,7 +69,7 @@ class ServerHost {
 
  private:
   /// The profile data array that the host hands to the plugin.
-  Variant DataOf(const ProfileSettings& profile, const std::string& administrator) const;
+  HostValue DataOf(const ProfileSettings& profile, const std::string& administrator) const;
   void Load(const ProfileSettings& profile);
   /// Error 5, with the way out, for a profile that is stopped.
   void RequireStarted(std::int32_t index) const;

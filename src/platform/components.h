@@ -12,7 +12,7 @@
 #include <variant>
 #include <vector>
 
-#include "base/variant.h"
+#include "base/host_value.h"
 
 namespace rotacasts {
 
@@ -63,7 +63,7 @@ class UtilityComponent {
   virtual std::vector<std::string> GetIniSection(const std::string& section, std::string& file) = 0;
   /// Splits such a line at its first "=": the array of key and value, or the value alone. The line
   /// may be used up, unless an error is raised.
-  virtual Variant ParseIniKey(std::string&& line, bool asPair) = 0;
+  virtual HostValue ParseIniKey(std::string&& line, bool asPair) = 0;
 
   /// The lines of a text file.
   virtual std::vector<std::string> ReadFile(std::string& file) = 0;
@@ -74,7 +74,7 @@ class UtilityComponent {
   virtual void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                         std::int32_t& line) = 0;
   /// Sends a six-element error report on; true when it was delivered.
-  virtual bool SendErrorReport(Variant& report) = 0;
+  virtual bool SendErrorReport(HostValue& report) = 0;
 };
 
 /// The platform's file-system object. Paths are full ones with backslashes.

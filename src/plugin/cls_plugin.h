@@ -20,10 +20,10 @@ class clsPlugin {
   /// The plugin's descriptor; needs nothing set up, like GetPrivis.
   PLUGIN GetData() const { return DescribePlugin(state_.services.Version()); }
   /// The privileges that an administrator can be granted.
-  Variant GetPrivis() const { return DescribePrivileges(); }
+  HostValue GetPrivis() const { return DescribePrivileges(); }
 
   /// Shows the profile's settings inside the host window `PHWND` and starts its broadcasts.
-  void LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, const Variant& PDAT,
+  void LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, const HostValue& PDAT,
                      const std::string& fName = {}) {
     static_cast<void>(fName);
     state_.embedding.LoadInterface(Index, PHWND, PDAT);
@@ -43,36 +43,37 @@ class clsPlugin {
 
   // What a remote administrator asks for, through the host: RemoteCommands says what each takes and
   // answers. `Data` is omitted where it is not read.
-  std::string GetMessagesRem(std::int32_t Index, const Variant& PDAT,
-                             const Variant& Data = kOmitted) {
+  std::string GetMessagesRem(std::int32_t Index, const HostValue& PDAT,
+                             const HostValue& Data = kOmitted) {
     static_cast<void>(Data);
     return state_.remote.GetMessagesRem(Index, PDAT);
   }
-  std::string AddMessageRem(std::int32_t Index, const Variant& PDAT,
-                            const Variant& Data = kOmitted) {
+  std::string AddMessageRem(std::int32_t Index, const HostValue& PDAT,
+                            const HostValue& Data = kOmitted) {
     return state_.remote.AddMessageRem(Index, PDAT, Data);
   }
-  std::string EnableRTRem(std::int32_t Index, const Variant& PDAT, const Variant& Data = kOmitted) {
+  std::string EnableRTRem(std::int32_t Index, const HostValue& PDAT,
+                          const HostValue& Data = kOmitted) {
     return state_.remote.EnableRTRem(Index, PDAT, Data);
   }
-  std::string ChangeIntervalRem(std::int32_t Index, const Variant& PDAT,
-                                const Variant& Data = kOmitted) {
+  std::string ChangeIntervalRem(std::int32_t Index, const HostValue& PDAT,
+                                const HostValue& Data = kOmitted) {
     return state_.remote.ChangeIntervalRem(Index, PDAT, Data);
   }
-  std::string MoveMessageDownRem(std::int32_t Index, const Variant& PDAT,
-                                 const Variant& Data = kOmitted) {
+  std::string MoveMessageDownRem(std::int32_t Index, const HostValue& PDAT,
+                                 const HostValue& Data = kOmitted) {
     return state_.remote.MoveMessageDownRem(Index, PDAT, Data);
   }
-  std::string MoveMessageUpRem(std::int32_t Index, const Variant& PDAT,
-                               const Variant& Data = kOmitted) {
+  std::string MoveMessageUpRem(std::int32_t Index, const HostValue& PDAT,
+                               const HostValue& Data = kOmitted) {
     return state_.remote.MoveMessageUpRem(Index, PDAT, Data);
   }
-  std::string DeleteMessageRem(std::int32_t Index, const Variant& PDAT,
-                               const Variant& Data = kOmitted) {
+  std::string DeleteMessageRem(std::int32_t Index, const HostValue& PDAT,
+                               const HostValue& Data = kOmitted) {
     return state_.remote.DeleteMessageRem(Index, PDAT, Data);
   }
 
-  static inline const Variant kOmitted{Variant::Missing{}};
+  static inline const HostValue kOmitted{HostValue::Missing{}};
 
  private:
   PluginState& state_;
@@ -82,7 +83,7 @@ class clsPlugin {
 struct RemoteOperation {
   const char* name;
   std::int32_t id;  // of the dispatch interface
-  std::string (clsPlugin::*call)(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  std::string (clsPlugin::*call)(std::int32_t Index, const HostValue& PDAT, const HostValue& Data);
 };
 
 /// Every one; hosts and the component find them here.

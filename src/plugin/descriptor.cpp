@@ -18,7 +18,7 @@ PLUGIN DescribePlugin(const ModuleVersion& version) {
       .Description =
           "This Plugin allows you to create and manage messages that get sent to the "
           "server at set intervals.",
-      .Game = Variant::Texts({
+      .Game = HostValue::Texts({
           "Delta Force,  V1.5.0.5",
           "Joint Operations: Typhoon Rising V1.6.9.2",
           "Joint Operations: Typhoon Rising V1.7.5.7",
@@ -31,7 +31,7 @@ PLUGIN DescribePlugin(const ModuleVersion& version) {
       .ServerMenu = true,
       .MainMenu = false,
       .ProfileMenuItems = {},
-      .ServerMenuItems = Variant::Texts({kPluginName}),
+      .ServerMenuItems = HostValue::Texts({kPluginName}),
       .MainMenuItems = {},
       .HasPrivis = true,
       .HelpFile = "tvxRT_help.chm",
@@ -42,8 +42,8 @@ PLUGIN DescribePlugin(const ModuleVersion& version) {
   };
 }
 
-Variant DescribePrivileges() {
-  return Variant::Texts({kPluginName, "Add/Remove Rotacasts|1", "Change Rotacasts Settings|1"});
+HostValue DescribePrivileges() {
+  return HostValue::Texts({kPluginName, "Add/Remove Rotacasts|1", "Change Rotacasts Settings|1"});
 }
 
 }  // namespace rotacasts

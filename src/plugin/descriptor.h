@@ -15,14 +15,14 @@ struct PLUGIN {
   std::string Version;
   std::string Author;
   std::string Description;
-  Variant Game;
+  HostValue Game;
   bool HasInterface = false;
   bool ProfileMenu = false;
   bool ServerMenu = false;
   bool MainMenu = false;
-  Variant ProfileMenuItems;
-  Variant ServerMenuItems;
-  Variant MainMenuItems;
+  HostValue ProfileMenuItems;
+  HostValue ServerMenuItems;
+  HostValue MainMenuItems;
   bool HasPrivis = false;
   std::string HelpFile;
   std::string MinKXVer;
@@ -34,6 +34,6 @@ struct PLUGIN {
 /// The descriptor, built fresh.
 PLUGIN DescribePlugin(const ModuleVersion& version);
 /// The plugin's name, then its privileges, each a display name, "|" and the digit 1; built fresh.
-Variant DescribePrivileges();
+HostValue DescribePrivileges();
 
 }  // namespace rotacasts

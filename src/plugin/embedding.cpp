@@ -13,14 +13,15 @@ constexpr std::int32_t kLeft = 2;
 constexpr std::int32_t kTop = 30;
 
 /// Whole pixels in a length of twips, by the display's real factor, which need not be whole.
-std::int32_t WholePixels(const Variant& twips, double twipsPerPixel) {
+std::int32_t WholePixels(const HostValue& twips, double twipsPerPixel) {
   constexpr double kRoundingError = 1e-9;  // 7200 / (1440 / 168.0) is 840
   return static_cast<std::int32_t>(ToLong(twips) / twipsPerPixel + kRoundingError);
 }
 
 }  // namespace
 
-void Embedding::LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, const Variant& PDAT) {
+void Embedding::LoadInterface(std::int32_t Index, forms::WindowHandle PHWND,
+                              const HostValue& PDAT) {
   if (Index == 0) return;
   Guard(errors_, {"LoadInterface", Index}, [&](Step& at) {
     at(2);

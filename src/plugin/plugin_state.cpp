@@ -19,7 +19,7 @@ PluginState::PluginState(Platform platform)
       profiles(services, tables, reporter, game, window),
       embedding(services, tables, reporter, profiles, window),
       remote(services, tables, reporter, store, window,
-             [this](std::int32_t index, const Variant& PDAT) {
+             [this](std::int32_t index, const HostValue& PDAT) {
                profiles.SetProfileData(index, PDAT);
              }) {}
 

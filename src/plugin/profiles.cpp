@@ -17,7 +17,7 @@ void GrowToReach(Table<Element>& table, std::int32_t index) {
 
 }  // namespace
 
-void FillRecord(ProfileRecord& record, const Variant& PDAT) {
+void FillRecord(ProfileRecord& record, const HostValue& PDAT) {
   record.Data0 = ToText(PDAT.At(pdat::kData0));
   record.GameCode = ToText(PDAT.At(pdat::kGameCode));
   record.ProcessHandle = ToLong(PDAT.At(pdat::kProcessHandle));
@@ -38,7 +38,7 @@ void Profiles::GrowTables(std::int32_t index) {
   GrowToReach(tables_.ElapsedTicks, index);
 }
 
-void Profiles::SetProfileData(std::int32_t Index, const Variant& PDAT) {
+void Profiles::SetProfileData(std::int32_t Index, const HostValue& PDAT) {
   Guard(errors_, {"SetProfileData", Index}, [&](Step& at) {
     at(1);
     GrowTables(Index);

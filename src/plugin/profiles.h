@@ -13,7 +13,7 @@ namespace rotacasts {
 
 /// Takes a profile's data into its record, element after element; what is filled before an error
 /// stays filled.
-void FillRecord(ProfileRecord& record, const Variant& PDAT);
+void FillRecord(ProfileRecord& record, const HostValue& PDAT);
 
 class Profiles {
  public:
@@ -25,7 +25,7 @@ class Profiles {
   /// and the message file's path. Position and tick count of a running profile stay. Reported under
   /// "SetProfileData"; fields filled before an error keep their new values, and a profile folder
   /// that is refused leaves the path empty.
-  void SetProfileData(std::int32_t Index, const Variant& PDAT);
+  void SetProfileData(std::int32_t Index, const HostValue& PDAT);
 
   /// Stops a profile: no memory map, no timer, no path, counters 0; whatever of that does not exist
   /// is passed over. Reported under "DisableProfile".

@@ -55,12 +55,13 @@ void ErrorReporter::TellOf(const Failure& failure, const std::string& words) {
 }
 
 std::string ErrorReporter::SendReport(const Failure& failure) {
-  Variant isAffiliate;  // stays empty for a profile without a record
+  HostValue isAffiliate;  // stays empty for a profile without a record
   ResumeNext({ErrorNumber::SubscriptOutOfRange},
              [&] { isAffiliate = tables_.Profiles(failure.profileIndex).IsAffiliate; });
-  Variant report(Variant::Array{std::to_string(failure.error.number), failure.error.description,
-                                std::string(kModuleFile) + " " + FormatVersion(services_.Version()),
-                                failure.procedure, isAffiliate, failure.line});
+  HostValue report(
+      HostValue::Array{std::to_string(failure.error.number), failure.error.description,
+                       std::string(kModuleFile) + " " + FormatVersion(services_.Version()),
+                       failure.procedure, isAffiliate, failure.line});
   bool delivered = false;
   ResumeNext({ErrorNumber::SubscriptOutOfRange},
              [&] { delivered = services_.Utility().SendErrorReport(report); });

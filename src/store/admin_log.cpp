@@ -8,7 +8,7 @@
 
 namespace rotacasts {
 
-void AdminLog::Write(const Variant& PDAT, const std::string& action, const std::string& value) {
+void AdminLog::Write(const HostValue& PDAT, const std::string& action, const std::string& value) {
   const LocalTime now = services_.Now();
   const std::string parent =
       EqualsTrue(PDAT.At(pdat::kSharedLog))

@@ -16,7 +16,7 @@ class AdminLog {
   /// Writes "[hh:mm:ss" + action + value + ") from " + sender. `PDAT` names the profile's folder,
   /// the sender and whether the host's log is meant. Control characters but the tab, line
   /// breaks among them, become blanks: one change, one line. Raises what fails.
-  void Write(const Variant& PDAT, const std::string& action, const std::string& value);
+  void Write(const HostValue& PDAT, const std::string& action, const std::string& value);
 
  private:
   HostServices& services_;

@@ -38,7 +38,7 @@ std::vector<std::string> MessageSection::Lines() {
 }
 
 MessageEntry MessageSection::Split(std::string&& line) {
-  Variant pair = utility_.ParseIniKey(std::move(line), true);
+  HostValue pair = utility_.ParseIniKey(std::move(line), true);
   return {ToText(std::move(pair.At(0))), ToText(std::move(pair.At(1)))};
 }
 

@@ -22,7 +22,7 @@ constexpr const char* kUpAction = "][Rotacasts] Move Rotacasts Up (Message: ";
 constexpr const char* kDeleteAction = "][Rotacasts] Delete Rotacasts (Message: ";
 
 /// The key `places` after the position that `data` names.
-std::string KeyAfter(const Variant& data, std::int32_t places) {
+std::string KeyAfter(const HostValue& data, std::int32_t places) {
   return std::to_string((Checked(ToLong(data)) + places).Value());
 }
 
@@ -35,7 +35,7 @@ std::string RemoteCommands::Run(std::string_view operation, std::int32_t index,
   return reply;
 }
 
-std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const Variant& PDAT) {
+std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const HostValue& PDAT) {
   Step at;
   try {
     return List(Index, PDAT, at);
@@ -47,7 +47,7 @@ std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const Variant& PD
   }
 }
 
-std::string RemoteCommands::List(std::int32_t index, const Variant& PDAT, Step& at) {
+std::string RemoteCommands::List(std::int32_t index, const HostValue& PDAT, Step& at) {
   at(1);
   setProfileData_(index, PDAT);
   at(2);
@@ -79,8 +79,8 @@ std::string RemoteCommands::QuoteFile(std::int32_t index) {
   return quoted + "]";
 }
 
-std::string RemoteCommands::AddMessageRem(std::int32_t Index, const Variant& PDAT,
-                                          const Variant& Data) {
+std::string RemoteCommands::AddMessageRem(std::int32_t Index, const HostValue& PDAT,
+                                          const HostValue& Data) {
   return Run("AddMessageRem", Index, [&](std::string& reply, Step& at) {
     at(1);
     store_.Open(Index);
@@ -97,8 +97,8 @@ std::string RemoteCommands::AddMessageRem(std::int32_t Index, const Variant& PDA
   });
 }
 
-std::string RemoteCommands::EnableRTRem(std::int32_t Index, const Variant& PDAT,
-                                        const Variant& Data) {
+std::string RemoteCommands::EnableRTRem(std::int32_t Index, const HostValue& PDAT,
+                                        const HostValue& Data) {
   return Run("EnableRTRem", Index, [&](std::string&, Step& at) {
     at(1);
     store_.Open(Index);
@@ -116,8 +116,8 @@ std::string RemoteCommands::EnableRTRem(std::int32_t Index, const Variant& PDAT,
   });
 }
 
-std::string RemoteCommands::ChangeIntervalRem(std::int32_t Index, const Variant& PDAT,
-                                              const Variant& Data) {
+std::string RemoteCommands::ChangeIntervalRem(std::int32_t Index, const HostValue& PDAT,
+                                              const HostValue& Data) {
   return Run("ChangeIntervalRem", Index, [&](std::string&, Step& at) {
     at(1);
     store_.Open(Index);
@@ -141,8 +141,8 @@ std::optional<MessageFile::Exchanged> RemoteCommands::Exchange(std::int32_t inde
   return store_.ExchangeEntries(index, upperKey, lowerKey);
 }
 
-std::string RemoteCommands::MoveMessageDownRem(std::int32_t Index, const Variant& PDAT,
-                                               const Variant& Data) {
+std::string RemoteCommands::MoveMessageDownRem(std::int32_t Index, const HostValue& PDAT,
+                                               const HostValue& Data) {
   return Run("MoveMessageDownRem", Index, [&](std::string& reply, Step& at) {
     at(1);
     store_.Open(Index);
@@ -156,8 +156,8 @@ std::string RemoteCommands::MoveMessageDownRem(std::int32_t Index, const Variant
   });
 }
 
-std::string RemoteCommands::MoveMessageUpRem(std::int32_t Index, const Variant& PDAT,
-                                             const Variant& Data) {
+std::string RemoteCommands::MoveMessageUpRem(std::int32_t Index, const HostValue& PDAT,
+                                             const HostValue& Data) {
   return Run("MoveMessageUpRem", Index, [&](std::string& reply, Step& at) {
     at(1);
     store_.Open(Index);
@@ -171,8 +171,8 @@ std::string RemoteCommands::MoveMessageUpRem(std::int32_t Index, const Variant& 
   });
 }
 
-std::string RemoteCommands::DeleteMessageRem(std::int32_t Index, const Variant& PDAT,
-                                             const Variant& Data) {
+std::string RemoteCommands::DeleteMessageRem(std::int32_t Index, const HostValue& PDAT,
+                                             const HostValue& Data) {
   return Run("DeleteMessageRem", Index, [&](std::string& reply, Step& at) {
     at(1);
     store_.Open(Index);

@@ -25,7 +25,7 @@ class RemoteCommands {
   /// `setProfileData` stores a profile's data, as LoadInterface does.
   RemoteCommands(HostServices& services, ProfileTables& tables, ErrorHandler& errors,
                  MessageFile& store, SettingsView& window,
-                 std::function<void(std::int32_t, const Variant&)> setProfileData)
+                 std::function<void(std::int32_t, const HostValue&)> setProfileData)
       : services_(services),
         tables_(tables),
         errors_(errors),
@@ -37,25 +37,25 @@ class RemoteCommands {
   /// Sets the profile up from `PDAT` and lists it: each message encoded, then "Enable" ("0" when
   /// missing or empty) and "Interval" as stored, all separated by "|". The report of an error
   /// quotes the message file; if that fails in turn, that error is raised to the caller.
-  std::string GetMessagesRem(std::int32_t Index, const Variant& PDAT);
+  std::string GetMessagesRem(std::int32_t Index, const HostValue& PDAT);
   /// `Data`: the encoded text. "1" when it is stored, "0" when not; logged either way.
-  std::string AddMessageRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  std::string AddMessageRem(std::int32_t Index, const HostValue& PDAT, const HostValue& Data);
   /// `Data`: the new value of "Enable". No reply.
-  std::string EnableRTRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  std::string EnableRTRem(std::int32_t Index, const HostValue& PDAT, const HostValue& Data);
   /// `Data`: the new value of "Interval", minutes. No reply.
-  std::string ChangeIntervalRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  std::string ChangeIntervalRem(std::int32_t Index, const HostValue& PDAT, const HostValue& Data);
   /// `Data`: the position of the message to move. "1", or "0", unlogged, when it has no neighbour
   /// in that direction.
-  std::string MoveMessageDownRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
-  std::string MoveMessageUpRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  std::string MoveMessageDownRem(std::int32_t Index, const HostValue& PDAT, const HostValue& Data);
+  std::string MoveMessageUpRem(std::int32_t Index, const HostValue& PDAT, const HostValue& Data);
   /// `Data`: the position of the message to delete. "1", also when there is none.
-  std::string DeleteMessageRem(std::int32_t Index, const Variant& PDAT, const Variant& Data);
+  std::string DeleteMessageRem(std::int32_t Index, const HostValue& PDAT, const HostValue& Data);
 
  private:
   /// Runs an operation under its name; returns the reply that the body has set by its end.
   std::string Run(std::string_view operation, std::int32_t index,
                   const std::function<void(std::string& reply, Step& at)>& body);
-  std::string List(std::int32_t index, const Variant& PDAT, Step& at);
+  std::string List(std::int32_t index, const HostValue& PDAT, Step& at);
   /// " [path, lines]" of the message file. Raises what fails.
   std::string QuoteFile(std::int32_t index);
   bool IsShown(std::int32_t index) const { return index == tables_.currentWindowProfile; }
@@ -69,7 +69,7 @@ class RemoteCommands {
   MessageFile& store_;
   SettingsView& window_;
   AdminLog log_;
-  std::function<void(std::int32_t, const Variant&)> setProfileData_;
+  std::function<void(std::int32_t, const HostValue&)> setProfileData_;
 };
 
 }  // namespace rotacasts

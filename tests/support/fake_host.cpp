@@ -103,14 +103,14 @@ class FakeUtility final : public UtilityComponent {
     lines.emplace_back();
     return lines;
   }
-  Variant ParseIniKey(std::string&& line, bool asPair) override {
+  HostValue ParseIniKey(std::string&& line, bool asPair) override {
     host_.Called("ParseIniKey(" + line + (asPair ? ", True)" : ", False)"));
     const auto equals = line.find('=');
     if (equals == line.npos || line.find("unsplittable") != line.npos) {
       throw RuntimeError(ErrorNumber::TypeMismatch);
     }
     if (!asPair) return line.substr(equals + 1);
-    return Variant::Array{line.substr(0, equals), line.substr(equals + 1)};
+    return HostValue::Array{line.substr(0, equals), line.substr(equals + 1)};
   }
   std::vector<std::string> ReadFile(std::string& file) override {
     host_.Called("ReadFile(" + file + ")");
@@ -131,7 +131,7 @@ class FakeUtility final : public UtilityComponent {
     host_.logged.push_back(procedure + ": " + std::to_string(error.number) + " " +
                            error.description);
   }
-  bool SendErrorReport(Variant& report) override {
+  bool SendErrorReport(HostValue& report) override {
     host_.Called("SendErrorReport");
     host_.reports.push_back(report);
     return host_.delivers;
@@ -226,8 +226,8 @@ clsPlugin& PluginHarness::Plugin() {
   return *plugin_;
 }
 
-Variant ProfileData(std::int32_t index, const std::string& gameCode) {
-  Variant::Array data(pdat::kSize);
+HostValue ProfileData(std::int32_t index, const std::string& gameCode) {
+  HostValue::Array data(pdat::kSize);
   data[pdat::kGameCode] = gameCode;
   data[pdat::kProcessHandle] = 100 + index % 1000;
   data[pdat::kMessageTarget] = 4000 + index % 1000;

@@ -37,7 +37,7 @@ struct FakeHost {
 
   std::vector<std::string> sent;    // chat texts
   std::vector<std::string> logged;  // "procedure line: number description"
-  std::vector<Variant> reports;
+  std::vector<HostValue> reports;
   std::vector<std::string> boxes;  // "title|text"
 
   void Called(const std::string& call);
@@ -49,7 +49,7 @@ std::unique_ptr<MemoryComponent> MakeFakeMemory(FakeHost& host);
 std::unique_ptr<UtilityComponent> MakeFakeUtility(FakeHost& host);
 
 /// A profile data array: folder "srvN", process handle 100 + N, message target 4000 + N.
-Variant ProfileData(std::int32_t index, const std::string& gameCode);
+HostValue ProfileData(std::int32_t index, const std::string& gameCode);
 
 /// A plugin composed on the fakes, with the forms of the headless toolkit.
 class PluginHarness {
@@ -60,14 +60,14 @@ class PluginHarness {
   PluginState& State();
   clsPlugin& Plugin();
 
-  static Variant Data(std::int32_t index, const std::string& gameCode) {
+  static HostValue Data(std::int32_t index, const std::string& gameCode) {
     return ProfileData(index, gameCode);
   }
   void Load(std::int32_t index, const std::string& gameCode = "JO") {
     Plugin().LoadInterface(index, 77, Data(index, gameCode));
   }
-  using RemoteCall = std::string (clsPlugin::*)(std::int32_t, const Variant&, const Variant&);
-  std::string Remote(RemoteCall call, const Variant& data, std::int32_t index = 2) {
+  using RemoteCall = std::string (clsPlugin::*)(std::int32_t, const HostValue&, const HostValue&);
+  std::string Remote(RemoteCall call, const HostValue& data, std::int32_t index = 2) {
     return (Plugin().*call)(index, Data(index, "JO"), data);
   }
   void Tick(std::int16_t index) { State().window.Get()->Timers().Tick(index); }

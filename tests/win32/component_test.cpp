@@ -94,8 +94,8 @@ TEST_F(ComponentTest, TheDescriptorIsTheSameRecordThroughBothInterfaces) {
     EXPECT_EQ(each->ProfileMenu | each->MainMenu, VARIANT_FALSE);
     EXPECT_EQ(each->ProfileMenuItems.vt, VT_EMPTY);
     EXPECT_EQ(each->Game.vt, VT_ARRAY | VT_BSTR);
-    EXPECT_EQ(ToText(win32::FromVariant(each->Game).At(0)), "Delta Force,  V1.5.0.5");
-    EXPECT_EQ(ToText(win32::FromVariant(each->ServerMenuItems).At(0)), "Rotacasts");
+    EXPECT_EQ(ToText(win32::ToHostValue(each->Game).At(0)), "Delta Force,  V1.5.0.5");
+    EXPECT_EQ(ToText(win32::ToHostValue(each->ServerMenuItems).At(0)), "Rotacasts");
   }
   EXPECT_NE(own.Game.parray, record.Game.parray) << "each call's arrays are its own";
   library.RecordClear(block);
@@ -104,8 +104,8 @@ TEST_F(ComponentTest, TheDescriptorIsTheSameRecordThroughBothInterfaces) {
 
 TEST_F(ComponentTest, ArgumentsArriveHoweverTheyAreWrapped) {
   Show({"a", "b", "c"});
-  const ComVariant data = win32::ToVariant(testing::ProfileData(2, "JO"));
-  VARIANT position = win32::ToVariant(std::int32_t{0}).Release();
+  const ComVariant data = win32::ToComVariant(testing::ProfileData(2, "JO"));
+  VARIANT position = win32::ToComVariant(std::int32_t{0}).Release();
   Bstr reply;
   // By value, through the dual interface.
   ASSERT_EQ(DualOf(*plugin)->MoveMessageDownRem(2, data.Get(), position, reply.Address()), S_OK);
@@ -114,17 +114,17 @@ TEST_F(ComponentTest, ArgumentsArriveHoweverTheyAreWrapped) {
   // By reference, nested twice, under a name in capitals; the last argument comes first.
   VARIANT inner = data.Get();
   LONG index = 2;
-  const ComVariant one = win32::ToVariant("1");
+  const ComVariant one = win32::ToComVariant("1");
   VARIANT values[] = {one.Get(), ReferenceTo(VT_VARIANT, &inner), ReferenceTo(VT_I4, &index)};
   const DISPID up = plugin->Identify("MOVEMESSAGEUPREM");
-  EXPECT_EQ(ToText(win32::FromVariant(plugin->Invoke(up, values, 3).Get())), "1");
+  EXPECT_EQ(ToText(win32::ToHostValue(plugin->Invoke(up, values, 3).Get())), "1");
   EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a", "b", "c"}));
 
   // Omitted at the end, and as a value that says so: the operation asks for it and reports.
   const DISPID remove = plugin->Identify("DeleteMessageRem");
   win32::NumberArgument(2).Put(values[2]);
   plugin->Invoke(remove, values + 1, 2);
-  values[0] = win32::ToVariant(Variant(Variant::Missing{})).Release();
+  values[0] = win32::ToComVariant(HostValue(HostValue::Missing{})).Release();
   plugin->Invoke(remove, values, 3);
   EXPECT_EQ(host.logged.size(), 2U);
   EXPECT_EQ(user.boxes.size(), 2U);
@@ -132,13 +132,13 @@ TEST_F(ComponentTest, ArgumentsArriveHoweverTheyAreWrapped) {
 }
 
 TEST_F(ComponentTest, CallsThatMakeNoSenseAreRefusedWithTheirReason) {
-  using Row = std::tuple<const char*, std::vector<Variant>, int>;
-  const Variant none = Variant::Missing{};
+  using Row = std::tuple<const char*, std::vector<HostValue>, int>;
+  const HostValue none = HostValue::Missing{};
   for (const auto& [member, arguments, error] :
        {Row{"GetPrivis", {1}, 450}, Row{"DisableProfile", {}, 449},
         Row{"DisableProfile", {none}, 449}, Row{"DisableProfile", {"two"}, 13},
         Row{"DisableProfile", {"3000000000"}, 6},
-        Row{"UnLoadInterface", {Variant(Variant::Array{1})}, 13},
+        Row{"UnLoadInterface", {HostValue(HostValue::Array{1})}, 13},
         Row{"GetMessagesRem", {1, 2, 3, 4}, 450}}) {
     EXPECT_EQ(ErrorOf([&, &call = member, &with = arguments] { Call(call, with); }), error)
         << member << " with " << arguments.size();
@@ -195,11 +195,11 @@ TEST(LateBound, AComponentsErrorReachesTheErrorObjectWithAllThatItTells) {
       const win32::LateBound object(win32::MakeErrorObject(error));
       for (const char* name :
            {"Source", "Description", "HelpFile", "HelpContext", "LastDllError"}) {
-        found += ToText(win32::FromVariant(win32::Member(object, name)().Get())) + "|";
+        found += ToText(win32::ToHostValue(win32::Member(object, name)().Get())) + "|";
       }
       for (const ComVariant& own :
            {win32::Member(object, "Number")(), object.Invoke(DISPID_VALUE, nullptr, 0)}) {
-        EXPECT_EQ(win32::FromVariant(own.Get()), Variant(number));
+        EXPECT_EQ(win32::ToHostValue(own.Get()), HostValue(number));
       }
     }
     EXPECT_EQ(found, result == kOwn ? "tvxZDL|" + std::string(told) + "|C:\\zdl.chm|1234|0|"
@@ -245,13 +245,13 @@ TEST_F(ComponentTest, TheComponentsAreCalledAsTheCoreCallsThemArgumentForArgumen
   }
   Load(2);
   native.Load(2);
-  const Variant arguments[] = {Variant::Missing{}, "<Gr\xC3\xBC\xC3\x9F>", "0", std::int16_t{5},
-                               std::int32_t{0},    std::int32_t{2},        0.6, "<x>"};
+  const HostValue arguments[] = {HostValue::Missing{}, "<Gr\xC3\xBC\xC3\x9F>", "0", std::int16_t{5},
+                                 std::int32_t{0},      std::int32_t{2},        0.6, "<x>"};
   for (std::size_t i = 0; i < std::size(arguments); ++i) {
     const bool isLast = i == std::size(kRemoteOperations);  // once more, and it fails
     const RemoteOperation& operation = kRemoteOperations[isLast ? 1 : i];
     if (isLast) host.failAtCall = native.host.failAtCall = 2;
-    const Variant data = testing::ProfileData(2, "JO");
+    const HostValue data = testing::ProfileData(2, "JO");
     Call(std::string(operation.name).c_str(), {2, data, arguments[i]});
     (native.Plugin().*operation.call)(2, data, arguments[i]);
   }
@@ -296,7 +296,7 @@ TEST_F(ComponentTest, WhatTheComponentsLackIsReportedWithItsNumber) {
 
   // The file-system object refuses: its own number and description arrive.
   host.logged.clear();
-  Variant::Array data = *testing::ProfileData(2, "JO").AsArray();
+  HostValue::Array data = *testing::ProfileData(2, "JO").AsArray();
   data[pdat::kSharedLog] = false;
   data[pdat::kProfileFolder] = "nowhere";
   Call("EnableRTRem", {2, data, "1"});

@@ -82,16 +82,16 @@ std::vector<std::string> HostUtilityComponent::GetIniSection(const std::string& 
   return lines;
 }
 
-Variant HostUtilityComponent::ParseIniKey(std::string&& line, bool asPair) {
+HostValue HostUtilityComponent::ParseIniKey(std::string&& line, bool asPair) {
   const auto equals = line.find('=');
   if (equals == line.npos) {
     throw RuntimeError(ErrorNumber::InvalidProcedureCall, line + " has no '='");
   }
-  Variant::Array pair;
+  HostValue::Array pair;
   pair.reserve(2);
   pair.emplace_back(line.substr(0, equals));
   pair.emplace_back(std::move(line.erase(0, equals + 1)));
-  return asPair ? Variant(std::move(pair)) : std::move(pair[1]);
+  return asPair ? HostValue(std::move(pair)) : std::move(pair[1]);
 }
 
 std::vector<std::string> HostUtilityComponent::ReadFile(std::string& file) {
@@ -133,7 +133,7 @@ void HostUtilityComponent::LogError(const std::string& module, std::string& proc
   files_.Layer().Append(file, entry);
 }
 
-bool HostUtilityComponent::SendErrorReport(Variant& report) {
+bool HostUtilityComponent::SendErrorReport(HostValue& report) {
   constexpr const char* kLabels[] = {"Error number", "Description", "Module",
                                      "Procedure",    "Affiliate",   "Line"};
   const LocalTime now = clock_.Now();

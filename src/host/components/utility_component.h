@@ -21,7 +21,7 @@ class HostUtilityComponent : public UtilityComponent {
   void WriteIniKey(const std::string& section, const Key& key,
                    const std::optional<std::string>& value, std::string& file) override;
   std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override;
-  Variant ParseIniKey(std::string&& line, bool asPair) override;
+  HostValue ParseIniKey(std::string&& line, bool asPair) override;
   std::vector<std::string> ReadFile(std::string& file) override;
   /// The line tells of what was changed before it: that is put on the disk first. It is not written
   /// when the operation is to be run again.
@@ -29,7 +29,7 @@ class HostUtilityComponent : public UtilityComponent {
   void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                 std::int32_t& line) override;
   /// False when the report cannot be written.
-  bool SendErrorReport(Variant& report) override;
+  bool SendErrorReport(HostValue& report) override;
 
  private:
   /// Writes a report to a file of its own.

@@ -17,9 +17,9 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
            std::chrono::nanoseconds minute);
 
   void RunDue();
-  void Load(forms::WindowHandle parent, const Variant& data);
+  void Load(forms::WindowHandle parent, const HostValue& data);
   /// Calls a remote operation. One that cannot be stored leaves the window as the file is.
-  Reply Answer(const std::function<std::string()>& operation, const Variant& data);
+  Reply Answer(const std::function<std::string()>& operation, const HostValue& data);
   Progress GetProgress() const;
 
   std::unique_ptr<UtilityComponent> CreateUtility() override;
@@ -68,7 +68,7 @@ class HeadlessPlugin::Instance::Utility final : public HostUtilityComponent {
     instance_.Tell(words);
     if (!goesOn_) HostUtilityComponent::LogError(module, procedure, error, line);
   }
-  bool SendErrorReport(Variant& report) override {
+  bool SendErrorReport(HostValue& report) override {
     return goesOn_ || HostUtilityComponent::SendErrorReport(report);
   }
 
@@ -117,7 +117,7 @@ void HeadlessPlugin::Instance::Tell(const std::string& words) {
   }
 }
 
-void HeadlessPlugin::Instance::Load(forms::WindowHandle parent, const Variant& data) {
+void HeadlessPlugin::Instance::Load(forms::WindowHandle parent, const HostValue& data) {
   parent_ = parent;
   const auto failure = files_.Run([&] { plugin_.LoadInterface(index_, parent, data); });
   if (!failure) return;
@@ -127,7 +127,7 @@ void HeadlessPlugin::Instance::Load(forms::WindowHandle parent, const Variant& d
 }
 
 HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::string()>& operation,
-                                                     const Variant& data) {
+                                                     const HostValue& data) {
   struct Listening {
     Listening(std::vector<std::string>*& place, Reply& reply) : place_(place) {
       place_ = &reply.problems;
@@ -200,7 +200,7 @@ PluginArea HeadlessSite::Area() const {
 }
 
 void HeadlessPlugin::LoadInterface(std::int32_t index, forms::WindowHandle parent,
-                                   const Variant& data) {
+                                   const HostValue& data) {
   At(index).Load(parent, data);
 }
 
@@ -217,7 +217,7 @@ void HeadlessPlugin::DisableProfile(std::int32_t index) {
 }
 
 HostedPlugin::Reply HeadlessPlugin::Remote(const RemoteOperation& operation, std::int32_t index,
-                                           const Variant& data, const Variant& value) {
+                                           const HostValue& data, const HostValue& value) {
   Instance& instance = At(index);
   return instance.Answer([&] { return (instance.Plugin().*operation.call)(index, data, value); },
                          data);

@@ -31,12 +31,13 @@ class HeadlessPlugin : public HostedPlugin {
   std::optional<headless::TimerLoop::Clock::time_point> NextDue() const;
   void RunDue();
 
-  void LoadInterface(std::int32_t index, forms::WindowHandle parent, const Variant& data) override;
+  void LoadInterface(std::int32_t index, forms::WindowHandle parent,
+                     const HostValue& data) override;
   void HideInterface() override;
   void UnLoadInterface() override;
   void DisableProfile(std::int32_t index) override;
-  Reply Remote(const RemoteOperation& operation, std::int32_t index, const Variant& data,
-               const Variant& value) override;
+  Reply Remote(const RemoteOperation& operation, std::int32_t index, const HostValue& data,
+               const HostValue& value) override;
   std::optional<Progress> ProgressOf(std::int32_t index) const override;
 
  private:

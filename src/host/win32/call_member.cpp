@@ -32,27 +32,27 @@ win32::ComPtr<IDispatch> ObjectOf(const VARIANT& argument) {
 }  // namespace
 
 void Take(const VARIANT& argument, std::int16_t& value) {
-  value = ToInteger(win32::FromVariant(argument));
+  value = ToInteger(win32::ToHostValue(argument));
 }
 
 void Take(const VARIANT& argument, std::int32_t& value) {
   // The kinds in which every read of memory comes need no detour.
   value = argument.vt == VT_I4                ? argument.lVal
           : argument.vt == (VT_BYREF | VT_I4) ? *argument.plVal
-                                              : ToLong(win32::FromVariant(argument));
+                                              : ToLong(win32::ToHostValue(argument));
 }
 
 void Take(const VARIANT& argument, bool& value) {
-  value = ToBoolean(win32::FromVariant(argument));
+  value = ToBoolean(win32::ToHostValue(argument));
 }
 
 void Take(const VARIANT& argument, std::string& value) {
-  value = ToText(win32::FromVariant(argument));
+  value = ToText(win32::ToHostValue(argument));
 }
 
 void Take(const VARIANT& argument, std::optional<std::string>& value) {
   value.reset();
-  if (!IsNullText(argument)) value = ToText(win32::FromVariant(argument));
+  if (!IsNullText(argument)) value = ToText(win32::ToHostValue(argument));
 }
 
 void Take(const VARIANT& argument, UtilityComponent::Key& value) {
@@ -60,7 +60,7 @@ void Take(const VARIANT& argument, UtilityComponent::Key& value) {
     value = UtilityComponent::kNullKey;
     return;
   }
-  const Variant key = win32::FromVariant(argument);
+  const HostValue key = win32::ToHostValue(argument);
   if (std::holds_alternative<std::string>(key.Get())) {
     value = ToText(key);
   } else {
@@ -68,17 +68,17 @@ void Take(const VARIANT& argument, UtilityComponent::Key& value) {
   }
 }
 
-void Take(const VARIANT& argument, Variant& value) {
-  value = win32::FromVariant(argument);
+void Take(const VARIANT& argument, HostValue& value) {
+  value = win32::ToHostValue(argument);
 }
 
 void Take(const VARIANT& argument, RuntimeError& value) {
   const win32::LateBound error(ObjectOf(argument));
-  value.number = ToLong(win32::FromVariant(win32::Member(error, "Number")().Get()));
-  value.description = ToText(win32::FromVariant(win32::Member(error, "Description")().Get()));
+  value.number = ToLong(win32::ToHostValue(win32::Member(error, "Number")().Get()));
+  value.description = ToText(win32::ToHostValue(win32::Member(error, "Description")().Get()));
 }
 
-void GiveBack(const VARIANT& argument, const Variant& value) {
+void GiveBack(const VARIANT& argument, const HostValue& value) {
   if ((argument.vt & VT_BYREF) == 0 || argument.byref == nullptr) return;
   switch (argument.vt & ~VT_BYREF) {
     case VT_I2:
@@ -96,7 +96,7 @@ void GiveBack(const VARIANT& argument, const Variant& value) {
       return;
     }
     case VT_VARIANT: {
-      win32::ComVariant replacement = win32::ToVariant(value);
+      win32::ComVariant replacement = win32::ToComVariant(value);
       std::swap(*replacement.Address(), *argument.pvarVal);
       return;
     }

@@ -21,13 +21,13 @@ void Take(const VARIANT& argument, bool& value);
 void Take(const VARIANT& argument, std::string& value);
 void Take(const VARIANT& argument, std::optional<std::string>& value);
 void Take(const VARIANT& argument, UtilityComponent::Key& value);
-void Take(const VARIANT& argument, Variant& value);
+void Take(const VARIANT& argument, HostValue& value);
 /// An object with the properties Number and Description.
 void Take(const VARIANT& argument, RuntimeError& value);
 
 /// Puts the value in the place that a by-reference argument refers to, in that place's own kind;
 /// one that is by value or of another kind stays as it is.
-void GiveBack(const VARIANT& argument, const Variant& value);
+void GiveBack(const VARIANT& argument, const HostValue& value);
 
 /// One argument during a call: its value, given back if the function may and did change it.
 template <class Parameter>
@@ -66,12 +66,12 @@ class CallArgument {
   std::conditional_t<kGivenBack, Value, Nothing> before_{};
 };
 
-inline Variant ResultOfCall(const std::vector<std::string>& texts) {
-  return Variant::Texts(texts);
+inline HostValue ResultOfCall(const std::vector<std::string>& texts) {
+  return HostValue::Texts(texts);
 }
 template <class Result>
-Variant ResultOfCall(Result result) {
-  return Variant(std::move(result));
+HostValue ResultOfCall(Result result) {
+  return HostValue(std::move(result));
 }
 
 template <auto Function>
@@ -83,15 +83,16 @@ template <class Component, class Result, class... Parameters,
 struct MemberCall<Function> {
   static constexpr UINT kCount = sizeof...(Parameters);
 
-  static Variant Run(Component& component, const VARIANT* reversed) {
+  static HostValue Run(Component& component, const VARIANT* reversed) {
     return Run(component, reversed, std::index_sequence_for<Parameters...>());
   }
 
  private:
   template <std::size_t... Index>
-  static Variant Run(Component& component, const VARIANT* reversed, std::index_sequence<Index...>) {
+  static HostValue Run(Component& component, const VARIANT* reversed,
+                       std::index_sequence<Index...>) {
     std::tuple<CallArgument<Parameters>...> arguments{reversed[kCount - 1 - Index]...};
-    Variant result;
+    HostValue result;
     if constexpr (std::is_void_v<Result>) {
       (component.*Function)(std::forward<Parameters>(std::get<Index>(arguments).Get())...);
     } else {

@@ -63,7 +63,7 @@ void LateBoundPlugin::ShortenMinute(std::chrono::nanoseconds minute) {
 }
 
 void LateBoundPlugin::LoadInterface(std::int32_t index, forms::WindowHandle parent,
-                                    const Variant& data) {
+                                    const HostValue& data) {
   Member(object_, "LoadInterface")(NumberArgument(index),
                                    NumberArgument(static_cast<std::int32_t>(parent)),
                                    ValueArgument(data), TextArgument(""));
@@ -82,13 +82,13 @@ void LateBoundPlugin::DisableProfile(std::int32_t index) {
 }
 
 HostedPlugin::Reply LateBoundPlugin::Remote(const RemoteOperation& operation, std::int32_t index,
-                                            const Variant& data, const Variant& value) {
+                                            const HostValue& data, const HostValue& value) {
   Reply reply;
   const auto failure = files_.Run([&] {
     Member member(object_, operation.name);
     const win32::ComVariant answer =
         member(NumberArgument(index), ValueArgument(data), ValueArgument(value));
-    reply.text = ToText(win32::FromVariant(answer.Get()));
+    reply.text = ToText(win32::ToHostValue(answer.Get()));
   });
   if (failure) reply = {{}, {failure->description}, false};
   return reply;

@@ -21,12 +21,13 @@ class LateBoundPlugin final : public HostedPlugin {
   /// knows no such thing.
   void ShortenMinute(std::chrono::nanoseconds minute);
 
-  void LoadInterface(std::int32_t index, forms::WindowHandle parent, const Variant& data) override;
+  void LoadInterface(std::int32_t index, forms::WindowHandle parent,
+                     const HostValue& data) override;
   void HideInterface() override;
   void UnLoadInterface() override;
   void DisableProfile(std::int32_t index) override;
-  Reply Remote(const RemoteOperation& operation, std::int32_t index, const Variant& data,
-               const Variant& value) override;
+  Reply Remote(const RemoteOperation& operation, std::int32_t index, const HostValue& data,
+               const HostValue& value) override;
 
  private:
   win32::LateBound object_;

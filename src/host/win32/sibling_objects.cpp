@@ -15,7 +15,7 @@ template <class Component>
 struct MemberRow {
   const wchar_t* name;
   UINT count;  // of its arguments
-  Variant (*run)(Component&, const VARIANT* reversed);
+  HostValue (*run)(Component&, const VARIANT* reversed);
 };
 
 template <auto Function, class Component>
@@ -93,8 +93,8 @@ class ComponentObject final : public win32::CountedObject<IDispatch> {
     if (call->cNamedArgs != 0) return DISP_E_NONAMEDARGS;
     if (call->cArgs != row.count) return DISP_E_BADPARAMCOUNT;
     try {
-      const Variant answer = row.run(component_, call->rgvarg);
-      if (result != nullptr) *result = win32::ToVariant(answer).Release();
+      const HostValue answer = row.run(component_, call->rgvarg);
+      if (result != nullptr) *result = win32::ToComVariant(answer).Release();
       return S_OK;
     } catch (...) {
       return AnswerException(exception, Component::kProgId);

@@ -35,18 +35,18 @@ ComponentTest::~ComponentTest() {
   EXPECT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK) << "something still holds the DLL";
 }
 
-Variant ComponentTest::Call(const char* member, std::vector<Variant> arguments) const {
+HostValue ComponentTest::Call(const char* member, std::vector<HostValue> arguments) const {
   std::vector<ComVariant> owned;
   std::vector<VARIANT> values;
-  for (const Variant& argument : arguments) owned.push_back(win32::ToVariant(argument));
+  for (const HostValue& argument : arguments) owned.push_back(win32::ToComVariant(argument));
   for (const ComVariant& value : owned) values.insert(values.begin(), value.Get());
-  return win32::FromVariant(
+  return win32::ToHostValue(
       plugin->Invoke(plugin->Identify(member), values.data(), values.size()).Get());
 }
 
 void ComponentTest::Load(std::int32_t index, const std::string& gameCode) const {
   const auto parent = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(frame->Get()));
-  Variant::Array data = *ProfileData(index, gameCode).AsArray();
+  HostValue::Array data = *ProfileData(index, gameCode).AsArray();
   data[pdat::kAreaWidth] = layout::kClientWidth;
   data[pdat::kAreaHeight] = layout::kClientHeight + layout::kHeadingHeight * 15;
   Call("LoadInterface", {index, parent, data, ""});

@@ -42,7 +42,7 @@ class ComponentTest : public ::testing::Test {
   ~ComponentTest() override;
 
   /// Calls a member by its name; what it raises is raised here.
-  Variant Call(const char* member, std::vector<Variant> arguments) const;
+  HostValue Call(const char* member, std::vector<HostValue> arguments) const;
   void Load(std::int32_t index, const std::string& gameCode = "JO") const;
 
   /// Shows profile 2 with these messages.

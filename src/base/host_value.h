@@ -16,7 +16,7 @@ namespace rotacasts {
 /// A plain value: empty, an omitted argument, null, a boolean, a 16- or 32-bit integer, a double, a
 /// text (UTF-8) or an array of such values indexed from 0. A kind that the core does not know
 /// arrives as `Foreign`; every conversion of it is a type mismatch.
-class Variant {
+class HostValue {
  public:
   struct Missing {
     bool operator==(const Missing&) const = default;
@@ -27,24 +27,24 @@ class Variant {
   struct Foreign {
     bool operator==(const Foreign&) const = default;
   };
-  using Array = std::vector<Variant>;
+  using Array = std::vector<HostValue>;
   using Value = std::variant<std::monostate, Missing, Null, bool, std::int16_t, std::int32_t,
                              double, std::string, Array, Foreign>;
 
-  Variant() = default;
+  HostValue() = default;
   /// A value of exactly one of the kinds above: nothing is converted on the way in.
   template <class T>
   requires(std::same_as<T, Missing> || std::same_as<T, Null> || std::same_as<T, bool> ||
            std::same_as<T, std::int16_t> || std::same_as<T, std::int32_t> ||
            std::same_as<T, double> || std::same_as<T, std::string> || std::same_as<T, Array> ||
-           std::same_as<T, Foreign>) Variant(T value)
-      : value_(std::in_place_type<T>, std::move(value)) {}       // NOLINT: a value is a value
-  Variant(const char* text) : value_(std::string(text)) {}       // NOLINT
-  Variant(std::string_view text) : value_(std::string(text)) {}  // NOLINT
+           std::same_as<T, Foreign>) HostValue(T value)
+      : value_(std::in_place_type<T>, std::move(value)) {}         // NOLINT: a value is a value
+  HostValue(const char* text) : value_(std::string(text)) {}       // NOLINT
+  HostValue(std::string_view text) : value_(std::string(text)) {}  // NOLINT
 
   /// An array of texts.
-  static Variant Texts(const std::vector<std::string>& texts) {
-    return Variant(Array(texts.begin(), texts.end()));
+  static HostValue Texts(const std::vector<std::string>& texts) {
+    return HostValue(Array(texts.begin(), texts.end()));
   }
 
   const Value& Get() const { return value_; }
@@ -55,16 +55,18 @@ class Variant {
   std::string* AsText() { return std::get_if<std::string>(&value_); }
 
   /// Element `index` of the array. Errors: 13 when this is no array, 9 beyond its bounds.
-  const Variant& At(std::size_t index) const {
+  const HostValue& At(std::size_t index) const {
     const Array* array = AsArray();
     if (array == nullptr) throw RuntimeError(ErrorNumber::TypeMismatch);
     if (index >= array->size()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return (*array)[index];
   }
 
-  Variant& At(std::size_t index) { return const_cast<Variant&>(std::as_const(*this).At(index)); }
+  HostValue& At(std::size_t index) {
+    return const_cast<HostValue&>(std::as_const(*this).At(index));
+  }
 
-  bool operator==(const Variant&) const = default;
+  bool operator==(const HostValue&) const = default;
 
  private:
   Value value_;
