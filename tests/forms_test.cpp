@@ -62,6 +62,18 @@ TEST_F(FormsTest, ATickMayUnloadItsOwnTimerAndAnothersThatIsDue) {
   EXPECT_EQ(ticks, (std::vector<int>{1}));
 }
 
+TEST_F(FormsTest, AHandlerMayLetGoOfItsForm) {
+  const std::weak_ptr<Form> watched = form;
+  bool isThere = false;
+  MenuItem& item = form->AddMenu("item", "Item", nullptr);
+  item.onClick = [&] {
+    form.reset();
+    isThere = !watched.expired();
+  };
+  item.UserClicked();
+  EXPECT_TRUE(isThere);
+}
+
 TEST_F(FormsTest, ActsThatArriveAfterTheUnloadDoNothing) {
   auto& box = form->Add<CheckBox>("box");
   auto& text = form->Add<TextBox>("text");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,10 +31,9 @@ inline bool EndsInLine(std::string_view bytes) {
   return bytes.empty() || kIniLineEnd.find(bytes.back()) != kIniLineEnd.npos;
 }
 
-inline std::string NewIniLine(std::string_view key, std::string_view value) {
-  std::string line;
-  line.reserve(key.size() + value.size() + 1 + kIniLineEnd.size());
-  return line.append(key).append("=").append(value).append(kIniLineEnd);
+/// A new line, as the parts that stand in it one behind the other.
+inline std::array<std::string_view, 4> NewIniLine(std::string_view key, std::string_view value) {
+  return {key, "=", value, kIniLineEnd};
 }
 
 /// Steps through the lines and tells what each one is.

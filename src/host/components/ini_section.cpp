@@ -82,7 +82,7 @@ bool IniSection::Set(std::string_view key, std::string_view value) {
   if (old == value) return false;
   const std::string_view before(row.whole.data(),
                                 static_cast<std::size_t>(old.data() - row.whole.data()));
-  row.whole = Own({before, value, row.whole.substr(row.whole.size() - row.endSize)});
+  row.whole = Own(std::array{before, value, row.whole.substr(row.whole.size() - row.endSize)});
   return true;
 }
 
@@ -105,7 +105,7 @@ std::string IniSection::FileBytes() const {
   return bytes.append(bytes_, end_);
 }
 
-std::string_view IniSection::Own(std::initializer_list<std::string_view> parts) {
+std::string_view IniSection::Own(std::span<const std::string_view> parts) {
   std::size_t size = 0;
   for (const std::string_view part : parts) size += part.size();
   ownSize_ += size;
@@ -120,7 +120,7 @@ void IniSection::EndLineBefore(std::size_t row) {
     const std::string_view header = std::string_view(bytes_).substr(0, begin_);
     if (!EndsInLine(header)) behindHeader_ = kIniLineEnd;
   } else if (Row& before = rows_[row - 1]; !EndsInLine(before.whole)) {
-    before.whole = Own({before.whole, kIniLineEnd});
+    before.whole = Own(std::array{before.whole, kIniLineEnd});
     before.endSize = kIniLineEnd.size();
   }
 }
@@ -130,7 +130,7 @@ void IniSection::Append(std::string_view key, std::string_view value) {
   std::size_t at = rows_.size();  // after the last line that is not blank
   while (at > 0 && (rows_[at - 1].isGone || TrimBlanks(rows_[at - 1].Text()).empty())) --at;
   EndLineBefore(at);
-  Row row{Own({key, "=", value, kIniLineEnd})};
+  Row row{Own(NewIniLine(key, value))};
   row.hasKey = true;
   row.hash = HashOf(key);
   rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(at), row);  // what follows has no key

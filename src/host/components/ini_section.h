@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <memory_resource>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -51,7 +51,7 @@ class IniSection {
   void FillBuckets();
   void PutInBucket(std::uint32_t row);
 
-  std::string_view Own(std::initializer_list<std::string_view> parts);
+  std::string_view Own(std::span<const std::string_view> parts);
   void Append(std::string_view key, std::string_view value);
   /// Sees to it that a line can begin after the row before this one, or after the header.
   void EndLineBefore(std::size_t row);

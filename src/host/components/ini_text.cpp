@@ -122,19 +122,15 @@ void IniText::SetValue(std::string_view section, std::string_view key, std::stri
     changed_ = open->Set(key, value) || changed_;
     return;
   }
-  const auto newLine = [&](std::size_t at) {
+  const auto insert = [&](std::size_t at, const std::string& heading) {
     const bool isAtBegin = EndsInLine(std::string_view(bytes_).substr(0, at));
-    return (isAtBegin ? "" : std::string(kIniLineEnd)) + NewIniLine(key, value);
+    std::string lines = (isAtBegin ? "" : std::string(kIniLineEnd)) + heading;
+    for (const std::string_view part : NewIniLine(key, value)) lines += part;
+    Replace(at, 0, lines);
   };
   IniCursor cursor(bytes_);
   if (!cursor.FindSection(section)) {
-    std::string block = EndsInLine(bytes_) ? "" : std::string(kIniLineEnd);
-    block.append("[")
-        .append(section)
-        .append("]")
-        .append(kIniLineEnd)
-        .append(NewIniLine(key, value));
-    Replace(bytes_.size(), 0, block);
+    insert(bytes_.size(), "[" + std::string(section) + "]" + std::string(kIniLineEnd));
     return;
   }
   std::size_t behindLast = cursor.NextBegin();  // after the section's last line that is not blank
@@ -147,7 +143,7 @@ void IniText::SetValue(std::string_view section, std::string_view key, std::stri
     }
     if (!TrimBlanks(cursor.Text()).empty()) behindLast = cursor.NextBegin();
   }
-  Replace(behindLast, 0, newLine(behindLast));
+  insert(behindLast, "");
 }
 
 void IniText::RemoveKey(std::string_view section, std::string_view key) {
