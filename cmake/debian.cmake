@@ -40,7 +40,8 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION games)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS adduser)
+# The last one is loaded at run time, when the page is asked for.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, libmicrohttpd12 | libmicrohttpd12t64")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS systemd)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA package/debian/postinst package/debian/prerm
                                        package/debian/postrm)

@@ -5,7 +5,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "base/runtime_error.h"
 #include "host/web/http_server.h"
+#include "host/web/microhttpd.h"
 #include "host/web/sessions.h"
 
 namespace rotacasts::host::web {
@@ -34,6 +36,15 @@ TEST(SignInBrake, SlowsDownOneAddressMoreAndMore) {
   EXPECT_EQ(brake.WaitOf("other", now), 0s);
   brake.Attempted("other", now + 15min);
   EXPECT_EQ(brake.WaitOf("one", now), 0s) << "a quarter of an hour is forgiven";
+}
+
+TEST(HttpServer, SaysWhichLibraryTheMachineLacks) {
+  try {
+    Microhttpd("libnone.so.1");
+    ADD_FAILURE() << "it has it";
+  } catch (const RuntimeError& error) {
+    EXPECT_NE(error.description.find("libnone.so.1"), std::string::npos) << error.description;
+  }
 }
 
 /// The client sends a letter every 10 ms for as long as it is let.

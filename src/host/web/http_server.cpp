@@ -1,7 +1,6 @@
 #include "host/web/http_server.h"
 
 #include <arpa/inet.h>
-#include <microhttpd.h>
 #include <netdb.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -12,11 +11,16 @@
 
 #include "base/runtime_error.h"
 #include "host/terminal.h"
+#include "host/web/microhttpd.h"
 
 namespace rotacasts::host::web {
 namespace {
 
 using Clock = EventLoop::Clock;
+
+const Microhttpd& Mhd() {
+  return Microhttpd::Get();
+}
 
 constexpr unsigned kMostConnections = 600;
 constexpr unsigned kMostOfOneAddress = 200;
@@ -62,7 +66,7 @@ void Resolve(const std::string& address, AddressInfo& info) {
 }
 
 std::string AddressOf(MHD_Connection* connection) {
-  const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
+  const auto* info = Mhd().get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
   char text[INET6_ADDRSTRLEN] = "";
   if (info->client_addr->sa_family == AF_INET) {
     const auto* address = reinterpret_cast<const sockaddr_in*>(info->client_addr);
@@ -90,7 +94,7 @@ class ReceivedRequest final : public Request {
 
  private:
   std::string Value(MHD_ValueKind kind, const char* name) const {
-    const char* value = MHD_lookup_connection_value(connection, kind, name);
+    const char* value = Mhd().lookup_connection_value(connection, kind, name);
     return value != nullptr ? value : "";
   }
 };
@@ -106,7 +110,7 @@ class HttpServer::Conversation final : public Exchange,
     request_.path = path;
   }
   ~Conversation() override {
-    if (response_ != nullptr) MHD_destroy_response(response_);
+    if (response_ != nullptr) Mhd().destroy_response(response_);
   }
 
   const Request& Asked() const override { return request_; }
@@ -153,25 +157,27 @@ MHD_Result HttpServer::Conversation::Proceed() {
     server_.handler_(shared_from_this());
     if (response_ == nullptr) {
       isSuspended_ = true;
-      MHD_suspend_connection(request_.connection);
+      Mhd().suspend_connection(request_.connection);
       return MHD_YES;
     }
   }
-  return MHD_queue_response(request_.connection, status_, response_);
+  return Mhd().queue_response(request_.connection, status_, response_);
 }
 
 void HttpServer::Conversation::SetHeaders(const Response& response) {
   status_ = response.status;
-  MHD_add_response_header(response_, "Content-Type", response.type.c_str());
-  for (const auto& [name, value] : kHeadersOfAll) MHD_add_response_header(response_, name, value);
+  Mhd().add_response_header(response_, "Content-Type", response.type.c_str());
+  for (const auto& [name, value] : kHeadersOfAll) {
+    Mhd().add_response_header(response_, name, value);
+  }
   for (const auto& [name, value] : response.headers) {
-    MHD_add_response_header(response_, name.c_str(), value.c_str());
+    Mhd().add_response_header(response_, name.c_str(), value.c_str());
   }
 }
 
 void HttpServer::Conversation::Answer(Response response) {
-  response_ = MHD_create_response_from_buffer(response.body.size(), response.body.data(),
-                                              MHD_RESPMEM_MUST_COPY);
+  response_ = Mhd().create_response_from_buffer(response.body.size(), response.body.data(),
+                                                MHD_RESPMEM_MUST_COPY);
   SetHeaders(response);
   Resume();
 }
@@ -181,7 +187,7 @@ void HttpServer::Conversation::AnswerBitByBit(std::unique_ptr<EventSource> sourc
   const auto read = [](void* self, std::uint64_t, char* buffer, std::size_t room) {
     return static_cast<Conversation*>(self)->Read(buffer, room);
   };
-  response_ = MHD_create_response_from_callback(MHD_SIZE_UNKNOWN, kBlock, read, this, nullptr);
+  response_ = Mhd().create_response_from_callback(MHD_SIZE_UNKNOWN, kBlock, read, this, nullptr);
   SetHeaders({200, "text/event-stream", {}, {{"X-Accel-Buffering", "no"}}});
   server_.since_.erase(request_.connection);
   server_.sources_[request_.connection] = this;
@@ -196,7 +202,7 @@ ssize_t HttpServer::Conversation::Read(char* buffer, std::size_t room) {
   if (piece_.empty()) {
     if (source_->IsOver()) return MHD_CONTENT_READER_END_OF_STREAM;
     isSuspended_ = true;
-    MHD_suspend_connection(request_.connection);
+    Mhd().suspend_connection(request_.connection);
     return 0;
   }
   const std::size_t count = std::min(room, piece_.size() - sent_);
@@ -217,7 +223,7 @@ void HttpServer::Conversation::WakeUp() {
 
 void HttpServer::Conversation::Resume() {
   if (!std::exchange(isSuspended_, false)) return;
-  MHD_resume_connection(request_.connection);
+  Mhd().resume_connection(request_.connection);
   server_.mustRun_ = true;
 }
 
@@ -262,7 +268,7 @@ HttpServer::HttpServer(EventLoop& loop, const std::string& address, Handler hand
                        std::chrono::milliseconds longest)
     : loop_(loop), handler_(std::move(handler)), longest_(longest) {
   Start(address);
-  const auto* events = MHD_get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD);
+  const auto* events = Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD);
   loop_.Watch(events->epoll_fd, POLLIN, [this](short) { Run(); });
   loop_.AddDeadline([this] { return NextRun(); }, [this] { Run(); });
 }
@@ -272,18 +278,18 @@ void HttpServer::Start(const std::string& address) {
   Resolve(address, info);
   const unsigned v6 = info.list->ai_family == AF_INET6 ? unsigned{MHD_USE_IPv6} : 0U;
   errno = 0;
-  daemon_ = MHD_start_daemon(MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG | v6, 0,
-                             nullptr, nullptr, &Callbacks::Access, this,                 //
-                             MHD_OPTION_EXTERNAL_LOGGER, &Callbacks::Log, nullptr,       //
-                             MHD_OPTION_SOCK_ADDR, info.list->ai_addr,                   //
-                             MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::Completed, this,   //
-                             MHD_OPTION_NOTIFY_CONNECTION, &Callbacks::Connected, this,  //
-                             MHD_OPTION_CONNECTION_LIMIT, kMostConnections,              //
-                             MHD_OPTION_PER_IP_CONNECTION_LIMIT, kMostOfOneAddress,      //
-                             MHD_OPTION_CONNECTION_TIMEOUT, kQuietSeconds,               //
-                             MHD_OPTION_CONNECTION_MEMORY_LIMIT, kMemoryOfConnection,    //
-                             MHD_OPTION_STRICT_FOR_CLIENT, 1,                            //
-                             MHD_OPTION_END);
+  daemon_ = Mhd().start_daemon(MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG | v6, 0,
+                               nullptr, nullptr, &Callbacks::Access, this,                 //
+                               MHD_OPTION_EXTERNAL_LOGGER, &Callbacks::Log, nullptr,       //
+                               MHD_OPTION_SOCK_ADDR, info.list->ai_addr,                   //
+                               MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::Completed, this,   //
+                               MHD_OPTION_NOTIFY_CONNECTION, &Callbacks::Connected, this,  //
+                               MHD_OPTION_CONNECTION_LIMIT, kMostConnections,              //
+                               MHD_OPTION_PER_IP_CONNECTION_LIMIT, kMostOfOneAddress,      //
+                               MHD_OPTION_CONNECTION_TIMEOUT, kQuietSeconds,               //
+                               MHD_OPTION_CONNECTION_MEMORY_LIMIT, kMemoryOfConnection,    //
+                               MHD_OPTION_STRICT_FOR_CLIENT, 1,                            //
+                               MHD_OPTION_END);
   if (daemon_ != nullptr) return;
   throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
                      "the page cannot be served at " + address + " (" + std::strerror(errno) +
@@ -291,25 +297,25 @@ void HttpServer::Start(const std::string& address) {
 }
 
 HttpServer::~HttpServer() {
-  loop_.Unwatch(MHD_get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd);
+  loop_.Unwatch(Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd);
   for (const auto& [connection, conversation] : conversations_) conversation->Resume();
-  MHD_stop_daemon(daemon_);
+  Mhd().stop_daemon(daemon_);
 }
 
 std::uint16_t HttpServer::Port() const {
-  return MHD_get_daemon_info(daemon_, MHD_DAEMON_INFO_BIND_PORT)->port;
+  return Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_BIND_PORT)->port;
 }
 
 void HttpServer::Run() {
   mustRun_ = false;
-  MHD_run(daemon_);
+  Mhd().run(daemon_);
   CutOff();
 }
 
 std::optional<Clock::time_point> HttpServer::NextRun() const {
   if (mustRun_) return Clock::now();
   MHD_UNSIGNED_LONG_LONG milliseconds = 0;
-  if (MHD_get_timeout(daemon_, &milliseconds) != MHD_YES) return std::nullopt;
+  if (Mhd().get_timeout(daemon_, &milliseconds) != MHD_YES) return std::nullopt;
   return Clock::now() + std::chrono::milliseconds(milliseconds);
 }
 
@@ -320,7 +326,7 @@ void HttpServer::CutOff() {
   const Clock::time_point limit = now - longest_;
   for (auto& [connection, since] : since_) {
     if (since > limit) continue;
-    ::shutdown(MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd,
+    ::shutdown(Mhd().get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd,
                SHUT_RDWR);
     since = now;
   }
