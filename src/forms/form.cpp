@@ -98,7 +98,8 @@ MenuItem& Form::AddMenu(std::string name, std::string caption, MenuItem* parent)
   return *level.back();
 }
 
-MenuItem& Form::Menu(std::string_view name) const {
+MenuItem& Form::Menu(std::string_view name) {
+  if (!std::exchange(hasMenus_, true)) MakeMenus();
   MenuItem* item = FindItem(menus_, name);
   if (item == nullptr) RaiseNoSuchControl(name);
   return *item;

@@ -116,8 +116,7 @@ class Form : public std::enable_shared_from_this<Form> {
 
   MenuItem& AddMenu(std::string name, std::string caption, MenuItem* parent);
   /// Error 91 when there is no such item at any level.
-  MenuItem& Menu(std::string_view name) const;
-  const std::vector<std::unique_ptr<MenuItem>>& Menus() const { return menus_; }
+  MenuItem& Menu(std::string_view name);
   void PopUp(MenuItem& menu);
 
   TimerArray& Timers() { return timers_; }
@@ -142,6 +141,8 @@ class Form : public std::enable_shared_from_this<Form> {
 
  protected:
   virtual void OnLoad() {}
+  /// Adds the menus, when one is first asked for: a window whose menus nobody opens holds none.
+  virtual void MakeMenus() {}
 
  private:
   friend class Control;
@@ -155,6 +156,7 @@ class Form : public std::enable_shared_from_this<Form> {
   std::vector<std::unique_ptr<Control>> controls_;
   std::vector<Control*> stackingOrder_;
   std::vector<std::unique_ptr<MenuItem>> menus_;
+  bool hasMenus_ = false;
   TimerArray timers_;
   Control* focused_ = nullptr;
   bool visible_ = false;

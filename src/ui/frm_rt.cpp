@@ -51,7 +51,7 @@ frmRT::frmRT(const SettingsWindowContext& context)
             layout::kFontSize}),
       context_(context),
       buttons_(context.services.HostFolder()) {
-  layout::Build(*this);
+  layout::BuildControls(*this);
   messages_ = std::make_unique<MessageRows>(lstMessages());
 }
 
@@ -64,7 +64,6 @@ void frmRT::OnLoad() {
   Run("Form_Load", [this](Step& at) { Form_Load(at); });
   Timers().onTimer = context_.onTick;
   WireEvents();
-  WireMenuTables();
 }
 
 std::function<void()> frmRT::Handled(std::string_view procedure, Handler handler) {
@@ -83,9 +82,6 @@ void frmRT::WireEvents() {
   txtInterval().onChange = Handled("txtInterval_Change", &frmRT::txtInterval_Change);
   lstMessages().onMouseDown = Handled("lstMessagesClick", &frmRT::lstMessages_MouseDown);
   txtMessage().onMouseDown = Handled("txtMessage_MouseDown", &frmRT::txtMessage_MouseDown);
-  Menu("mnuUp").onClick = Handled("mnuUp", &frmRT::mnuUp_Click);
-  Menu("mnuDown").onClick = Handled("mnuDown", &frmRT::mnuDown_Click);
-  Menu("mnuDelete").onClick = Handled("mnuDelete_Click", &frmRT::mnuDelete_Click);
   // The picture's margin acts exactly like the caption on it. Building either can have failed.
   if (forms::Control* caption = Find(kAddButton)) {
     caption->onMouseDown = Handled("cmdAdd_MouseDown", &frmRT::cmdAdd_MouseDown);
@@ -99,7 +95,11 @@ void frmRT::WireEvents() {
   }
 }
 
-void frmRT::WireMenuTables() {
+void frmRT::MakeMenus() {
+  layout::BuildMenus(*this);
+  Menu("mnuUp").onClick = Handled("mnuUp", &frmRT::mnuUp_Click);
+  Menu("mnuDown").onClick = Handled("mnuDown", &frmRT::mnuDown_Click);
+  Menu("mnuDelete").onClick = Handled("mnuDelete_Click", &frmRT::mnuDelete_Click);
   for (const layout::MenuRow& row : layout::Menus()) {
     if (row.token.empty()) continue;
     Menu(row.name).onClick = [this, &row] {

@@ -45,6 +45,7 @@ class frmRT final : public forms::Form {
 
  protected:
   void OnLoad() override;
+  void MakeMenus() override;
 
  private:
   struct EditingItem;
@@ -56,7 +57,6 @@ class frmRT final : public forms::Form {
   std::function<void(const forms::MouseEvent&)> Handled(std::string_view procedure,
                                                         MouseHandler handler);
   void WireEvents();
-  void WireMenuTables();
   /// Runs a handler under its name for the current window profile. While a handler calls a
   /// component or shows a box, the host may load another profile or unload the window; so a handler
   /// takes the profile and the rows once, when it begins, changes that profile's file only, and

@@ -99,7 +99,7 @@ std::span<const MenuRow> Menus() {
   return kMenus;
 }
 
-void Build(forms::Form& form) {
+void BuildControls(forms::Form& form) {
   for (const ControlRow& row : kControls) {
     forms::Control& control = AddControl(form, row);
     control.SetBounds(row.bounds);
@@ -113,6 +113,9 @@ void Build(forms::Form& form) {
     if (!row.container.empty()) control.MoveInto(form.Find(row.container));
     if (!row.label.empty()) control.SetLabelledBy(&form.Get<forms::CaptionedControl>(row.label));
   }
+}
+
+void BuildMenus(forms::Form& form) {
   forms::MenuItem* parents[4] = {};
   for (const MenuRow& row : kMenus) {
     parents[row.level] =

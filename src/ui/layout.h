@@ -49,8 +49,9 @@ struct MenuRow {
 
 std::span<const MenuRow> Menus();
 
-/// Builds the controls and the menus of the tables on an empty form.
-void Build(forms::Form& form);
+/// Builds the controls of the table on an empty form, and the menus of theirs.
+void BuildControls(forms::Form& form);
+void BuildMenus(forms::Form& form);
 
 /// The picture of the Add button, inside Frame2.
 inline constexpr forms::Rectangle kAddButton{9170, 300, 1215, 495};
