@@ -24,11 +24,9 @@ class EditingTest : public PluginTest {
   EditingTest() {
     toolkit.onPopUp = [this](forms::MenuItem& menu) -> forms::MenuItem* {
       shown.push_back(menu.name);
-      entryWasEnabled = Window().txtMessage().IsEnabled();
       return choice.empty() ? nullptr : &Window().Menu(choice);
     };
-    toolkit.onSend = [this](forms::Control& control, const WindowMessage& now) -> std::intptr_t {
-      if (control.GetKind() == forms::Kind::TextBox) sent.push_back(now);
+    toolkit.onSend = [this](const forms::Control&, const WindowMessage& now) -> std::intptr_t {
       if (now.message != forms::kLbItemFromPoint) return 0;
       const std::intptr_t row = now.lParam / 65536 / kRowHeight;
       return row < Window().lstMessages().Count() ? row : forms::kLbOutsideItems;
@@ -57,8 +55,6 @@ class EditingTest : public PluginTest {
 
   Texts shown;  // menus
   std::string choice;
-  std::vector<WindowMessage> sent;  // to text boxes
-  bool entryWasEnabled = true;
 };
 
 TEST_F(EditingTest, TheAddButtonMovesWhilePressedWithAndWithoutPictures) {
@@ -245,34 +241,6 @@ TEST_F(EditingTest, TokensReplaceTheEntry) {
   }
   EXPECT_EQ(shown, Texts(AllPlaceholders().size(), "mnuMessages"));
   EXPECT_TRUE(host.calls.empty());
-}
-
-TEST_F(EditingTest, TheEditingItemsGoToTheDisabledEntryBox) {
-  Show({});
-  const forms::TextBox& box = Window().txtMessage();
-  for (const std::size_t selected : {0U, 2U}) {
-    toolkit.selection.length = selected;
-    for (const auto& [item, wanted] : {std::pair("mnuCut", WindowMessage{forms::kWmCut}),
-                                       {"mnuCopy", {forms::kWmCopy}},
-                                       {"mnuPaste", {forms::kWmPaste}},
-                                       {"mnuSelectAll", {forms::kEmSetSel, 0, -1}}}) {
-      choice = item;
-      Press("txtMessage", MouseEvent::kRight);
-      EXPECT_FALSE(entryWasEnabled);
-      EXPECT_TRUE(box.IsEnabled() && Window().Focused() == &box);
-      const bool isIdle = selected == 0 && wanted.message != forms::kWmPaste && wanted.lParam == 0;
-      EXPECT_EQ(std::exchange(sent, {}), std::vector<WindowMessage>(isIdle ? 0 : 1, wanted))
-          << item;
-    }
-  }
-  choice = "mnuDelete2";
-  Press("txtMessage", MouseEvent::kRight);
-  EXPECT_EQ(sent.at(0).message, forms::kEmReplaceSel);
-  EXPECT_STREQ(reinterpret_cast<const char*>(sent[0].lParam), "");
-  Press("txtMessage", MouseEvent::kLeft);
-  EXPECT_EQ(shown.size(), 9U);
-  TypeOver(Window().txtInterval(), "x");
-  EXPECT_EQ(sent.back(), (WindowMessage{forms::kEmSetSel, 0, -1}));  // what was put back
 }
 
 /// A change in the window that shows profile 2, and what the host does inside one of its calls.

@@ -10,7 +10,6 @@
 #include <cstring>
 #include <list>
 #include <regex>
-#include <set>
 #include <sstream>
 
 #include "base/conversions.h"
@@ -21,7 +20,6 @@
 #include "host/linux/headless_plugin.h"
 #include "host/machine/linux/program_starter.h"
 #include "host/terminal.h"
-#include "simulator/game_life.h"
 #include "support/fake_host.h"
 #include "support/host_files.h"
 
@@ -164,20 +162,6 @@ TEST_F(HostFilesTest, AFullDiskOrAFolderThatMayNotChangeLeavesEverythingAsItWas)
   EXPECT_EQ(ErrorOf([&] { utility.AppendFile(log, std::string(30, 'x')); }), 61);
   EXPECT_EQ(folder.Read("a.ini") + folder.Read("log"), "[S]\r\n1=aone");
   EXPECT_EQ(Count(), 2);
-}
-
-TEST(GameLife, EverySeedLivesThroughEveryStateWithAGameTypeThatThereIs) {
-  for (const std::uint32_t seed : {0U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
-    simulator::GameLife life({.players = 250, .seed = seed, .mapSteps = 20, .pauseSteps = 4});
-    std::set<std::int32_t> states;
-    for (int step = 0; step < 60; ++step) {
-      life.Step();
-      states.insert(life.Now().state);
-      EXPECT_LT(static_cast<std::size_t>(life.Now().PlayerCount()), life.Now().slots.size());
-      EXPECT_TRUE(life.Now().gameType >= 0 && life.Now().gameType < 9) << seed;
-    }
-    EXPECT_EQ(states, (std::set<std::int32_t>{1, 2, 3, 4})) << seed;
-  }
 }
 
 TEST(EventLoopTest, ATurnLiesBetweenItsHooksAndAStopEndsItAtOnce) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/arithmetic.h"
 #include "base/conversions.h"
 #include "base/text.h"
 #include "support/fake_host.h"
@@ -88,23 +87,6 @@ TEST(Conversions, KindsToKinds) {
     EXPECT_TRUE(EqualsTrue(truth));
   }
   EXPECT_FALSE(EqualsTrue(HostValue(1)) || EqualsTrue(HostValue("yes")) || EqualsTrue(HostValue()));
-}
-
-TEST(Conversions, NumbersToTexts) {
-  EXPECT_EQ(FormatNumber(33.33), "33.33");
-  EXPECT_EQ(FormatNumber(1e20), "1E+20");
-  EXPECT_EQ(RoundToTwoDecimals(0.125), 0.12);  // halfway: to the even digit
-  EXPECT_EQ(RoundToTwoDecimals(0.375), 0.38);
-  EXPECT_EQ(RoundToTwoDecimals(-0.125), -0.12);
-}
-
-TEST(Checked, RaisesWhereTheResultLeavesTheRange) {
-  const Checked top = 2147483647;
-  const Checked bottom = -2147483647 - 1;
-  EXPECT_EQ(ErrorOf([&] { top + 1; }), 6);
-  EXPECT_EQ(ErrorOf([&] { bottom - 1; }), 6);
-  EXPECT_EQ(ErrorOf([&] { Checked(65536) * 32768; }), 6);
-  EXPECT_EQ((bottom + top).Value(), -1);
 }
 
 TEST(CurrentRuntimeError, TranslatesWhateverIsThrown) {

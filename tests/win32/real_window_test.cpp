@@ -213,6 +213,7 @@ TEST_F(RealWindowTest, AMessageIsTypedAndAddedWithTheMouse) {
   EXPECT_EQ(TextOf("txtMessage").size(), 60U) << "no more can be typed";
   ClickMouse(AddButton());
   ASSERT_EQ(user.boxes, Texts{kAdded});
+  EXPECT_TRUE(user.menus.empty());
   EXPECT_EQ(TextOf("txtMessage"), "");
   EXPECT_EQ(Rows(), (Texts{"a", "Hello 7" + std::string(53, 'x')}));
 }
@@ -234,18 +235,21 @@ TEST_F(RealWindowTest, TheListsMenuMovesAndDeletesTheRowUnderThePointer) {
 
 TEST_F(RealWindowTest, TheEntryBoxIsEditedThroughItsMenuWhileItIsDisabled) {
   Show({});
+  user.insideMenu = [&] { EXPECT_EQ(::IsWindowEnabled(Control("txtMessage")), FALSE); };
   ChooseFromEntry({"Insert Info Message", "Most Kills"});
   EXPECT_EQ(TextOf("txtMessage"), "{ShowMostKills}");
   ASSERT_EQ(user.menus.size(), 2U);
   EXPECT_EQ(user.menus[0], (Texts{"Insert Info Message", "-", "Cut", "Copy", "Paste", "Delete", "-",
                                   "Select All"}));
   EXPECT_EQ(user.menus[1].size(), AllPlaceholders().size());
-  for (const char* item : {"Select All", "Cut"}) ChooseFromEntry({item});
-  EXPECT_EQ(TextOf("txtMessage"), "");
-  for (const char* item : {"Paste", "Paste"}) ChooseFromEntry({item});
-  EXPECT_EQ(TextOf("txtMessage"), "{ShowMostKills}{ShowMostKills}");
-  for (const char* item : {"Select All", "Delete"}) ChooseFromEntry({item});
-  EXPECT_EQ(TextOf("txtMessage"), "");
+  const auto expectAfter = [&](const Texts& items, const char* text) {
+    for (const std::string& item : items) ChooseFromEntry({item});
+    EXPECT_EQ(TextOf("txtMessage"), text) << items.back();
+  };
+  expectAfter({"Cut", "Delete"}, "{ShowMostKills}");  // nothing is selected
+  expectAfter({"Select All", "Copy", "Delete"}, "");
+  expectAfter({"Paste", "Select All", "Cut"}, "");
+  expectAfter({"Paste", "Paste"}, "{ShowMostKills}{ShowMostKills}");
   EXPECT_NE(::IsWindowEnabled(Control("txtMessage")), FALSE);
   EXPECT_EQ(::GetFocus(), Control("txtMessage"));
 }

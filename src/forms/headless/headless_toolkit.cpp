@@ -47,7 +47,7 @@ class HeadlessView final : public FormView {
     if (MenuItem* chosen = toolkit_.onPopUp(menu)) chosen->UserClicked();
   }
 
-  TextSelection Selection(const TextBox&) const override { return toolkit_.selection; }
+  TextSelection Selection(const TextBox&) const override { return {}; }
 
   std::intptr_t Send(Control& control, std::uint32_t message, std::uintptr_t wParam,
                      std::intptr_t lParam) override {

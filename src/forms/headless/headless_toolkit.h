@@ -49,8 +49,6 @@ class HeadlessToolkit final : public forms::Toolkit {
 
   /// The display that there would be.
   forms::TwipsPerPixel screen;
-  /// What would be selected in a text box.
-  forms::TextSelection selection;
 
   std::shared_ptr<forms::FormView> CreateView(forms::Form& form) override;
   forms::TwipsPerPixel ScreenTwipsPerPixel() const override { return screen; }
