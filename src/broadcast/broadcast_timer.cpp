@@ -60,6 +60,7 @@ bool BroadcastTimer::IsDue(std::int32_t index, Step& at) {
   if (!game_.HasMemoryMap(index)) return false;
   at(2);
   if (!game_.IsGameRunning(index)) return false;
+  if (!window_.IsLoaded()) return false;  // unloaded inside the call above, and not made for this
   at(3);
   if (window_.Switch() != 1) return false;
   at(4);

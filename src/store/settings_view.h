@@ -25,6 +25,8 @@ class SettingsView {
   /// The list. It can be touched while the result lives, without effect once its window is gone.
   virtual std::shared_ptr<ShownMessages> Messages() = 0;
 
+  /// Whether there is a window.
+  virtual bool IsLoaded() const = 0;
   /// The enable switch: 0 off, 1 on, 2 neither.
   virtual std::int16_t Switch() = 0;
   /// Error 380 for a value that the switch does not accept.

@@ -23,6 +23,7 @@ class SettingsWindow final : public SettingsView {
   void Unload();
 
   std::shared_ptr<ShownMessages> Messages() override;
+  bool IsLoaded() const override { return IfLoaded() != nullptr; }
   std::int16_t Switch() override { return Get()->chkAuto().Value(); }
   void SetSwitch(std::int16_t value) override { Get()->chkAuto().SetValue(value); }
   void RequireSwitchValue(std::int16_t value) const override {
