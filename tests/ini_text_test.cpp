@@ -2,20 +2,14 @@
 
 #include "host/components/ini_text.h"
 
-#include <gtest/gtest.h>
-
 #include <random>
+
+#include "support/fake_host.h"
 
 namespace rotacasts::host {
 namespace {
 
-std::string AllLines(const IniText& ini, std::string_view section) {
-  std::string text;
-  for (const auto& line : ini.Lines(section)) {
-    text.append(line.key).append("=").append(line.value).append(";");
-  }
-  return text;
-}
+using testing::LinesOf;
 
 TEST(IniText, ReadsSectionsOfAllKindsOfFiles) {
   for (const auto& [bytes, lines] :
@@ -29,7 +23,7 @@ TEST(IniText, ReadsSectionsOfAllKindsOfFiles) {
         {"[S]\r\n1=a\r\n[half", "1=a;"},
         {"[S", ""},
         {"", ""}}) {
-    EXPECT_EQ(AllLines(IniText(bytes), "S"), lines) << bytes;
+    EXPECT_EQ(LinesOf(IniText(bytes), "S"), lines) << bytes;
   }
   EXPECT_EQ(IniText("[S]\r\nKey=1\r\nkey=2\r\n").Value("s", "KEY"), "1");
   EXPECT_EQ(IniText("[S]\r\n[T]\r\nk=1\r\n").Value("S", "k"), std::nullopt);
@@ -82,7 +76,7 @@ TEST(IniText, ManyChangesComeToTheSameWhetherItsLinesAreKnownOrNot) {
         isSet ? ini->SetValue("S", key, value) : ini->RemoveKey("S", key);
       }
       ASSERT_EQ(known.Value("S", "B"), fresh.Value("S", "B"));
-      ASSERT_EQ(AllLines(known, "S"), AllLines(fresh, "S")) << bytes;
+      ASSERT_EQ(LinesOf(known, "S"), LinesOf(fresh, "S")) << bytes;
       bytes = fresh.Bytes();
       if (below(4) == 0) {
         ASSERT_EQ(known.Bytes(), bytes);

@@ -5,7 +5,6 @@
 #include <tuple>
 
 #include "base/text.h"
-#include "host/components/ini_text.h"
 #include "support/fake_host.h"
 
 namespace rotacasts {
@@ -20,14 +19,7 @@ class MessageFileTest : public PluginTest {
   MessageFileTest() { State().profiles.SetProfileData(1, Data(1, "JO")); }
   MessageFile& Store() { return State().store; }
   /// The section "Messages" of the file, a line after the other.
-  std::string Section() {
-    std::string lines;
-    const host::IniText ini(host.MessageFile(1));
-    for (const auto& line : ini.Lines("Messages")) {
-      lines += std::string(line.key) + "=" + std::string(line.value) + ";";
-    }
-    return lines;
-  }
+  std::string Section() { return testing::LinesOf(host::IniText(host.MessageFile(1)), "Messages"); }
   void SetSection(const std::string& lines) {
     host.MessageFile(1) = "[Messages]\r\n" + lines + "[Options]\r\nEnable=1\r\n";
   }

@@ -30,10 +30,6 @@ class Scene : public PluginHarness {
     Window().lstMessages().Select(1);
     host.calls.clear();
   }
-  std::string ClickMenu(const char* item) {
-    Window().Menu(item).UserClicked();
-    return "";
-  }
   std::string Options() {
     return State().store.Open(2).ReadOption(kEnableKey) + ", " +
            State().store.Open(2).ReadOption(kIntervalKey);
@@ -72,21 +68,11 @@ const Texts kUp = {kLong, "a", "c", "d"};
 const Texts kDown = {"a", "c", kLong, "d"};
 const Texts kDeleted = {"a", "c", "d"};
 
-std::string WindowAdd(Scene& scene) {
-  scene.TypeOver(scene.Window().txtMessage(), "new");
-  scene.Click("cmdAdd", MouseEvent::kLeft);
-  return "";
-}
-std::string WindowSwitch(Scene& scene) {
-  scene.Window().chkAuto().UserClicked();
-  return "";
-}
-std::string WindowInterval(Scene& scene) {
-  scene.TypeOver(scene.Window().txtInterval(), "9");
-  return "";
+auto InWindow(void (*act)(Scene& scene)) {
+  return [act](Scene& scene) { return act(scene), std::string(); };
 }
 auto Menu(const char* item) {
-  return [item](Scene& scene) { return scene.ClickMenu(item); };
+  return [item](Scene& scene) { return scene.Window().Menu(item).UserClicked(), std::string(); };
 }
 auto Remote(PluginHarness::RemoteCall call, const HostValue& data) {
   return [call, data](Scene& scene) { return scene.Remote(call, data); };
@@ -94,14 +80,17 @@ auto Remote(PluginHarness::RemoteCall call, const HostValue& data) {
 
 // clang-format off
 const Operation kOperations[] = {
-    {"add", WindowAdd, Leaves::AllOrNothing, kWithNew, "", kOptionsBefore,
+    {"add", InWindow([](Scene& scene) { scene.AddInWindow("new"); }),
+     Leaves::AllOrNothing, kWithNew, "", kOptionsBefore,
      "Failed!|Could not add message!"},
     {"up", Menu("mnuUp"), Leaves::AsItWas, kUp},
     {"down", Menu("mnuDown"), Leaves::AsItWas, kDown},
     {"delete", Menu("mnuDelete"), Leaves::WhatStays, kDeleted, "", kOptionsBefore,
      "Failed!|Could not delete message!"},
-    {"switch", WindowSwitch, Leaves::AsItWas, kBefore, "", "0, 1"},
-    {"interval", WindowInterval, Leaves::AsItWas, kBefore, "", "1, 9"},
+    {"switch", InWindow([](Scene& scene) { scene.Window().chkAuto().UserClicked(); }),
+     Leaves::AsItWas, kBefore, "", "0, 1"},
+    {"interval", InWindow([](Scene& scene) { scene.TypeOver(scene.Window().txtInterval(), "9"); }),
+     Leaves::AsItWas, kBefore, "", "1, 9"},
     {"remote add", Remote(&clsPlugin::AddMessageRem, "<new>"), Leaves::AllOrNothing, kWithNew, "1"},
     {"remote delete", Remote(&clsPlugin::DeleteMessageRem, 1), Leaves::WhatStays, kDeleted, "1",
      kOptionsBefore, "", "WriteIniKey(Messages, 2, null"},
@@ -201,8 +190,7 @@ class RandomLife : public PluginHarness {
     constexpr const char* kItems[] = {"", "mnuUp", "mnuDown", "mnuDelete"};
     const std::string row = text.substr(0, 60);
     if (kind == 0) {
-      TypeOver(Window().txtMessage(), text);
-      Click("cmdAdd", MouseEvent::kLeft);
+      AddInWindow(text);
       return row;
     }
     const Texts rows = Rows();

@@ -4,7 +4,6 @@
 #include <sstream>
 
 #include "base/text.h"
-#include "host/components/ini_text.h"
 
 namespace rotacasts::testing {
 namespace {
@@ -264,11 +263,24 @@ void PluginHarness::TypeOver(forms::TextBox& box, const std::string& text) {
   box.UserChangedText(std::string(FirstCharacters(text, box.MaxLength())));
 }
 
+void PluginHarness::AddInWindow(const std::string& text) {
+  TypeOver(Window().txtMessage(), text);
+  Click("cmdAdd", forms::MouseEvent::kLeft);
+}
+
 std::vector<std::string> PluginHarness::Stored(int index) {
   std::vector<std::string> texts;
   const IniText ini(host.MessageFile(index));
   for (const auto& line : ini.Lines("Messages")) texts.push_back(FromWindows1252(line.value));
   return texts;
+}
+
+std::string LinesOf(const IniText& ini, std::string_view section) {
+  std::string text;
+  for (const auto& line : ini.Lines(section)) {
+    text.append(line.key).append("=").append(line.value).append(";");
+  }
+  return text;
 }
 
 std::string MessageFileBytes(const std::vector<std::string>& messages, const std::string& enable,

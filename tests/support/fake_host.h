@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "forms/headless/headless_toolkit.h"
+#include "host/components/ini_text.h"
 #include "plugin/cls_plugin.h"
 
 namespace rotacasts::testing {
@@ -77,6 +78,8 @@ class PluginHarness {
   /// Presses (and releases) a mouse button on a control of the window; twips.
   void Press(const char* control, std::int16_t button, float x = 0, float y = 0);
   void Click(const char* control, std::int16_t button, float x = 0, float y = 0);
+  /// Types a message over what is in the entry box and clicks the Add button.
+  void AddInWindow(const std::string& text);
   /// The user types over what is in a text box, as much as it takes.
   static void TypeOver(forms::TextBox& box, const std::string& text);
   /// The texts of the section "Messages" in the profile's file.
@@ -98,6 +101,9 @@ class PluginHarness {
 };
 
 class PluginTest : public ::testing::Test, public PluginHarness {};
+
+/// The lines of a section, one behind the other: "1=a;2=b;".
+std::string LinesOf(const host::IniText& ini, std::string_view section);
 
 /// The bytes of a message file with these messages and, unless empty, these options.
 std::string MessageFileBytes(const std::vector<std::string>& messages,
