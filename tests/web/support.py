@@ -4,41 +4,15 @@ import http.client
 import json
 import os
 import re
-import select
 import shutil
+import signal
 import subprocess
 import tempfile
-import time
 
-PROGRAMS = os.environ["ROTACASTS_PROGRAMS"]
+from programs import HOST, Program, Server, add_profile, message_file
+
 PASSWORD = "correct horse"
 ADD, CHANGE = "Add/Remove Rotacasts", "Change Rotacasts Settings"
-
-
-class Server:
-    """A simulated game server, and what it has been told."""
-
-    def __init__(self, code="JO"):
-        self.process = subprocess.Popen(
-            [PROGRAMS + "/game-server-sim", "--game-code", code, "--seed", "3", "--with-parent"],
-            stdout=subprocess.PIPE)
-        self.heard, self.buffer = [], b""
-        self.port = self.process.stdout.readline().decode().rsplit(":", 1)[1].strip()
-
-    def hears(self, text, seconds=10):
-        end = time.time() + seconds
-        while not any(text in line for line in self.heard):
-            if not select.select([self.process.stdout], [], [], max(0, end - time.time()))[0]:
-                return False
-            self.buffer += os.read(self.process.stdout.fileno(), 65536)
-            *lines, self.buffer = self.buffer.split(b"\n")
-            self.heard += [line.decode() for line in lines]
-        return True
-
-    def stop(self):
-        self.process.kill()
-        self.process.wait()
-        self.process.stdout.close()
 
 
 class Host:
@@ -49,47 +23,35 @@ class Host:
         self.folder = tempfile.mkdtemp(prefix="rotacasts-")
         self.options = options
         self.server = Server()
-        self.write(2, self.server.process.pid, self.server.port, messages, interval)
-        self.write(3, "no-such-program", 4003, ["Three"], 1)
+        add_profile(self.folder, 2, "JO", self.server.id, self.server.port,
+                    message_file(messages, interval))
+        add_profile(self.folder, 3, "JO", "no-such-program", 4003, message_file(["Three"]))
         self.admin("set", "Anna")
         self.admin("set", "Eve", "--profiles", "2", "--rights", CHANGE)
         self.admin("set", "Ben", "--profiles", "3", "--rights", "")
         self.port = 0
         self.start()
 
-    def write(self, index, process, port, messages, interval):
-        folder = f"{self.folder}/profiles/srv{index}"
-        os.makedirs(folder + "/settings")
-        with open(folder + "/profile.ini", "w") as file:
-            file.write(f"[Profile]\nIndex={index}\nGameCode=JO\nProcess={process}\nTarget={port}\n")
-        lines = [f"{i}={text}" for i, text in enumerate(messages, 1)]
-        with open(folder + "/settings/Rotacasts.ini", "w", encoding="cp1252", newline="\r\n") as file:
-            file.write("\n".join(["[Messages]", *lines, "[Options]", "Enable=1",
-                                  f"Interval={interval}", ""]))
-
     def admin(self, *words, password=PASSWORD):
-        return subprocess.run([PROGRAMS + "/rotacasts-host", "admin", *words, "--host-folder",
-                               self.folder], input=password + "\n", capture_output=True, text=True)
+        return subprocess.run([HOST, "admin", *words, "--host-folder", self.folder],
+                              input=password + "\n", capture_output=True, text=True)
 
     def start(self):
-        self.process = subprocess.Popen(
-            ["setpriv", "--pdeathsig", "KILL",  # it does not outlive the test, however that ends
-             PROGRAMS + "/rotacasts-host", "run", "--host-folder", self.folder, "--web",
-             f"127.0.0.1:{self.port}", *self.options],
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-        self.url = self.process.stdout.readline().decode().split()[-1]
+        self.program = Program(HOST, "run", "--host-folder", self.folder, "--web",
+                               f"127.0.0.1:{self.port}", *self.options)
+        self.url = self.program.prints("the page: ").split()[-1]
         self.port = int(self.url.rsplit(":", 1)[1].strip("/"))
 
     def end(self):
-        self.process.terminate()
-        self.process.communicate()
-        return self.process.returncode
+        status = self.program.end(signal.SIGTERM)
+        self.program.stop()
+        return status
 
     def stop(self):
-        if self.process.poll() is None:
-            assert self.end() == 0, "the host ended badly"
+        status = self.end()
         self.server.stop()
         shutil.rmtree(self.folder)
+        assert status == 0, "the host ended badly"
 
     def messages(self, index=2):
         with open(f"{self.folder}/profiles/srv{index}/settings/Rotacasts.ini",

@@ -1,0 +1,82 @@
+"""The programs that a test starts, and the profiles that it gives them."""
+
+import os
+import select
+import signal
+import subprocess
+import time
+
+PROGRAMS = os.environ["ROTACASTS_PROGRAMS"]
+HOST = PROGRAMS + "/rotacasts-host"
+# What is started with these words ends with the test, however that ends.
+WITH_TEST = ("setpriv", "--pdeathsig", "KILL")
+
+
+class Program:
+    """Its input and its output, errors included, are pipes. Nothing is read unless asked for."""
+
+    def __init__(self, *command):
+        self.process = subprocess.Popen(
+            [*WITH_TEST, *map(str, command)], bufsize=0,
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self.id, self.unread = self.process.pid, b""
+
+    def write(self, text):
+        self.process.stdin.write(text.encode())
+
+    def read_line(self, seconds=10):
+        """The next line; None at the end of the output or after that time without one."""
+        output = self.process.stdout
+        while b"\n" not in self.unread:
+            more = output.read(65536) if select.select([output], [], [], seconds)[0] else b""
+            if not more:
+                return None
+            self.unread += more
+        line, self.unread = self.unread.split(b"\n", 1)
+        return line.decode()
+
+    def prints(self, text, seconds=30):
+        """Reads on up to the line that holds the text; that line, or None if it does not come."""
+        end = time.monotonic() + seconds
+        while (left := end - time.monotonic()) > 0:
+            line = self.read_line(left)
+            if line is None or text in line:
+                return line
+        return None
+
+    def end(self, sent=None):
+        """Sends the signal, if any; the exit status, or minus the signal that ended the program."""
+        if sent is not None:
+            self.process.send_signal(sent)
+        return self.process.wait(30)
+
+    def stop(self):
+        self.end(signal.SIGKILL)
+        self.process.stdin.close()
+        self.process.stdout.close()
+
+
+class Server(Program):
+    """A simulated game server, which prints what it is told."""
+
+    def __init__(self, code="JO", program=PROGRAMS + "/game-server-sim", port=0):
+        super().__init__(program, "--game-code", code, "--seed", 3, "--step", 20, "--port", port)
+        self.port = self.prints("chat on").rsplit(":", 1)[1]
+
+
+def message_file(messages, interval=1):
+    lines = [f"{i}={text}" for i, text in enumerate(messages, 1)]
+    options = ["[Options]", "Enable=1", f"Interval={interval}", ""]
+    return "\r\n".join(["[Messages]", *lines, *options]).encode("cp1252")
+
+
+def add_profile(host_folder, index, code, process, target, messages=None):
+    """`messages` is what the message file holds; without it there is none."""
+    folder = f"{host_folder}/profiles/srv{index}"
+    os.makedirs(folder)
+    with open(folder + "/profile.ini", "w", newline="\r\n") as file:
+        file.write(f"[Profile]\nIndex={index}\nGameCode={code}\nProcess={process}\nTarget={target}")
+    if messages is not None:
+        os.mkdir(folder + "/settings")
+        with open(folder + "/settings/Rotacasts.ini", "wb") as file:
+            file.write(messages)
