@@ -1,0 +1,186 @@
+"""The programs: a simulated game server, the host that serves it, and the end of either."""
+
+import os
+import shlex
+import shutil
+import tempfile
+import time
+import unittest
+from pathlib import Path
+from signal import SIGHUP, SIGKILL, SIGTERM
+
+from programs import HOST, PROGRAMS, WITH_TEST, Program, Server, add_profile, message_file
+
+
+class EndToEnd(unittest.TestCase):
+    def setUp(self):
+        self.folder = Path(self.enterContext(tempfile.TemporaryDirectory(prefix="rotacasts-")))
+
+    def start(self, kind, *words):
+        program = kind(*words)
+        self.addCleanup(program.stop)
+        return program
+
+    def profile(self, *settings):
+        add_profile(self.folder, *settings)
+
+    def host(self, command="run"):
+        minute = ("--minute", "50ms") if command == "run" else ()
+        return self.start(Program, HOST, command, "--host-folder", self.folder, *minute)
+
+    def expect(self, program, *texts):
+        """The program prints these texts, in this order."""
+        for text in texts:
+            self.assertTrue(program.prints(text), text)
+
+    def test_messages_reach_the_servers_until_one_dies(self):
+        joint, hawk = self.start(Server, "JO"), self.start(Server, "DFBHD")
+        texts = ["Grüße €", "{ShowNextMap}", "{ShowMostKills}", "", "{ShowLeastDeaths}"]
+        messages = message_file(texts)
+        self.profile(1, "DFBHD", hawk.id, hawk.port, messages)
+        self.profile(2, "JO", joint.id, joint.port, messages)
+        far = joint.id + 2**32  # cut to 32 bits, this would be the id of a process that there is
+        self.profile(3, "JO", far, joint.port, messages)
+        host = self.host()
+        self.expect(host, f"profile 3 (srv3): the game server has ended (process {far})")
+        for server in (joint, hawk):
+            self.expect(server, "Grüße €", "[Next Map] ", "[Most Kills] ", "[Least Deaths] ",
+                        "Grüße €")
+        host.write("status\nsay 1 {ShowNextMap}\nsent 1\nplaceholders 1\n")
+        self.expect(host, "1        srv1    DFBHD  running", "said: [Next Map] ",
+                    "1        sent     [Next Map] ", "{ShowBestHeadshotKillRatio}  [")
+        self.assertEqual(joint.end(SIGKILL), -SIGKILL)
+        self.expect(host, f"profile 2 (srv2): the game server has ended (process {joint.id})")
+        self.expect(hawk, "Grüße €")  # the other profile keeps going
+        host.write("unload\nmessages 1\nquit\n")
+        self.expect(host, "1         {ShowNextMap}      [Next Map] ")
+        self.assertEqual(host.end(), 0)
+        self.assertEqual(hawk.end(SIGTERM), 0)
+        self.assertIn(b"tmrRT", (self.folder / "logs/errors.log").read_bytes())
+        stored = self.folder / "profiles/srv2/settings/Rotacasts.ini"
+        self.assertEqual(stored.read_bytes(), messages)
+
+    def test_of_the_servers_of_one_program_each_profile_keeps_its_own(self):
+        name = f"server-of-{os.getpid()}"
+        program = shutil.copy(PROGRAMS + "/game-server-sim", self.folder / name)
+        first, other = (self.start(Server, "JO_2", program) for _ in range(2))
+        self.profile(1, "JO_2", name, first.port, message_file(["Hello", "{ShowNextMap}"]))
+        self.profile(2, "JO_2", name, other.port, message_file(["Other"]))
+        host = self.host()
+        self.expect(first, "Hello")
+        self.expect(other, "Other")
+        first.stop()
+        self.expect(host, "profile 1 (srv1): the game server has ended",
+                    f"profile 1 (srv1): a program {name} is running, but none receives at the "
+                    f"Target port {first.port}")
+        second = self.start(Server, "JO_2", program, first.port)
+        self.expect(second, "Hello")
+        self.expect(host, "profile 1 (srv1): all is well again after ")
+        self.assertEqual(host.end(SIGTERM), 0)
+
+    def test_nothing_that_is_printed_or_asked_holds_the_host_up(self):
+        server = self.start(Server, "JO")
+        self.profile(1, "JO", server.id, server.port, message_file(["Hello"]))
+        host = self.host()
+        for _ in range(300):  # far more than a pipe holds, and unread
+            host.write("help\n")
+        host.write("messages 1\nadd 1 x")  # the last line needs no line feed
+        host.process.stdin.close()
+        self.expect(server, "x", "x", "x")
+        self.expect(host, " lines were not shown, for nobody was reading")
+        self.profile(2, "JO", 1, 4002)
+        host.process.send_signal(SIGHUP)
+        self.expect(host, "added: profile 2")
+        host.process.stdout.close()
+        host.process.send_signal(SIGHUP)  # it prints to nobody
+        self.expect(server, "Hello", "Hello")
+        self.assertEqual(host.end(SIGTERM), 0)
+
+    def test_a_terminal_has_a_prompt_that_completes_commands(self):
+        self.profile(1, "JO", 1, 4001)
+        command = shlex.join([*WITH_TEST, HOST, "run", "--host-folder", str(self.folder)])
+        host = self.start(Program, "script", "-qfec", "exec " + command, "/dev/null")
+        self.expect(host, "profiles started: 1")
+        host.write("addX\b 1 Grüße aus\n")
+        self.expect(host, "added at position 0")
+        host.write("mes\t1\n")
+        self.expect(host, "rotacasts> messages 1", "0         Grüße aus  Grüße aus")
+        host.write("quit\n")
+        self.assertEqual(host.end(), 0)
+
+    def test_one_host_works_in_a_folder_until_its_end(self):
+        self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
+        for _ in range(2):
+            first = self.host()
+            self.expect(first, "profiles started: 1")
+            second = self.host()
+            self.expect(second, f"{self.folder} has a host at work, process {first.id} since ")
+            self.assertEqual(second.end(), 3)
+            self.expect(self.host("check"), "profiles checked: 1")
+            self.expect(self.host("preview"), "0         a        a")
+            first.end(SIGKILL)
+
+    def test_what_an_editor_saves_while_the_list_is_changed_is_not_lost(self):
+        self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
+        file = self.folder / "profiles/srv1/settings/Rotacasts.ini"
+        saved = self.folder / "saved"
+        host = self.host()
+        self.expect(host, "profiles started: 1")
+        for version in range(1, 61):
+            end = f"end-{version}"  # no verb, and answered as none
+            host.write(f"add 1 x\nenable 1 0\ndelete 1 201\ninterval 1 5\n{end}\n")
+            time.sleep(version * 7919 % 9000 / 1e6)
+            messages = message_file([end] * 200)
+            if version % 2 == 0:
+                file.write_bytes(messages)
+            else:
+                saved.write_bytes(messages)
+                saved.rename(file)
+            self.expect(host, end)
+            lines = messages.split(b"[Options]")[0]
+            self.assertEqual(file.read_bytes()[:len(lines)], lines, version)
+
+    def test_preview_touches_no_file_and_neither_a_bad_profile_nor_a_message_commands_it(self):
+        server = self.start(Server, "DFX2")
+        messages = message_file(["{\x1B[2J}§31m\tGrüße", "{ShowNextMap}"])
+        self.profile(1, "JO", 1, 4001, b"\xFF\xFE[")
+        self.profile(2, "JO", 1, 4002)
+        messages = messages.replace("§".encode("cp1252"), b"\x9D")  # no letter of Windows-1252
+        self.profile(3, "DFX2", server.id, server.port, messages)
+        self.profile(4, "JO", 1, "\x1B]")
+        self.profile(5, "JO", 1, 4003)
+        (self.folder / "profiles/srv5/settings").mkdir()  # and no message file in it
+        before = set(self.folder.rglob("*"))
+        for command, says in (
+                ("preview", ("srv1/settings/Rotacasts.ini is a UTF-16 file",
+                             "profile 2 (srv2) has no messages", "{?[2J}?31m?Grüße",
+                             "[Next Map] ")),
+                ("check", ("?]",))):
+            host = self.host(command)
+            output = "\n".join(iter(host.read_line, None))
+            for text in says:
+                self.assertIn(text, output)
+            self.assertNotIn("\x1B", output)
+            self.assertEqual(host.end(), 1)
+        self.assertEqual(set(self.folder.rglob("*")), before)
+
+    def test_a_wrong_call_says_what_is_wrong(self):
+        here, nowhere = ("--host-folder", self.folder), ("--host-folder", "/nowhere/at/all")
+        for words, says, status in (
+                (("run", *nowhere), "make it, or name another folder", 2),
+                (("run", *here), f"{self.folder}/profiles: No such file", 2),
+                (("run", *here), "has no usable profile", 2),
+                (("check", *nowhere), "/nowhere/at/all/profiles: No such file", 1),
+                (("run", *here, "--minute", "soon"), "--minute", 2),
+                (("run", "--bogus"), 'rotacasts-host run: "--bogus" is not known here', 2),
+                (("fly",), 'rotacasts-host: "fly" is not known here', 2),
+                (("preview", *here, "--profile", "4"), "there is no profile 4", 1),
+                (("check", "--help"), "Exit status: 0 done; 1 check has a warning", 0)):
+            host = self.start(Program, HOST, *words)
+            self.expect(host, says)
+            self.assertEqual(host.end(), status, words)
+        self.assertEqual(list(self.folder.iterdir()), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
