@@ -9,14 +9,13 @@
 #include <stdexcept>
 
 #include "chat_port.h"
+#include "child_process.h"
 #include "duel.h"
 #include "host_folder_files.h"
-#include "support/child_process.h"
 
 namespace rotacasts::bench {
 namespace {
 
-using testing::ChildProcess;
 using testing::HostFolder;
 
 constexpr int kTicks = 100;

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "base/text.h"
+#include "child_process.h"
 #include "duel.h"
 #include "forms/headless/headless_toolkit.h"
 #include "host/components/host_platform.h"
@@ -18,12 +19,10 @@
 #include "host_folder_files.h"
 #include "plugin/cls_plugin.h"
 #include "stats/player_scan.h"
-#include "support/child_process.h"
 
 namespace rotacasts::bench {
 namespace {
 
-using testing::ChildProcess;
 using testing::HostFolder;
 
 /// A game server that stands still: the same values in every read.

@@ -22,14 +22,13 @@
 #include <utility>
 
 #include "chat_port.h"
+#include "child_process.h"
 #include "duel.h"
 #include "host_folder_files.h"
-#include "support/child_process.h"
 
 namespace rotacasts::bench {
 namespace {
 
-using testing::ChildProcess;
 using testing::HostFolder;
 using Clock = std::chrono::steady_clock;
 

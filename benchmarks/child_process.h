@@ -1,4 +1,4 @@
-// A program started by a test: its input and output as pipes, ended with the test.
+// A program that is measured or helps to: its input and output as pipes, ended with this one.
 #pragma once
 
 #include <fcntl.h>
@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace rotacasts::testing {
+namespace rotacasts::bench {
 
 class ChildProcess {
  public:
@@ -46,21 +46,34 @@ class ChildProcess {
   }
   /// Kills the program if it still runs.
   ~ChildProcess() {
-    if (process_ > 0) Wait(SIGKILL);
-    for (const int end : {input_, output_}) ::close(end);  // or nothing, if it is closed already
+    if (process_ > 0) {
+      ::kill(process_, SIGKILL);
+      Wait();
+    }
+    for (const int end : {input_, output_}) ::close(end);
   }
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
   std::int64_t Id() const { return process_; }
-  void WriteLine(const std::string& line) { Write(line + "\n"); }
-  /// Writes the last of the program's input, as it stands, and ends it.
-  void EndInput(const std::string& bytes) {
-    Write(bytes);
-    ::close(std::exchange(input_, -1));
+  void WriteLine(const std::string& line) {
+    const std::string bytes = line + "\n";
+    if (::write(input_, bytes.data(), bytes.size()) < 0)
+      throw std::runtime_error("program has ended");
   }
-  /// Reads no more, and lets the program know by its next write.
-  void CloseOutput() { ::close(std::exchange(output_, -1)); }
+  /// Reads lines, for half a minute at most, until one holds the text; that line, or nothing.
+  std::optional<std::string> ReadUntil(const std::string& text) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (std::chrono::steady_clock::now() < end) {
+      auto line = ReadLine();
+      if (!line || line->find(text) != line->npos) return line;
+    }
+    return std::nullopt;
+  }
+  /// Waits for its end.
+  void Wait() { ::waitpid(std::exchange(process_, -1), nullptr, 0); }
+
+ private:
   /// The next line; nothing at the end of the output or after ten seconds without one.
   std::optional<std::string> ReadLine() {
     auto end = buffer_.find('\n');
@@ -76,28 +89,6 @@ class ChildProcess {
     buffer_.erase(0, end + 1);
     return line;
   }
-  /// Reads lines, for half a minute at most, until one holds the text; that line, or nothing.
-  std::optional<std::string> ReadUntil(const std::string& text) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (std::chrono::steady_clock::now() < end) {
-      auto line = ReadLine();
-      if (!line || line->find(text) != line->npos) return line;
-    }
-    return std::nullopt;
-  }
-  /// Sends the signal, if any, and waits; the exit status, or minus the signal that ended it.
-  int Wait(int signal = 0) {
-    if (signal != 0) ::kill(process_, signal);
-    int status = 0;
-    ::waitpid(std::exchange(process_, -1), &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-  }
-
- private:
-  void Write(const std::string& bytes) {
-    if (::write(input_, bytes.data(), bytes.size()) < 0)
-      throw std::runtime_error("program has ended");
-  }
 
   int process_ = -1;
   int input_ = -1;
@@ -105,4 +96,4 @@ class ChildProcess {
   std::string buffer_;
 };
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::bench
