@@ -4,7 +4,6 @@ import http.client
 import json
 import os
 import socket
-import statistics
 import time
 import unittest
 
@@ -184,7 +183,7 @@ class SigningIn(unittest.TestCase):
                 status, _ = self.host.sign_in(name, "wrong", X_Forwarded_For=f"10.0.{len(name)}.{i}")
                 took.append(time.time() - begin)
                 self.assertEqual(status, 401)
-        known, unknown = (statistics.median(took) for took in times.values())
+        known, unknown = (min(took) for took in times.values())  # as the machine's load lets them
         self.assertLess(abs(known - unknown), 0.4 * known, times)
         body, answers = {"name": "Anna", "password": "wrong"}, []
         while not answers or answers[-1][0] == 401 and len(answers) < 8:  # each slower than the last
