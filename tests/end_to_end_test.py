@@ -9,7 +9,7 @@ import unittest
 from pathlib import Path
 from signal import SIGHUP, SIGKILL, SIGTERM
 
-from programs import HOST, PROGRAMS, WITH_TEST, Program, Server, add_profile, message_file
+from programs import HOST, SIMULATOR, WITH_TEST, Program, Server, add_profile, message_file
 
 
 class EndToEnd(unittest.TestCase):
@@ -20,6 +20,9 @@ class EndToEnd(unittest.TestCase):
         program = kind(*words)
         self.addCleanup(program.stop)
         return program
+
+    def server(self, code, program=SIMULATOR, port=0):
+        return self.start(Server, code, program, "--step", 20, "--port", port)
 
     def profile(self, *settings):
         add_profile(self.folder, *settings)
@@ -34,7 +37,7 @@ class EndToEnd(unittest.TestCase):
             self.assertTrue(program.prints(text), text)
 
     def test_messages_reach_the_servers_until_one_dies(self):
-        joint, hawk = self.start(Server, "JO"), self.start(Server, "DFBHD")
+        joint, hawk = self.server("JO"), self.server("DFBHD")
         texts = ["Grüße €", "{ShowNextMap}", "{ShowMostKills}", "", "{ShowLeastDeaths}"]
         messages = message_file(texts)
         self.profile(1, "DFBHD", hawk.id, hawk.port, messages)
@@ -62,8 +65,8 @@ class EndToEnd(unittest.TestCase):
 
     def test_of_the_servers_of_one_program_each_profile_keeps_its_own(self):
         name = f"server-of-{os.getpid()}"
-        program = shutil.copy(PROGRAMS + "/game-server-sim", self.folder / name)
-        first, other = (self.start(Server, "JO_2", program) for _ in range(2))
+        program = shutil.copy(SIMULATOR, self.folder / name)
+        first, other = (self.server("JO_2", program) for _ in range(2))
         self.profile(1, "JO_2", name, first.port, message_file(["Hello", "{ShowNextMap}"]))
         self.profile(2, "JO_2", name, other.port, message_file(["Other"]))
         host = self.host()
@@ -73,13 +76,13 @@ class EndToEnd(unittest.TestCase):
         self.expect(host, "profile 1 (srv1): the game server has ended",
                     f"profile 1 (srv1): a program {name} is running, but none receives at the "
                     f"Target port {first.port}")
-        second = self.start(Server, "JO_2", program, first.port)
+        second = self.server("JO_2", program, first.port)
         self.expect(second, "Hello")
         self.expect(host, "profile 1 (srv1): all is well again after ")
         self.assertEqual(host.end(SIGTERM), 0)
 
     def test_nothing_that_is_printed_or_asked_holds_the_host_up(self):
-        server = self.start(Server, "JO")
+        server = self.server("JO")
         self.profile(1, "JO", server.id, server.port, message_file(["Hello"]))
         host = self.host()
         for _ in range(300):  # far more than a pipe holds, and unread
@@ -141,7 +144,7 @@ class EndToEnd(unittest.TestCase):
             self.assertEqual(file.read_bytes()[:len(lines)], lines, version)
 
     def test_preview_touches_no_file_and_neither_a_bad_profile_nor_a_message_commands_it(self):
-        server = self.start(Server, "DFX2")
+        server = self.server("DFX2")
         messages = message_file(["{\x1B[2J}§31m\tGrüße", "{ShowNextMap}"])
         self.profile(1, "JO", 1, 4001, b"\xFF\xFE[")
         self.profile(2, "JO", 1, 4002)

@@ -7,7 +7,7 @@ import subprocess
 import time
 
 PROGRAMS = os.environ["ROTACASTS_PROGRAMS"]
-HOST = PROGRAMS + "/rotacasts-host"
+HOST, SIMULATOR = PROGRAMS + "/rotacasts-host", PROGRAMS + "/game-server-sim"
 # What is started with these words ends with the test, however that ends.
 WITH_TEST = ("setpriv", "--pdeathsig", "KILL")
 
@@ -59,8 +59,8 @@ class Program:
 class Server(Program):
     """A simulated game server, which prints what it is told."""
 
-    def __init__(self, code="JO", program=PROGRAMS + "/game-server-sim", port=0):
-        super().__init__(program, "--game-code", code, "--seed", 3, "--step", 20, "--port", port)
+    def __init__(self, code="JO", program=SIMULATOR, *options):
+        super().__init__(program, "--game-code", code, "--seed", 3, *options)
         self.port = self.prints("chat on").rsplit(":", 1)[1]
 
 
