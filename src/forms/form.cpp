@@ -99,7 +99,7 @@ MenuItem& Form::AddMenu(std::string name, std::string caption, MenuItem* parent)
 }
 
 MenuItem& Form::Menu(std::string_view name) {
-  if (!std::exchange(hasMenus_, true)) MakeMenus();
+  if (menus_.empty()) MakeMenus();
   MenuItem* item = FindItem(menus_, name);
   if (item == nullptr) RaiseNoSuchControl(name);
   return *item;

@@ -156,7 +156,6 @@ class Form : public std::enable_shared_from_this<Form> {
   std::vector<std::unique_ptr<Control>> controls_;
   std::vector<Control*> stackingOrder_;
   std::vector<std::unique_ptr<MenuItem>> menus_;
-  bool hasMenus_ = false;
   TimerArray timers_;
   Control* focused_ = nullptr;
   bool visible_ = false;
