@@ -10,9 +10,9 @@
 
 #include "duel.h"
 #include "forms/headless/headless_toolkit.h"
-#include "host/components/host_platform.h"
 #include "host_folder_files.h"
 #include "plugin/cls_plugin.h"
+#include "siblings/host_platform.h"
 
 namespace rotacasts::bench {
 namespace {

@@ -14,10 +14,10 @@
 #include "child_process.h"
 #include "duel.h"
 #include "forms/headless/headless_toolkit.h"
-#include "host/components/host_platform.h"
-#include "host/linux/headless_plugin.h"
+#include "host/headless_plugin.h"
 #include "host_folder_files.h"
 #include "plugin/cls_plugin.h"
+#include "siblings/host_platform.h"
 #include "stats/player_scan.h"
 
 namespace rotacasts::bench {

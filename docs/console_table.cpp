@@ -3,7 +3,7 @@
 
 #include <iostream>
 
-#include "host/console.h"
+#include "console/console.h"
 
 namespace {
 

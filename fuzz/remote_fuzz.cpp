@@ -11,9 +11,9 @@
 
 #include "base/text.h"
 #include "forms/headless/headless_toolkit.h"
-#include "host/components/host_platform.h"
 #include "host/profile_settings.h"
 #include "plugin/cls_plugin.h"
+#include "siblings/host_platform.h"
 #include "support/memory_files.h"
 
 namespace rotacasts {

@@ -9,10 +9,10 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "host/components/ini_text.h"
-#include "host/linux/headless_plugin.h"
-#include "host/web/api.h"
+#include "host/headless_plugin.h"
+#include "siblings/ini_text.h"
 #include "support/host_folder.h"
+#include "web/api.h"
 
 namespace rotacasts::host::web {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "host/check.h"
+#include "check/check.h"
 #include "host/profile_settings.h"
 #include "support/host_folder.h"
 

@@ -2,9 +2,9 @@
 // platform.
 
 #include "support/host_files.h"
-#include "host/components/error_log.h"
-#include "host/components/host_file_system.h"
-#include "host/machine/base64.h"
+#include "machine/base64.h"
+#include "siblings/error_log.h"
+#include "siblings/host_file_system.h"
 
 namespace rotacasts::host {
 namespace {

@@ -13,13 +13,13 @@
 #include <sstream>
 
 #include "base/conversions.h"
+#include "console/console.h"
 #include "game/address_table.h"
-#include "host/components/host_platform.h"
-#include "host/components/ini_text.h"
-#include "host/console.h"
-#include "host/linux/headless_plugin.h"
-#include "host/machine/linux/program_starter.h"
+#include "host/headless_plugin.h"
 #include "host/terminal.h"
+#include "machine/linux/program_starter.h"
+#include "siblings/host_platform.h"
+#include "siblings/ini_text.h"
 #include "support/fake_host.h"
 #include "support/host_files.h"
 

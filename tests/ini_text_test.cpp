@@ -1,6 +1,6 @@
 // The INI text: what a change touches and what it leaves alone.
 
-#include "host/components/ini_text.h"
+#include "siblings/ini_text.h"
 
 #include <random>
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <random>
 
-#include "host/components/ini_text.h"
+#include "siblings/ini_text.h"
 #include "support/fake_host.h"
 
 namespace rotacasts {

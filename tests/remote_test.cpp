@@ -3,7 +3,7 @@
 #include "store/remote_commands.h"
 
 #include "base/text.h"
-#include "host/components/ini_text.h"
+#include "siblings/ini_text.h"
 #include "support/fake_host.h"
 
 namespace rotacasts {

@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "com/late_components.h"
-#include "host/win32/sibling_objects.h"
+#include "siblings/win32/sibling_objects.h"
 #include "win32/turns.h"
 
 namespace rotacasts::bench {

@@ -7,10 +7,10 @@
 #include <optional>
 #include <stdexcept>
 
-#include "host/components/host_platform.h"
-#include "host/win32/late_bound_plugin.h"
-#include "host/win32/sibling_objects.h"
+#include "program/win32/late_bound_plugin.h"
 #include "services/profile_tables.h"
+#include "siblings/host_platform.h"
+#include "siblings/win32/sibling_objects.h"
 #include "ui/layout.h"
 #include "win32/turns.h"
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "host/components/file_layer.h"
-#include "host/machine/native_files.h"
 #include "host/terminal.h"
+#include "machine/native_files.h"
+#include "siblings/file_layer.h"
 #include "store/profile_paths.h"
 
 namespace rotacasts::host {

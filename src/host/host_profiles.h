@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "host/components/host_platform.h"
 #include "host/profile_settings.h"
 #include "plugin/plugin_state.h"
+#include "siblings/host_platform.h"
 
 namespace rotacasts::host {
 

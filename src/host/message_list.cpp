@@ -1,9 +1,9 @@
 #include "host/message_list.h"
 
 #include "base/text.h"
-#include "host/components/ini_text.h"
-#include "host/machine/native_files.h"
 #include "host/terminal.h"
+#include "machine/native_files.h"
+#include "siblings/ini_text.h"
 #include "store/message_file.h"
 
 namespace rotacasts::host {

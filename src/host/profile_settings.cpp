@@ -7,10 +7,10 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "game/address_table.h"
-#include "host/components/file_layer.h"
-#include "host/components/ini_text.h"
-#include "host/machine/native_files.h"
 #include "host/terminal.h"
+#include "machine/native_files.h"
+#include "siblings/file_layer.h"
+#include "siblings/ini_text.h"
 #include "store/profile_paths.h"
 
 namespace rotacasts::host {

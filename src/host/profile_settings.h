@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/components/file_layer.h"
+#include "siblings/file_layer.h"
 
 namespace rotacasts::host {
 

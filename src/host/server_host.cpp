@@ -1,7 +1,7 @@
 #include "host/server_host.h"
 
-#include "host/machine/base64.h"
 #include "host/terminal.h"
+#include "machine/base64.h"
 #include "store/message_file.h"
 #include "store/profile_paths.h"
 

@@ -8,7 +8,7 @@
 #include <iostream>
 
 #include "base/runtime_error.h"
-#include "host/machine/program_arguments.h"
+#include "machine/program_arguments.h"
 #include "simulator/chat_listener.h"
 #include "simulator/game_image.h"
 #include "simulator/mapped_memory.h"

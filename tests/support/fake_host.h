@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "forms/headless/headless_toolkit.h"
-#include "host/components/ini_text.h"
 #include "plugin/cls_plugin.h"
+#include "siblings/ini_text.h"
 
 namespace rotacasts::testing {
 

@@ -1,7 +1,7 @@
 // The stand-alone host's components on a folder of the machine.
 #pragma once
 
-#include "host/components/utility_component.h"
+#include "siblings/utility_component.h"
 #include "support/fake_host.h"
 #include "support/host_folder.h"
 

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "base/runtime_error.h"
-#include "host/components/file_layer.h"
+#include "siblings/file_layer.h"
 
 namespace rotacasts::testing {
 

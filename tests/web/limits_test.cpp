@@ -6,9 +6,9 @@
 #include <unistd.h>
 
 #include "base/runtime_error.h"
-#include "host/web/http_server.h"
-#include "host/web/microhttpd.h"
-#include "host/web/sessions.h"
+#include "web/http_server.h"
+#include "web/microhttpd.h"
+#include "web/sessions.h"
 
 namespace rotacasts::host::web {
 namespace {

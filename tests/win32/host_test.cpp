@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/components/game_processes.h"
-#include "host/machine/win32/console_input.h"
+#include "machine/win32/console_input.h"
+#include "siblings/game_processes.h"
 #include "support/fake_host.h"
 
 namespace rotacasts::host {

@@ -3,8 +3,8 @@
 
 #include "com/registry.h"
 #include "com/win32_platform.h"
-#include "host/components/host_platform.h"
-#include "host/win32/sibling_objects.h"
+#include "siblings/host_platform.h"
+#include "siblings/win32/sibling_objects.h"
 
 using namespace rotacasts;
 

@@ -4,7 +4,7 @@
 
 #include "base/runtime_error.h"
 #include "com/com_support.h"
-#include "host/machine/win32/sockets.h"
+#include "machine/win32/sockets.h"
 #include "simulator/process.h"
 
 namespace rotacasts::simulator {

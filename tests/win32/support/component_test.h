@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/win32/sibling_objects.h"
+#include "siblings/win32/sibling_objects.h"
 #include "support/fake_host.h"
 #include "support/installed_plugin.h"
 #include "support/user.h"

@@ -1,0 +1,171 @@
+#include "check/check.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <ostream>
+
+#include "base/conversions.h"
+#include "base/text.h"
+#include "host/preview.h"
+#include "host/profile_settings.h"
+#include "machine/native_files.h"
+#include "machine/process_reader.h"
+#include "store/profile_paths.h"
+
+namespace rotacasts::host {
+namespace {
+
+/// The folders of profiles, sorted.
+std::vector<std::string> ProfileFolders(const std::string& hostFolder) {
+  std::vector<std::string> folders;
+  std::error_code problem;
+  const auto root = NativePath(hostFolder + "\\profiles");
+  for (const auto& entry : std::filesystem::directory_iterator(root, problem)) {
+    if (entry.is_directory(problem)) folders.push_back(entry.path().filename().string());
+  }
+  std::sort(folders.begin(), folders.end());
+  return folders;
+}
+
+void CheckConfiguration(const std::string& hostFolder, std::vector<std::string>& warnings) {
+  const std::string path = FindFile(hostFolder + "\\settings", "config.ini", warnings);
+  if (path.empty()) return;  // starting the host makes one
+  CheckedFile file(path, warnings);
+  file.CheckLines();
+  const std::string value =
+      FromWindows1252(file.Ini().Value("Settings", "ReportErrors").value_or(""));
+  if (IsNumeric(value)) return;
+  file.WarnAt("Settings", "ReportErrors",
+              "ReportErrors is \"" + value +
+                  "\"; write 0, or 1 for a report of each error, below [Settings]");
+}
+
+void CheckProfileFolder(const std::string& hostFolder, const std::string& folder,
+                        std::vector<std::string>& warnings) {
+  const std::string path = hostFolder + "\\profiles\\" + folder;
+  const std::size_t before = warnings.size();
+  const std::string description = FindFile(path, "profile.ini", warnings);
+  if (description.empty()) {
+    if (warnings.size() > before) return;
+    warnings.push_back(NativePath(path).string() +
+                       ": is ignored, for it has no profile.ini; write one, or move it away");
+    return;
+  }
+  CheckedFile file(description, warnings);
+  file.CheckLines();
+  file.CheckKeys("Profile", {"Index", "GameCode", "Process", "Target", "Say"});
+}
+
+void CheckMessageFile(const std::string& hostFolder, const ProfileSettings& profile,
+                      std::vector<std::string>& warnings) {
+  const std::string path = MessageFilePath(hostFolder, profile.folder);
+  const std::size_t before = warnings.size();
+  const std::string folder = path.substr(0, path.find_last_of('\\'));
+  const std::string found = FindFile(folder, path.substr(folder.size() + 1), warnings);
+  if (!found.empty()) {
+    CheckedFile file(found, warnings);
+    if (warnings.size() == before || !file.Ini().Bytes().empty()) CheckMessages(file);
+  } else if (warnings.size() == before) {
+    warnings.push_back(NativePath(path).string() +
+                       ": there is no such file, so there are no messages; write one, or \"add\" "
+                       "them at the console");
+  }
+}
+
+/// What two profiles have in common that they should not; empty for nothing. `key` is where.
+std::string Clash(const ProfileSettings& profile, const ProfileSettings& other, std::string& key) {
+  const bool sameTarget = profile.target != 0 && profile.target == other.target;
+  const bool isNumber = IsNumeric(profile.process);
+  if (sameTarget) {
+    key = "Target";
+    return "Target " + std::to_string(profile.target) + " is also that of " + other.Label() +
+           ": both post to one server; give each its own port";
+  }
+  const bool areToldApart = !isNumber && profile.target != 0 && other.target != 0;
+  if (profile.process != other.process || areToldApart) return {};
+  key = "Process";
+  return "Process " + profile.process + " is also that of " + other.Label() +
+         (isNumber ? ": both read one server; give each its own"
+                   : ": they cannot be told apart; give each its Target port or its process id");
+}
+
+void CheckClashes(const std::string& hostFolder, const std::vector<ProfileSettings>& profiles,
+                  std::vector<std::string>& warnings) {
+  for (auto profile = profiles.begin(); profile != profiles.end(); ++profile) {
+    for (auto other = profiles.begin(); other != profile; ++other) {
+      std::string key;
+      const std::string clash = Clash(*profile, *other, key);
+      if (clash.empty()) continue;
+      warnings.push_back(PlaceInProfile(hostFolder, profile->folder, key) + ": " + clash);
+    }
+  }
+}
+
+void CheckServers(const std::string& hostFolder, std::vector<std::string>& warnings) {
+  std::ostream none(nullptr);  // what is wrong with the files has been said
+  HostProfiles profiles(hostFolder, none);
+  Preview preview(profiles);
+  for (const auto& [index, profile] : profiles.All()) {
+    const std::string problem = preview.GameOf(profile).problem;
+    const auto place = [&, &folder = profile.folder](const char* key) {
+      return PlaceInProfile(hostFolder, folder, key) + ": ";
+    };
+    if (!problem.empty()) warnings.push_back(place("Process") + problem);
+    if (!profile.say.empty() || ReceivesUdp(static_cast<std::uint16_t>(profile.target))) continue;
+    warnings.push_back(place("Target") + "nobody receives at the port " +
+                       std::to_string(profile.target) +
+                       " of this machine; start the server, or give its chat port");
+  }
+}
+
+}  // namespace
+
+Findings CheckHostFolder(const std::string& hostFolder) {
+  Findings found;
+  CheckConfiguration(hostFolder, found.warnings);
+  for (const std::string& folder : ProfileFolders(hostFolder)) {
+    CheckProfileFolder(hostFolder, folder, found.warnings);
+  }
+  const LoadedProfiles loaded = LoadProfiles(hostFolder);
+  for (const std::string& problem : loaded.problems) {
+    const bool isKnown =  // as that of a file that cannot be read
+        std::any_of(found.warnings.begin(), found.warnings.end(),
+                    [&](const std::string& warning) { return warning.ends_with(problem); });
+    if (!isKnown) found.warnings.push_back(problem);
+  }
+  found.profiles = loaded.profiles.size();
+  for (const ProfileSettings& profile : loaded.profiles) {
+    CheckMessageFile(hostFolder, profile, found.warnings);
+  }
+  CheckClashes(hostFolder, loaded.profiles, found.warnings);
+  if (found.profiles != 0) {
+    CheckServers(hostFolder, found.warnings);
+  } else {
+    found.warnings.push_back(
+        NativePath(hostFolder).string() + ": there is no usable profile; " +
+        "write profiles/NAME/profile.ini, with Index, GameCode, Process and Target");
+  }
+  return found;
+}
+
+std::vector<std::string> ConvertHostFolder(const std::string& hostFolder) {
+  std::vector<std::string> files = {hostFolder + "\\settings\\config.ini"};
+  for (const std::string& folder : ProfileFolders(hostFolder)) {
+    files.push_back(hostFolder + "\\profiles\\" + folder + "\\profile.ini");
+    files.push_back(hostFolder + "\\profiles\\" + folder + "\\settings\\Rotacasts.ini");
+  }
+  std::vector<std::string> lines;
+  for (const std::string& file : files) {
+    const std::string name = NativePath(file).string();
+    try {
+      const std::string copy = ConvertFromUtf8(file);
+      if (copy.empty()) continue;
+      lines.push_back(name + ": converted; as it was it is kept in " + NativePath(copy).string());
+    } catch (const RuntimeError& error) {
+      lines.push_back(name + ": not converted: " + error.description);
+    }
+  }
+  return lines;
+}
+
+}  // namespace rotacasts::host

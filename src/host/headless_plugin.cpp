@@ -1,0 +1,231 @@
+#include "host/headless_plugin.h"
+
+#include <utility>
+
+#include "plugin/cls_plugin.h"
+#include "siblings/host_file_system.h"
+#include "ui/layout.h"
+
+namespace rotacasts::host {
+
+using headless::TimerLoop;
+
+/// One profile's plugin, and the components that it has from the host.
+class HeadlessPlugin::Instance final : public ComponentFactory {
+ public:
+  Instance(HostProfiles& profiles, Troubles& troubles, std::int32_t index,
+           std::chrono::nanoseconds minute);
+
+  void RunDue();
+  void Load(forms::WindowHandle parent, const HostValue& data);
+  /// Calls a remote operation. One that cannot be stored leaves the window as the file is.
+  Reply Answer(const std::function<std::string()>& operation, const HostValue& data);
+  Progress GetProgress() const;
+
+  std::unique_ptr<UtilityComponent> CreateUtility() override;
+  std::unique_ptr<MemoryComponent> CreateMemory() override {
+    return profiles_.Components().CreateMemory();
+  }
+  std::unique_ptr<FileSystemObject> CreateFileSystem() override {
+    return std::make_unique<HostFileSystem>(files_);
+  }
+
+  clsPlugin& Plugin() { return plugin_; }
+  const TimerLoop& Timers() const { return timers_; }
+
+ private:
+  /// Tells of an error before it is recorded; what goes on from tick to tick is recorded once.
+  class Utility;
+  void Tell(const std::string& words);
+  std::string Label() const;
+
+  HostProfiles& profiles_;
+  Troubles& troubles_;
+  const std::int32_t index_;
+  MachineFiles machineFiles_;
+  IniFiles files_{machineFiles_};
+  forms::WindowHandle parent_ = 0;  // of the window, once it is loaded
+  TimerLoop timers_;
+  headless::HeadlessToolkit toolkit_;
+  PluginState state_;
+  clsPlugin plugin_;
+  bool isInTick_ = false;
+  std::vector<std::string>* problems_ = nullptr;  // of the call that is under way
+};
+
+class HeadlessPlugin::Instance::Utility final : public HostUtilityComponent {
+ public:
+  explicit Utility(Instance& instance)
+      : HostUtilityComponent(instance.profiles_.Folder(), instance.profiles_.Components().Clock(),
+                             instance.files_),
+        instance_(instance) {}
+  void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
+                std::int32_t& line) override {
+    goesOn_ = true;
+    if (!instance_.files_.Settle()) return;  // the operation begins again
+    const std::string words = Named(instance_.Label(), WordsOf(error, procedure));
+    goesOn_ = instance_.troubles_.IsOld(instance_.index_, words);
+    instance_.Tell(words);
+    if (!goesOn_) HostUtilityComponent::LogError(module, procedure, error, line);
+  }
+  bool SendErrorReport(HostValue& report) override {
+    return goesOn_ || HostUtilityComponent::SendErrorReport(report);
+  }
+
+ private:
+  Instance& instance_;
+  bool goesOn_ = false;  // the last error
+};
+
+HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, std::int32_t index,
+                                   std::chrono::nanoseconds minute)
+    : profiles_(profiles),
+      troubles_(troubles),
+      index_(index),
+      timers_(minute),
+      toolkit_(timers_),
+      state_({profiles.Components(), *this, profiles.Components().Clock(), toolkit_}),
+      plugin_(state_) {
+  toolkit_.onMessageBox = [this](const std::string& text, const std::string& title) {
+    if (title == "DLL Error!") return;  // told of already
+    // The reporting of an error has failed; that error has been told of and logged.
+    const bool isSecond = title == "tvxRT.dll Error";
+    Tell(isSecond
+             ? "no report was sent (" + text + "); is ReportErrors in settings/config.ini 0 or 1?"
+             : title + ": " + text);
+  };
+}
+
+std::unique_ptr<UtilityComponent> HeadlessPlugin::Instance::CreateUtility() {
+  return std::make_unique<Utility>(*this);
+}
+
+std::string HeadlessPlugin::Instance::Label() const {
+  const auto profile = profiles_.All().find(index_);
+  return profile != profiles_.All().end() ? profile->second.Label()
+                                          : "profile " + std::to_string(index_);
+}
+
+void HeadlessPlugin::Instance::Tell(const std::string& words) {
+  const std::string named = Named(Label(), words);
+  if (problems_ != nullptr) {
+    problems_->push_back(named);
+  } else if (isInTick_) {
+    troubles_.Met(index_, named);
+  } else {
+    troubles_.Once(named);
+  }
+}
+
+void HeadlessPlugin::Instance::Load(forms::WindowHandle parent, const HostValue& data) {
+  parent_ = parent;
+  const auto failure = files_.Run([&] { plugin_.LoadInterface(index_, parent, data); });
+  if (!failure) return;
+  const std::string words = WordsOf(*failure, "LoadInterface");
+  Tell(words);
+  profiles_.Record("LoadInterface", Named(Label(), words));
+}
+
+HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::string()>& operation,
+                                                     const HostValue& data) {
+  struct Listening {
+    Listening(std::vector<std::string>*& place, Reply& reply) : place_(place) {
+      place_ = &reply.problems;
+    }
+    ~Listening() { place_ = nullptr; }
+    std::vector<std::string>*& place_;
+  };
+  Reply reply;
+  const Listening listening(problems_, reply);
+  const auto failure = files_.Run([&] { reply.text = operation(); });
+  if (failure) {
+    reply.text.clear();
+    reply.isStored = false;
+    if (reply.problems.empty()) Tell(failure->description);
+    const std::vector<std::string> problems = reply.problems;
+    if (GetProgress().isStarted) plugin_.LoadInterface(index_, parent_, data);
+    reply.problems = problems;
+  }
+  return reply;
+}
+
+void HeadlessPlugin::Instance::RunDue() {
+  isInTick_ = true;
+  const int ran = timers_.RunDue();
+  isInTick_ = false;
+  if (ran == 0) return;
+  if (const auto ended = troubles_.TickEnded(index_, Label())) profiles_.Record("tmrRT", *ended);
+}
+
+HostedPlugin::Progress HeadlessPlugin::Instance::GetProgress() const {
+  const auto window = state_.window.IfLoaded();
+  const auto next = timers_.NextDue();
+  if (!window || !next) return {};
+  return {true,
+          window->chkAuto().Value() == 1,
+          window->txtInterval().Text(),
+          state_.tables.ElapsedTicks(index_),
+          state_.tables.NextMessage(index_),
+          *next};
+}
+
+HeadlessPlugin::HeadlessPlugin(HostProfiles& profiles, Troubles& troubles,
+                               std::chrono::nanoseconds minute)
+    : profiles_(profiles), troubles_(troubles), minute_(minute) {}
+
+HeadlessPlugin::~HeadlessPlugin() = default;
+
+HeadlessPlugin::Instance& HeadlessPlugin::At(std::int32_t index) {
+  std::unique_ptr<Instance>& instance = instances_[index];
+  if (!instance) instance = std::make_unique<Instance>(profiles_, troubles_, index, minute_);
+  return *instance;
+}
+
+std::optional<TimerLoop::Clock::time_point> HeadlessPlugin::NextDue() const {
+  std::optional<TimerLoop::Clock::time_point> first;
+  for (const auto& [index, instance] : instances_) {
+    const auto next = instance->Timers().NextDue();
+    if (next && (!first || *next < *first)) first = next;
+  }
+  return first;
+}
+
+void HeadlessPlugin::RunDue() {
+  for (const auto& [index, instance] : instances_) instance->RunDue();
+}
+
+PluginArea HeadlessSite::Area() const {
+  constexpr std::int32_t kTwipsPerPixel = 15;  // of the toolkit without pixels
+  return {1, layout::kClientWidth, layout::kClientHeight + layout::kHeadingHeight * kTwipsPerPixel};
+}
+
+void HeadlessPlugin::LoadInterface(std::int32_t index, forms::WindowHandle parent,
+                                   const HostValue& data) {
+  At(index).Load(parent, data);
+}
+
+void HeadlessPlugin::HideInterface() {
+  for (const auto& [index, instance] : instances_) instance->Plugin().HideInterface();
+}
+
+void HeadlessPlugin::UnLoadInterface() {
+  for (const auto& [index, instance] : instances_) instance->Plugin().UnLoadInterface("");
+}
+
+void HeadlessPlugin::DisableProfile(std::int32_t index) {
+  At(index).Plugin().DisableProfile(index);
+}
+
+HostedPlugin::Reply HeadlessPlugin::Remote(const RemoteOperation& operation, std::int32_t index,
+                                           const HostValue& data, const HostValue& value) {
+  Instance& instance = At(index);
+  return instance.Answer([&] { return (instance.Plugin().*operation.call)(index, data, value); },
+                         data);
+}
+
+std::optional<HostedPlugin::Progress> HeadlessPlugin::ProgressOf(std::int32_t index) const {
+  const auto found = instances_.find(index);
+  return found != instances_.end() ? found->second->GetProgress() : Progress();
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,106 @@
+#include "machine/linux/console_output.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace rotacasts::host {
+namespace {
+
+constexpr std::size_t kMostKept = std::size_t{256} * 1024;
+// A pipe that has room at all takes as much as this at once.
+constexpr std::size_t kPiece = 4096;
+
+/// The standard output, opened again so that not waiting is this program's own business: others may
+/// have the same pipe or terminal open. -1 where that cannot be done or is not needed.
+int OpenWithoutWaiting() {
+  struct stat status {};
+  if (::fstat(STDOUT_FILENO, &status) != 0) return -1;
+  if (!S_ISFIFO(status.st_mode) && !S_ISCHR(status.st_mode)) return -1;
+  return ::open("/proc/self/fd/1", O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+}
+
+bool HasRoom(int descriptor) {
+  pollfd target{descriptor, POLLOUT, 0};
+  return ::poll(&target, 1, 0) > 0;
+}
+
+}  // namespace
+
+ConsoleOutput::ConsoleOutput(EventLoop& loop) : ConsoleOutput(loop, OpenWithoutWaiting()) {}
+
+ConsoleOutput::ConsoleOutput(EventLoop& loop, int own)
+    : loop_(loop), descriptor_(own >= 0 ? own : STDOUT_FILENO), isOwn_(own >= 0) {}
+
+ConsoleOutput::~ConsoleOutput() {
+  onBefore = onAfter = nullptr;
+  ConsoleOutput::sync();
+  loop_.Unwatch(descriptor_);
+  if (isOwn_) ::close(descriptor_);
+}
+
+int ConsoleOutput::overflow(int character) {
+  if (character != EOF) text_ += static_cast<char>(character);
+  return 0;
+}
+
+std::streamsize ConsoleOutput::xsputn(const char* text, std::streamsize count) {
+  text_.append(text, static_cast<std::size_t>(count));
+  return count;
+}
+
+int ConsoleOutput::sync() {
+  if (text_.empty()) return 0;
+  if (onBefore) onBefore();
+  Keep(text_);
+  text_.clear();
+  if (onAfter) onAfter();
+  WriteKept();
+  return 0;
+}
+
+void ConsoleOutput::Write(std::string_view bytes) {
+  if (!isBroken_ && kept_.size() + bytes.size() <= kMostKept) kept_ += bytes;
+  WriteKept();
+}
+
+void ConsoleOutput::Keep(std::string_view text) {
+  while (!text.empty() && !isBroken_) {
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+    if (kept_.size() + end <= kMostKept) {
+      kept_ += text.substr(0, end);
+    } else {
+      ++dropped_;
+    }
+    text.remove_prefix(end);
+  }
+}
+
+void ConsoleOutput::WriteKept() {
+  std::size_t written = 0;
+  while (written < kept_.size() && (isOwn_ || HasRoom(descriptor_))) {
+    const std::size_t size = std::min(kept_.size() - written, kPiece);
+    const ssize_t count = ::write(descriptor_, kept_.data() + written, size);
+    if (count < 0 && errno == EINTR) continue;
+    isBroken_ = count < 0 && errno != EAGAIN;
+    if (count < 0) break;
+    written += static_cast<std::size_t>(count);
+  }
+  kept_.erase(0, isBroken_ ? kept_.size() : written);
+  if (kept_.empty() && dropped_ > 0 && !isBroken_) {
+    kept_ = "(" + std::to_string(std::exchange(dropped_, 0)) +
+            " lines were not shown, for nobody was reading)\n";
+  }
+  if (kept_.empty()) {
+    loop_.Unwatch(descriptor_);
+  } else {
+    loop_.Watch(descriptor_, POLLOUT, [this](short) { WriteKept(); });
+  }
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,52 @@
+#include "machine/host_lock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "base/runtime_error.h"
+
+namespace rotacasts::host {
+
+/// The system's lock belongs to the open file; programs that the host starts do not inherit it.
+struct HostLock::File {
+  explicit File(const std::string& path)
+      : descriptor(::open(path.c_str(),
+                          O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY,
+                          0644)) {}
+  ~File() {
+    if (descriptor >= 0) ::close(descriptor);
+  }
+  const int descriptor;
+};
+
+HostLock::~HostLock() = default;
+
+HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
+  const std::string path = hostFolder + "/host.lock";
+  const auto raise = [&path] {
+    throw RuntimeError(ErrorNumber::PermissionDenied, path + " (" + std::strerror(errno) + ")");
+  };
+  file_ = std::make_unique<File>(path);
+  if (file_->descriptor < 0) raise();
+  if (::flock(file_->descriptor, LOCK_EX | LOCK_NB) == 0) {
+    const std::string words = "process " + std::to_string(::getpid()) + " since " + time + "\n";
+    if (::ftruncate(file_->descriptor, 0) != 0 ||
+        ::pwrite(file_->descriptor, words.data(), words.size(), 0) < 0) {
+      raise();
+    }
+    return;
+  }
+  if (errno != EWOULDBLOCK) raise();
+  char words[100];
+  const ssize_t size = ::pread(file_->descriptor, words, sizeof words, 0);
+  holder_ = std::string(words, size > 0 ? static_cast<std::size_t>(size) : 0);
+  holder_.erase(std::min(holder_.find('\n'), holder_.size()));
+  if (holder_.empty()) holder_ = "another process";  // that has only just begun
+}
+
+}  // namespace rotacasts::host

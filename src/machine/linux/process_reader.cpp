@@ -1,0 +1,192 @@
+#include "machine/process_reader.h"
+
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <span>
+#include <sstream>
+#include <utility>
+
+#include "base/text.h"
+
+namespace rotacasts::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+ReadOutcome OutcomeOfError() {
+  switch (errno) {
+    case ESRCH:
+      return ReadOutcome::ProcessGone;
+    case EPERM:
+      return ReadOutcome::NotAllowed;
+    default:
+      return ReadOutcome::NotMapped;
+  }
+}
+
+void* RemoteAddress(std::uint32_t address) {
+  return reinterpret_cast<void*>(static_cast<std::uintptr_t>(address));
+}
+
+/// Reads the remote pieces, one after another. A number too large to be a process's stands for
+/// none: cut to size, it would stand for another process.
+ssize_t ReadPieces(ProcessId process, const iovec& local, std::span<const iovec> remote) {
+  if (!std::in_range<pid_t>(process)) {
+    errno = ESRCH;
+    return -1;
+  }
+  return ::process_vm_readv(static_cast<pid_t>(process), &local, 1, remote.data(), remote.size(),
+                            0);
+}
+
+/// Whether the process runs the program: by its file, or by the name that it was started under,
+/// which for a Windows program is a Windows path, while its file is Wine's loader.
+bool IsProgram(const fs::path& process, const std::string& name) {
+  std::error_code problem;
+  if (fs::read_symlink(process / "exe", problem).filename().string() == name) return true;
+  std::ifstream file(process / "cmdline", std::ios::binary);
+  std::string started;
+  std::getline(file, started, '\0');
+  const std::string_view own =
+      std::string_view(started).substr(started.find_last_of("/\\") + 1);  // npos + 1 is 0
+  return own.ends_with(".exe") || own.ends_with(".EXE") ? EqualsIgnoringCase(own, name)
+                                                        : own == name;
+}
+
+/// The folder of every process below /proc.
+std::vector<fs::path> AllProcesses() {
+  std::vector<fs::path> processes;
+  std::error_code problem;
+  for (const fs::directory_entry& entry : fs::directory_iterator("/proc", problem)) {
+    const std::string name = entry.path().filename().string();
+    if (name.find_first_not_of("0123456789") == name.npos) processes.push_back(entry.path());
+  }
+  return processes;
+}
+
+/// A variable of the environment that the process was started with; empty when it has none.
+std::string VariableOf(const fs::path& process, const std::string& name) {
+  std::ifstream file(process / "environ", std::ios::binary);
+  for (std::string variable; std::getline(file, variable, '\0');) {
+    if (variable.starts_with(name + "=")) return variable.substr(name.size() + 1);
+  }
+  return {};
+}
+
+/// The name of the folder that the process's Wine server works in, which Wine makes of the device
+/// and the inode of the prefix; empty for a process without Wine.
+std::string WineServerFolder(const fs::path& process) {
+  std::error_code problem;
+  const std::string program = fs::read_symlink(process / "exe", problem).filename().string();
+  if (!program.starts_with("wine")) return {};
+  std::string prefix = VariableOf(process, "WINEPREFIX");
+  if (prefix.empty()) prefix = VariableOf(process, "HOME") + "/.wine";
+  struct stat status {};
+  if (::stat(prefix.c_str(), &status) != 0) return {};
+  char name[64];
+  std::snprintf(name, sizeof name, "server-%llx-%llx",
+                static_cast<unsigned long long>(status.st_dev),
+                static_cast<unsigned long long>(status.st_ino));
+  return name;
+}
+
+HoldsPort HoldsOneOf(const fs::path& process, const std::set<std::string>& sockets) {
+  std::error_code problem;
+  fs::directory_iterator open(process / "fd", problem);
+  const fs::directory_iterator end;
+  while (!problem && open != end) {
+    std::error_code gone;
+    const std::string file = fs::read_symlink(open->path(), gone).string();
+    if (sockets.contains(file)) return HoldsPort::Yes;
+    if (gone == std::errc::permission_denied) return HoldsPort::NotAllowed;
+    open.increment(problem);
+  }
+  return problem == std::errc::permission_denied ? HoldsPort::NotAllowed : HoldsPort::No;
+}
+
+/// The inodes of the sockets that receive at the port, in the process's network.
+std::set<std::string> UdpSockets(const fs::path& process, std::uint16_t port) {
+  char ending[6];  // of a local address, such as "0100007F:0FA1"
+  std::snprintf(ending, sizeof ending, ":%04X", static_cast<unsigned>(port));
+  std::set<std::string> inodes;
+  for (const char* table : {"net/udp", "net/udp6"}) {
+    std::ifstream rows(process / table);
+    for (std::string row; std::getline(rows, row);) {
+      std::istringstream columns(row);
+      const std::vector<std::string> cells(std::istream_iterator<std::string>(columns), {});
+      constexpr std::size_t kLocalAddress = 1;
+      constexpr std::size_t kInode = 9;
+      if (cells.size() > kInode && cells[kLocalAddress].ends_with(ending)) {
+        inodes.insert("socket:[" + cells[kInode] + "]");
+      }
+    }
+  }
+  return inodes;
+}
+
+}  // namespace
+
+ReadOutcome ReadProcess(ProcessId process, std::uint32_t address, void* buffer, std::size_t size) {
+  const iovec local{buffer, size};
+  const iovec remote{RemoteAddress(address), size};
+  const ssize_t count = ReadPieces(process, local, {&remote, 1});
+  if (count == static_cast<ssize_t>(size)) return ReadOutcome::Complete;
+  return count < 0 ? OutcomeOfError() : ReadOutcome::NotMapped;
+}
+
+ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buffer,
+                            std::size_t size, std::size_t& count) {
+  // A transfer is cut between the remote pieces, not inside one: a piece ends where a page ends.
+  static const auto kPage = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  const std::size_t toPageEnd = kPage - address % kPage;
+  const std::size_t first = std::min(size, toPageEnd);
+  const iovec local{buffer, size};
+  const iovec remote[] = {
+      {RemoteAddress(address), first},
+      {RemoteAddress(address + static_cast<std::uint32_t>(first)), size - first}};
+  const ssize_t got = ReadPieces(process, local, {remote, first < size ? 2U : 1U});
+  count = got > 0 ? static_cast<std::size_t>(got) : 0;
+  if (got < 0) return OutcomeOfError();
+  return got == 0 && size > 0 ? ReadOutcome::NotMapped : ReadOutcome::Complete;
+}
+
+std::vector<ProcessId> FindProcesses(const std::string& programName) {
+  std::vector<ProcessId> found;
+  for (const fs::path& process : AllProcesses()) {
+    if (IsProgram(process, programName)) found.push_back(std::stoll(process.filename().string()));
+  }
+  return found;
+}
+
+HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port) {
+  const fs::path folder = fs::path("/proc") / std::to_string(process);
+  const std::set<std::string> sockets = UdpSockets(folder, port);
+  if (sockets.empty()) return HoldsPort::No;
+  const HoldsPort own = HoldsOneOf(folder, sockets);
+  if (own != HoldsPort::No) return own;
+  const std::string prefix = WineServerFolder(folder);
+  if (prefix.empty()) return HoldsPort::No;
+  for (const fs::path& other : AllProcesses()) {
+    std::error_code problem;
+    if (fs::read_symlink(other / "cwd", problem).filename() == prefix &&
+        HoldsOneOf(other, sockets) == HoldsPort::Yes) {
+      return HoldsPort::Perhaps;
+    }
+  }
+  return HoldsPort::No;
+}
+
+bool ReceivesUdp(std::uint16_t port) {
+  return !UdpSockets("/proc/self", port).empty();
+}
+
+}  // namespace rotacasts::host

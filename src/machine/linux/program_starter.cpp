@@ -1,0 +1,166 @@
+#include "machine/linux/program_starter.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include "base/runtime_error.h"
+
+namespace rotacasts::host {
+namespace {
+
+// What is kept of a program's standard error; the rest is read and dropped.
+constexpr std::size_t kMostWords = 400;
+
+/// How a program is started: nothing to read, nothing printed but its errors, no signal of this
+/// host's held back, and a process group of its own to be killed by.
+class SpawnSettings {
+ public:
+  explicit SpawnSettings(int errors) {
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    ::posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
+    ::posix_spawnattr_init(&attributes);
+    sigset_t none;
+    sigset_t all;
+    sigemptyset(&none);
+    sigfillset(&all);
+    ::posix_spawnattr_setsigmask(&attributes, &none);
+    ::posix_spawnattr_setsigdefault(&attributes, &all);
+    ::posix_spawnattr_setpgroup(&attributes, 0);
+    ::posix_spawnattr_setflags(
+        &attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
+  }
+  ~SpawnSettings() {
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::posix_spawnattr_destroy(&attributes);
+  }
+  SpawnSettings(const SpawnSettings&) = delete;
+  SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+  posix_spawn_file_actions_t actions;
+  posix_spawnattr_t attributes;
+};
+
+std::string Outcome(int status) {
+  if (WIFSIGNALED(status)) return std::string("was ended by ") + ::strsignal(WTERMSIG(status));
+  const int code = WEXITSTATUS(status);
+  return code == 0 ? "" : "ended with status " + std::to_string(code);
+}
+
+}  // namespace
+
+struct ProgramStarter::Running {
+  ~Running() {
+    ::close(process);
+    ::close(errors);
+  }
+  /// Takes what can be read without waiting.
+  void ReadErrors() {
+    char bytes[512];
+    for (ssize_t count; (count = ::read(errors, bytes, sizeof bytes)) > 0;) {
+      const std::size_t room = kMostWords - std::min(words.size(), kMostWords);
+      words.append(bytes, std::min(room, static_cast<std::size_t>(count)));
+    }
+  }
+
+  std::string name;
+  int process = -1;  // a descriptor that is ready once the process has ended
+  int errors = -1;   // what it writes to its standard error
+  bool isLate = false;
+  EventLoop::Clock::time_point limit;
+  std::function<void(const std::string&)> onEnd;
+  std::string words;
+};
+
+ProgramStarter::ProgramStarter(EventLoop& loop, std::chrono::milliseconds timeLimit)
+    : loop_(loop), timeLimit_(timeLimit) {
+  loop_.AddDeadline([this] { return NextLimit(); }, [this] { KillLate(); });
+}
+
+ProgramStarter::~ProgramStarter() {
+  for (const auto& [id, program] : running_) {
+    ::kill(-id, SIGKILL);
+    loop_.Unwatch(program->process);
+    loop_.Unwatch(program->errors);
+  }
+}
+
+void ProgramStarter::Start(const std::vector<std::string>& command,
+                           std::function<void(const std::string&)> onEnd) {
+  auto program = std::make_unique<Running>();
+  program->name = command.at(0);
+  int ends[2] = {-1, -1};
+  int problem = ::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0 ? errno : 0;
+  program->errors = ends[0];
+  std::vector<char*> words;
+  words.reserve(command.size() + 1);
+  for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
+  words.push_back(nullptr);
+  pid_t id = 0;
+  if (problem == 0) {
+    const SpawnSettings settings(ends[1]);
+    problem = ::posix_spawnp(&id, words[0], &settings.actions, &settings.attributes, words.data(),
+                             environ);
+  }
+  ::close(ends[1]);
+  if (problem != 0) {
+    throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
+                       program->name + " cannot be started (" + std::strerror(problem) + ")");
+  }
+  program->process = static_cast<int>(::syscall(SYS_pidfd_open, id, 0));
+  program->limit = EventLoop::Clock::now() + timeLimit_;
+  program->onEnd = std::move(onEnd);
+  Running& running = *(running_[id] = std::move(program));
+  loop_.Watch(running.process, POLLIN, [this, id](short) { Ended(id); });
+  loop_.Watch(running.errors, POLLIN, [this, &running](short ready) {
+    running.ReadErrors();
+    if ((ready & POLLIN) == 0) loop_.Unwatch(running.errors);  // closed at the other end
+  });
+}
+
+std::optional<EventLoop::Clock::time_point> ProgramStarter::NextLimit() const {
+  std::optional<EventLoop::Clock::time_point> first;
+  for (const auto& [id, program] : running_) {
+    if (!program->isLate && (!first || program->limit < *first)) first = program->limit;
+  }
+  return first;
+}
+
+void ProgramStarter::KillLate() {
+  for (const auto& [id, program] : running_) {
+    if (program->isLate || program->limit > EventLoop::Clock::now()) continue;
+    program->isLate = true;
+    ::kill(-id, SIGKILL);
+  }
+}
+
+void ProgramStarter::Ended(int process) {
+  int status = 0;
+  if (::waitpid(process, &status, WNOHANG) != process) return;
+  const std::unique_ptr<Running> program = std::move(running_.extract(process).mapped());
+  loop_.Unwatch(program->process);
+  loop_.Unwatch(program->errors);
+  program->ReadErrors();
+  std::string problem = Outcome(status);
+  if (program->isLate) {
+    problem = "took longer than " +
+              std::to_string(std::chrono::duration_cast<std::chrono::seconds>(timeLimit_).count()) +
+              " s and was ended";
+  }
+  std::replace(program->words.begin(), program->words.end(), '\n', ' ');
+  program->words.erase(program->words.find_last_not_of(' ') + 1);
+  if (!program->words.empty()) problem += (problem.empty() ? "said: " : ": ") + program->words;
+  program->onEnd(problem.empty() ? "" : program->name + " " + problem);
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,37 @@
+// Starting programs from the event loop.
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <memory>
+
+#include "machine/linux/event_loop.h"
+#include "machine/program_runner.h"
+
+namespace rotacasts::host {
+
+/// Programs that still run at the end of this object are killed. The loop lives longer than the
+/// last call of Run after that.
+class ProgramStarter final : public ProgramRunner {
+ public:
+  explicit ProgramStarter(EventLoop& loop, std::chrono::milliseconds timeLimit = kTimeLimit);
+  ~ProgramStarter() override;
+
+  void Start(const std::vector<std::string>& command,
+             std::function<void(const std::string& problem)> onEnd) override;
+
+  static constexpr auto kTimeLimit = std::chrono::seconds(10);
+
+ private:
+  struct Running;
+
+  std::optional<EventLoop::Clock::time_point> NextLimit() const;
+  void KillLate();
+  void Ended(int process);
+
+  EventLoop& loop_;
+  const std::chrono::milliseconds timeLimit_;
+  std::map<int, std::unique_ptr<Running>> running_;  // by process id
+};
+
+}  // namespace rotacasts::host

@@ -1,0 +1,94 @@
+#include "program/run_host.h"
+
+#include <unistd.h>
+
+#include <iostream>
+#include <optional>
+
+#include "console/console.h"
+#include "host/headless_plugin.h"
+#include "machine/linux/console_input.h"
+#include "machine/linux/line_editor.h"
+#include "machine/linux/program_starter.h"
+#include "web/web_site.h"
+
+namespace rotacasts::host {
+
+namespace {
+
+/// What a program could not say is an error of its profile; a datagram's error is the plugin's.
+void TellOfChat(const HostProfiles& profiles, Troubles& troubles, const SentText& sent) {
+  const auto profile = profiles.All().find(sent.profile);
+  if (profile == profiles.All().end() || profile->second.say.empty()) return;
+  const std::int32_t key = -sent.profile;  // beside the profile's ticks
+  const std::string label = profile->second.Label();
+  if (sent.outcome == SentText::Outcome::Failed) {
+    const std::string words = Named(label, sent.reason);
+    const bool isNew = !troubles.IsOld(key, words);
+    troubles.Met(key, words);
+    if (isNew) profiles.Record("Say", words);
+  }
+  if (const auto ended = troubles.TickEnded(key, label)) profiles.Record("Say", *ended);
+}
+
+/// Has a stream write to another buffer for as long as this object lives.
+class Redirection {
+ public:
+  Redirection(std::ostream& stream, std::streambuf& buffer)
+      : stream_(stream), before_(stream.rdbuf(&buffer)) {}
+  ~Redirection() { stream_.rdbuf(before_); }
+  Redirection(const Redirection&) = delete;
+  Redirection& operator=(const Redirection&) = delete;
+
+ private:
+  std::ostream& stream_;
+  std::streambuf* const before_;
+};
+
+constexpr const char* kGoesOnAlone =
+    "the console's input has ended; the host goes on without it (SIGTERM ends it, SIGHUP "
+    "reloads)\n";
+
+}  // namespace
+
+void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
+  EventLoop loop;
+  ConsoleOutput output(loop);
+  const Redirection redirection(std::cout, output);
+  Troubles troubles(out);
+  ProgramStarter programs(loop);
+  Chat& chat = profiles.Components().GetChat();
+  chat.SetRunner(&programs);
+  chat.onEnd = [&](const SentText& sent) { TellOfChat(profiles, troubles, sent); };
+  HeadlessPlugin plugin(profiles, troubles, options.minute);
+  HeadlessSite site;
+  ServerHost host(profiles, plugin, site, options);
+  std::optional<web::WebSite> page;
+  if (!options.web.empty()) page.emplace(loop, host, options, out);
+  Console console(host, out);
+  loop.AddDeadline([&plugin] { return plugin.NextDue(); }, [&plugin] { plugin.RunDue(); });
+  GameProcesses& servers = profiles.Components().Processes();
+  loop.AtTurnBegin([&servers] { servers.BeginTurn(); });
+  loop.AtTurnEnd([&servers] { servers.EndTurn(); });
+  loop.onReload = [&console] { console.Reload(); };
+  console.Start();
+  const LineEditor::Person person{[&](const std::string& line) {
+                                    const bool goesOn = console.Execute(line);
+                                    if (!goesOn) loop.Stop();
+                                    return goesOn;
+                                  },
+                                  [&out] { out << kGoesOnAlone << std::flush; },
+                                  Console::CommandNames()};
+  std::optional<LineEditor> editor;
+  std::optional<ConsoleInput> input;
+  if (::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0) {
+    editor.emplace(loop, output, person);
+  } else {
+    input.emplace(loop, person.onLine, person.onEnd);
+  }
+  loop.Run();
+  chat.onEnd = nullptr;
+  chat.SetRunner(nullptr);
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,129 @@
+#include "program/web_commands.h"
+
+#include <termios.h>
+#include <unistd.h>
+
+#include <iostream>
+#include <memory>
+
+#include "base/text.h"
+#include "host/terminal.h"
+#include "web/admins.h"
+#include "web/passwords.h"
+
+namespace rotacasts::host {
+namespace {
+
+using web::Admin;
+using web::Admins;
+
+/// Keeps the terminal from showing what is typed, for as long as this object lives.
+class NoEcho {
+ public:
+  NoEcho() : isTerminal_(::tcgetattr(STDIN_FILENO, &before_) == 0) {
+    termios quiet = before_;
+    quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    if (isTerminal_) ::tcsetattr(STDIN_FILENO, TCSANOW, &quiet);
+  }
+  ~NoEcho() {
+    if (isTerminal_) ::tcsetattr(STDIN_FILENO, TCSANOW, &before_);
+  }
+  NoEcho(const NoEcho&) = delete;
+  NoEcho& operator=(const NoEcho&) = delete;
+  bool IsTerminal() const { return isTerminal_; }
+
+ private:
+  termios before_{};
+  const bool isTerminal_;
+};
+
+/// Asked for twice at a terminal; a line of the input otherwise. Error 5 for one that will not do.
+std::string AskForPassword(std::ostream& out) {
+  const NoEcho noEcho;
+  std::string password;
+  if (noEcho.IsTerminal()) out << "Password: " << std::flush;
+  std::getline(std::cin, password);
+  if (noEcho.IsTerminal()) {
+    std::string again;
+    out << "\nOnce more: " << std::flush;
+    std::getline(std::cin, again);
+    out << "\n" << std::flush;
+    if (again != password) throw Complaint("the two are not the same; nothing was changed");
+  }
+  if (!IsValidUtf8(password) || CountCharacters(password) < web::kShortestPassword ||
+      password.size() > web::kLongestPassword) {
+    throw Complaint("a password has " + std::to_string(web::kShortestPassword) +
+                    " letters at least and " + std::to_string(web::kLongestPassword) +
+                    " bytes at most; nothing was changed");
+  }
+  return password;
+}
+
+struct Wishes {
+  std::string name;
+  std::optional<std::string> profiles;
+  std::optional<std::string> rights;
+};
+
+/// Somebody new may do everything unless it is said otherwise; somebody known keeps what is not.
+void SetAdmin(const Admins& admins, const Wishes& wishes, std::ostream& out) {
+  Admin admin =
+      web::FindAdmin(admins.All(), wishes.name)
+          .value_or(Admin{wishes.name, {}, true, {}, {web::kRights.begin(), web::kRights.end()}});
+  if (wishes.profiles && !web::ReadProfiles(*wishes.profiles, admin)) {
+    throw Complaint("--profiles takes indexes such as 1,4 or \"*\" for all");
+  }
+  if (wishes.rights && !web::ReadRights(*wishes.rights, admin)) {
+    std::string names;
+    for (const web::Right right : web::kRights) names += "\n  " + web::NameOf(right);
+    throw Complaint("--rights takes these, separated by commas, or \"\" for none:" + names);
+  }
+  admin.password = web::HashPassword(AskForPassword(out));
+  admins.Set(admin);
+  const std::string rights = web::RightsText(admin);
+  out << admin.name << " may sign in; profiles: " << web::ProfilesText(admin)
+      << "; rights: " << (rights.empty() ? "none, to look on" : rights) << "\n";
+}
+
+void ListAdmins(const Admins& admins, std::ostream& out) {
+  TextTable table({"Name", "Profiles", "Rights"});
+  for (const Admin& admin : admins.All()) {
+    table.Add({admin.name, web::ProfilesText(admin), web::RightsText(admin)});
+  }
+  table.Print(out);
+}
+
+}  // namespace
+
+void AddWebCommands(CLI::App& program, CLI::App& run, HostOptions& options, std::ostream& out,
+                    const std::function<void(CLI::App&)>& addFolder) {
+  run.add_option("--web", options.web,
+                 "serve the page for administrators here, such as 127.0.0.1:8480");
+  CLI::App* admin = program.add_subcommand("admin", "Say who may sign in to the page");
+  admin->require_subcommand(1);
+  const auto wishes = std::make_shared<Wishes>();
+  const auto add = [&](const char* name, const char* help, std::function<void()> command) {
+    CLI::App* added = admin->add_subcommand(name, help);
+    addFolder(*added);
+    added->callback(std::move(command));
+    return added;
+  };
+  CLI::App* set =
+      add("set", "Let somebody sign in, or change what they may do; asks for a password",
+          [&options, &out, wishes] { SetAdmin(Admins(options.folder), *wishes, out); });
+  set->add_option("NAME", wishes->name)->required();
+  set->add_option("--profiles", wishes->profiles, "indexes such as 1,4; all without it");
+  set->add_option("--rights", wishes->rights,
+                  "\"Add/Remove Rotacasts, Change Rotacasts Settings\"; both without it");
+  add("remove", "Let somebody sign in no longer",
+      [&options, &out, wishes] {
+        Admins(options.folder).Remove(wishes->name);
+        out << wishes->name << " may no longer sign in\n";
+      })
+      ->add_option("NAME", wishes->name)
+      ->required();
+  add("list", "List those who may sign in",
+      [&options, &out] { ListAdmins(Admins(options.folder), out); });
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,120 @@
+#include "siblings/game_processes.h"
+
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "base/runtime_error.h"
+
+namespace rotacasts::host {
+namespace {
+
+// The longest text that is read; a game's names are shorter.
+constexpr std::size_t kLongestText = 255;
+
+constexpr const char* kNotAllowed = " may not be read; run this host as the game server's user";
+
+/// The process id that the text is; 0 for a program name.
+ProcessId AsNumber(const std::string& text) {
+  ProcessId number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() && number > 0 ? number : 0;
+}
+
+/// Those that receive at the port; if that is certain of none, those of which it may be true.
+/// `secret` becomes one that may not be looked into.
+std::vector<ProcessId> Receiving(const std::vector<ProcessId>& processes, std::uint16_t port,
+                                 ProcessId& secret) {
+  std::vector<ProcessId> certain;
+  std::vector<ProcessId> possible;
+  for (const ProcessId process : processes) {
+    const HoldsPort holds = HoldsUdpPort(process, port);
+    if (holds == HoldsPort::Yes) certain.push_back(process);
+    if (holds == HoldsPort::Perhaps) possible.push_back(process);
+    if (holds == HoldsPort::NotAllowed) secret = process;
+  }
+  return certain.empty() ? possible : certain;
+}
+
+[[noreturn]] void Raise(const std::string& what) {
+  throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError), what);
+}
+
+}  // namespace
+
+std::int32_t GameProcesses::Register(GameProcess process) {
+  entries_.push_back({std::move(process)});
+  return static_cast<std::int32_t>(entries_.size());
+}
+
+void GameProcesses::Change(std::int32_t handle, GameProcess process) {
+  At(handle) = {std::move(process)};
+}
+
+GameProcesses::Entry& GameProcesses::At(std::int32_t handle) {
+  if (handle < 1 || static_cast<std::size_t>(handle) > entries_.size()) {
+    Raise("no game server has the handle " + std::to_string(handle));
+  }
+  return entries_[static_cast<std::size_t>(handle) - 1];
+}
+
+ProcessId GameProcesses::Find(Entry& entry) {
+  if (entry.found != 0) return entry.found;
+  const std::string& name = entry.process;
+  if (const ProcessId number = AsNumber(name); number != 0) return entry.found = number;
+  std::vector<ProcessId> processes = reader_.Find(name);
+  if (processes.empty()) Raise(entry.label + ": no program " + name + " is running; start it");
+  const std::size_t running = processes.size();
+  ProcessId secret = 0;
+  if (entry.port != 0) processes = Receiving(processes, entry.port, secret);
+  if (processes.size() == 1) return entry.found = processes.front();
+  if (processes.empty() && secret != 0) {
+    Raise(entry.label + ": process " + std::to_string(secret) + kNotAllowed);
+  }
+  const std::string programs = running == 1
+                                   ? "a program " + name + " is running"
+                                   : std::to_string(running) + " programs " + name + " are running";
+  if (entry.port == 0) Raise(entry.label + ": " + programs + "; name one by its process id");
+  Raise(entry.label + ": " + programs + ", but " + (processes.empty() ? "none" : "more than one") +
+        " receives at the Target port " + std::to_string(entry.port) +
+        "; start this profile's server, correct Target, or name the process by its id");
+}
+
+void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t address) {
+  const bool isNumber = AsNumber(entry.process) != 0;
+  const std::string process = "process " + std::to_string(std::exchange(entry.found, 0));
+  char place[16];
+  std::snprintf(place, sizeof place, "0x%08X", static_cast<unsigned>(address));
+  switch (outcome) {
+    case ReadOutcome::ProcessGone:
+      Raise(entry.label + ": the game server has ended (" + process + "); start it" +
+            (isNumber ? " and give its process id in profile.ini" : ""));
+    case ReadOutcome::NotAllowed:
+      Raise(entry.label + ": " + process + kNotAllowed);
+    default:
+      Raise(entry.label + ": " + process + " has no memory at " + place +
+            "; is GameCode the right one?");
+  }
+}
+
+std::int32_t GameProcesses::ReadLong(std::int32_t handle, std::int32_t address) {
+  Entry& entry = At(handle);
+  std::int32_t value = 0;
+  const ReadOutcome outcome =
+      reader_.Read(Find(entry), static_cast<std::uint32_t>(address), &value, sizeof value);
+  if (outcome != ReadOutcome::Complete) RaiseOutcome(entry, outcome, address);
+  return value;
+}
+
+std::string GameProcesses::ReadBytes(std::int32_t handle, std::int32_t address) {
+  Entry& entry = At(handle);
+  char buffer[kLongestText];
+  std::size_t count = 0;
+  const ReadOutcome outcome = reader_.ReadText(Find(entry), static_cast<std::uint32_t>(address),
+                                               buffer, sizeof buffer, count);
+  if (outcome != ReadOutcome::Complete) RaiseOutcome(entry, outcome, address);
+  return {buffer, ::strnlen(buffer, count)};
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,32 @@
+// The memory component of the stand-alone host: real reads, real sends.
+#pragma once
+
+#include "platform/components.h"
+#include "siblings/chat.h"
+#include "siblings/game_processes.h"
+
+namespace rotacasts::host {
+
+/// Process handles are those of `processes`; what a message target is, `chat` knows. Texts in a
+/// game's memory are Windows-1252, Base64 packs UTF-8. Both outlive the component.
+class HostMemoryComponent final : public MemoryComponent {
+ public:
+  HostMemoryComponent(GameProcesses& processes, Chat& chat) : processes_(processes), chat_(chat) {}
+
+  std::int32_t ReadLong(std::int32_t& processHandle, std::int32_t address) override;
+  std::string ReadStr(std::int32_t& processHandle, std::int32_t address) override;
+  void AddMsg(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
+              bool& isAffiliate, const std::string& kind, std::int16_t mode) override;
+  void AddMsgB(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
+               bool& isAffiliate, const std::string& kind, std::int16_t mode,
+               std::string& gameCode) override;
+  std::string Enc64(const std::string& text) override;
+  /// Error 5 for a text that is no Base64 or packs no UTF-8.
+  std::string Dec64(const std::string& text) override;
+
+ private:
+  GameProcesses& processes_;
+  Chat& chat_;
+};
+
+}  // namespace rotacasts::host

@@ -1,0 +1,85 @@
+// A request that has found its route: what it says, and how it is refused.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/text.h"
+#include "host/message_list.h"
+#include "web/admins.h"
+#include "web/http_server.h"
+#include "web/snapshots.h"
+
+namespace rotacasts::host::web {
+
+/// An answer that is no.
+struct Refusal {
+  unsigned status;
+  std::string error;  // for programs
+  std::string words;  // for people
+  std::vector<std::pair<std::string, std::string>> headers = {};
+
+  operator Response() const {
+    return {status, "application/json", web::ToText({{"error", error}, {"words", words}}), headers};
+  }
+};
+
+/// A request that has found its route.
+struct Call {
+  const std::shared_ptr<Exchange>& exchange;
+  std::int32_t profile = 0;
+  Admin admin = {};
+  nlohmann::json body = {};
+
+  const Request& Asked() const { return exchange->Asked(); }
+  void Answer(const nlohmann::json& value) const {
+    exchange->Answer({200, "application/json", web::ToText(value)});
+  }
+
+  template <class T>
+  T Field(const char* name, bool (nlohmann::json::*isKind)() const noexcept,
+          const char* kind) const {
+    const auto found = body.find(name);
+    if (found != body.end() && ((*found).*isKind)()) return found->get<T>();
+    throw Refusal{400, "form", std::string("\"") + name + "\" has to be " + kind};
+  }
+  std::string Text(const char* name) const {
+    return Field<std::string>(name, &nlohmann::json::is_string, "a text");
+  }
+  bool Truth(const char* name) const {
+    return Field<bool>(name, &nlohmann::json::is_boolean, "true or false");
+  }
+  std::int32_t Number(const char* name) const {
+    const auto number =
+        Field<std::int64_t>(name, &nlohmann::json::is_number_integer, "a whole number");
+    if (number < 0 || number > INT32_MAX)
+      throw Refusal{400, "form", "the number is too large or negative"};
+    return static_cast<std::int32_t>(number);
+  }
+  /// A text that players could be sent: one line of letters that the message file holds.
+  std::string Message() const {
+    std::string text(TrimSpaces(Text("text")));
+    if (text.empty()) throw Refusal{422, "refused", "there is no text"};
+    const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == 127; };
+    if (std::any_of(text.begin(), text.end(), isControl)) {
+      throw Refusal{422, "refused", "a message is one line"};
+    }
+    ToWindows1252(text);
+    return text;
+  }
+  /// The position that the request names, if the message there is still the one that it saw.
+  std::int32_t SeenPosition(const MessageList& list) const {
+    const std::int32_t position = Number("position");
+    const std::string seen = Text("text");
+    const auto at = static_cast<std::size_t>(position);
+    if (at < list.messages.size() && list.messages[at].text == seen) return position;
+    throw Refusal{409, "changed", "the list has changed meanwhile; nothing was done"};
+  }
+};
+
+}  // namespace rotacasts::host::web

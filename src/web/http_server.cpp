@@ -1,0 +1,339 @@
+#include "web/http_server.h"
+
+#include <arpa/inet.h>
+#include <netdb.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "base/runtime_error.h"
+#include "host/terminal.h"
+#include "web/microhttpd.h"
+
+namespace rotacasts::host::web {
+namespace {
+
+using Clock = EventLoop::Clock;
+
+const Microhttpd& Mhd() {
+  return Microhttpd::Get();
+}
+
+constexpr unsigned kMostConnections = 600;
+constexpr unsigned kMostOfOneAddress = 200;
+constexpr unsigned kQuietSeconds = 30;
+constexpr std::size_t kMemoryOfConnection = std::size_t{16} * 1024;
+constexpr std::size_t kMostBytesDropped = std::size_t{1024} * 1024;
+constexpr std::size_t kBlock = std::size_t{8} * 1024;
+
+/// What every answer says: only the page's own files count, nobody frames it or keeps it.
+constexpr std::pair<const char*, const char*> kHeadersOfAll[] = {
+    {"Content-Security-Policy",
+     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
+     "base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
+    {"X-Content-Type-Options", "nosniff"},
+    {"Referrer-Policy", "no-referrer"},
+    {"Cross-Origin-Resource-Policy", "same-origin"},
+    {"Cross-Origin-Opener-Policy", "same-origin"},
+    {"Cache-Control", "no-store"},
+};
+
+struct AddressInfo {
+  addrinfo* list = nullptr;
+  ~AddressInfo() {
+    if (list != nullptr) ::freeaddrinfo(list);
+  }
+};
+
+/// Error 5 for anything but ADDRESS:PORT in numbers.
+void Resolve(const std::string& address, AddressInfo& info) {
+  const std::size_t colon = address.rfind(':');
+  std::string host = address.substr(0, std::min(colon, address.size()));
+  const std::string port = colon == address.npos ? "" : address.substr(colon + 1);
+  if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
+  addrinfo hints{};
+  hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
+  hints.ai_socktype = SOCK_STREAM;
+  if (!host.empty() && !port.empty() &&
+      ::getaddrinfo(host.c_str(), port.c_str(), &hints, &info.list) == 0) {
+    return;
+  }
+  throw Complaint("\"" + address +
+                  "\" is no address to listen at; give one such as 127.0.0.1:8480");
+}
+
+std::string AddressOf(MHD_Connection* connection) {
+  const auto* info = Mhd().get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
+  char text[INET6_ADDRSTRLEN] = "";
+  if (info->client_addr->sa_family == AF_INET) {
+    const auto* address = reinterpret_cast<const sockaddr_in*>(info->client_addr);
+    ::inet_ntop(AF_INET, &address->sin_addr, text, sizeof text);
+  } else {
+    sockaddr_in6 address = *reinterpret_cast<const sockaddr_in6*>(info->client_addr);
+    std::fill(address.sin6_addr.s6_addr + 8, address.sin6_addr.s6_addr + 16, std::uint8_t{0});
+    if (IN6_IS_ADDR_LOOPBACK(
+            &reinterpret_cast<const sockaddr_in6*>(info->client_addr)->sin6_addr)) {
+      return "::1";
+    }
+    ::inet_ntop(AF_INET6, &address.sin6_addr, text, sizeof text);  // one network, one client
+  }
+  return text;
+}
+
+class ReceivedRequest final : public Request {
+ public:
+  explicit ReceivedRequest(MHD_Connection* from) : connection(from) { address = AddressOf(from); }
+  std::string Header(const char* name) const override { return Value(MHD_HEADER_KIND, name); }
+  std::string Cookie(const char* name) const override { return Value(MHD_COOKIE_KIND, name); }
+  std::string Query(const char* name) const override { return Value(MHD_GET_ARGUMENT_KIND, name); }
+
+  MHD_Connection* const connection;
+
+ private:
+  std::string Value(MHD_ValueKind kind, const char* name) const {
+    const char* value = Mhd().lookup_connection_value(connection, kind, name);
+    return value != nullptr ? value : "";
+  }
+};
+
+}  // namespace
+
+class HttpServer::Conversation final : public Exchange,
+                                       public std::enable_shared_from_this<Conversation> {
+ public:
+  Conversation(HttpServer& server, MHD_Connection* connection, const char* method, const char* path)
+      : server_(server), request_(connection) {
+    request_.method = method;
+    request_.path = path;
+  }
+  ~Conversation() override {
+    if (response_ != nullptr) Mhd().destroy_response(response_);
+  }
+
+  const Request& Asked() const override { return request_; }
+  void Answer(Response response) override;
+  void AnswerBitByBit(std::unique_ptr<EventSource> source) override;
+
+  void Take(const char* bytes, std::size_t size);
+  bool IsEndless() const { return dropped_ > kMostBytesDropped; }
+  /// Has the request answered, once it is whole; queues the answer once there is one.
+  MHD_Result Proceed();
+  ssize_t Read(char* buffer, std::size_t room);
+  /// Goes on sending if there is something to send.
+  void WakeUp();
+  void Resume();
+
+ private:
+  void SetHeaders(const Response& response);
+
+  HttpServer& server_;
+  ReceivedRequest request_;
+  std::size_t dropped_ = 0;
+  bool isHandled_ = false;
+  bool isSuspended_ = false;
+  MHD_Response* response_ = nullptr;
+  unsigned status_ = 0;
+  std::unique_ptr<EventSource> source_;
+  std::string piece_;  // of the source, being sent
+  std::size_t sent_ = 0;
+};
+
+void HttpServer::Conversation::Take(const char* bytes, std::size_t size) {
+  if (request_.isTooLong || request_.body.size() + size > kLongestBody) {
+    request_.isTooLong = true;
+    request_.body.clear();
+    dropped_ += size;
+  } else {
+    request_.body.append(bytes, size);
+  }
+}
+
+MHD_Result HttpServer::Conversation::Proceed() {
+  if (!isHandled_) {
+    isHandled_ = true;
+    server_.handler_(shared_from_this());
+    if (response_ == nullptr) {
+      isSuspended_ = true;
+      Mhd().suspend_connection(request_.connection);
+      return MHD_YES;
+    }
+  }
+  return Mhd().queue_response(request_.connection, status_, response_);
+}
+
+void HttpServer::Conversation::SetHeaders(const Response& response) {
+  status_ = response.status;
+  Mhd().add_response_header(response_, "Content-Type", response.type.c_str());
+  for (const auto& [name, value] : kHeadersOfAll) {
+    Mhd().add_response_header(response_, name, value);
+  }
+  for (const auto& [name, value] : response.headers) {
+    Mhd().add_response_header(response_, name.c_str(), value.c_str());
+  }
+}
+
+void HttpServer::Conversation::Answer(Response response) {
+  response_ = Mhd().create_response_from_buffer(response.body.size(), response.body.data(),
+                                                MHD_RESPMEM_MUST_COPY);
+  SetHeaders(response);
+  Resume();
+}
+
+void HttpServer::Conversation::AnswerBitByBit(std::unique_ptr<EventSource> source) {
+  source_ = std::move(source);
+  const auto read = [](void* self, std::uint64_t, char* buffer, std::size_t room) {
+    return static_cast<Conversation*>(self)->Read(buffer, room);
+  };
+  response_ = Mhd().create_response_from_callback(MHD_SIZE_UNKNOWN, kBlock, read, this, nullptr);
+  SetHeaders({200, "text/event-stream", {}, {{"X-Accel-Buffering", "no"}}});
+  server_.since_.erase(request_.connection);
+  server_.sources_[request_.connection] = this;
+  Resume();
+}
+
+ssize_t HttpServer::Conversation::Read(char* buffer, std::size_t room) {
+  if (sent_ == piece_.size()) {
+    piece_ = source_->Next();
+    sent_ = 0;
+  }
+  if (piece_.empty()) {
+    if (source_->IsOver()) return MHD_CONTENT_READER_END_OF_STREAM;
+    isSuspended_ = true;
+    Mhd().suspend_connection(request_.connection);
+    return 0;
+  }
+  const std::size_t count = std::min(room, piece_.size() - sent_);
+  std::memcpy(buffer, piece_.data() + sent_, count);
+  sent_ += count;
+  if (sent_ == piece_.size()) {
+    piece_ = {};  // a quiet page holds no memory
+    sent_ = 0;
+  }
+  return static_cast<ssize_t>(count);
+}
+
+void HttpServer::Conversation::WakeUp() {
+  if (!isSuspended_) return;  // it has not taken what went before
+  piece_ = source_->Next();
+  if (!piece_.empty() || source_->IsOver()) Resume();
+}
+
+void HttpServer::Conversation::Resume() {
+  if (!std::exchange(isSuspended_, false)) return;
+  Mhd().resume_connection(request_.connection);
+  server_.mustRun_ = true;
+}
+
+/// What the library calls.
+struct HttpServer::Callbacks {
+  static MHD_Result Access(void* self, MHD_Connection* connection, const char* url,
+                           const char* method, const char*, const char* bytes, std::size_t* size,
+                           void** state) {
+    auto& server = *static_cast<HttpServer*>(self);
+    if (*state == nullptr) {
+      auto conversation = std::make_shared<Conversation>(server, connection, method, url);
+      *state = conversation.get();
+      server.conversations_[connection] = std::move(conversation);
+      return MHD_YES;
+    }
+    auto& conversation = *static_cast<Conversation*>(*state);
+    if (*size == 0) return conversation.Proceed();
+    conversation.Take(bytes, *size);
+    *size = 0;
+    return conversation.IsEndless() ? MHD_NO : MHD_YES;
+  }
+  static void Completed(void* self, MHD_Connection* connection, void**,
+                        MHD_RequestTerminationCode) {
+    auto& server = *static_cast<HttpServer*>(self);
+    server.sources_.erase(connection);
+    server.conversations_.erase(connection);
+    server.since_[connection] = Clock::now();  // the next request of this connection
+  }
+  static void Connected(void* self, MHD_Connection* connection, void**,
+                        MHD_ConnectionNotificationCode what) {
+    auto& server = *static_cast<HttpServer*>(self);
+    if (what == MHD_CONNECTION_NOTIFY_STARTED) {
+      server.since_[connection] = Clock::now();
+    } else {
+      server.since_.erase(connection);
+    }
+  }
+  static void Log(void*, const char*, va_list) {}  // a client's nonsense is no news
+};
+
+HttpServer::HttpServer(EventLoop& loop, const std::string& address, Handler handler,
+                       std::chrono::milliseconds longest)
+    : loop_(loop), handler_(std::move(handler)), longest_(longest) {
+  Start(address);
+  const auto* events = Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD);
+  loop_.Watch(events->epoll_fd, POLLIN, [this](short) { Run(); });
+  loop_.AddDeadline([this] { return NextRun(); }, [this] { Run(); });
+}
+
+void HttpServer::Start(const std::string& address) {
+  AddressInfo info;
+  Resolve(address, info);
+  const unsigned v6 = info.list->ai_family == AF_INET6 ? unsigned{MHD_USE_IPv6} : 0U;
+  errno = 0;
+  daemon_ = Mhd().start_daemon(MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG | v6, 0,
+                               nullptr, nullptr, &Callbacks::Access, this,                 //
+                               MHD_OPTION_EXTERNAL_LOGGER, &Callbacks::Log, nullptr,       //
+                               MHD_OPTION_SOCK_ADDR, info.list->ai_addr,                   //
+                               MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::Completed, this,   //
+                               MHD_OPTION_NOTIFY_CONNECTION, &Callbacks::Connected, this,  //
+                               MHD_OPTION_CONNECTION_LIMIT, kMostConnections,              //
+                               MHD_OPTION_PER_IP_CONNECTION_LIMIT, kMostOfOneAddress,      //
+                               MHD_OPTION_CONNECTION_TIMEOUT, kQuietSeconds,               //
+                               MHD_OPTION_CONNECTION_MEMORY_LIMIT, kMemoryOfConnection,    //
+                               MHD_OPTION_STRICT_FOR_CLIENT, 1,                            //
+                               MHD_OPTION_END);
+  if (daemon_ != nullptr) return;
+  throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
+                     "the page cannot be served at " + address + " (" + std::strerror(errno) +
+                         "); give --web another address or port");
+}
+
+HttpServer::~HttpServer() {
+  loop_.Unwatch(Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd);
+  for (const auto& [connection, conversation] : conversations_) conversation->Resume();
+  Mhd().stop_daemon(daemon_);
+}
+
+std::uint16_t HttpServer::Port() const {
+  return Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_BIND_PORT)->port;
+}
+
+void HttpServer::Run() {
+  mustRun_ = false;
+  Mhd().run(daemon_);
+  CutOff();
+}
+
+std::optional<Clock::time_point> HttpServer::NextRun() const {
+  if (mustRun_) return Clock::now();
+  MHD_UNSIGNED_LONG_LONG milliseconds = 0;
+  if (Mhd().get_timeout(daemon_, &milliseconds) != MHD_YES) return std::nullopt;
+  return Clock::now() + std::chrono::milliseconds(milliseconds);
+}
+
+void HttpServer::CutOff() {
+  const Clock::time_point now = Clock::now();
+  if (now < nextCut_) return;
+  nextCut_ = now + longest_ / 30;
+  const Clock::time_point limit = now - longest_;
+  for (auto& [connection, since] : since_) {
+    if (since > limit) continue;
+    ::shutdown(Mhd().get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd,
+               SHUT_RDWR);
+    since = now;
+  }
+}
+
+void HttpServer::Pump() {
+  for (const auto& [connection, conversation] : sources_) conversation->WakeUp();
+}
+
+}  // namespace rotacasts::host::web

@@ -1,0 +1,38 @@
+#include "web/web_site.h"
+
+namespace rotacasts::host::web {
+namespace {
+
+/// A tenth of the rows is read in each, while somebody looks on.
+constexpr std::chrono::milliseconds kBeat{100};
+
+std::string UrlOf(const std::string& address, std::uint16_t port) {
+  return "http://" + address.substr(0, address.rfind(':')) + ":" + std::to_string(port) + "/";
+}
+
+}  // namespace
+
+WebSite::WebSite(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out)
+    : api_(loop, host, options, sessions_, out),
+      server_(loop, options.web,
+              [this](const std::shared_ptr<Exchange>& exchange) { api_.Handle(exchange); }) {
+  api_.onChange = [this] { server_.Pump(); };
+  loop.AddDeadline(
+      [this]() -> std::optional<Clock::time_point> {
+        if (server_.EventSources() == 0) return std::nullopt;
+        return nextBeat_;
+      },
+      [this] {
+        nextBeat_ = Clock::now() + kBeat;
+        api_.Refresh();
+        server_.Pump();
+      });
+  out << "the page: " << UrlOf(options.web, server_.Port()) << "\n";
+  if (Admins(host.Profiles().Folder()).All().empty()) {
+    out << "nobody may sign in yet; \"rotacasts-host admin set NAME --host-folder DIR\" lets "
+           "somebody\n";
+  }
+  out << std::flush;
+}
+
+}  // namespace rotacasts::host::web
