@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <iostream>
 
-#include "host/terminal.h"
+#include "console/text_table.h"
 
 namespace rotacasts::bench {
 

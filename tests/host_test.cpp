@@ -14,9 +14,9 @@
 
 #include "base/conversions.h"
 #include "console/console.h"
+#include "console/plain_output.h"
 #include "game/address_table.h"
 #include "host/headless_plugin.h"
-#include "host/terminal.h"
 #include "machine/linux/program_starter.h"
 #include "siblings/host_platform.h"
 #include "siblings/ini_text.h"

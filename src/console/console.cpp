@@ -6,7 +6,9 @@
 
 #include "base/text.h"
 #include "broadcast/placeholders.h"
-#include "host/terminal.h"
+#include "console/status_table.h"
+#include "console/text_table.h"
+#include "host/complaint.h"
 #include "host/troubles.h"
 #include "machine/native_files.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/terminal.h"
+#include "host/complaint.h"
 #include "machine/native_files.h"
 #include "siblings/file_layer.h"
 #include "store/profile_paths.h"

@@ -1,7 +1,7 @@
 #include "host/message_list.h"
 
 #include "base/text.h"
-#include "host/terminal.h"
+#include "host/complaint.h"
 #include "machine/native_files.h"
 #include "siblings/ini_text.h"
 #include "store/message_file.h"

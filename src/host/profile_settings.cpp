@@ -7,7 +7,7 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "game/address_table.h"
-#include "host/terminal.h"
+#include "host/complaint.h"
 #include "machine/native_files.h"
 #include "siblings/file_layer.h"
 #include "siblings/ini_text.h"

@@ -1,6 +1,6 @@
 #include "host/server_host.h"
 
-#include "host/terminal.h"
+#include "host/complaint.h"
 #include "machine/base64.h"
 #include "store/message_file.h"
 #include "store/profile_paths.h"

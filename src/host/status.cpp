@@ -2,14 +2,10 @@
 
 #include "base/conversions.h"
 #include "host/message_list.h"
-#include "host/terminal.h"
-#include "host/troubles.h"
 #include "store/profile_paths.h"
 
 namespace rotacasts::host {
 namespace {
-
-constexpr const char* kNotKnown = "-";
 
 bool IsOn(const std::string& enable) {
   return IsNumeric(enable) && ToDouble(enable) == 1;
@@ -22,27 +18,6 @@ void TakeOptions(ProfileStatus& status, const MessageList& list) {
   status.isSwitchedOn = status.progress->isSwitchedOn;
   status.interval = status.progress->interval;
   status.isFileAhead = status.isSwitchedOn != IsOn(list.enable) || status.interval != list.interval;
-}
-
-std::string NextMessage(const ProfileStatus& status) {
-  if (!status.progress) return kNotKnown;
-  if (!status.position) return "(no messages)";
-  const std::string says = status.text.Shown();
-  return std::to_string(*status.position) + ": " +
-         (says == status.message ? says : status.message + " -> " + says);
-}
-
-std::vector<std::string> Row(const ProfileStatus& status) {
-  constexpr const char* kGames[] = {"unreachable", "idle", "running"};
-  const std::string game = kGames[static_cast<int>(status.game.state)];
-  return {std::to_string(status.profile.index),
-          status.profile.folder,
-          status.profile.gameCode,
-          status.isStopped ? "stopped, game " + game : game,
-          status.isSwitchedOn ? "on" : "off",
-          status.interval + " min",
-          status.progress ? std::to_string(status.progress->elapsedTicks) : kNotKnown,
-          status.problem.empty() ? NextMessage(status) : "(cannot be read)"};
 }
 
 }  // namespace
@@ -70,22 +45,6 @@ ProfileStatus ReadStatus(HostProfiles& profiles, Preview& preview, const Profile
     status.problem = error.description;
   }
   return status;
-}
-
-void PrintStatus(std::ostream& out, const std::vector<ProfileStatus>& all) {
-  TextTable table(
-      {"Profile", "Folder", "Code", "Game", "Switch", "Every", "Ticks", "Next message"});
-  for (const ProfileStatus& status : all) table.Add(Row(status));
-  table.Print(out);
-  for (const ProfileStatus& status : all) {
-    for (const std::string& problem : {status.game.problem, status.problem}) {
-      if (!problem.empty()) out << Named(status.profile.Label(), problem) << "\n";
-    }
-    if (status.isFileAhead) {
-      out << status.profile.Label()
-          << ": its message file has another switch or interval; \"reload\" takes them over\n";
-    }
-  }
 }
 
 }  // namespace rotacasts::host

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <optional>
-#include <ostream>
 #include <string>
-#include <vector>
 
 #include "host/hosted_plugin.h"
 #include "host/preview.h"
@@ -31,8 +29,5 @@ struct ProfileStatus {
 /// Reads the profile's message file once, and its game server.
 ProfileStatus ReadStatus(HostProfiles& profiles, Preview& preview, const ProfileSettings& profile,
                          const std::optional<HostedPlugin::Progress>& progress);
-
-/// Prints a line a profile, and below them what is wrong.
-void PrintStatus(std::ostream& out, const std::vector<ProfileStatus>& all);
 
 }  // namespace rotacasts::host

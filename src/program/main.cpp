@@ -8,7 +8,7 @@
 #include "base/version.h"
 #include "check/check.h"
 #include "console/console.h"
-#include "host/terminal.h"
+#include "console/plain_output.h"
 #include "machine/host_lock.h"
 #include "machine/native_files.h"
 #include "machine/program_arguments.h"

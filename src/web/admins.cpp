@@ -8,7 +8,7 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
-#include "host/terminal.h"
+#include "host/complaint.h"
 #include "machine/native_files.h"
 #include "plugin/descriptor.h"
 #include "siblings/file_layer.h"

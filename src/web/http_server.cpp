@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "base/runtime_error.h"
-#include "host/terminal.h"
+#include "host/complaint.h"
 #include "web/microhttpd.h"
 
 namespace rotacasts::host::web {

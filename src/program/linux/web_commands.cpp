@@ -7,7 +7,8 @@
 #include <memory>
 
 #include "base/text.h"
-#include "host/terminal.h"
+#include "console/text_table.h"
+#include "host/complaint.h"
 #include "web/admins.h"
 #include "web/passwords.h"
 

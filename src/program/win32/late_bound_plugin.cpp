@@ -4,7 +4,7 @@
 
 #include "base/conversions.h"
 #include "com/win32_platform.h"
-#include "host/terminal.h"
+#include "host/complaint.h"
 #include "machine/native_files.h"
 #include "services/host_services.h"
 

@@ -1,0 +1,52 @@
+#include "console/status_table.h"
+
+#include <string>
+
+#include "console/text_table.h"
+#include "host/troubles.h"
+
+namespace rotacasts::host {
+namespace {
+
+constexpr const char* kNotKnown = "-";
+
+std::string NextMessage(const ProfileStatus& status) {
+  if (!status.progress) return kNotKnown;
+  if (!status.position) return "(no messages)";
+  const std::string says = status.text.Shown();
+  return std::to_string(*status.position) + ": " +
+         (says == status.message ? says : status.message + " -> " + says);
+}
+
+std::vector<std::string> Row(const ProfileStatus& status) {
+  constexpr const char* kGames[] = {"unreachable", "idle", "running"};
+  const std::string game = kGames[static_cast<int>(status.game.state)];
+  return {std::to_string(status.profile.index),
+          status.profile.folder,
+          status.profile.gameCode,
+          status.isStopped ? "stopped, game " + game : game,
+          status.isSwitchedOn ? "on" : "off",
+          status.interval + " min",
+          status.progress ? std::to_string(status.progress->elapsedTicks) : kNotKnown,
+          status.problem.empty() ? NextMessage(status) : "(cannot be read)"};
+}
+
+}  // namespace
+
+void PrintStatus(std::ostream& out, const std::vector<ProfileStatus>& all) {
+  TextTable table(
+      {"Profile", "Folder", "Code", "Game", "Switch", "Every", "Ticks", "Next message"});
+  for (const ProfileStatus& status : all) table.Add(Row(status));
+  table.Print(out);
+  for (const ProfileStatus& status : all) {
+    for (const std::string& problem : {status.game.problem, status.problem}) {
+      if (!problem.empty()) out << Named(status.profile.Label(), problem) << "\n";
+    }
+    if (status.isFileAhead) {
+      out << status.profile.Label()
+          << ": its message file has another switch or interval; \"reload\" takes them over\n";
+    }
+  }
+}
+
+}  // namespace rotacasts::host
