@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "com/com_support.h"
 #include "com/variant_conversion.h"
+#include "plugin/remote_operations.h"
 
 namespace rotacasts::win32 {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstddef>
 
 #include "com/windows_api.h"
-#include "plugin/cls_plugin.h"
+#include "plugin/remote_operations.h"
 
 namespace rotacasts::win32 {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "plugin/cls_plugin.h"
+#include "plugin/remote_operations.h"
 #include "siblings/host_file_system.h"
 #include "ui/layout.h"
 

@@ -4,6 +4,7 @@
 
 #include "host/complaint.h"
 #include "machine/native_files.h"
+#include "services/profile_tables.h"
 #include "siblings/file_layer.h"
 #include "store/profile_paths.h"
 

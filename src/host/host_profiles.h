@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "base/host_value.h"
 #include "host/profile_settings.h"
-#include "plugin/plugin_state.h"
 #include "siblings/host_platform.h"
 
 namespace rotacasts::host {

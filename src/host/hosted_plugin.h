@@ -9,7 +9,10 @@
 
 #include "base/host_value.h"
 #include "platform/toolkit.h"
-#include "plugin/cls_plugin.h"
+
+namespace rotacasts {
+struct RemoteOperation;
+}
 
 namespace rotacasts::host {
 

@@ -2,6 +2,8 @@
 
 #include "host/complaint.h"
 #include "machine/base64.h"
+#include "plugin/remote_operations.h"
+#include "services/profile_tables.h"
 #include "store/message_file.h"
 #include "store/profile_paths.h"
 

@@ -6,6 +6,7 @@
 #include "com/win32_platform.h"
 #include "host/complaint.h"
 #include "machine/native_files.h"
+#include "plugin/remote_operations.h"
 #include "services/host_services.h"
 
 namespace rotacasts::host {
