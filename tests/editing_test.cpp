@@ -196,7 +196,7 @@ TEST_F(EditingTest, AStoppedProfileIsToldOfAndNothingIsCalledForIt) {
   HostValue::Array refused = *Data(2, "JO").AsArray();
   refused[pdat::kProfileFolder] = "..\\..";
   Plugin().LoadInterface(2, 77, refused);
-  EXPECT_EQ(TakeErrors(), (Texts{"SetProfileData: 76", "Form_Reload: 76"}));
+  EXPECT_EQ(TakeErrors(), Texts{"SetProfileData: 76"});
   EXPECT_EQ(Rows(), Texts{});
   Window().chkAuto().SetValue(1);
   Window().txtInterval().SetText("1");

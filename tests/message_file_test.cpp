@@ -16,8 +16,9 @@ using testing::PluginTest;
 
 class MessageFileTest : public PluginTest {
  protected:
-  MessageFileTest() { State().profiles.SetProfileData(1, Data(1, "JO")); }
-  MessageFile& Store() { return State().store; }
+  MessageFileTest() { Load(1); }
+  MessageFile Open() { return State().store.Open(1); }
+  void LoadMessages() { State().window.Showing(1)->LoadMessages(); }
   /// The section "Messages" of the file, a line after the other.
   std::string Section() { return testing::LinesOf(host::IniText(host.MessageFile(1)), "Messages"); }
   void SetSection(const std::string& lines) {
@@ -30,7 +31,7 @@ TEST_F(MessageFileTest, LoadListsPositiveKeysAndTheFirstSixtyCharacters) {
   longText.replace(0, 1, "ü");
   SetSection("1=a\r\n0=hidden\r\n-3=hidden\r\n7=\r\n9=   \r\n2=score=kills\r\n3=" +
              ToWindows1252(longText) + "\r\n");
-  Store().LoadMessages(1);
+  LoadMessages();
   EXPECT_EQ(Rows(),
             (std::vector<std::string>{"a", "", "   ", "score=kills", "ü" + std::string(59, 'x')}));
   EXPECT_EQ(Window().lstMessages().At(1).data, 7);
@@ -40,11 +41,11 @@ TEST_F(MessageFileTest, LoadListsPositiveKeysAndTheFirstSixtyCharacters) {
 TEST_F(MessageFileTest, LoadClearsTheListWhenThereIsNothingToList) {
   for (const bool missing : {false, true}) {
     SetSection("1=a\r\n");
-    Store().LoadMessages(1);
+    LoadMessages();
     SetSection("");
     if (missing) host.files.erase(PathOf(1));
     host.calls.clear();
-    Store().LoadMessages(1);
+    LoadMessages();
     EXPECT_TRUE(Rows().empty());
     EXPECT_EQ(host.calls.empty(), missing);
   }
@@ -52,17 +53,15 @@ TEST_F(MessageFileTest, LoadClearsTheListWhenThereIsNothingToList) {
 
 TEST_F(MessageFileTest, LoadEndsAtALineItCannotReadAndShowsTheListAgain) {
   SetSection("1=a\r\nx=b\r\n3=c\r\n");
-  Store().LoadMessages(1);
+  LoadMessages();
   SetSection("1=a\r\n2=unsplittable\r\n");
-  Store().LoadMessages(1);
+  LoadMessages();
   EXPECT_EQ(Rows(), std::vector<std::string>{"a"});
   EXPECT_TRUE(Window().lstMessages().IsVisible());
   EXPECT_EQ(host.logged,
             (std::vector<std::string>{"LoadMessages: 13 Type mismatch",
                                       "LoadMessages: 13 Type mismatch [2=unsplittable]"}));
   EXPECT_NE(host.boxes[0].find("Error Line: 6"), std::string::npos);
-  Store().LoadMessages(99);
-  EXPECT_EQ(host.logged.back(), "LoadMessages: 9 Subscript out of range");
 }
 
 TEST_F(MessageFileTest, AddTakesAKeyThatOverwritesNothing) {
@@ -73,13 +72,13 @@ TEST_F(MessageFileTest, AddTakesAKeyThatOverwritesNothing) {
                                       {"2147483647=a\r\n2=b\r\n", "2147483647=a;2=b;3=new;"},
                                       {"-9=a\r\nx=b\r\n", "-9=a;x=b;3=new;"}}) {
     SetSection(before);
-    EXPECT_TRUE(Store().AddEntry(1, "new"));
+    EXPECT_TRUE(Open().AddEntry("new"));
     EXPECT_EQ(Section(), after);
   }
   for (const char* text : {"two\r\nlines", "two\nlines", "two\rlines", "Łódź"}) {
-    EXPECT_FALSE(Store().AddEntry(1, text)) << text;
+    EXPECT_FALSE(Open().AddEntry(text)) << text;
   }
-  EXPECT_FALSE(Store().AddEntry(99, "no such profile"));
+  EXPECT_FALSE(State().store.AddEntry(99, "no such profile"));
   EXPECT_EQ(Section(), "-9=a;x=b;3=new;");
   EXPECT_TRUE(host.boxes.empty());
 }
@@ -95,13 +94,13 @@ TEST_F(MessageFileTest, DeleteRenumbersAndLosesNoOtherText) {
         Row{"1=a\r\n1=b\r\n2=c\r\n", "2", "1=a;2=b;"}, Row{"1=a\r\n2=b\r\n1=\r\n", "2", "1=a;"},
         Row{"", "1", ""}}) {
     SetSection(before);
-    EXPECT_TRUE(Store().DeleteEntry(1, key));
+    EXPECT_TRUE(Open().DeleteEntry(key));
     EXPECT_EQ(Section(), after) << before;
   }
-  EXPECT_FALSE(Store().DeleteEntry(99, "1"));
+
   SetSection("1=a\r\n2=b\r\n");
   host.calls.clear();
-  Store().DeleteEntry(1, "1");
+  Open().DeleteEntry("1");
   EXPECT_NE(host.MessageFile(1).find("Enable=1"), std::string::npos);
   const std::string end = ", " + PathOf(1) + ")";  // numbers for the keys that it removes
   EXPECT_EQ(host.calls, (std::vector<std::string>{
@@ -128,7 +127,7 @@ TEST_F(MessageFileTest, ReplaceKeepsEveryTextInTheFileAtEveryMoment) {
       host.fired = false;
       host.insideCall = expectAll;
       const int error = testing::ErrorOf(
-          [&, &wanted = texts] { Store().ReplaceEntries(1, [&](const auto&) { return wanted; }); });
+          [&, &wanted = texts] { Open().ReplaceEntries([&](const auto&) { return wanted; }); });
       host.failAtCall = 0;
       EXPECT_EQ(error, host.fired ? 57 : 0);
       expectAll();

@@ -93,8 +93,8 @@ class StatsTest : public PluginTest {
     host.calls.clear();
   }
   std::string Text(const std::string& category) {
-    return isDfbhd_ ? State().infoTexts.GetStat(1, category)
-                    : State().infoTexts.GetStat2(1, category);
+    InfoTexts texts(State().services, State().tables, State().reporter);
+    return isDfbhd_ ? texts.GetStat(1, category) : texts.GetStat2(1, category);
   }
   bool isDfbhd_ = false;
 };
@@ -131,7 +131,9 @@ TEST_F(StatsTest, EveryBuildAnnouncesEveryCategorysCounterAndTheNextMap) {
         EXPECT_EQ(Text(row.category), row.text) << code << " " << row.category << " " << gameType;
       }
     }
-    EXPECT_EQ(State().liveTexts.TextOf(1, "{ShowNextMap}"), "[Next Map] Bay") << code;
+    EXPECT_EQ(isDfbhd_ ? State().game.GetNextMap(1) : State().game.GetNextMapJO(1),
+              "[Next Map] Bay")
+        << code;
     EXPECT_TRUE(State().game.IsGameRunning(1)) << code;
   }
 }

@@ -2,6 +2,7 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
+#include "broadcast/live_texts.h"
 #include "game/address_table.h"
 
 namespace rotacasts {
@@ -12,76 +13,79 @@ namespace {
 constexpr const char* kChatKind = "MSG";
 constexpr std::int16_t kChatMode = 3;
 
-}  // namespace
-
-void BroadcastTimer::tmrRT_Timer(std::int16_t Index) {
-  Guard(errors_, {"tmrRT", tables_.currentWindowProfile}, [&](Step& at) {
-    while (RunPass(Index, at) == Pass::TriesNextMessage) {
-    }
-  });
-}
-
-BroadcastTimer::Pass BroadcastTimer::RunPass(std::int16_t index, Step& at) {
-  if (!IsDue(index, at)) return Pass::Ended;
-
-  at(5);
-  if (!store_.HasFile(index)) return Pass::Ended;  // its folder was refused, and that was told
-  MessageSection section = store_.Open(index);
-  const std::vector<std::string> lines = section.Lines();
-  const auto count = static_cast<std::int32_t>(lines.size());
-  if (count < 1) {
-    tables_.ElapsedTicks(index) = 0;
-    return Pass::Ended;
-  }
-  at(6);
-  if (tables_.NextMessage(index) > count - 1) tables_.NextMessage(index) = 0;
-  at(7);
-  const std::int32_t position = tables_.NextMessage(index);
-  at(8);
-  const std::string message = section.TextOf(lines.at(static_cast<std::size_t>(position)));
-  at(9);
-  std::string text = liveTexts_.TextOf(index, message);
-  at(11);
-  tables_.NextMessage(index) = position + 1;
-  if (text.empty()) {
-    at(13);
-    if (tables_.NextMessage(index) > 1) return Pass::TriesNextMessage;
-    // The list has come round to its first message: the tick ends without one.
-  } else {
-    at(12);
-    Send(index, std::move(text));
-  }
-  tables_.ElapsedTicks(index) = 0;
-  return Pass::Ended;
-}
-
-bool BroadcastTimer::IsDue(std::int32_t index, Step& at) {
+/// Whether a message is to go out now; counts the tick if none is.
+bool IsDue(Pass& pass, const GameReader& game, Step& at) {
   at(1);
-  if (!game_.HasMemoryMap(index)) return false;
+  if (!game.HasMemoryMap(pass.Profile())) return false;
   at(2);
-  if (!game_.IsGameRunning(index)) return false;
-  if (!window_.IsLoaded()) return false;  // unloaded inside the call above, and not made for this
+  if (!game.IsGameRunning(pass.Profile())) return false;
   at(3);
-  if (window_.Switch() != 1) return false;
+  if (pass.Settings().Switch() != 1) return false;
   at(4);
-  const std::int32_t interval = ToLong(TrimSpaces(window_.Interval()));
-  std::int32_t& elapsed = tables_.ElapsedTicks(index);
+  const std::int32_t interval = ToLong(TrimSpaces(pass.Settings().Interval()));
+  std::int32_t& elapsed = pass.ElapsedTicks();
   if (interval <= 1 || elapsed >= interval - 1) return true;
   ++elapsed;
   return false;
 }
 
-void BroadcastTimer::Send(std::int16_t index, std::string text) {
-  ProfileRecord& record = tables_.Profiles(index);
-  MemoryComponent& memory = services_.Memory();
-  std::int16_t profileIndex = index;
+void Send(Pass& pass, std::string text) {
+  ProfileRecord& record = pass.Record();
+  std::int16_t profileIndex = pass.Profile();
   if (record.GameCode == kDfbhd) {
-    memory.AddMsg(profileIndex, record.MessageTarget, text, record.IsAffiliate, kChatKind,
-                  kChatMode);
+    pass.Memory().AddMsg(profileIndex, record.MessageTarget, text, record.IsAffiliate, kChatKind,
+                         kChatMode);
   } else {
-    memory.AddMsgB(profileIndex, record.MessageTarget, text, record.IsAffiliate, kChatKind,
-                   kChatMode, record.GameCode);
+    pass.Memory().AddMsgB(profileIndex, record.MessageTarget, text, record.IsAffiliate, kChatKind,
+                          kChatMode, record.GameCode);
   }
+}
+
+/// Tries one message. False when it says nothing and the next one is to be tried.
+bool TryMessage(Pass& pass, MessageStore& store, GameReader& game, LiveTexts& liveTexts, Step& at) {
+  if (!IsDue(pass, game, at)) return true;
+  at(5);
+  if (!store.HasFile(pass.Profile())) return true;  // its folder was refused, which was reported
+  MessageSection section = store.Open(pass.Profile());
+  const std::vector<std::string> lines = section.Lines();
+  const auto count = static_cast<std::int32_t>(lines.size());
+  if (count < 1) {
+    pass.ElapsedTicks() = 0;
+    return true;
+  }
+  at(6);
+  if (pass.NextMessage() > count - 1) pass.NextMessage() = 0;
+  at(7);
+  const std::int32_t position = pass.NextMessage();
+  at(8);
+  const std::string message = section.TextOf(lines.at(static_cast<std::size_t>(position)));
+  at(9);
+  std::string text = liveTexts.TextOf(pass.Profile(), pass.Record().GameCode, message);
+  at(11);
+  pass.NextMessage() = position + 1;
+  if (text.empty()) {
+    at(13);
+    if (position > 0) return false;
+    // The list has come round to its first message: the tick ends without one.
+  } else {
+    at(12);
+    Send(pass, std::move(text));
+  }
+  pass.ElapsedTicks() = 0;
+  return true;
+}
+
+}  // namespace
+
+void BroadcastTimer::tmrRT_Timer(std::int16_t Index) {
+  Pass pass(services_, tables_, errors_, window_.Loaded(), Index);
+  GameReader game(pass, tables_, pass);
+  InfoTexts infoTexts(pass, tables_, pass);
+  LiveTexts liveTexts(game, infoTexts);
+  Guard(pass, {"tmrRT", tables_.currentWindowProfile}, [&](Step& at) {
+    while (!TryMessage(pass, store_, game, liveTexts, at)) {
+    }
+  });
 }
 
 }  // namespace rotacasts

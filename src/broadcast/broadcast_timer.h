@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "broadcast/live_texts.h"
+#include "broadcast/pass.h"
 #include "store/message_file.h"
 
 namespace rotacasts {
@@ -14,31 +14,19 @@ namespace rotacasts {
 class BroadcastTimer {
  public:
   BroadcastTimer(const HostServices& services, ProfileTables& tables, ErrorHandler& errors,
-                 GameReader& game, LiveTexts& liveTexts, MessageFile& store, SettingsView& window)
-      : services_(services),
-        tables_(tables),
-        errors_(errors),
-        game_(game),
-        liveTexts_(liveTexts),
-        store_(store),
-        window_(window) {}
+                 MessageStore& store, SettingsView& window)
+      : services_(services), tables_(tables), errors_(errors), store_(store), window_(window) {}
 
   /// One tick, once a minute, of the profile `Index`: sends at most one message. An error is
-  /// reported under "tmrRT" for the current window profile.
+  /// reported under "tmrRT" for the current window profile. A tick that is overtaken while it waits
+  /// for a component or a box ends there: it sends nothing and moves no counter.
   void tmrRT_Timer(std::int16_t Index);
 
  private:
-  enum class Pass { Ended, TriesNextMessage };
-  Pass RunPass(std::int16_t index, Step& at);
-  bool IsDue(std::int32_t index, Step& at);
-  void Send(std::int16_t index, std::string text);
-
   const HostServices& services_;
   ProfileTables& tables_;
   ErrorHandler& errors_;
-  GameReader& game_;
-  LiveTexts& liveTexts_;
-  MessageFile& store_;
+  MessageStore& store_;
   SettingsView& window_;
 };
 

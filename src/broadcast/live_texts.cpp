@@ -6,12 +6,15 @@
 
 namespace rotacasts {
 
-std::string LiveTexts::TextOf(std::int32_t profileIndex, const std::string& message) {
-  return std::string(TrimSpaces(ReplaceAll(Read(profileIndex, message), "\r\n", "")));
+std::string LiveTexts::TextOf(std::int32_t profileIndex, const std::string& gameCode,
+                              const std::string& message) {
+  const std::string text = Read(profileIndex, gameCode, message);
+  return std::string(TrimSpaces(ReplaceAll(text, "\r\n", "")));
 }
 
-std::string LiveTexts::Read(std::int32_t profileIndex, const std::string& message) {
-  const bool isDfbhd = tables_.Profiles(profileIndex).GameCode == kDfbhd;
+std::string LiveTexts::Read(std::int32_t profileIndex, const std::string& gameCode,
+                            const std::string& message) {
+  const bool isDfbhd = gameCode == kDfbhd;
   if (message == kShowNextMap) {
     return isDfbhd ? game_.GetNextMap(profileIndex) : game_.GetNextMapJO(profileIndex);
   }

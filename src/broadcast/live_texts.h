@@ -13,18 +13,18 @@ namespace rotacasts {
 /// its game build is served by.
 class LiveTexts {
  public:
-  LiveTexts(const ProfileTables& tables, GameReader& game, InfoTexts& infoTexts)
-      : tables_(tables), game_(game), infoTexts_(infoTexts) {}
+  LiveTexts(GameReader& game, InfoTexts& infoTexts) : game_(game), infoTexts_(infoTexts) {}
 
   /// The message itself, or its live text if it is exactly a placeholder; on one line and without
   /// blanks at its ends. The reader's error handler is told why a live text cannot be read; the
-  /// text is then the reader's fallback. Error 9 for a profile index beyond the tables.
-  std::string TextOf(std::int32_t profileIndex, const std::string& message);
+  /// text is then the reader's fallback.
+  std::string TextOf(std::int32_t profileIndex, const std::string& gameCode,
+                     const std::string& message);
 
  private:
-  std::string Read(std::int32_t profileIndex, const std::string& message);
+  std::string Read(std::int32_t profileIndex, const std::string& gameCode,
+                   const std::string& message);
 
-  const ProfileTables& tables_;
   GameReader& game_;
   InfoTexts& infoTexts_;
 };

@@ -44,7 +44,7 @@ class Preview final : MemorySource, ErrorHandler {
   ProfileTables tables_;  // of the one profile that is looked at, whatever its own index
   GameReader game_{*this, tables_, *this};
   InfoTexts infoTexts_{*this, tables_, *this};
-  LiveTexts liveTexts_{tables_, game_, infoTexts_};
+  LiveTexts liveTexts_{game_, infoTexts_};
 };
 
 }  // namespace rotacasts::host

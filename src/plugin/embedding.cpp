@@ -20,31 +20,57 @@ std::int32_t WholePixels(const HostValue& twips, double twipsPerPixel) {
 
 }  // namespace
 
+/// A load under way. The profile can be stopped, and the window can go, inside each of its calls and
+/// boxes; that ends the load.
+class Embedding::Load {
+ public:
+  Load(ProfileTables& tables, SettingsWindow& settings, std::int32_t index)
+      : settings_(settings), events_(tables.Events[index]), stopsBefore_(events_.stops) {
+    ++tables.Events[index].loads;
+  }
+  /// The window, made where there is none.
+  frmRT& MakeWindow() {
+    if (events_.stops == stopsBefore_) window_ = settings_.Get();
+    return Window();
+  }
+  frmRT& Window() const {
+    if (events_.stops != stopsBefore_ || !window_->IsLoaded()) throw Overtaken();
+    return *window_;
+  }
+
+ private:
+  SettingsWindow& settings_;
+  const ProfileEvents& events_;
+  const std::uint32_t stopsBefore_;
+  std::shared_ptr<frmRT> window_;
+};
+
 void Embedding::LoadInterface(std::int32_t Index, forms::WindowHandle PHWND,
                               const HostValue& PDAT) {
   if (Index == 0) return;
   Guard(errors_, {"LoadInterface", Index}, [&](Step& at) {
+    Load load(tables_, window_, Index);
     at(2);
     profiles_.SetProfileData(Index, PDAT);
     at(3);
     tables_.currentWindowProfile = Index;
     at(4);
     forms::Toolkit& toolkit = services_.Toolkit();
-    const std::shared_ptr<frmRT> window = window_.Get();
+    load.MakeWindow();
     at(5);
     const forms::TwipsPerPixel screen = toolkit.ScreenTwipsPerPixel();
     const std::int32_t width = WholePixels(PDAT.At(pdat::kAreaWidth), screen.horizontal);
     const Checked height = WholePixels(PDAT.At(pdat::kAreaHeight), screen.vertical);
-    toolkit.MoveWindow(window->Handle(), kLeft, kTop, width,
+    toolkit.MoveWindow(load.Window().Handle(), kLeft, kTop, width,
                        (height - layout::kHeadingHeight).Value(), true);
     at(6);
-    toolkit.SetParent(window->Handle(), PHWND);
+    toolkit.SetParent(load.Window().Handle(), PHWND);
     at(7);
-    window->Form_Reload();
+    load.Window().Form_Reload();
     at(8);
-    if (!ResumeNext({ErrorNumber::CannotShowModeless}, [&] { window->Show(); })) return;
+    if (!ResumeNext({ErrorNumber::CannotShowModeless}, [&] { load.Window().Show(); })) return;
     at(9);
-    StartTimer(Index, *window);
+    StartTimer(Index, load.Window());
   });
 }
 

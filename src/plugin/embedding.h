@@ -30,6 +30,7 @@ class Embedding {
   void UnLoadInterface();
 
  private:
+  class Load;
   void StartTimer(std::int32_t index, frmRT& window);
 
   HostServices& services_;

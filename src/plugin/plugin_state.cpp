@@ -8,20 +8,17 @@ PluginState::PluginState(Platform platform)
     : services(platform),
       reporter(services, tables),
       game(services, tables, reporter),
-      infoTexts(services, tables, reporter),
-      liveTexts(tables, game, infoTexts),
-      window([this] {
-        return SettingsWindowContext{services, tables, reporter, store,
-                                     [this](std::int16_t index) { broadcast.tmrRT_Timer(index); }};
-      }),
-      store(services, tables, reporter, window),
-      broadcast(services, tables, reporter, game, liveTexts, store, window),
+      store(services, tables, reporter),
+      window({services, tables, reporter, store}),
+      broadcast(services, tables, reporter, store, window),
       profiles(services, tables, reporter, game, window),
       embedding(services, tables, reporter, profiles, window),
       remote(services, tables, reporter, store, window,
              [this](std::int32_t index, const HostValue& PDAT) {
                profiles.SetProfileData(index, PDAT);
-             }) {}
+             }) {
+  window.onTick = [this](std::int16_t index) { broadcast.tmrRT_Timer(index); };
+}
 
 PluginState::~PluginState() {
   window.Unload();

@@ -26,10 +26,8 @@ class PluginState {
   HostServices services;
   ErrorReporter reporter;
   GameReader game;
-  InfoTexts infoTexts;
-  LiveTexts liveTexts;
+  MessageStore store;
   SettingsWindow window;
-  MessageFile store;
   BroadcastTimer broadcast;
   Profiles profiles;
   Embedding embedding;

@@ -44,7 +44,9 @@ void Profiles::SetProfileData(std::int32_t Index, const HostValue& PDAT) {
     GrowTables(Index);
     at(2);
     ProfileRecord& record = tables_.Profiles(Index);
+    const ProfileRecord before = record;
     FillRecord(record, PDAT);
+    if (record != before) ++tables_.Events[Index].loads;
     at(3);
     game_.SetMemory(Index, record.IsAffiliate);
     at(4);
@@ -59,6 +61,9 @@ void Profiles::DisableProfile(std::int32_t Index) {
     ResumeNext({ErrorNumber::SubscriptOutOfRange, ErrorNumber::NoSuchArrayElement}, statement);
   };
   Guard(errors_, {"DisableProfile", Index}, [&](Step& at) {
+    if (const auto known = tables_.Events.find(Index); known != tables_.Events.end()) {
+      ++known->second.stops;
+    }
     at(1);
     ifThere([&] { tables_.MemoryMaps(Index) = MemoryMap(); });
     at(2);
@@ -79,6 +84,7 @@ void Profiles::DisableProfile(std::int32_t Index) {
 }
 
 void Profiles::ResetRunTimeTables() {
+  for (auto& [index, events] : tables_.Events) ++events.stops;
   tables_.MemoryMaps.Resize(0);
   tables_.MessageFiles.Resize(0);
   tables_.NextMessage.Resize(0);

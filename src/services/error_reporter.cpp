@@ -24,7 +24,7 @@ std::string WordsOf(const Failure& failure) {
 }  // namespace
 
 void ErrorReporter::ReportError(const Failure& failure) try {
-  Failure logged = failure;  // the log takes references, and may change what they refer to
+  Failure logged = failure;  // the log takes references, and what it makes of them stays its own
   try {
     services_.Utility().LogError(kModuleFile, logged.procedure, logged.error, logged.line);
   } catch (...) {  // without a log the administrator's box is all that is left
@@ -32,7 +32,7 @@ void ErrorReporter::ReportError(const Failure& failure) try {
     return;
   }
   try {
-    TellOf(logged, WordsOf(failure));
+    TellOf(failure, WordsOf(failure));
   } catch (...) {
     const RuntimeError second = CurrentRuntimeError();
     Show(std::to_string(second.number) + ": " + second.description, "tvxRT.dll Error");

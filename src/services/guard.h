@@ -20,6 +20,10 @@ struct Failure {
   bool quiet = false;         // the administrator is spared the box
 };
 
+/// Thrown where a procedure finds that what it works for is gone, has been stopped, or has been
+/// taken over by a later call: the procedure ends there, and nothing has failed.
+struct Overtaken {};
+
 /// Whoever is told of the errors that end procedures. Nothing thrown leaves it.
 class ErrorHandler {
  public:
@@ -45,14 +49,16 @@ struct Procedure {
   bool quiet = false;
 };
 
-/// Runs `body(step)` and hands whatever it throws to the handler. Returns whether it ran to its
-/// end.
+/// Runs `body(step)` and hands whatever it throws to the handler, except Overtaken, which ends it
+/// silently. Returns whether it ran to its end.
 template <class Body>
 bool Guard(ErrorHandler& handler, const Procedure& procedure, Body&& body) {
   Step step;
   try {
     body(step);
     return true;
+  } catch (const Overtaken&) {
+    return false;
   } catch (...) {
     handler.ReportError({std::string(procedure.name), CurrentRuntimeError(), procedure.profileIndex,
                          step.Line(), procedure.quiet});

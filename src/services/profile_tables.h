@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 
 #include "services/memory_map.h"
@@ -21,6 +22,17 @@ struct ProfileRecord {
   std::string ProfileFolder;
   bool IsAffiliate = false;   // the game code ends in _AFF
   bool IsAffiliate2 = false;  // the game code ends in _AFF2
+  bool operator==(const ProfileRecord&) const = default;
+};
+
+/// What has happened to a profile so far, counted. A component call and a message box run a message
+/// loop, in which the host and the timers go on; work that was waiting there compares the counts
+/// with those of its beginning.
+struct ProfileEvents {
+  std::uint32_t stops = 0;  // by DisableProfile, or with every other profile by UnLoadInterface
+  std::uint32_t loads = 0;  // by LoadInterface, or by GetMessagesRem with other data
+  std::uint32_t ticks = 0;
+  bool operator==(const ProfileEvents&) const = default;
 };
 
 /// The per-profile tables, indexed by profile index, and the current window profile. Access beyond
@@ -34,6 +46,9 @@ struct ProfileTables {
   Table<std::int32_t> NextMessage;
   /// Timer ticks counted since the last send.
   Table<std::int32_t> ElapsedTicks;
+
+  /// By profile index. Unlike the tables it has no bounds and is never reset.
+  std::map<std::int32_t, ProfileEvents> Events;
 
   /// The profile that the settings window shows and edits; 0 before the first.
   std::int32_t currentWindowProfile = 0;

@@ -2,11 +2,11 @@
 //
 // Section "Messages" holds one line a message, keys "1" to "n" in line order; a message is
 // addressed by its position, counted from 0, and its key is position + 1. Section "Options" holds
-// "Enable" (0 or 1) and "Interval" (minutes). Nothing is cached: every call goes to the file. A
-// stopped profile has no file: what would read or write it raises error 76.
+// "Enable" (0 or 1) and "Interval" (minutes). Nothing is cached: every call goes to the file.
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <string>
 
 #include "services/guard.h"
@@ -14,33 +14,48 @@
 #include "services/profile_tables.h"
 #include "store/message_section.h"
 #include "store/renumbering.h"
-#include "store/settings_view.h"
 
 namespace rotacasts {
 
 /// Characters of a message that the settings window adds at most, and that its list shows.
 inline constexpr std::size_t kMessageCharacters = 60;
 
-class MessageFile {
+/// A profile's message file, opened for one operation, which ends in this file whatever becomes of
+/// the profile meanwhile.
+///
+/// A component call can run a message loop in which another operation begins. What changes the list
+/// of messages holds the file: the other one is refused (error 70, or false where errors give
+/// false) because the first would go on with texts and keys that are no longer there.
+class MessageFile : public MessageSection {
  public:
-  MessageFile(HostServices& services, ProfileTables& tables, ErrorHandler& errors,
-              SettingsView& window)
-      : services_(services), tables_(tables), errors_(errors), window_(window) {}
+  /// The paths of the files whose lists are being changed.
+  using Held = std::set<std::string>;
 
-  /// The profile's file, for operations of the caller's own. Error 76 for a stopped profile, 9 for
-  /// one that was never set up.
-  MessageSection Open(std::int32_t profileIndex);
-  /// Whether there is one to open. Error 9 for a profile that was never set up.
-  bool HasFile(std::int32_t profileIndex) { return !tables_.MessageFiles(profileIndex).empty(); }
+  MessageFile(MessageSection section, ErrorHandler& errors, std::int32_t profileIndex, Held& held)
+      : MessageSection(std::move(section)),
+        errors_(errors),
+        profileIndex_(profileIndex),
+        held_(held) {}
 
-  /// Fills the settings window's list with the profile's messages, unless the window has come to
-  /// show another profile by the time they are read. Reported under "LoadMessages".
-  void LoadMessages(std::int32_t profileIndex);
+  /// Holds the file, for an operation that changes the list by what it has read of it. Released
+  /// before an error is shown.
+  class Hold {
+   public:
+    /// Error 70 while another operation holds the file.
+    explicit Hold(MessageFile& file);
+    ~Hold();
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+   private:
+    MessageFile& file_;
+  };
+
   /// Appends a message; true when it was stored and reads back unchanged. Any error, and a text
   /// with a line break, which no line can hold, gives false; nothing is reported.
-  bool AddEntry(std::int32_t profileIndex, const std::string& text);
+  bool AddEntry(const std::string& text);
   /// Removes the entry under the key and renumbers the rest; false after an error of the removal.
-  bool DeleteEntry(std::int32_t profileIndex, const std::string& key);
+  bool DeleteEntry(const std::string& key);
 
   /// Exchanges the texts under two keys and returns them as they stood before; nothing tests that
   /// either key exists. Raises what fails, with the first text put back.
@@ -48,21 +63,42 @@ class MessageFile {
     std::string first;
     std::string second;
   };
-  Exchanged ExchangeEntries(std::int32_t profileIndex, const std::string& firstKey,
-                            const std::string& secondKey);
+  Exchanged ExchangeEntries(const std::string& firstKey, const std::string& secondKey);
   /// Replaces every message by what `arrange` makes of them; whether there was anything to do.
   /// Raises what fails; see Replace.
-  bool ReplaceEntries(std::int32_t profileIndex, const Arrange& arrange);
+  bool ReplaceEntries(const Arrange& arrange);
   /// Writes an option. Raises what fails; error 5 for a value with a line break.
-  void SetOption(std::int32_t profileIndex, const char* key, const std::string& value);
+  void SetOption(const char* key, const std::string& value);
 
  private:
-  void RewriteEntries(std::int32_t profileIndex, MessageSection section);
+  void RewriteEntries();
+  void Renumber(Step& at);
+  void Release();
 
-  HostServices& services_;
+  ErrorHandler& errors_;
+  const std::int32_t profileIndex_;
+  Held& held_;
+  int holds_ = 0;  // of this operation, one inside the other
+};
+
+/// Opens the profiles' message files. A stopped profile has none.
+class MessageStore {
+ public:
+  MessageStore(const HostServices& services, ProfileTables& tables, ErrorHandler& errors)
+      : services_(services), tables_(tables), errors_(errors) {}
+
+  /// Error 76 for a stopped profile, 9 for one that was never set up.
+  MessageFile Open(std::int32_t profileIndex);
+  /// As MessageFile's, with false for a profile that has no file, too.
+  bool AddEntry(std::int32_t profileIndex, const std::string& text);
+  /// Whether there is one to open. Error 9 for a profile that was never set up.
+  bool HasFile(std::int32_t profileIndex) { return !tables_.MessageFiles(profileIndex).empty(); }
+
+ private:
+  const HostServices& services_;
   ProfileTables& tables_;
   ErrorHandler& errors_;
-  SettingsView& window_;
+  MessageFile::Held held_;
 };
 
 }  // namespace rotacasts

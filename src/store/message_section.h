@@ -49,6 +49,9 @@ class MessageSection {
   std::string ReadOption(const char* key);
   void WriteOption(const char* key, const std::string& value);
 
+  /// The file's path.
+  const std::string& File() const { return file_; }
+
  private:
   /// The path for one call: what a component makes of it is not relied on.
   std::string& Path() { return path_ = file_; }

@@ -1,6 +1,7 @@
 #include "store/remote_commands.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "base/arithmetic.h"
 #include "base/conversions.h"
@@ -26,6 +27,27 @@ std::string KeyAfter(const HostValue& data, std::int32_t places) {
   return std::to_string((Checked(ToLong(data)) + places).Value());
 }
 
+std::optional<MessageFile::Exchanged> ExchangeIfBothAreThere(MessageFile& file,
+                                                             const std::string& upperKey,
+                                                             const std::string& lowerKey) {
+  const MessageFile::Hold hold(file);
+  const std::vector<std::string> lines = file.Lines();
+  for (const std::string& key : {upperKey, lowerKey}) {
+    const auto isKey = [&key](const std::string& line) { return KeyOf(line) == key; };
+    if (std::ranges::none_of(lines, isKey)) return std::nullopt;
+  }
+  return file.ExchangeEntries(upperKey, lowerKey);
+}
+
+/// The text that is deleted.
+std::string Delete(MessageFile& file, const std::string& key, Step& at) {
+  const MessageFile::Hold hold(file);
+  std::string text = file.Read(key);
+  at(3);
+  file.DeleteEntry(key);
+  return text;
+}
+
 }  // namespace
 
 std::string RemoteCommands::Run(std::string_view operation, std::int32_t index,
@@ -37,21 +59,25 @@ std::string RemoteCommands::Run(std::string_view operation, std::int32_t index,
 
 std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const HostValue& PDAT) {
   Step at;
+  std::string file;
   try {
-    return List(Index, PDAT, at);
+    return List(Index, PDAT, file, at);
   } catch (...) {
     RuntimeError error = CurrentRuntimeError();
-    error.description += QuoteFile(Index);  // an error of its own goes to the host instead
+    if (file.empty()) file = tables_.MessageFiles(Index);
+    error.description += QuoteFile(file);  // an error of its own goes to the host instead
     errors_.ReportError({"GetMessagesRem", error, Index, at.Line()});
     return {};
   }
 }
 
-std::string RemoteCommands::List(std::int32_t index, const HostValue& PDAT, Step& at) {
+std::string RemoteCommands::List(std::int32_t index, const HostValue& PDAT, std::string& file,
+                                 Step& at) {
   at(1);
   setProfileData_(index, PDAT);
   at(2);
   MessageSection section = store_.Open(index);
+  file = section.File();
   std::vector<std::string> lines = section.Lines();
   at(3);
   std::string messages;
@@ -68,8 +94,7 @@ std::string RemoteCommands::List(std::int32_t index, const HostValue& PDAT, Step
   return messages + "|" + enable + "|" + section.ReadOption(kIntervalKey);
 }
 
-std::string RemoteCommands::QuoteFile(std::int32_t index) {
-  std::string file = tables_.MessageFiles(index);
+std::string RemoteCommands::QuoteFile(std::string file) {
   std::string quoted = " [" + file + ", ";
   const char* separator = "";
   for (const std::string& line : services_.Utility().ReadFile(file)) {
@@ -83,11 +108,12 @@ std::string RemoteCommands::AddMessageRem(std::int32_t Index, const HostValue& P
                                           const HostValue& Data) {
   return Run("AddMessageRem", Index, [&](std::string& reply, Step& at) {
     at(1);
-    store_.Open(Index);
+    MessageFile file = store_.Open(Index);
+    const auto window = window_.Showing(Index);
     const std::string text = services_.Memory().Dec64(ToText(Data));
     at(2);
-    if (store_.AddEntry(Index, text)) {
-      if (IsShown(Index)) store_.LoadMessages(Index);
+    if (file.AddEntry(text)) {
+      window->LoadMessages();
       reply = kDone;
     } else {
       reply = kNotDone;
@@ -101,16 +127,12 @@ std::string RemoteCommands::EnableRTRem(std::int32_t Index, const HostValue& PDA
                                         const HostValue& Data) {
   return Run("EnableRTRem", Index, [&](std::string&, Step& at) {
     at(1);
-    store_.Open(Index);
+    MessageFile file = store_.Open(Index);
+    const auto window = window_.Showing(Index);
     const std::string value = ToText(Data);
-    store_.SetOption(Index, kEnableKey, value);
+    file.SetOption(kEnableKey, value);
     at(2);
-    const std::int16_t checked = ToInteger(Data);
-    if (IsShown(Index)) {
-      window_.SetSwitch(checked);
-    } else {
-      window_.RequireSwitchValue(checked);
-    }
+    window->SetSwitch(ToInteger(Data));
     at(3);
     log_.Write(PDAT, kEnableAction, value);
   });
@@ -120,69 +142,71 @@ std::string RemoteCommands::ChangeIntervalRem(std::int32_t Index, const HostValu
                                               const HostValue& Data) {
   return Run("ChangeIntervalRem", Index, [&](std::string&, Step& at) {
     at(1);
-    store_.Open(Index);
+    MessageFile file = store_.Open(Index);
+    const auto window = window_.Showing(Index);
     const std::string value = ToText(Data);
-    store_.SetOption(Index, kIntervalKey, value);
+    file.SetOption(kIntervalKey, value);
     at(2);
-    if (IsShown(Index)) window_.SetInterval(value);
+    window->SetInterval(value);
     at(3);
     log_.Write(PDAT, kIntervalAction, value);
   });
 }
 
-std::optional<MessageFile::Exchanged> RemoteCommands::Exchange(std::int32_t index,
-                                                               const std::string& upperKey,
-                                                               const std::string& lowerKey) {
-  const std::vector<std::string> lines = store_.Open(index).Lines();
-  for (const std::string& key : {upperKey, lowerKey}) {
-    const auto isKey = [&key](const std::string& line) { return KeyOf(line) == key; };
-    if (std::none_of(lines.begin(), lines.end(), isKey)) return std::nullopt;
-  }
-  return store_.ExchangeEntries(index, upperKey, lowerKey);
+/// One place down or up: the name, the log's action, and which of the two texts is moved.
+struct RemoteCommands::Move {
+  const char* operation;
+  const char* action;
+  std::string (*upperKey)(const HostValue& Data);
+  std::string (*lowerKey)(const HostValue& Data);
+  std::string MessageFile::Exchanged::*moved;
+};
+
+std::string RemoteCommands::MoveMessage(const Move& move, std::int32_t index,
+                                        const HostValue& PDAT, const HostValue& Data) {
+  return Run(move.operation, index, [&](std::string& reply, Step& at) {
+    at(1);
+    MessageFile file = store_.Open(index);
+    const std::string upperKey = move.upperKey(Data);
+    const std::string lowerKey = move.lowerKey(Data);
+    at(2);
+    const auto texts = ExchangeIfBothAreThere(file, upperKey, lowerKey);
+    at(3);
+    reply = texts ? kDone : kNotDone;
+    at(4);
+    if (texts) log_.Write(PDAT, move.action, (*texts).*move.moved);
+  });
 }
 
 std::string RemoteCommands::MoveMessageDownRem(std::int32_t Index, const HostValue& PDAT,
                                                const HostValue& Data) {
-  return Run("MoveMessageDownRem", Index, [&](std::string& reply, Step& at) {
-    at(1);
-    store_.Open(Index);
-    const std::string key = KeyAfter(Data, 1);
-    at(2);
-    const auto texts = Exchange(Index, key, KeyAfter(Data, 2));
-    at(3);
-    reply = texts ? kDone : kNotDone;
-    at(4);
-    if (texts) log_.Write(PDAT, kDownAction, texts->first);
-  });
+  const Move down{"MoveMessageDownRem", kDownAction,
+                  [](const HostValue& data) { return KeyAfter(data, 1); },
+                  [](const HostValue& data) { return KeyAfter(data, 2); },
+                  &MessageFile::Exchanged::first};
+  return MoveMessage(down, Index, PDAT, Data);
 }
 
 std::string RemoteCommands::MoveMessageUpRem(std::int32_t Index, const HostValue& PDAT,
                                              const HostValue& Data) {
-  return Run("MoveMessageUpRem", Index, [&](std::string& reply, Step& at) {
-    at(1);
-    store_.Open(Index);
-    const std::string key = KeyAfter(Data, 1);
-    at(2);
-    const auto texts = Exchange(Index, ToText(Data), key);
-    at(3);
-    reply = texts ? kDone : kNotDone;
-    at(4);
-    if (texts) log_.Write(PDAT, kUpAction, texts->second);
-  });
+  const Move up{"MoveMessageUpRem", kUpAction,
+                [](const HostValue& data) { return ToText(data); },
+                [](const HostValue& data) { return KeyAfter(data, 1); },
+                &MessageFile::Exchanged::second};
+  return MoveMessage(up, Index, PDAT, Data);
 }
 
 std::string RemoteCommands::DeleteMessageRem(std::int32_t Index, const HostValue& PDAT,
                                              const HostValue& Data) {
   return Run("DeleteMessageRem", Index, [&](std::string& reply, Step& at) {
     at(1);
-    store_.Open(Index);
+    MessageFile file = store_.Open(Index);
+    const auto window = window_.Showing(Index);
     const std::string key = KeyAfter(Data, 1);
     at(2);
-    const std::string text = store_.Open(Index).Read(key);
-    at(3);
-    store_.DeleteEntry(Index, key);
+    const std::string text = Delete(file, key, at);
     at(4);
-    if (IsShown(Index)) store_.LoadMessages(Index);
+    window->LoadMessages();
     at(5);
     reply = kDone;
     at(6);

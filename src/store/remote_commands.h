@@ -3,12 +3,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 
 #include "store/admin_log.h"
 #include "store/message_file.h"
+#include "store/settings_view.h"
 
 namespace rotacasts {
 
@@ -16,15 +16,15 @@ namespace rotacasts {
 /// component's Enc64; a position counts from 0. Each change is logged with its last step.
 ///
 /// The result is the reply. An error is reported under the operation's name and ends it; the reply
-/// is then what it was by that time, most often empty. The settings window follows a change when it
-/// shows the commanded profile and is left alone otherwise; an option's value is refused either way
-/// where the window's control would refuse it. A changing operation raises, inside, error 9 for a
-/// profile that was never set up and 76 for one that is stopped.
+/// is then what it was by that time, most often empty. A changing operation ends in the message file
+/// that it began in; inside, it raises error 9 for a profile that was never set up and 76 for one
+/// that is stopped. The settings window follows a change when it is there and shows the commanded
+/// profile; an option's value is refused either way where the window's control would refuse it.
 class RemoteCommands {
  public:
   /// `setProfileData` stores a profile's data, as LoadInterface does.
   RemoteCommands(HostServices& services, ProfileTables& tables, ErrorHandler& errors,
-                 MessageFile& store, SettingsView& window,
+                 MessageStore& store, SettingsView& window,
                  std::function<void(std::int32_t, const HostValue&)> setProfileData)
       : services_(services),
         tables_(tables),
@@ -55,18 +55,19 @@ class RemoteCommands {
   /// Runs an operation under its name; returns the reply that the body has set by its end.
   std::string Run(std::string_view operation, std::int32_t index,
                   const std::function<void(std::string& reply, Step& at)>& body);
-  std::string List(std::int32_t index, const HostValue& PDAT, Step& at);
+  /// `file` becomes the path of the message file once that is known.
+  std::string List(std::int32_t index, const HostValue& PDAT, std::string& file, Step& at);
   /// " [path, lines]" of the message file. Raises what fails.
-  std::string QuoteFile(std::int32_t index);
-  bool IsShown(std::int32_t index) const { return index == tables_.currentWindowProfile; }
-  /// Exchanges two neighbours if both are there, and answers their texts as they stood before.
-  std::optional<MessageFile::Exchanged> Exchange(std::int32_t index, const std::string& upperKey,
-                                                 const std::string& lowerKey);
+  std::string QuoteFile(std::string file);
+  /// Moves a message by exchanging it with its neighbour; `moved` is its text of the two.
+  struct Move;
+  std::string MoveMessage(const Move& move, std::int32_t index, const HostValue& PDAT,
+                          const HostValue& Data);
 
   HostServices& services_;
   ProfileTables& tables_;
   ErrorHandler& errors_;
-  MessageFile& store_;
+  MessageStore& store_;
   SettingsView& window_;
   AdminLog log_;
   std::function<void(std::int32_t, const HostValue&)> setProfileData_;

@@ -1,4 +1,4 @@
-// What the store and the tick see of the settings window, in their own words.
+// What the ticks and the remote commands see of the settings window.
 #pragma once
 
 #include <cstdint>
@@ -7,36 +7,39 @@
 
 namespace rotacasts {
 
-/// The list of messages that the administrator has before them.
-class ShownMessages {
+/// The window as every profile's ticks read it.
+class BroadcastSettings {
  public:
-  virtual ~ShownMessages() = default;
-  virtual void Clear() = 0;
-  /// Adds a row at the end: the text that it shows, and the key of its message in the file.
-  virtual void Append(std::string text, std::int32_t key) = 0;
-  virtual void Hide() = 0;
-  virtual void Show() = 0;
+  virtual ~BroadcastSettings() = default;
+  /// False once the window is gone, for good; its controls can then still be read.
+  virtual bool IsLoaded() const = 0;
+  /// The enable switch: 0 off, 1 on, 2 neither.
+  virtual std::int16_t Switch() const = 0;
+  /// The interval as it is typed: minutes.
+  virtual std::string Interval() const = 0;
 };
 
-/// The one settings window. Touching it makes the window, hidden, if there is none.
+/// The window for one operation on a profile's message file. A change reaches the window only while
+/// it is there, shows that profile, and the profile has the message file that it had when the
+/// operation began; otherwise it does nothing, and no window is made for it.
+class ShownSettings {
+ public:
+  virtual ~ShownSettings() = default;
+  /// Fills the list from the file. Reported under "LoadMessages".
+  virtual void LoadMessages() = 0;
+  /// Error 380 for a value that the switch does not accept, whatever the window shows.
+  virtual void SetSwitch(std::int16_t value) = 0;
+  virtual void SetInterval(const std::string& text) = 0;
+};
+
+/// The one settings window.
 class SettingsView {
  public:
   virtual ~SettingsView() = default;
-  /// The list. It can be touched while the result lives, without effect once its window is gone.
-  virtual std::shared_ptr<ShownMessages> Messages() = 0;
-
-  /// Whether there is a window.
-  virtual bool IsLoaded() const = 0;
-  /// The enable switch: 0 off, 1 on, 2 neither.
-  virtual std::int16_t Switch() = 0;
-  /// Error 380 for a value that the switch does not accept.
-  virtual void SetSwitch(std::int16_t value) = 0;
-  /// Raises what SetSwitch would for the value; touches no window.
-  virtual void RequireSwitchValue(std::int16_t value) const = 0;
-
-  /// The interval as it is typed: minutes.
-  virtual std::string Interval() = 0;
-  virtual void SetInterval(const std::string& text) = 0;
+  /// The window, or null while there is none.
+  virtual std::shared_ptr<BroadcastSettings> Loaded() const = 0;
+  /// For an operation that begins now.
+  virtual std::unique_ptr<ShownSettings> Showing(std::int32_t profile) = 0;
 };
 
 }  // namespace rotacasts

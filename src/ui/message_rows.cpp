@@ -6,28 +6,43 @@
 #include <string_view>
 #include <utility>
 
+#include "base/conversions.h"
 #include "base/text.h"
 #include "forms/window_messages.h"
+#include "services/guard.h"
 #include "store/message_file.h"
 
 namespace rotacasts {
 
-void MessageRows::Clear() {
-  topRow_ = list_.GetForm().Send(list_, forms::kLbGetTopIndex, 0, 0);
+std::optional<MessageRow> RowOf(MessageSection& section, std::string& line) {
+  if (IsBlank(line)) return std::nullopt;
+  MessageEntry entry;
+  CompleteErrors([&] { entry = section.Split(std::move(line)); },
+                 [&](RuntimeError& error) { error.description += " [" + line + "]"; });
+  const std::int32_t key = ToLong(entry.key);
+  if (key <= 0) return std::nullopt;
+  entry.text.resize(FirstCharacters(entry.text, kMessageCharacters).size());
+  return MessageRow{std::move(entry.text), key};
+}
+
+void MessageRows::Fill(std::vector<MessageRow> rows) {
+  ++fillings_;
+  rows_ = std::move(rows);
+  forms::Form& form = list_.GetForm();
+  const std::intptr_t top = form.Send(list_, forms::kLbGetTopIndex, 0, 0);
   list_.Clear();
-  rows_.clear();
-}
-
-void MessageRows::Append(std::string text, std::int32_t key) {
-  list_.Add(text);
-  list_.SetItemData(list_.Count() - 1, key);
-  rows_.push_back({std::move(text), key});
-}
-
-void MessageRows::Show() {
-  const auto top = static_cast<std::uintptr_t>(std::max<std::intptr_t>(topRow_, 0));
-  list_.GetForm().Send(list_, forms::kLbSetTopIndex, top, 0);
-  list_.SetVisible(true);
+  if (rows_.empty()) return;
+  struct Hidden {
+    explicit Hidden(forms::ListBox& filled) : list(filled) { list.SetVisible(false); }
+    ~Hidden() { list.SetVisible(true); }
+    forms::ListBox& list;
+  } hidden(list_);
+  for (const MessageRow& row : rows_) {
+    list_.Add(row.text);
+    list_.SetItemData(list_.Count() - 1, row.key);
+  }
+  form.Send(list_, forms::kLbSetTopIndex,
+            static_cast<std::uintptr_t>(std::max<std::intptr_t>(top, 0)), 0);
 }
 
 void MessageRows::BeginAtTheTop() {

@@ -9,7 +9,6 @@
 
 #include "forms/form.h"
 #include "store/message_section.h"
-#include "store/settings_view.h"
 
 namespace rotacasts {
 
@@ -20,18 +19,23 @@ struct MessageRow {
   bool operator==(const MessageRow&) const = default;
 };
 
+/// The row for a line of the message section, which is used up; nothing for a line that is not
+/// listed. Raises what the line's splitting raises, with the line quoted, and error 13 for a key that
+/// is no number.
+std::optional<MessageRow> RowOf(MessageSection& section, std::string& line);
+
 /// The list box of the settings window, with the keys of its rows. The list's item data is the key
 /// that a row was listed with and goes with its text; after a move that is another row's key.
-class MessageRows final : public ShownMessages {
+class MessageRows {
  public:
   /// The list outlives the rows.
   explicit MessageRows(forms::ListBox& list) : list_(list) {}
 
-  void Clear() override;
-  void Append(std::string text, std::int32_t key) override;
-  void Hide() override { list_.SetVisible(false); }
-  /// Shows the list again, from the row on that was the uppermost when it was cleared.
-  void Show() override;
+  /// Shows these rows and no others, the uppermost one staying where it was. The list is hidden
+  /// meanwhile, so that it is drawn once and not once per item.
+  void Fill(std::vector<MessageRow> rows);
+  /// How often it has been filled.
+  int Fillings() const { return fillings_; }
   /// The next filling is shown from its first row on.
   void BeginAtTheTop();
 
@@ -42,7 +46,7 @@ class MessageRows final : public ShownMessages {
  private:
   forms::ListBox& list_;
   std::vector<MessageRow> rows_;
-  std::intptr_t topRow_ = 0;
+  int fillings_ = 0;
 };
 
 /// For each row, the place of its message among the entries of the file; each place once.

@@ -1,6 +1,33 @@
 #include "ui/settings_window.h"
 
+#include <utility>
+
+#include "ui/shown_profile.h"
+
 namespace rotacasts {
+namespace {
+
+/// The window as a remote command on a profile reaches it.
+class RemoteView final : public ShownSettings {
+ public:
+  explicit RemoteView(ShownProfile shown) : shown_(std::move(shown)) {}
+
+  void LoadMessages() override {
+    shown_.If([&](frmRT& window) { window.GetHandlers().LoadMessages(shown_); });
+  }
+  void SetSwitch(std::int16_t value) override {
+    forms::CheckBox::RequireValue(value);
+    shown_.If([&](frmRT& window) { window.chkAuto().SetValue(value); });
+  }
+  void SetInterval(const std::string& text) override {
+    shown_.If([&](frmRT& window) { window.txtInterval().SetText(text); });
+  }
+
+ private:
+  const ShownProfile shown_;
+};
+
+}  // namespace
 
 std::shared_ptr<frmRT> SettingsWindow::IfLoaded() const {
   return window_ && window_->IsLoaded() ? window_ : nullptr;
@@ -8,16 +35,17 @@ std::shared_ptr<frmRT> SettingsWindow::IfLoaded() const {
 
 std::shared_ptr<frmRT> SettingsWindow::Get() {
   if (auto loaded = IfLoaded()) return loaded;
+  Unload();
   // In place before it loads, so that whatever the load event touches finds this very window.
-  window_ = std::make_shared<frmRT>(makeContext_());
+  window_ = std::make_shared<frmRT>(context_);
   std::shared_ptr<frmRT> made = window_;
+  made->Timers().onTimer = onTick;
   made->Load();
   return made;
 }
 
-std::shared_ptr<ShownMessages> SettingsWindow::Messages() {
-  const std::shared_ptr<frmRT> window = Get();
-  return {window, &window->Messages()};  // the window lives as long as the result
+std::unique_ptr<ShownSettings> SettingsWindow::Showing(std::int32_t profile) {
+  return std::make_unique<RemoteView>(ShownProfile(IfLoaded(), context_.tables, profile));
 }
 
 void SettingsWindow::Unload() {

@@ -1,4 +1,4 @@
-// The one settings window: made by whoever first touches it, made again when it is gone.
+// The one settings window: made when the host shows or hides it, made again when it is gone.
 #pragma once
 
 #include <functional>
@@ -10,30 +10,24 @@ namespace rotacasts {
 
 class SettingsWindow final : public SettingsView {
  public:
-  /// `makeContext` is called each time a window is made.
-  explicit SettingsWindow(std::function<SettingsWindowContext()> makeContext)
-      : makeContext_(std::move(makeContext)) {}
+  explicit SettingsWindow(const SettingsWindowContext& context) : context_(context) {}
 
-  /// The loaded window; made and loaded first, hidden, where there is none or where its parent has
-  /// destroyed it. Raises what the platform refuses.
+  /// The tick of a profile's timer element.
+  std::function<void(std::int16_t)> onTick;
+
+  /// The loaded window; made and loaded first, hidden, where there is none or where its parent or
+  /// its thread has taken it along. Raises what the platform refuses.
   std::shared_ptr<frmRT> Get();
   /// The loaded window, or null.
   std::shared_ptr<frmRT> IfLoaded() const;
   /// Destroys the window, if there is one, and with it every timer element.
   void Unload();
 
-  std::shared_ptr<ShownMessages> Messages() override;
-  bool IsLoaded() const override { return IfLoaded() != nullptr; }
-  std::int16_t Switch() override { return Get()->chkAuto().Value(); }
-  void SetSwitch(std::int16_t value) override { Get()->chkAuto().SetValue(value); }
-  void RequireSwitchValue(std::int16_t value) const override {
-    forms::CheckBox::RequireValue(value);
-  }
-  std::string Interval() override { return Get()->txtInterval().Text(); }
-  void SetInterval(const std::string& text) override { Get()->txtInterval().SetText(text); }
+  std::shared_ptr<BroadcastSettings> Loaded() const override { return IfLoaded(); }
+  std::unique_ptr<ShownSettings> Showing(std::int32_t profile) override;
 
  private:
-  std::function<SettingsWindowContext()> makeContext_;
+  const SettingsWindowContext context_;
   std::shared_ptr<frmRT> window_;
 };
 

@@ -1,0 +1,318 @@
+#include "ui/handlers.h"
+
+#include <algorithm>
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include "base/conversions.h"
+#include "base/text.h"
+#include "forms/window_messages.h"
+#include "ui/shown_profile.h"
+
+namespace rotacasts {
+namespace {
+
+using forms::ListBox;
+using forms::MouseEvent;
+
+// The options as the window shows them where the message file has no usable value, and for a
+// profile that has no message file yet.
+constexpr const char* kDisabled = "0";
+constexpr std::int16_t kEnabledForNewProfile = 1;
+constexpr const char* kDefaultInterval = "3";  // minutes
+constexpr double kHighestEnable = 1;
+constexpr double kHighestInterval = 30;  // minutes
+
+/// The stored option as the window shows it: the default for an empty one and for one outside 0 to
+/// `highest`. Error 13 for one that is no number.
+std::string OptionToShow(MessageFile& file, const char* key, double highest,
+                         const char* defaultText) {
+  const std::string stored = file.ReadOption(key);
+  if (stored.empty()) return defaultText;
+  const double number = ToDouble(stored);
+  return number < 0 || number > highest ? defaultText : stored;
+}
+
+// What is stored of the window's options; nothing for what is not to be stored.
+using Shown = std::optional<std::string>;
+Shown SwitchShown(const frmRT& window) {
+  const std::int16_t value = window.chkAuto().Value();
+  return value == 0 || value == 1 ? Shown(std::to_string(value)) : std::nullopt;  // 2 is greyed
+}
+Shown IntervalShown(const frmRT& window) {
+  return window.txtInterval().Text();
+}
+Shown IntervalTyped(const frmRT& window) {
+  std::string text(TrimSpaces(window.txtInterval().Text()));
+  return IsNumeric(text) ? Shown(std::move(text)) : std::nullopt;
+}
+
+/// Writes an option as the window shows it, and once more if that has changed inside the call, so
+/// that window and file agree. False when it is not to be stored.
+bool StoreOption(const Handling& h, MessageFile& file, const char* key,
+                 Shown (*shown)(const frmRT& window)) {
+  for (;;) {
+    const Shown value = shown(h.Window());
+    if (!value) return false;
+    file.SetOption(key, *value);
+    if (shown(h.Window()) == value) return true;
+  }
+}
+
+/// The row of the list under a point in twips, or -1.
+std::int32_t ListIndexFromPoint(frmRT& window, float X, float Y) {
+  const forms::TwipsPerPixel screen = window.GetToolkit().ScreenTwipsPerPixel();
+  // The pixel that the whole number of twips lies in, also where a pixel is no whole number of
+  // them.
+  const auto pixel = [](float twips, double factor) {
+    return static_cast<std::intptr_t>((RoundToLong(twips) + 0.5) / factor);
+  };
+  const std::intptr_t point = pixel(Y, screen.vertical) * 65536 + pixel(X, screen.horizontal);
+  const std::intptr_t answer =
+      window.Send(window.lstMessages(), forms::kLbItemFromPoint, 0, point);
+  return (answer & forms::kLbOutsideItems) != 0 ? ListBox::kNone
+                                                : static_cast<std::int32_t>(answer);
+}
+
+void EnableListMenu(frmRT& window) {
+  const std::int16_t rows = ToInteger(window.lstMessages().Count());
+  const std::int16_t selected = ToInteger(window.lstMessages().SelectedRow());
+  window.Menu("mnuUp").enabled = rows > 1 && selected != 0;
+  window.Menu("mnuDown").enabled = rows > 1 && selected != rows - 1;
+}
+
+/// Takes the message that the row stands for out of the file; false when it could not be removed.
+/// Nothing happens to a row that stands for none.
+bool Remove(MessageFile& file, MessageRow row) {
+  const MessageFile::Hold hold(file);
+  const MessageEntries entries = file.Entries();
+  const std::optional<std::size_t> place = PlacesOf({row}, entries)[0];
+  if (!place) return true;
+  const std::string& key = entries[*place].key;
+  const auto holders = std::ranges::count_if(
+      entries, [&](const auto& entry) { return EqualsIgnoringCase(entry.key, key); });
+  if (holders == 1) return file.DeleteEntry(key);
+  // A hand has given the key twice, and removing it would take the first one's text.
+  file.ReplaceEntries([&](const MessageEntries& now) -> std::optional<std::vector<std::string>> {
+    const std::optional<std::size_t> gone = PlacesOf({row}, now)[0];
+    if (!gone) return std::nullopt;
+    std::vector<std::string> others;
+    for (std::size_t i = 0; i < now.size(); ++i) {
+      if (i != *gone) others.push_back(now[i].text);
+    }
+    return others;
+  });
+  return true;
+}
+
+}  // namespace
+
+const EditingItem kEditingItems[5] = {
+    {"mnuCut", true, forms::kWmCut, 0, 0},
+    {"mnuCopy", true, forms::kWmCopy, 0, 0},
+    {"mnuPaste", false, forms::kWmPaste, 0, 0},
+    {"mnuDelete2", false, forms::kEmReplaceSel, 0, reinterpret_cast<std::intptr_t>("")},
+    {"mnuSelectAll", false, forms::kEmSetSel, 0, -1},
+};
+
+frmRT& Handling::Window() const {
+  return shown.Window();
+}
+
+void Handlers::Run(frmRT& window, std::string_view procedure,
+                   const std::function<void(const Handling&)>& body) const {
+  const std::int32_t profile = context_.tables.currentWindowProfile;
+  const ShownProfile shown(std::static_pointer_cast<frmRT>(window.KeepAlive()), context_.tables,
+                           profile);
+  Guard(context_.reporter, {procedure, profile}, [&](Step& at) { body({at, shown}); });
+}
+
+void Handlers::Form_Reload(const Handling& h) const {
+  h.at(1);
+  h.Window().BeginAtTheTopOf(h.shown.Profile());
+  LoadMessages(h.shown);
+  h.at(2);
+  if (h.Window(); !context_.store.HasFile(h.shown.Profile())) return;
+  MessageFile file = context_.store.Open(h.shown.Profile());
+  ShowOptions(h, file);
+  h.at(4);
+  StoreOption(h, file, kEnableKey, SwitchShown);
+  h.at(5);
+  StoreOption(h, file, kIntervalKey, IntervalShown);
+}
+
+void Handlers::LoadMessages(const ShownProfile& shown) const {
+  Guard(context_.reporter, {"LoadMessages", shown.Profile()}, [&](Step& at) {
+    at(1);
+    const std::string file = context_.tables.MessageFiles(shown.Profile());
+    const int fillings = shown.Window().Messages().Fillings();
+    MessageSection section(context_.services.Utility(), file);
+    std::vector<std::string> lines;  // of a missing file, none
+    at(2);
+    if (!file.empty() && context_.services.FileSystem().FileExists(file)) lines = section.Lines();
+    at(6);
+    std::vector<MessageRow> rows;
+    std::exception_ptr error;  // what was read before it is listed all the same
+    try {
+      rows.reserve(lines.size());
+      for (std::string& line : lines) {
+        if (auto row = RowOf(section, line)) rows.push_back(std::move(*row));
+      }
+    } catch (...) {
+      error = std::current_exception();
+    }
+    shown.If([&](frmRT& window) {
+      // A filling that came in between has read the file later than this one.
+      if (window.Messages().Fillings() == fillings) window.Messages().Fill(std::move(rows));
+    });
+    if (error) std::rethrow_exception(error);
+  });
+}
+
+void Handlers::ShowOptions(const Handling& h, MessageFile& file) const {
+  if (!context_.services.FileSystem().FileExists(file.File())) {
+    h.at(3);
+    h.Window().chkAuto().SetValue(kEnabledForNewProfile);
+    h.Window().txtInterval().SetText(kDefaultInterval);
+    return;
+  }
+  const std::string enable = OptionToShow(file, kEnableKey, kHighestEnable, kDisabled);
+  h.Window().chkAuto().SetValue(ToInteger(enable));
+  const std::string interval =
+      OptionToShow(file, kIntervalKey, kHighestInterval, kDefaultInterval);
+  h.Window().txtInterval().SetText(interval);
+}
+
+void Handlers::chkAuto_Click(const Handling& h) const {
+  h.at(1);
+  if (!SwitchShown(h.Window())) return;
+  MessageFile file = context_.store.Open(h.shown.Profile());
+  StoreOption(h, file, kEnableKey, SwitchShown);
+}
+
+void Handlers::txtInterval_Change(const Handling& h) const {
+  h.at(1);
+  MessageFile file = context_.store.Open(h.shown.Profile());
+  if (StoreOption(h, file, kIntervalKey, IntervalTyped)) return;
+  h.at(2);
+  const std::string stored = file.ReadOption(kIntervalKey);
+  h.Window().txtInterval().SetText(stored);
+  // Selected, so that typing goes on with a new number and not after the one that came back.
+  frmRT& window = h.Window();
+  window.Send(window.txtInterval(), forms::kEmSetSel, 0, -1);
+}
+
+void Handlers::cmdAdd_MouseDown(const Handling& h, const MouseEvent& event) const {
+  h.at(1);
+  if (event.button != MouseEvent::kLeft) return;
+  buttons_.SetButtonState(h.Window(), frmRT::kAddPicture, "Down");
+}
+
+void Handlers::cmdAdd_MouseUp(const Handling& h, const MouseEvent& event) const {
+  h.at(1);
+  if (event.button == MouseEvent::kLeft) cmdAdd_PressLost(h);
+  Add(h);
+}
+
+void Handlers::cmdAdd_PressLost(const Handling& h) const {
+  h.at(1);
+  buttons_.SetButtonState(h.Window(), frmRT::kAddPicture, "Up");
+}
+
+void Handlers::Add(const Handling& h) const {
+  h.at(2);
+  const std::string text = h.Window().txtMessage().Text();
+  if (TrimSpaces(text).empty()) {
+    return context_.reporter.Notify(Outcome::Failure, "Message Box is empty!");
+  }
+  h.at(3);
+  const std::string message(FirstCharacters(text, kMessageCharacters));
+  if (!context_.store.AddEntry(h.shown.Profile(), message)) {
+    h.at(5);
+    return context_.reporter.Notify(Outcome::Failure, "Could not add message!");
+  }
+  h.at(4);
+  context_.reporter.Notify(Outcome::Success, "Message added successfully!");
+  h.Window().txtMessage().SetText("");
+  LoadMessages(h.shown);
+}
+
+void Handlers::lstMessages_MouseDown(const Handling& h, const MouseEvent& event) const {
+  h.at(1);
+  frmRT& window = h.Window();
+  const bool isRight = event.button == MouseEvent::kRight;
+  if (isRight) {
+    const std::int32_t row = ListIndexFromPoint(window, event.x, event.y);
+    if (row != ListBox::kNone) window.lstMessages().Select(row);
+  }
+  h.at(2);
+  EnableListMenu(window);
+  h.at(3);
+  if (isRight && window.lstMessages().SelectedRow() >= 0) window.PopUp(window.Menu("mnuMain"));
+}
+
+void Handlers::MoveSelected(const Handling& h, std::int16_t by) const {
+  h.at(1);
+  const ListBox& list = h.Window().lstMessages();
+  const std::int32_t row = ToInteger(list.SelectedRow());
+  const std::int32_t neighbour = row + by;
+  const std::vector<MessageRow> before = h.Window().Messages().All();
+  std::vector<MessageRow> rows = before;
+  std::swap(rows[list.Checked(row)], rows[list.Checked(neighbour)]);
+  bool isUpToDate = false;
+  // The file first: should that fail, the list still shows what the file holds.
+  h.at(2);
+  MessageFile file = context_.store.Open(h.shown.Profile());
+  file.ReplaceEntries([&](const MessageEntries& entries) {
+    const Places places = PlacesOf(rows, entries);
+    isUpToDate = std::ranges::all_of(places, [](const auto& place) { return place.has_value(); });
+    const auto isFound = [&](std::int32_t moved) {
+      return places[static_cast<std::size_t>(moved)].has_value();
+    };
+    return isFound(row) && isFound(neighbour) ? std::optional(InOrder(places, entries))
+                                              : std::nullopt;
+  });
+  MessageRows& messages = h.Window().Messages();
+  if (!isUpToDate || messages.All() != before) return LoadMessages(h.shown);
+  messages.Exchange(row, neighbour);
+}
+
+void Handlers::mnuDelete_Click(const Handling& h) const {
+  h.at(1);
+  const ListBox& list = h.Window().lstMessages();
+  const std::int16_t selected = ToInteger(list.SelectedRow());
+  if (selected < 0) return;
+  MessageFile file = context_.store.Open(h.shown.Profile());
+  const bool removed = Remove(file, h.Window().Messages().All().at(list.Checked(selected)));
+  h.at(2);
+  h.shown.If([&](frmRT&) { LoadMessages(h.shown); });
+  if (!removed) context_.reporter.Notify(Outcome::Failure, "Could not delete message!");
+}
+
+void Handlers::txtMessage_MouseDown(const Handling& h, const MouseEvent& event) const {
+  if (event.button != MouseEvent::kRight) return;
+  h.at(1);
+  struct Disabled {  // keeps the box from showing a menu of its own
+    explicit Disabled(forms::TextBox& textBox) : box(textBox) { box.SetEnabled(false); }
+    ~Disabled() {
+      box.SetEnabled(true);
+      box.SetFocus();
+    }
+    forms::TextBox& box;
+  } disabled(h.Window().txtMessage());
+  h.at(2);
+  h.Window().PopUp(h.Window().Menu("mnuMessages"));
+}
+
+void Handlers::InsertToken(const Handling& h, std::string_view token) const {
+  h.Window().txtMessage().SetText(std::string(token));
+}
+
+void Handlers::Edit(const Handling& h, const EditingItem& item) const {
+  frmRT& window = h.Window();
+  if (item.needsSelection && window.txtMessage().Selection().length == 0) return;
+  window.Send(window.txtMessage(), item.message, item.wParam, item.lParam);
+}
+
+}  // namespace rotacasts
