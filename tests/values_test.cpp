@@ -67,6 +67,9 @@ TEST(Conversions, KindsToKinds) {
   EXPECT_EQ(ToText(HostValue()), "");
   EXPECT_EQ(ToText(HostValue(true)), "True");
   EXPECT_EQ(ToText(HostValue(0.5)), "0.5");
+  EXPECT_EQ(ToText(HostValue(2.2F)), "2.2");  // not 2.20000004768372
+  EXPECT_EQ(ToText(HostValue(16777216.0F)), "1.677722E+07");
+  EXPECT_EQ(ToLong(HostValue(16777216.0F)), 16777216);
   EXPECT_EQ(ToText(HostValue(std::int16_t{-3})), "-3");
   EXPECT_EQ(ToLong(HostValue(true)), -1);
   EXPECT_EQ(ToLong(HostValue()), 0);
@@ -82,6 +85,7 @@ TEST(Conversions, KindsToKinds) {
   EXPECT_EQ(ErrorOf([] { ToText(HostValue(HostValue::Null{})); }), 94);
   EXPECT_EQ(ErrorOf([] { HostValue("text").At(0); }), 13);
   EXPECT_EQ(ErrorOf([] { HostValue(HostValue::Array(2)).At(2); }), 9);
+  EXPECT_EQ(ErrorOf([] { HostValue(HostValue::Array{HostValue::OutOfBounds{}, "a"}).At(0); }), 9);
   for (const HostValue& truth :
        {HostValue(true), HostValue(-1), HostValue(std::int16_t{-1}), HostValue(-1.0)}) {
     EXPECT_TRUE(EqualsTrue(truth));

@@ -92,6 +92,14 @@ double ParseNumber(std::string_view text) {
   return number;
 }
 
+std::string Format(const char* format, double number) {
+  char buffer[32];
+  std::snprintf(buffer, sizeof buffer, format, number);
+  std::string text = buffer;
+  std::replace(text.begin(), text.end(), DecimalPoint(), '.');
+  return text;
+}
+
 template <class Whole>
 Whole RoundTo(double number) {
   const double whole = std::nearbyint(number);
@@ -110,6 +118,7 @@ std::string ToText(const HostValue& value) {
           [](bool truth) { return std::string(truth ? "True" : "False"); },
           [](std::int16_t number) { return std::to_string(number); },
           [](std::int32_t number) { return std::to_string(number); },
+          [](float number) { return Format("%.7G", static_cast<double>(number)); },
           [](double number) { return FormatNumber(number); },
           [](const std::string& text) { return text; },
           [](HostValue::Null) -> std::string { throw RuntimeError(ErrorNumber::InvalidUseOfNull); },
@@ -130,6 +139,7 @@ double ToDouble(const HostValue& value) {
           [](bool truth) { return truth ? -1.0 : 0.0; },
           [](std::int16_t number) { return static_cast<double>(number); },
           [](std::int32_t number) { return static_cast<double>(number); },
+          [](float number) { return static_cast<double>(number); },
           [](double number) { return number; },
           [](const std::string& text) { return ParseNumber(text); },
           [](HostValue::Null) -> double { throw RuntimeError(ErrorNumber::InvalidUseOfNull); },
@@ -167,15 +177,12 @@ bool IsNumeric(std::string_view text) {
 
 bool EqualsTrue(const HostValue& value) {
   return value == HostValue(true) || value == HostValue(std::int16_t{-1}) ||
-         value == HostValue(std::int32_t{-1}) || value == HostValue(-1.0);
+         value == HostValue(std::int32_t{-1}) || value == HostValue(-1.0F) ||
+         value == HostValue(-1.0);
 }
 
 std::string FormatNumber(double number) {
-  char buffer[32];
-  std::snprintf(buffer, sizeof buffer, "%.15G", number);
-  std::string text = buffer;
-  std::replace(text.begin(), text.end(), DecimalPoint(), '.');
-  return text;
+  return Format("%.15G", number);
 }
 
 std::string FormatTwoDecimals(double number) {

@@ -15,6 +15,7 @@
 
 namespace rotacasts {
 
+/// A double has at most 15 significant digits as a text, a single at most 7.
 std::string ToText(const HostValue& value);
 /// The same, with the text itself where it is one.
 std::string ToText(HostValue&& value);

@@ -13,9 +13,10 @@
 
 namespace rotacasts {
 
-/// A plain value: empty, an omitted argument, null, a boolean, a 16- or 32-bit integer, a double, a
-/// text (UTF-8) or an array of such values indexed from 0. A kind that the core does not know
-/// arrives as `Foreign`; every conversion of it is a type mismatch.
+/// A plain value: empty, an omitted argument, null, a boolean, a 16- or 32-bit integer, a single, a
+/// double, a text (UTF-8) or an array of such values indexed from 0. A kind that the core does not
+/// know arrives as `Foreign`; every conversion of it is a type mismatch. An array that begins above
+/// 0 has `OutOfBounds` in the places below its lower bound.
 class HostValue {
  public:
   struct Missing {
@@ -27,17 +28,21 @@ class HostValue {
   struct Foreign {
     bool operator==(const Foreign&) const = default;
   };
+  struct OutOfBounds {
+    bool operator==(const OutOfBounds&) const = default;
+  };
   using Array = std::vector<HostValue>;
-  using Value = std::variant<std::monostate, Missing, Null, bool, std::int16_t, std::int32_t,
-                             double, std::string, Array, Foreign>;
+  using Value = std::variant<std::monostate, Missing, Null, bool, std::int16_t, std::int32_t, float,
+                             double, std::string, Array, Foreign, OutOfBounds>;
 
   HostValue() = default;
   /// A value of exactly one of the kinds above: nothing is converted on the way in.
   template <class T>
   requires(std::same_as<T, Missing> || std::same_as<T, Null> || std::same_as<T, bool> ||
            std::same_as<T, std::int16_t> || std::same_as<T, std::int32_t> ||
-           std::same_as<T, double> || std::same_as<T, std::string> || std::same_as<T, Array> ||
-           std::same_as<T, Foreign>) HostValue(T value)
+           std::same_as<T, float> || std::same_as<T, double> || std::same_as<T, std::string> ||
+           std::same_as<T, Array> || std::same_as<T, Foreign> ||
+           std::same_as<T, OutOfBounds>) HostValue(T value)
       : value_(std::in_place_type<T>, std::move(value)) {}         // NOLINT: a value is a value
   HostValue(const char* text) : value_(std::string(text)) {}       // NOLINT
   HostValue(std::string_view text) : value_(std::string(text)) {}  // NOLINT
@@ -58,7 +63,9 @@ class HostValue {
   const HostValue& At(std::size_t index) const {
     const Array* array = AsArray();
     if (array == nullptr) throw RuntimeError(ErrorNumber::TypeMismatch);
-    if (index >= array->size()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    if (index >= array->size() || std::holds_alternative<OutOfBounds>((*array)[index].value_)) {
+      throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    }
     return (*array)[index];
   }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "com/variant_conversion.h"
 
@@ -63,7 +64,8 @@ class Member {
 };
 
 // Arguments of a call. Put() writes the VARIANT, which the argument owns; WriteBack() takes over
-// what the callee left in a by-reference one.
+// what the callee has changed in a by-reference one. What it has left alone is not written: the
+// caller's own variable may have been changed inside the call, by another call of the host.
 
 /// By value: a text, which may be none at all.
 class TextArgument {
@@ -107,55 +109,53 @@ class ValueArgument {
   ComVariant value_;
 };
 
-/// By reference: the caller's own 16- or 32-bit number.
-class NumberReference {
+/// By reference: a number or a boolean of the caller's, in the form in which it is passed.
+template <class Value, class Passed, VARTYPE kind>
+class PlainReference {
  public:
-  explicit NumberReference(std::int32_t& number) : kind_(VT_I4), number_(&number) {}
-  explicit NumberReference(std::int16_t& number) : kind_(VT_I2), number_(&number) {}
-  void Put(VARIANT& place) const {
-    place.vt = static_cast<VARTYPE>(VT_BYREF | kind_);
-    place.byref = number_;
-  }
-  void WriteBack() const {}
-
- private:
-  VARTYPE kind_;
-  void* number_;
-};
-
-/// By reference: the caller's boolean.
-class BooleanReference {
- public:
-  explicit BooleanReference(bool& truth)
-      : truth_(truth), value_(truth ? VARIANT_TRUE : VARIANT_FALSE) {}
+  explicit PlainReference(Value& value) : value_(value) {}
   void Put(VARIANT& place) {
-    place.vt = VT_BYREF | VT_BOOL;
-    place.pboolVal = &value_;
+    place.vt = VT_BYREF | kind;
+    place.byref = &passed_;
   }
-  void WriteBack() const { truth_ = value_ != VARIANT_FALSE; }
+  void WriteBack() const {
+    if (passed_ != before_) value_ = static_cast<Value>(passed_);
+  }
 
  private:
-  bool& truth_;
-  VARIANT_BOOL value_;
-};
+  static Passed FormOf(Value value) {
+    if constexpr (kind == VT_BOOL) {
+      return value ? VARIANT_TRUE : VARIANT_FALSE;
+    } else {
+      return value;
+    }
+  }
 
-/// By reference: the caller's text.
+  Value& value_;
+  const Passed before_ = FormOf(value_);
+  Passed passed_ = before_;
+};
+using IntegerReference = PlainReference<std::int16_t, SHORT, VT_I2>;
+using LongReference = PlainReference<std::int32_t, LONG, VT_I4>;
+using BooleanReference = PlainReference<bool, VARIANT_BOOL, VT_BOOL>;
+
+/// By reference: a text of the caller's.
 class TextReference {
  public:
   explicit TextReference(std::string& text) : text_(text), value_(text) {}
   void Put(VARIANT& place) {
-    before_ = value_.Get();
     place.vt = VT_BYREF | VT_BSTR;
     place.pbstrVal = value_.Address();
   }
   void WriteBack() const {
-    if (value_.Get() != before_) text_ = FromBstr(value_.Get());
+    std::string text = FromBstr(value_.Get());
+    if (text != before_) text_ = std::move(text);
   }
 
  private:
   std::string& text_;
+  const std::string before_ = text_;
   Bstr value_;
-  BSTR before_ = nullptr;
 };
 
 /// By reference: any VARIANT of the caller's; what the callee leaves in it is not taken over.

@@ -29,20 +29,20 @@ std::vector<std::string> TextsOf(const ComVariant& value) {
 class LateMemory final : public MemoryComponent {
  public:
   std::int32_t ReadLong(std::int32_t& processHandle, std::int32_t address) override {
-    return LongOf(readLong_(NumberReference(processHandle), NumberArgument(address)));
+    return LongOf(readLong_(LongReference(processHandle), NumberArgument(address)));
   }
   std::string ReadStr(std::int32_t& processHandle, std::int32_t address) override {
-    return TextOf(readStr_(NumberReference(processHandle), NumberArgument(address)));
+    return TextOf(readStr_(LongReference(processHandle), NumberArgument(address)));
   }
   void AddMsg(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
               bool& isAffiliate, const std::string& kind, std::int16_t mode) override {
-    addMsg_(NumberReference(profileIndex), NumberReference(messageTarget), TextReference(text),
+    addMsg_(IntegerReference(profileIndex), LongReference(messageTarget), TextReference(text),
             BooleanReference(isAffiliate), TextArgument(kind), NumberArgument(mode));
   }
   void AddMsgB(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
                bool& isAffiliate, const std::string& kind, std::int16_t mode,
                std::string& gameCode) override {
-    addMsgB_(NumberReference(profileIndex), NumberReference(messageTarget), TextReference(text),
+    addMsgB_(IntegerReference(profileIndex), LongReference(messageTarget), TextReference(text),
              BooleanReference(isAffiliate), TextArgument(kind), NumberArgument(mode),
              TextReference(gameCode));
   }
@@ -96,7 +96,7 @@ class LateUtility final : public UtilityComponent {
     object.pdispVal = MakeErrorObject(error).Detach();
     ComVariant owned(object);
     logError_(TextArgument(module), TextReference(procedure), VariantReference(owned),
-              NumberReference(line));
+              LongReference(line));
   }
   bool SendErrorReport(HostValue& report) override {
     const HostValue::Array* elements = report.AsArray();

@@ -26,7 +26,7 @@ HostValue FromArray(SAFEARRAY* array, VARTYPE kind, int depth) {
   }
   const LONG before = std::max<LONG>(lower, 0);
   HostValue::Array elements(static_cast<std::size_t>(std::min<LONG>(before, upper + 1)),
-                            HostValue(HostValue::Missing{}));
+                            HostValue(HostValue::OutOfBounds{}));
   void* data = nullptr;
   if (upper < before || FAILED(::SafeArrayAccessData(array, &data))) return elements;
   auto* element =
@@ -79,7 +79,7 @@ HostValue FromPlain(const VARIANT& value, int depth) {
     case VT_I8:
       return FromWhole(value.llVal);
     case VT_R4:
-      return static_cast<double>(value.fltVal);
+      return value.fltVal;
     case VT_R8:
       return value.dblVal;
     case VT_BSTR:
@@ -191,6 +191,11 @@ struct Converter {
     value.lVal = number;
     return ComVariant(value);
   }
+  ComVariant operator()(float number) const {
+    VARIANT value = OfKind(VT_R4);
+    value.fltVal = number;
+    return ComVariant(value);
+  }
   ComVariant operator()(double number) const {
     VARIANT value = OfKind(VT_R8);
     value.dblVal = number;
@@ -213,6 +218,7 @@ struct Converter {
     });
   }
   ComVariant operator()(HostValue::Foreign) const { return {}; }
+  ComVariant operator()(HostValue::OutOfBounds) const { return {}; }
 };
 
 }  // namespace

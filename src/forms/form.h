@@ -122,7 +122,7 @@ class Form : public std::enable_shared_from_this<Form> {
   TimerArray& Timers() { return timers_; }
 
   void Load();
-  bool IsLoaded() const { return view_ != nullptr; }
+  bool IsLoaded() const { return view_ != nullptr && view_->IsAlive(); }
   void Unload();
   WindowHandle Handle() const;
   bool IsVisible() const { return visible_; }

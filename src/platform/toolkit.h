@@ -58,6 +58,8 @@ class FormView {
   /// way.
   virtual void Close() = 0;
 
+  /// False once the windows are gone, also where nobody was told: with the thread that made them.
+  virtual bool IsAlive() const = 0;
   virtual WindowHandle Handle() const = 0;
   virtual void SetVisible(bool visible) = 0;
 

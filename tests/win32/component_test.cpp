@@ -272,6 +272,42 @@ TEST_F(ComponentTest, TheComponentsAreCalledAsTheCoreCallsThemArgumentForArgumen
   EXPECT_EQ(user.boxes.size(), native.host.boxes.size());
 }
 
+TEST_F(ComponentTest, AReferenceThatTheCalleeLeavesAloneIsNotWrittenBack) {
+  host.longs[0x00C87598] = host.longs[0x011E1408] = 2;  // running
+  Show({"a", "b"});
+  host.insideCall = [&] {
+    if (!host.calls.back().starts_with("AddMsgB")) return;
+    host.insideCall = nullptr;
+    Load(2, "JO_AFF");
+  };
+  ::SendMessageW(Form(), WM_TIMER, 2, 0);
+  ::SendMessageW(Form(), WM_TIMER, 2, 0);
+  EXPECT_EQ(host.calls.back(), "AddMsgB(2, 4002, b, True, MSG, 3, JO_AFF)");
+}
+
+TEST_F(ComponentTest, AHostsValuesKeepTheirBoundsAndTheirDigits) {
+  Show({"a"});
+  SAFEARRAY* fromOne = ::SafeArrayCreateVector(VT_VARIANT, 1, 14);
+  VARIANT values[4];
+  win32::TextArgument("").Put(values[0]);
+  values[1].vt = VT_ARRAY | VT_VARIANT;
+  values[1].parray = fromOne;
+  win32::NumberArgument(0).Put(values[2]);
+  win32::NumberArgument(2).Put(values[3]);
+  plugin->Invoke(plugin->Identify("LoadInterface"), values, 4);
+  ::SafeArrayDestroy(fromOne);
+  EXPECT_EQ(host.logged.at(0), "SetProfileData: 9 Subscript out of range");
+
+  Show({"a"});
+  const ComVariant data = win32::ToComVariant(testing::ProfileData(2, "JO"));
+  values[0].vt = VT_R4;
+  values[0].fltVal = 2.2F;
+  values[1] = data.Get();
+  win32::NumberArgument(2).Put(values[2]);
+  plugin->Invoke(plugin->Identify("ChangeIntervalRem"), values, 3);
+  EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a"}, "1", "2.2"));
+}
+
 TEST_F(ComponentTest, WhatTheComponentsLackIsReportedWithItsNumber) {
   const auto startAnew = [&] {
     plugin.reset();

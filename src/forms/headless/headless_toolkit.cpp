@@ -19,6 +19,7 @@ class HeadlessView final : public FormView {
     running_.clear();
   }
 
+  bool IsAlive() const override { return true; }
   WindowHandle Handle() const override { return handle_; }
   void SetVisible(bool) override {}
   void Added(Control&) override {}

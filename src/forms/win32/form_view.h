@@ -34,6 +34,7 @@ class Win32FormView final : public forms::FormView,
   void CreateWindows();
 
   void Close() override;
+  bool IsAlive() const override { return ::IsWindow(window_) != FALSE; }
   forms::WindowHandle Handle() const override;
   void SetVisible(bool visible) override;
   void Added(forms::Control& control) override;
