@@ -91,7 +91,8 @@ STDAPI DllCanUnloadNow() {
 }
 
 /// Shortens the minute of the timers that are set from now on, so that a run can be watched. No
-/// part of the component: the stand-alone host calls it by its name, and no other host knows it.
+/// part of the component: the stand-alone host calls it by its name, and no other host knows it. An
+/// environment variable would reach every host that happens to have it.
 STDAPI RotacastsShortenMinute(LONG milliseconds) {
   Server::Get().ShortenMinute(milliseconds);
   return S_OK;

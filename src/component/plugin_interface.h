@@ -21,6 +21,7 @@ enum MemberId : DISPID {
 
 /// A VARIANT as a record holds it: aligned to the width of a pointer. Left to itself it aligns to
 /// 8, and a host that declares the record for itself, as a Basic-like language does, aligns to 4.
+/// GetData fills that host's own copy of the record.
 typedef VARIANT RecordVariant
     __attribute__((aligned(sizeof(void*))));  // NOLINT: `using` takes none
 

@@ -141,6 +141,7 @@ HRESULT PluginObject::GetDataAsVariant(VARIANT* result) {
   return S_OK;
 }
 
+// Written by hand because DispInvoke cannot return a record everywhere (Wine answers E_NOTIMPL).
 HRESULT PluginObject::Invoke(DISPID id, REFIID interfaceId, LCID, WORD flags,
                              DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
                              UINT* badArgument) {

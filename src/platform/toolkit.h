@@ -2,6 +2,9 @@
 //
 // The model holds the truth (texts, values, items, geometry, which timers run) and the rules. A
 // backend mirrors it and brings the user's acts back by calling the model's User... members.
+//
+// These interfaces lie in this room and not beside the control model because they are part of what
+// the platform is asked for: the bundle in platform.h would have to include upwards otherwise.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,7 @@
 // Start-up, and the host services that everything else reaches through it.
+//
+// This room lies below the subsystems. They all use it; inside plugin/, which uses them all, it
+// would make a circle.
 #pragma once
 
 #include <memory>

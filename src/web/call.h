@@ -72,7 +72,8 @@ struct Call {
     ToWindows1252(text);
     return text;
   }
-  /// The position that the request names, if the message there is still the one that it saw.
+  /// The position that the request names, if the message there is still the one that it saw. The
+  /// position alone would mean another message once somebody else has changed the list.
   std::int32_t SeenPosition(const MessageList& list) const {
     const std::int32_t position = Number("position");
     const std::string seen = Text("text");

@@ -13,6 +13,7 @@ namespace rotacasts::host::web {
 
 /// A row of each profile; its messages and its log only where somebody looks at it. Every text has
 /// the number of the change that it came with, so that whoever keeps a number knows what is new.
+/// Little is read at a time, because what people look at must not put off what players are sent.
 class Snapshots {
  public:
   using Clock = std::chrono::steady_clock;

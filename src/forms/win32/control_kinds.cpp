@@ -178,8 +178,8 @@ class LabelWindow final : public WindowOf<Label> {
     const HWND image = model_.IsTransparent() ? view_.ImageBeneath(model_) : nullptr;
     return image != nullptr ? image : ControlWindow::Parent();
   }
-  /// Smaller by whole pixels where the line of text would not fit, for a font of the same name is
-  /// not of the same width on every machine.
+  /// Smaller by whole pixels where the line of text would not fit: a font of the same name does not
+  /// have the same width everywhere. The window is laid out for Windows' Tahoma; Wine's is wider.
   HFONT Font() const override {
     constexpr double kTwipsPerPoint = 20;
     constexpr double kSmallest = 6;  // points
