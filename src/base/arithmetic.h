@@ -7,8 +7,8 @@
 
 namespace rotacasts {
 
-/// A 32-bit signed number, such as an address in a game server's process. Every sum, difference and
-/// product that leaves the range raises error 6, so a formula can be written as it reads.
+/// A 32-bit signed number, such as an address in a game server's process. A sum, difference or
+/// product that leaves the range raises error 6, so formulas need no checks of their own.
 class Checked {
  public:
   constexpr Checked(std::int32_t value) : value_(value) {}  // NOLINT: plain numbers mix in freely

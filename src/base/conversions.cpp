@@ -25,13 +25,13 @@ struct Overloaded : Cases... {
 template <class... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
-/// The decimal point of the C library in this process, which its host may have set. The library's
-/// conversions without one would make a small component half as large again.
+/// The C library's decimal point in this process; the host may have set any locale. Conversions
+/// that ignore the locale would make the DLL half as large again.
 char DecimalPoint() {
   return *std::localeconv()->decimal_point;
 }
 
-/// A decimal number as the text spells it, ready for the standard parser; nothing if it is none.
+/// Rewrites a decimal number for strtod; nullopt if the text is not one.
 std::optional<std::string> DecimalSpelling(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
   if (first == text.npos) return std::nullopt;
@@ -69,7 +69,7 @@ std::optional<std::string> DecimalSpelling(std::string_view text) {
   return spelling;
 }
 
-/// A short whole number without a sign, as most are; -1 for any other text.
+/// The fast path for most texts: the value of one to nine digits, -1 for anything else.
 std::int32_t PlainNumber(std::string_view text) {
   constexpr std::size_t kMostDigits = 9;
   if (text.empty() || text.size() > kMostDigits) return -1;
@@ -81,7 +81,7 @@ std::int32_t PlainNumber(std::string_view text) {
   return number;
 }
 
-/// Errors: 13 for a text that is no number, 6 for one beyond the range of a double.
+/// Errors: 13 if the text is not a number, 6 if it exceeds the range of a double.
 double ParseNumber(std::string_view text) {
   if (const std::int32_t number = PlainNumber(text); number >= 0) return number;
   std::optional<std::string> spelling = DecimalSpelling(text);
@@ -192,7 +192,7 @@ std::string FormatTwoDecimals(double number) {
 }
 
 double RoundToTwoDecimals(double number) {
-  return std::nearbyint(number * 100) / 100 + 0.0;  // a minus zero becomes the plain one
+  return std::nearbyint(number * 100) / 100 + 0.0;  // turns -0 into 0
 }
 
 }  // namespace rotacasts

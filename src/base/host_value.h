@@ -1,4 +1,4 @@
-// A value of no fixed kind, as the host and the sibling components pass it.
+// A variant value, as the host and the sibling components pass it.
 #pragma once
 
 #include <concepts>
@@ -13,10 +13,10 @@
 
 namespace rotacasts {
 
-/// A plain value: empty, an omitted argument, null, a boolean, a 16- or 32-bit integer, a single, a
+/// One of: empty, an omitted argument, null, a boolean, a 16- or 32-bit integer, a single, a
 /// double, a text (UTF-8) or an array of such values indexed from 0. A kind that the core does not
-/// know arrives as `Foreign`; every conversion of it is a type mismatch. An array that begins above
-/// 0 has `OutOfBounds` in the places below its lower bound.
+/// know arrives as `Foreign`; every conversion of it raises error 13. An array whose lower bound is
+/// above 0 has `OutOfBounds` in the places below it.
 class HostValue {
  public:
   struct Missing {
@@ -36,14 +36,14 @@ class HostValue {
                              double, std::string, Array, Foreign, OutOfBounds>;
 
   HostValue() = default;
-  /// A value of exactly one of the kinds above: nothing is converted on the way in.
+  /// Holds exactly this kind; nothing is converted.
   template <class T>
   requires(std::same_as<T, Missing> || std::same_as<T, Null> || std::same_as<T, bool> ||
            std::same_as<T, std::int16_t> || std::same_as<T, std::int32_t> ||
            std::same_as<T, float> || std::same_as<T, double> || std::same_as<T, std::string> ||
            std::same_as<T, Array> || std::same_as<T, Foreign> ||
            std::same_as<T, OutOfBounds>) HostValue(T value)
-      : value_(std::in_place_type<T>, std::move(value)) {}         // NOLINT: a value is a value
+      : value_(std::in_place_type<T>, std::move(value)) {}         // NOLINT: implicit on purpose
   HostValue(const char* text) : value_(std::string(text)) {}       // NOLINT
   HostValue(std::string_view text) : value_(std::string(text)) {}  // NOLINT
 
@@ -59,7 +59,7 @@ class HostValue {
   /// The text, or null for any other kind.
   std::string* AsText() { return std::get_if<std::string>(&value_); }
 
-  /// Element `index` of the array. Errors: 13 when this is no array, 9 beyond its bounds.
+  /// Element `index` of the array. Errors: 13 if this is not an array, 9 beyond its bounds.
   const HostValue& At(std::size_t index) const {
     const Array* array = AsArray();
     if (array == nullptr) throw RuntimeError(ErrorNumber::TypeMismatch);

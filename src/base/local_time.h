@@ -1,4 +1,4 @@
-// A moment by the machine's local time.
+// A point in the machine's local time.
 #pragma once
 
 #include <string>

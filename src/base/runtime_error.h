@@ -39,8 +39,8 @@ enum class ErrorNumber : std::int32_t {
   InvalidPicture = 481,
 };
 
-/// A run-time error: the platform's number and a description for the administrator (UTF-8).
-/// Components may raise numbers of their own, so the number is a plain integer.
+/// A run-time error: the platform's number and a description for the administrator (UTF-8). The
+/// number is a plain integer because components may raise their own.
 class RuntimeError : public std::exception {
  public:
   RuntimeError(std::int32_t errorNumber, std::string errorDescription)
@@ -55,17 +55,17 @@ class RuntimeError : public std::exception {
 
   std::int32_t number;
   std::string description;
-  // What a component tells of an error of its own besides; empty for the plugin's errors.
+  // Details that a component adds to its error; empty for the plugin's own errors.
   std::string source;
   std::string helpFile;
   std::int32_t helpContext = 0;
 };
 
-/// The platform's own description of an error number; empty for a number that it has none for.
+/// The platform's description of an error number; empty if it has none.
 std::string_view DescriptionOf(std::int32_t errorNumber);
 
-/// The exception now being handled, as a run-time error: itself if it is one, error 7 for exhausted
-/// memory, error 51 with its text for any other. Call only inside a catch clause.
+/// The exception being handled, as a run-time error: the error itself, 7 for exhausted memory, 51
+/// with the exception's text for any other. Requires: called inside a catch clause.
 RuntimeError CurrentRuntimeError();
 
 }  // namespace rotacasts

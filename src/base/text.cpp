@@ -20,7 +20,7 @@ constexpr std::array<char32_t, 32> kHighControls = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-/// Looks at eight bytes at a time: nearly every text is asked about, many times.
+/// Checks eight bytes at a time because nearly every text passes through here.
 bool IsAscii(std::string_view text) {
   std::uint64_t seen = 0;
   for (std::uint64_t word = 0; text.size() >= sizeof word; text.remove_prefix(sizeof word)) {
@@ -39,7 +39,7 @@ char LowerAscii(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-/// The byte that stands for the code point, or -1.
+/// The code point's byte, or -1 if the code page lacks it.
 int Windows1252Byte(char32_t codePoint) {
   if (codePoint < 0x80 || (codePoint >= 0xA0 && codePoint <= 0xFF)) {
     return static_cast<int>(codePoint);
@@ -61,7 +61,8 @@ int Windows1252Byte(char32_t codePoint) {
                      detail + " " + name + " is not in Windows-1252; use another one");
 }
 
-/// UTF-8 to Windows-1252; `otherwise(codePoint)` gives the byte for what the code page lacks.
+/// Converts UTF-8 to Windows-1252; `otherwise(codePoint)` supplies the byte for a character that
+/// the code page lacks.
 template <class Otherwise>
 std::string Encode(std::string_view text, Otherwise otherwise) {
   if (IsAscii(text)) return std::string(text);
@@ -107,7 +108,7 @@ std::size_t CountCharacters(std::string_view text) {
 }
 
 std::string_view FirstCharacters(std::string_view text, std::size_t count) {
-  if (text.size() <= count) return text;  // as most are
+  if (text.size() <= count) return text;  // the usual case
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (!IsContinuation(text[at]) && count-- == 0) return text.substr(0, at);
   }

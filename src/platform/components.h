@@ -1,9 +1,9 @@
-// The two sibling components of the host suite: the operations that the plugin calls, in the
-// argument order of the component contract.
+// The host suite's two components and the file-system object: the operations that the plugin calls,
+// in the components' argument order.
 //
-// A reference parameter that is not const is passed by reference across the component boundary: the
-// component may write it back, and the plugin never relies on such a write. Every operation raises
-// the component's own error as a RuntimeError. All calls are made on the user-interface thread.
+// A non-const reference crosses the component boundary by reference: the component may change it,
+// and the plugin never relies on that. Every operation raises the component's error as a
+// RuntimeError. All calls happen on the user-interface thread.
 #pragma once
 
 #include <cstdint>
@@ -24,13 +24,13 @@ class MemoryComponent {
 
   /// The 32-bit value at `address` in the process.
   virtual std::int32_t ReadLong(std::int32_t& processHandle, std::int32_t address) = 0;
-  /// The text at `address`; where it ends is the component's decision.
+  /// The text at `address`; the component decides where it ends.
   virtual std::string ReadStr(std::int32_t& processHandle, std::int32_t address) = 0;
 
   /// Sends `text` as a chat message to the game server of a profile whose game code is "DFBHD".
   virtual void AddMsg(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
                       bool& isAffiliate, const std::string& kind, std::int16_t mode) = 0;
-  /// The same for every other game code.
+  /// Like AddMsg, for every other game code.
   virtual void AddMsgB(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
                        bool& isAffiliate, const std::string& kind, std::int16_t mode,
                        std::string& gameCode) = 0;
@@ -47,22 +47,23 @@ class UtilityComponent {
   static constexpr const char* kProgId = "tvxZDL.clsZDF";
   virtual ~UtilityComponent() = default;
 
-  /// A key to write: a text, a number that is written as its decimal text, or null.
+  /// A key to write: a text, a number (written in decimal) or null.
   using Key = std::variant<std::monostate, std::string, std::int32_t>;
   static constexpr std::monostate kNullKey{};
 
-  /// The key's value; empty when the file, the section or the key is missing.
+  /// The key's value; empty if the file, the section or the key is missing.
   virtual std::string GetIniKey(const std::string& section, const std::string& key,
                                 std::string& file) = 0;
-  /// Writes the key, creating the file and the section; a new key goes to the section's end. A null
-  /// value (not an empty one) removes the key, a null key with a null value the whole section.
+  /// Writes the key, creating the file and the section if necessary; a new key goes to the
+  /// section's end. A null value (not an empty one) removes the key, a null key and value remove
+  /// the section.
   virtual void WriteIniKey(const std::string& section, const Key& key,
                            const std::optional<std::string>& value, std::string& file) = 0;
-  /// Every line of the section as "key=value" in file order, then one element that is no line. With
-  /// no line the upper bound is below 1.
+  /// The section's lines as "key=value" in file order, followed by one element that is not a line.
+  /// A section without lines gives fewer than two elements.
   virtual std::vector<std::string> GetIniSection(const std::string& section, std::string& file) = 0;
-  /// Splits such a line at its first "=": the array of key and value, or the value alone. The line
-  /// may be used up, unless an error is raised.
+  /// Splits such a line at its first "=". Returns the array of key and value if `asPair`, else the
+  /// value. May use up `line` unless it raises an error.
   virtual HostValue ParseIniKey(std::string&& line, bool asPair) = 0;
 
   /// The lines of a text file.
@@ -73,11 +74,11 @@ class UtilityComponent {
   /// Records an error in the host suite's error log.
   virtual void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                         std::int32_t& line) = 0;
-  /// Sends a six-element error report on; true when it was delivered.
+  /// Forwards a six-element error report; true if it was delivered.
   virtual bool SendErrorReport(HostValue& report) = 0;
 };
 
-/// The platform's file-system object. Paths are full ones with backslashes.
+/// The platform's file-system object. Paths are absolute, with backslashes.
 class FileSystemObject {
  public:
   static constexpr const char* kProgId = "Scripting.FileSystemObject";
@@ -85,10 +86,11 @@ class FileSystemObject {
 
   virtual bool FileExists(const std::string& path) = 0;
   virtual bool FolderExists(const std::string& path) = 0;
-  /// Creates one folder. Errors: 76 without its parent, 58 when it exists, 70 when not allowed.
+  /// Creates one folder. Errors: 76 if its parent is missing, 58 if it exists, 70 if access is
+  /// denied.
   virtual void CreateFolder(const std::string& path) = 0;
   /// Creates an empty text file in the system's single-byte character set and closes it; an
-  /// existing file is emptied. Errors: 76 without its folder, 70 when not allowed.
+  /// existing file is emptied. Errors: 76 if its folder is missing, 70 if access is denied.
   virtual void CreateTextFile(const std::string& path) = 0;
 };
 

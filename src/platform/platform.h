@@ -11,7 +11,7 @@
 
 namespace rotacasts {
 
-/// Version numbers of the plugin's module; the build number is nobody's business.
+/// The version of the plugin's module. The build number is left out because nothing uses it.
 struct ModuleVersion {
   int majorNumber = 0;
   int minorNumber = 0;
@@ -27,8 +27,8 @@ class Module {
   virtual ModuleVersion Version() const = 0;
 };
 
-/// Creates components by their programmatic identifiers (kProgId of each class). Every method
-/// raises error 429 when the component cannot be created; the caller owns the result.
+/// Creates components by their programmatic identifiers (kProgId of each class). Errors: 429 if the
+/// component cannot be created. The caller owns the result.
 class ComponentFactory {
  public:
   virtual ~ComponentFactory() = default;
@@ -37,7 +37,8 @@ class ComponentFactory {
   virtual std::unique_ptr<FileSystemObject> CreateFileSystem() = 0;
 };
 
-/// The bundle. Its members are owned by whoever composes the plugin and outlive it.
+/// The bundle. Whatever composes the plugin owns the members and keeps them until the plugin is
+/// gone.
 struct Platform {
   Module& module;
   ComponentFactory& components;

@@ -5,16 +5,16 @@
 namespace rotacasts {
 namespace {
 
-// An error box runs a message loop in which the timers go on, so a fault that comes back with every
-// tick would pile up box upon box, unanswered, until the host's stack is gone. Beyond this many
-// open boxes an error is logged and reported only. Any other box says what nothing else says.
+// An error box runs a message loop in which the timers go on. An error on every tick would
+// therefore stack up unanswered boxes until the host's stack overflows. With this many boxes open,
+// errors are only logged and reported. Notices are not limited because nothing else records them.
 constexpr int kMostOpenBoxes = 8;
 
 constexpr const char* kReportSent = "\r\n\r\nError Report Sent: Yes";
 constexpr const char* kReportFailed = "\r\n\r\nError Report Sent: Failed!";
 constexpr const char* kReportNotWanted = "\r\n\r\nError Report Sent: No";
 
-/// What the administrator is told; the outcome of the report is appended to it.
+/// The text of the error box, without the outcome of the report.
 std::string WordsOf(const Failure& failure) {
   return "Error Line: " + std::to_string(failure.line) + "\r\nError " +
          std::to_string(failure.error.number) + ": " + failure.error.description +
@@ -24,10 +24,10 @@ std::string WordsOf(const Failure& failure) {
 }  // namespace
 
 void ErrorReporter::ReportError(const Failure& failure) try {
-  Failure logged = failure;  // the log takes references, and what it makes of them stays its own
+  Failure logged = failure;  // the log takes references and may change them
   try {
     services_.Utility().LogError(kModuleFile, logged.procedure, logged.error, logged.line);
-  } catch (...) {  // without a log the administrator's box is all that is left
+  } catch (...) {  // nothing is logged: the box is all that is left
     if (!failure.quiet) ShowError(WordsOf(failure) + kReportNotWanted);
     return;
   }
@@ -37,12 +37,12 @@ void ErrorReporter::ReportError(const Failure& failure) try {
     const RuntimeError second = CurrentRuntimeError();
     Show(std::to_string(second.number) + ": " + second.description, "tvxRT.dll Error");
   }
-} catch (...) {  // not even a box could be shown; the host lives on
+} catch (...) {  // not even a box could be shown; the host must go on
 }
 
 void ErrorReporter::Notify(Outcome outcome, const std::string& text) try {
   Show(text, outcome == Outcome::Success ? "Success" : "Failed!");
-} catch (...) {  // no box could be shown; the host lives on
+} catch (...) {  // no box could be shown; the host must go on
 }
 
 void ErrorReporter::TellOf(const Failure& failure, const std::string& words) {

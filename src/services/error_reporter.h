@@ -1,4 +1,4 @@
-// The one error reporter and message-box routine.
+// Reports errors and shows notices to the administrator.
 #pragma once
 
 #include <string>
@@ -12,19 +12,19 @@ namespace rotacasts {
 /// The title of a notice.
 enum class Outcome { Success, Failure };
 
-/// Logs an error, sends a report when the host's configuration asks for one, and tells the
-/// administrator in a message box. Nothing thrown leaves it.
+/// Logs an error, sends a report if the host's configuration asks for one, and shows the
+/// administrator a message box. Never throws.
 class ErrorReporter final : public ErrorHandler {
  public:
   ErrorReporter(const HostServices& services, const ProfileTables& tables)
       : services_(services), tables_(tables) {}
 
   void ReportError(const Failure& failure) override;
-  /// A plain notice to the administrator: a box titled "Success" or "Failed!".
+  /// Shows the administrator a notice in a box titled "Success" or "Failed!".
   void Notify(Outcome outcome, const std::string& text);
 
  private:
-  /// Sends the report, if one is wanted, and shows `words` with what became of it.
+  /// Sends a report if the configuration asks for one, then shows `words` and the outcome.
   void TellOf(const Failure& failure, const std::string& words);
   std::string SendReport(const Failure& failure);
   void Show(const std::string& text, const std::string& title);

@@ -11,27 +11,27 @@
 
 namespace rotacasts {
 
-/// An error, and what it has ended.
+/// An error that ended a procedure.
 struct Failure {
   std::string procedure;
   RuntimeError error;
-  std::int32_t profileIndex;  // the profile worked for
-  std::int32_t line;          // where it failed
-  bool quiet = false;         // the administrator is spared the box
+  std::int32_t profileIndex;  // the profile that the procedure worked for
+  std::int32_t line;          // the step that failed
+  bool quiet = false;         // no error box is shown
 };
 
-/// Thrown where a procedure finds that what it works for is gone, has been stopped, or has been
-/// taken over by a later call: the procedure ends there, and nothing has failed.
+/// Thrown when a procedure's work no longer matters: its window is gone, its profile was stopped,
+/// or a later call has taken over. The procedure ends without an error.
 struct Overtaken {};
 
-/// Whoever is told of the errors that end procedures. Nothing thrown leaves it.
+/// Receives the errors that end procedures. Never throws.
 class ErrorHandler {
  public:
   virtual ~ErrorHandler() = default;
   virtual void ReportError(const Failure& failure) = 0;
 };
 
-/// The line number that an error report gives: the step that a procedure's body marked last.
+/// The line number for error reports: the last step that a procedure's body marked.
 class Step {
  public:
   void operator()(std::int32_t line) { line_ = line; }
@@ -41,16 +41,16 @@ class Step {
   std::int32_t line_ = 0;
 };
 
-/// Who runs: the name in error reports, the profile worked for (read when the error is reported),
-/// and whether the administrator is spared the box.
+/// A procedure, as error reports name it. `profileIndex` is read when an error is reported; `quiet`
+/// suppresses the error box.
 struct Procedure {
   std::string_view name;
   const std::int32_t& profileIndex;
   bool quiet = false;
 };
 
-/// Runs `body(step)` and hands whatever it throws to the handler, except Overtaken, which ends it
-/// silently. Returns whether it ran to its end.
+/// Runs `body(step)` and passes anything it throws to the handler, except Overtaken, which ends it
+/// silently. Returns true if the body ran to its end.
 template <class Body>
 bool Guard(ErrorHandler& handler, const Procedure& procedure, Body&& body) {
   Step step;
@@ -66,8 +66,9 @@ bool Guard(ErrorHandler& handler, const Procedure& procedure, Body&& body) {
   }
 }
 
-/// Runs one statement; an error of these numbers makes the procedure go on with its next statement,
-/// any other passes on. Returns whether the statement ran to its end.
+/// Runs one statement. Drops an error with one of these numbers, so that the procedure goes on with
+/// its next statement; any other error passes through. Returns true if the statement ran to its
+/// end.
 template <class Statement>
 bool ResumeNext(std::initializer_list<ErrorNumber> numbers, Statement&& statement) {
   try {
@@ -81,7 +82,8 @@ bool ResumeNext(std::initializer_list<ErrorNumber> numbers, Statement&& statemen
   }
 }
 
-/// Runs a statement; lets `complete(error)` add to an error's description before it passes on.
+/// Runs a statement. If it throws, rethrows a RuntimeError that `complete(error)` may have
+/// extended.
 template <class Statement, class Complete>
 void CompleteErrors(Statement&& statement, Complete&& complete) {
   try {

@@ -1,4 +1,4 @@
-// Start-up, and the host services that everything else reaches through it.
+// Start-up, and access to the host folder and the components.
 //
 // This room lies below the subsystems. They all use it; inside plugin/, which uses them all, it
 // would make a circle.
@@ -11,34 +11,34 @@
 
 namespace rotacasts {
 
-/// The plugin's own file name, as the host and the error log know it.
+/// The plugin's file name, for the host and the error log.
 inline constexpr const char* kModuleFile = "tvxRT.dll";
 
-/// Where whoever reads game servers has the memory component from.
+/// Gives the code that reads game servers its memory component.
 class MemorySource {
  public:
   virtual ~MemorySource() = default;
-  /// Error 91 while there is none.
+  /// Errors: 91 while there is none.
   virtual MemoryComponent& Memory() const = 0;
 };
 
-/// The host folder and the components, created once and held for the plugin's life. A component
-/// that could not be created stays unset; reaching for it raises error 91.
+/// The host folder and the components, created once and kept for the plugin's life. Utility() and
+/// Memory() raise error 91 if their component could not be created.
 class HostServices final : public MemorySource {
  public:
   explicit HostServices(Platform platform) : platform_(platform) {}
 
-  // The steps of start-up, in this order. Each raises what fails; what follows it stays undone.
-  /// Works out the host folder from the module's own folder.
+  // The steps of start-up, in order. If one raises an error, the rest are left out.
+  /// Derives the host folder from the module's folder.
   void FindHostFolder();
   void CreateUtility();
   void CreateMemory();
 
-  /// The host's installation folder, without a trailing backslash: the root of every path.
+  /// The host's installation folder, without a trailing backslash; every path starts with it.
   const std::string& HostFolder() const { return hostFolder_; }
   UtilityComponent& Utility() const;
   MemoryComponent& Memory() const override;
-  /// Created on first use. Error 429 when that fails; the next use tries again.
+  /// Created on first use. Errors: 429 if that fails; the next call tries again.
   FileSystemObject& FileSystem();
   LocalTime Now() const { return platform_.clock.Now(); }
   ModuleVersion Version() const { return platform_.module.Version(); }
@@ -54,8 +54,8 @@ class HostServices final : public MemorySource {
 
 /// "major.minor.revision", each in plain decimal.
 std::string FormatVersion(const ModuleVersion& version);
-/// The host folder of a plugin loaded from `moduleFolder`: every "\Plugins", then every "\plugins",
-/// then every "\dlls\Rotacasts" taken out, wherever it stands.
+/// The host folder of a plugin loaded from `moduleFolder`, which is this folder without every
+/// "\Plugins", then every "\plugins", then every "\dlls\Rotacasts".
 std::string HostFolderOf(const std::string& moduleFolder);
 
 }  // namespace rotacasts

@@ -1,4 +1,4 @@
-// A profile's memory map: where its game build keeps the values that are read.
+// A profile's memory map: where its game build keeps the values that the plugin reads.
 #pragma once
 
 #include <cstdint>
@@ -17,11 +17,11 @@ struct Location {
 class MemoryMap {
  public:
   MemoryMap() = default;
-  /// The rows are the address table's own and outlive the map.
+  /// `locations` is part of the address table and must outlive the map.
   explicit MemoryMap(std::span<const Location> locations) : locations_(locations) {}
 
   bool Holds(std::string_view name) const { return Find(name) != nullptr; }
-  /// The address of a location. Error 5, naming the location, when the map does not hold it.
+  /// The address of a location. Errors: 5, naming the location, if the map lacks it.
   std::int32_t Address(std::string_view name) const;
   bool IsEmpty() const { return locations_.empty(); }
   std::span<const Location> All() const { return locations_; }

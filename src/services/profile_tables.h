@@ -1,4 +1,4 @@
-// What the plugin keeps of every profile, in process memory only.
+// What the plugin keeps for each profile, in memory only.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace rotacasts {
 
-/// What the plugin keeps of a host's profile data array.
+/// What the plugin keeps of a profile's data array.
 struct ProfileRecord {
   std::string Data5;
   std::string GameCode;
@@ -25,9 +25,9 @@ struct ProfileRecord {
   bool operator==(const ProfileRecord&) const = default;
 };
 
-/// What has happened to a profile so far, counted. A component call and a message box run a message
-/// loop, in which the host and the timers go on; work that was waiting there compares the counts
-/// with those of its beginning.
+/// Counts what has happened to a profile. During a component call or a message box the host and the
+/// timers go on, because both run a message loop. Work that waited there compares these counts with
+/// those from its start.
 struct ProfileEvents {
   std::uint32_t stops = 0;  // by DisableProfile, or with every other profile by UnLoadInterface
   std::uint32_t loads = 0;  // by LoadInterface, or by GetMessagesRem with other data
@@ -35,14 +35,14 @@ struct ProfileEvents {
   bool operator==(const ProfileEvents&) const = default;
 };
 
-/// The per-profile tables, indexed by profile index, and the current window profile. Access beyond
-/// a table's bounds raises error 9.
+/// The per-profile tables, indexed by profile index, and the current window profile. Errors: 9
+/// beyond a table's bounds.
 struct ProfileTables {
   Table<ProfileRecord> Profiles;
-  /// Full paths of the message files; empty for a profile that is not set up.
+  /// Full paths of the message files; empty if the profile is not set up.
   Table<std::string> MessageFiles;
   Table<MemoryMap> MemoryMaps;
-  /// Zero-based position, in the message list, of the next message to send.
+  /// Position of the next message in the message list, from 0.
   Table<std::int32_t> NextMessage;
   /// Timer ticks counted since the last send.
   Table<std::int32_t> ElapsedTicks;
@@ -50,11 +50,11 @@ struct ProfileTables {
   /// By profile index. Unlike the tables it has no bounds and is never reset.
   std::map<std::int32_t, ProfileEvents> Events;
 
-  /// The profile that the settings window shows and edits; 0 before the first.
+  /// The profile that the settings window shows and edits; 0 before the first one.
   std::int32_t currentWindowProfile = 0;
 };
 
-/// The elements of a host's profile data array that are read.
+/// Indexes into a profile's data array.
 namespace pdat {
 inline constexpr std::size_t kData0 = 0;
 inline constexpr std::size_t kGameCode = 1;
@@ -66,7 +66,7 @@ inline constexpr std::size_t kMessageTarget = 6;
 inline constexpr std::size_t kProfileFolder = 7;
 inline constexpr std::size_t kAdministrator = 10;  // name of the remote administrator
 inline constexpr std::size_t kSharedLog = 11;      // True: log below the host folder
-inline constexpr std::size_t kAreaHeight = 12;     // of the host's plugin area, twips
+inline constexpr std::size_t kAreaHeight = 12;     // of the host's plugin area, in twips
 inline constexpr std::size_t kAreaWidth = 13;
 inline constexpr std::size_t kSize = 14;
 }  // namespace pdat

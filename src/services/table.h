@@ -9,14 +9,14 @@
 
 namespace rotacasts {
 
-/// An array from 0 to an upper bound, or without bounds until it is sized. An element that was
-/// never written takes no room, so that a profile index of a billion costs no more than one of 1;
-/// and it keeps its address until the table drops it.
+/// An array from 0 to an upper bound; without bounds until it is sized. Only elements that were
+/// written take memory, so a profile index of a billion costs no more than 1. An element keeps its
+/// address until Resize drops it.
 template <class Element>
 class Table {
  public:
   bool HasBounds() const { return upperBound_.has_value(); }
-  /// The highest index. Error 9 while the table has no bounds.
+  /// The highest index. Errors: 9 while the table has no bounds.
   std::int32_t UpperBound() const {
     if (!upperBound_) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return *upperBound_;
@@ -29,9 +29,9 @@ class Table {
   /// Raises the upper bound, keeping every element.
   void GrowTo(std::int32_t upperBound) { upperBound_ = upperBound; }
 
-  /// The element, to write to. Error 9 beyond the bounds.
+  /// The element, for writing. Errors: 9 beyond the bounds.
   Element& operator()(std::int32_t index) { return elements_[WithinBounds(index)]; }
-  /// The element, to read: an empty one if it was never written. Error 9 beyond the bounds.
+  /// The element, for reading; an empty one if it was never written. Errors: 9 beyond the bounds.
   const Element& operator()(std::int32_t index) const {
     static const Element kEmpty{};
     const auto found = elements_.find(WithinBounds(index));
@@ -48,7 +48,7 @@ class Table {
   std::map<std::int32_t, Element> elements_;
 };
 
-/// Whether a table has bounds, whatever they are.
+/// Whether a table has bounds.
 template <class Element>
 bool ArrayInit(const Table<Element>& table) {
   return table.HasBounds();
