@@ -11,7 +11,7 @@
 
 namespace rotacasts::forms {
 
-/// Twips from the top-left corner of the container: a frame's rectangle or the client area.
+/// In twips, from the top-left corner of the container (a frame or the client area).
 struct Rectangle {
   std::int32_t left = 0;
   std::int32_t top = 0;
@@ -29,7 +29,7 @@ struct Colour {
 
 enum class Alignment { Left, Right, Centre };
 
-/// A mouse button pressed or released on a control. X and Y are twips from the control's corner.
+/// A mouse button pressed or released on a control. x and y are in twips from the control's corner.
 struct MouseEvent {
   static constexpr std::int16_t kLeft = 1;
   static constexpr std::int16_t kRight = 2;
@@ -44,8 +44,8 @@ enum class Kind { Frame, TextBox, CheckBox, ListBox, Label, Image };
 
 class CaptionedControl;
 
-/// What all controls share. A control lives as long as its form. An act of the user (a User...
-/// member) that arrives at a form which is no longer loaded does nothing.
+/// What all controls share. The User... members report what the user did; they do nothing while the
+/// form is not loaded. A control lives as long as its form.
 class Control {
  public:
   Control(Form& form, Kind kind, std::string name)
@@ -58,7 +58,7 @@ class Control {
   Kind GetKind() const { return kind_; }
   const std::string& Name() const { return name_; }
 
-  /// The frame that the control lies in; null for the form itself.
+  /// The frame that contains the control; null for the form itself.
   Control* Container() const { return container_; }
   void MoveInto(Control* container);
   const Rectangle& Bounds() const { return bounds_; }
@@ -67,40 +67,41 @@ class Control {
   void SetEnabled(bool enabled);
   bool IsVisible() const { return visible_; }
   void SetVisible(bool visible);
-  /// Places the control above every other of its container.
+  /// Puts the control in front of all others.
   void BringToFront();
   void SetFocus();
 
-  /// The back colour; none leaves it to the platform.
+  /// The background colour; without one the view chooses.
   std::optional<Colour> BackColour() const { return backColour_; }
   void SetBackColour(Colour colour);
-  /// The place in the window-wide tab order; -1 for none.
+  /// The place in the window's tab order; -1 for none.
   int TabIndex() const { return tabIndex_; }
   void SetTabIndex(int index) { tabIndex_ = index; }
-  /// The label or frame whose caption a person reads as the control's name; null for none. Set
-  /// before the form loads.
+  /// The label or frame whose caption names the control for the user; null for none. Set it before
+  /// the form loads.
   const CaptionedControl* LabelledBy() const { return labelledBy_; }
   void SetLabelledBy(const CaptionedControl* label) { labelledBy_ = label; }
-  /// Points, in the window's own font face. The size a label is given is the size it reports.
+  /// In points, in the form's font face. Returns the size that was set, even if a view shrinks the
+  /// text to fit.
   double FontSize() const { return fontSize_; }
   void SetFontSize(double points);
 
   std::function<void(const MouseEvent&)> onMouseDown;
   std::function<void(const MouseEvent&)> onMouseUp;
-  /// The press has ended without a release: the platform gave the mouse to somebody else.
+  /// The press ended without a release because the platform gave the mouse to another window.
   std::function<void()> onPressLost;
   void UserPressed(const MouseEvent& event);
-  /// A release belongs to the control and the button that took the press; any other does nothing.
+  /// Raises onMouseUp only for a button that was pressed on this control.
   void UserReleased(const MouseEvent& event);
   void UserLostPress();
-  /// The buttons that are held down on the control, added up.
+  /// The buttons held down on the control, added up.
   std::int16_t PressedButtons() const { return pressedButtons_; }
 
  protected:
   FormView* View() const;
   bool TakesActs() const { return View() != nullptr; }
   void Changed(Property property);
-  /// Calls a handler; the form stays alive until it returns, whatever the handler does to it.
+  /// Calls the handler, if there is one, and keeps the form alive until it returns.
   template <class Handler, class... Arguments>
   void Raise(const Handler& handler, const Arguments&... arguments);
 
@@ -148,7 +149,7 @@ class Label final : public CaptionedControl {
   bool transparent_ = false;
 };
 
-/// A picture, drawn in the control's size when stretched.
+/// A picture; if stretched, it is drawn in the control's size.
 class Image final : public Control {
  public:
   Image(Form& form, std::string name) : Control(form, Kind::Image, std::move(name)) {}
@@ -156,7 +157,7 @@ class Image final : public Control {
   void SetStretched(bool stretched);
   /// The file shown; empty for none.
   const std::string& Picture() const { return picture_; }
-  /// Errors: 53 for a missing file, 481 for one that is no picture.
+  /// Errors: 53 if the file is missing, 481 if it is not a picture.
   void LoadPicture(const std::string& path);
 
  private:
@@ -170,16 +171,16 @@ class TextBox final : public Control {
   TextBox(Form& form, std::string name) : Control(form, Kind::TextBox, std::move(name)) {}
 
   const std::string& Text() const { return text_; }
-  /// Sets the text and raises the change event if it differs. The typing limit does not bind here.
+  /// Sets the text and raises onChange if it differs. MaxLength does not apply.
   void SetText(std::string text);
-  /// Characters that the user can type; 0 for no limit.
+  /// The number of characters that the user can type; 0 for no limit.
   std::size_t MaxLength() const { return maxLength_; }
   void SetMaxLength(std::size_t characters) { maxLength_ = characters; }
   /// What the user has selected.
   TextSelection Selection() const;
 
   std::function<void()> onChange;
-  /// The user changed the text, by whatever means the backend offers.
+  /// The user changed the text.
   void UserChangedText(std::string text) {
     if (TakesActs()) SetText(std::move(text));
   }
@@ -195,9 +196,9 @@ class CheckBox final : public Control {
   CheckBox(Form& form, std::string name) : Control(form, Kind::CheckBox, std::move(name)) {}
 
   std::int16_t Value() const { return value_; }
-  /// Sets the value and raises the click event if it differs. Error 380 for any other value.
+  /// Sets the value and raises onClick if it differs. Errors: 380 unless it is 0, 1 or 2.
   void SetValue(std::int16_t value);
-  /// Raises error 380 for a value that no check box accepts.
+  /// Errors: 380 unless the value is 0, 1 or 2.
   static void RequireValue(std::int16_t value);
 
   std::function<void()> onClick;
@@ -210,8 +211,8 @@ class CheckBox final : public Control {
   std::int16_t value_ = 0;
 };
 
-/// A list with single selection, in the order in which items were added; every item carries a
-/// number besides its text. A row out of range raises error 380.
+/// A single-selection list in insertion order. Each item has a text and a number. Errors: 380 for a
+/// row out of range.
 class ListBox final : public Control {
  public:
   static constexpr std::int32_t kNone = -1;
@@ -237,7 +238,7 @@ class ListBox final : public Control {
   void UserSelected(std::int32_t row) {
     if (TakesActs()) selectedRow_ = row;
   }
-  /// The row as a place in Items(), or error 380.
+  /// The row as an index into Items(). Errors: 380 if it is out of range.
   std::size_t Checked(std::int32_t row) const;
 
  private:

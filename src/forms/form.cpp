@@ -120,7 +120,7 @@ void Form::Unload() {
   const std::shared_ptr<Form> keepAlive = KeepAlive();
   timers_.UnloadAll();
   visible_ = false;
-  // Taken out first: an event that arrives while the windows go finds an unloaded form.
+  // Cleared first, so that an event during the destruction finds an unloaded form.
   if (const std::shared_ptr<FormView> last = std::exchange(view_, nullptr)) last->Close();
 }
 

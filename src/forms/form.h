@@ -1,4 +1,4 @@
-// A form: its controls, menus and timer array, and its life from loading to unloading.
+// A form: its controls, menus and timers, and its life from loading to unloading.
 #pragma once
 
 #include <cstdint>
@@ -13,14 +13,14 @@
 
 namespace rotacasts::forms {
 
-/// An item of a menu; with items of its own it is a (sub)menu. A caption of "-" is a separator.
+/// A menu item; one with items of its own is a (sub)menu. The caption "-" makes a separator.
 class MenuItem {
  public:
   MenuItem(Form& form, std::string itemName, std::string itemCaption)
       : name(std::move(itemName)), caption(std::move(itemCaption)), form_(form) {}
 
   bool IsSeparator() const { return caption == "-"; }
-  /// The user chose the item; does nothing while it is disabled, and once its form is unloaded.
+  /// The user chose the item. Does nothing if it is disabled or its form is not loaded.
   void UserClicked();
 
   const std::string name;
@@ -40,26 +40,26 @@ struct Timer {
   bool enabled = false;
 };
 
-/// A control array of timers. Element 0 exists from the start, disabled; the others are loaded and
+/// A control array of timers. Element 0 always exists, disabled at first; the others are loaded and
 /// unloaded at run time.
 class TimerArray {
  public:
   explicit TimerArray(Form& form) : form_(form) {}
 
-  /// Error 360 when the element exists.
+  /// Adds an element. Errors: 360 if it exists.
   void Load(std::int16_t index);
-  /// Error 340 when the element does not exist, 362 for element 0.
+  /// Removes an element and stops it. Errors: 340 if it does not exist, 362 for element 0.
   void Unload(std::int16_t index);
-  /// Error 340 when the element does not exist. Setting what an element holds already leaves the
-  /// period that runs alone.
+  /// Setting the value that an element already has does not restart its period. Errors, also of the
+  /// next two: 340 if the element does not exist.
   void SetInterval(std::int16_t index, std::int32_t milliseconds);
   void SetEnabled(std::int16_t index, bool enabled);
   const Timer& At(std::int16_t index) const;
   const std::map<std::int16_t, Timer>& Elements() const { return elements_; }
 
   std::function<void(std::int16_t)> onTimer;
-  /// The element's period has passed. A tick that arrives late, for an element that has been
-  /// stopped or unloaded meanwhile, is dropped.
+  /// The element's period has passed. Ignored if the element was stopped or unloaded in the
+  /// meantime.
   void Tick(std::int16_t index);
 
  private:
@@ -72,7 +72,7 @@ class TimerArray {
   std::map<std::int16_t, Timer> elements_{{std::int16_t{0}, Timer{}}};
 };
 
-/// What a form shows of itself.
+/// A form's size, colour and font.
 struct FormLook {
   std::int32_t clientWidth = 0;  // twips
   std::int32_t clientHeight = 0;
@@ -81,9 +81,9 @@ struct FormLook {
   double fontSize = 0;  // points
 };
 
-/// A window. Made with std::make_shared; an event keeps it alive until its handler has returned.
-/// Loading makes its view and raises the load event; from unloading on it is a shell whose controls
-/// can still be touched without effect, for handlers that were waiting inside a modal box.
+/// A window. Load creates its view and calls OnLoad. Unload leaves a shell: handlers that were
+/// waiting in a modal box can still use the controls, without effect. An event keeps the form alive
+/// until its handler returns, so a form must be made with std::make_shared.
 class Form : public std::enable_shared_from_this<Form> {
  public:
   Form(Toolkit& toolkit, std::string name, FormLook look)
@@ -96,7 +96,7 @@ class Form : public std::enable_shared_from_this<Form> {
   const std::string& Name() const { return name_; }
   const FormLook& Look() const { return look_; }
 
-  /// Adds a control of class T to the form; it lies on the form itself until it is moved.
+  /// Adds a control of class T; it lies directly on the form until it is moved.
   template <class T>
   T& Add(std::string name) {
     auto control = std::make_unique<T>(*this, std::move(name));
@@ -104,9 +104,9 @@ class Form : public std::enable_shared_from_this<Form> {
     Adopt(std::move(control));
     return added;
   }
-  /// The control of that name, case-sensitively; null when there is none.
+  /// The control of that name (case-sensitive); null if there is none.
   Control* Find(std::string_view name) const;
-  /// The control of that name as its class. Error 91 when there is none of that name and class.
+  /// The control of that name and class. Errors: 91 if there is none.
   template <class T>
   T& Get(std::string_view name) const;
   /// In creation order.
@@ -115,7 +115,7 @@ class Form : public std::enable_shared_from_this<Form> {
   const std::vector<Control*>& StackingOrder() const { return stackingOrder_; }
 
   MenuItem& AddMenu(std::string name, std::string caption, MenuItem* parent);
-  /// Error 91 when there is no such item at any level.
+  /// The item of that name, at any level. Errors: 91 if there is none.
   MenuItem& Menu(std::string_view name);
   void PopUp(MenuItem& menu);
 
@@ -126,14 +126,14 @@ class Form : public std::enable_shared_from_this<Form> {
   void Unload();
   WindowHandle Handle() const;
   bool IsVisible() const { return visible_; }
-  /// Modeless. Error 401 while a message box is open.
+  /// Shows the form modelessly. Errors: 401 while a message box is open.
   void Show();
   void Hide();
   Control* Focused() const { return focused_; }
 
-  /// The platform destroyed the window from outside, for instance with its parent.
+  /// The platform destroyed the window, for instance together with its parent.
   void ViewDestroyed() { Unload(); }
-  /// Keeps the form alive while the result lives.
+  /// Keeps the form alive as long as the result exists.
   std::shared_ptr<Form> KeepAlive() { return weak_from_this().lock(); }
 
   std::intptr_t Send(Control& control, std::uint32_t message, std::uintptr_t wParam,
@@ -141,7 +141,7 @@ class Form : public std::enable_shared_from_this<Form> {
 
  protected:
   virtual void OnLoad() {}
-  /// Adds the menus, when one is first asked for: a window whose menus nobody opens holds none.
+  /// Adds the menus. Called when a menu is first used, because most windows never open one.
   virtual void MakeMenus() {}
 
  private:

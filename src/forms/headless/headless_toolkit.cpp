@@ -7,7 +7,7 @@ namespace {
 
 using namespace forms;
 
-/// A form without pixels: keeps its running timers, and asks the toolkit what a screen would know.
+/// A view without a screen: runs the form's timers and passes everything else to the toolkit.
 class HeadlessView final : public FormView {
  public:
   HeadlessView(HeadlessToolkit& toolkit, Form& form, WindowHandle handle)
@@ -56,7 +56,7 @@ class HeadlessView final : public FormView {
   }
 
  private:
-  /// Timers of several forms share a loop: a form's handle and the element make one number.
+  /// Several forms share a loop, so the identifier combines the form's handle and the element.
   TimerLoop::Id TimerId(std::int16_t index) const { return handle_ * 0x10000 + index; }
 
   HeadlessToolkit& toolkit_;

@@ -1,7 +1,7 @@
-// The form toolkit without pixels: forms work, nothing is drawn.
+// The form toolkit without a screen: forms work, nothing is drawn.
 //
-// Message boxes go to a function, popup menus ask a function for the choice, the messages to the
-// controls' windows go to a function, and timers run in a TimerLoop.
+// Message boxes, popup menus and messages to the controls' windows go to functions that the owner
+// sets; timers run in a TimerLoop.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@
 
 namespace rotacasts::headless {
 
-/// Where a window lies: what MoveWindow and SetParent were told last.
+/// Where a window is: the last arguments of MoveWindow and SetParent.
 struct Placement {
   std::int32_t x = 0;
   std::int32_t y = 0;
@@ -34,20 +34,19 @@ struct WindowMessage {
 
 class HeadlessToolkit final : public forms::Toolkit {
  public:
-  /// The timers are the caller's and outlive the toolkit.
+  /// `timers` must outlive the toolkit.
   explicit HeadlessToolkit(TimerLoop& timers) : timers_(timers) {}
 
-  /// Shows a message box; returns when it is answered. Without one, boxes are answered at once.
+  /// Shows a message box and returns when it is answered. If unset, boxes are answered at once.
   std::function<void(const std::string& text, const std::string& title)> onMessageBox;
-  /// Chooses an item of a popup menu, or null to close it. Without one, menus close at once.
+  /// Chooses an item of a popup menu; null closes the menu. If unset, menus close at once.
   std::function<forms::MenuItem*(forms::MenuItem& menu)> onPopUp;
-  /// Checks a picture file; raises 53 or 481. Without one, every picture is accepted.
+  /// Checks a picture file. Errors: 53, 481. If unset, every picture is accepted.
   std::function<void(const std::string& path)> onLoadPicture;
-  /// Carries out a message to a control's window and answers it. Without one, nothing happens and
-  /// the answer is 0.
+  /// Handles a message to a control's window and answers it. If unset, the answer is 0.
   std::function<std::intptr_t(forms::Control& control, const WindowMessage& message)> onSend;
 
-  /// The display that there would be.
+  /// The resolution of the screen that the forms believe in.
   forms::TwipsPerPixel screen;
 
   std::shared_ptr<forms::FormView> CreateView(forms::Form& form) override;

@@ -32,10 +32,10 @@ int TimerLoop::RunDue(Clock::time_point now) {
   int ran = 0;
   for (const auto& [when, id] : due) {
     const auto found = timers_.find(id);
-    if (found == timers_.end() || found->second.due != when) continue;  // stopped or started again
+    if (found == timers_.end() || found->second.due != when) continue;  // stopped or restarted
     Entry& entry = found->second;
     entry.due = std::max(entry.due + entry.interval, now + Clock::duration(1));
-    const std::function<void()> callback = entry.callback;  // outlives a Stop from within
+    const std::function<void()> callback = entry.callback;  // survives a Stop by the callback
     callback();
     ++ran;
   }

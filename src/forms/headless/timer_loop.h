@@ -1,4 +1,4 @@
-// Timers for programs without a window system: what is due when, and running it.
+// Timers for programs without a window system.
 #pragma once
 
 #include <chrono>
@@ -9,8 +9,8 @@
 
 namespace rotacasts::headless {
 
-/// Runs callbacks at intervals. The owner waits until NextDue() by its own means and then calls
-/// RunDue(). A minute can be given another length, so that a long run can be watched.
+/// Runs callbacks at intervals. The owner waits until NextDue() and then calls RunDue(). A minute
+/// can be shortened, so that a long run can be watched.
 class TimerLoop {
  public:
   using Clock = std::chrono::steady_clock;
@@ -18,16 +18,15 @@ class TimerLoop {
 
   explicit TimerLoop(std::chrono::nanoseconds minute = std::chrono::minutes(1)) : minute_(minute) {}
 
-  /// Starts the timer, from now on, or starts it again with another interval (milliseconds, at
-  /// least 1, stretched by the length of a minute).
+  /// Starts or restarts the timer. `milliseconds`, at least 1, is scaled to the length of a minute.
   void Start(Id id, std::int32_t milliseconds, std::function<void()> callback,
              Clock::time_point now = Clock::now());
   void Stop(Id id) { timers_.erase(id); }
 
-  /// When the next timer is due; nothing while none runs.
+  /// When the next timer is due; nullopt if none is running.
   std::optional<Clock::time_point> NextDue() const;
-  /// Runs every timer that is due, the longest due first; returns how many ran. Periods missed
-  /// meanwhile are dropped, not caught up on. A callback may start and stop any timer.
+  /// Runs every timer that is due, the longest overdue first; returns how many ran. Missed periods
+  /// are dropped. A callback may start and stop any timer.
   int RunDue(Clock::time_point now = Clock::now());
 
  private:

@@ -9,12 +9,11 @@
 
 namespace rotacasts::win32 {
 
-/// Annotates windows with names for accessibility clients. Where the system has no such service
-/// nothing happens.
+/// Gives windows names for accessibility clients. Does nothing if the system has no such service.
 class AccessibleNames {
  public:
   void Give(HWND window, std::string_view name);
-  /// Takes a window's name back, before the window goes.
+  /// Removes the window's name. Call it before the window is destroyed.
   void Take(HWND window);
 
  private:

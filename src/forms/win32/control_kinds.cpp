@@ -1,4 +1,5 @@
-// The kinds of controls: each with how its window is made, what it shows and what it tells.
+// The window of each kind of control: how it is created, what it shows, which notifications it
+// handles.
 
 #include "base/runtime_error.h"
 #include "forms/win32/control_window.h"
@@ -10,7 +11,7 @@ namespace {
 
 using namespace forms;
 
-/// A window whose model is of a known class.
+/// A control window that knows the class of its model.
 template <class ModelClass>
 class WindowOf : public ControlWindow {
  public:
@@ -69,10 +70,11 @@ class CheckBoxWindow final : public WindowOf<CheckBox> {
   Making How() const override { return {L"BUTTON", BS_3STATE | WS_TABSTOP, 0}; }
   void Fill() override { Changed(Property::Value); }
 
-  /// Around its caption a check box marks the focus by itself; here there is none.
+  /// A check box draws the focus mark around its caption. This one has no caption, so it is drawn
+  /// here.
   LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam) override {
     const HWND window = Window();
-    if (message == WM_PAINT) Redraw();  // all of it, for the mark inverts what lies below
+    if (message == WM_PAINT) Redraw();  // all of it, because the mark inverts what is below
     const LRESULT result = ControlWindow::Handle(message, wParam, lParam);
     switch (message) {
       case WM_PAINT:
@@ -84,7 +86,7 @@ class CheckBoxWindow final : public WindowOf<CheckBox> {
       case WM_ENABLE:
       case BM_SETCHECK:
       case BM_SETSTATE:
-        ::InvalidateRect(window, nullptr, TRUE);  // drawn by then without the mark
+        ::InvalidateRect(window, nullptr, TRUE);  // it was just drawn without the mark
         break;
       default:
         break;
@@ -154,7 +156,7 @@ class LabelWindow final : public WindowOf<Label> {
  public:
   using WindowOf::WindowOf;
   void Changed(Property property) override {
-    // Alignment and parent are fixed when the window is made.
+    // Alignment and parent are fixed when the window is created.
     if (property == Property::Look) return view_.Make(model_);
     ControlWindow::Changed(property);
     if (property == Property::Text) Changed(Property::Font);
@@ -173,13 +175,13 @@ class LabelWindow final : public WindowOf<Label> {
             SS_NOTIFY | SS_NOPREFIX | kAlignments[static_cast<int>(model_.GetAlignment())], 0};
   }
   std::string Text() const override { return model_.Caption(); }
-  /// A transparent label over an image lies in the image's window, whose pixels it shows through.
+  /// A transparent label over an image is a child of its window, so that the image shows through.
   HWND Parent() const override {
     const HWND image = model_.IsTransparent() ? view_.ImageBeneath(model_) : nullptr;
     return image != nullptr ? image : ControlWindow::Parent();
   }
-  /// Smaller by whole pixels where the line of text would not fit: a font of the same name does not
-  /// have the same width everywhere. The window is laid out for Windows' Tahoma; Wine's is wider.
+  /// Shrinks the font by whole pixels until the line fits. The window is laid out for Windows'
+  /// Tahoma, and Wine's is wider.
   HFONT Font() const override {
     constexpr double kTwipsPerPoint = 20;
     constexpr double kSmallest = 6;  // points
@@ -215,7 +217,7 @@ class ImageWindow final : public WindowOf<Image> {
         Paint();
         return 0;
       case WM_ERASEBKGND:
-        return TRUE;  // painted all over
+        return TRUE;  // WM_PAINT covers everything
       case WM_CTLCOLORSTATIC:
         return view_.ColourOf(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
       default:
@@ -231,7 +233,7 @@ class ImageWindow final : public WindowOf<Image> {
     if (picture_.IsLoaded()) {
       ::FillRect(context, &area, view_.Brush(ToColorRef(view_.BackColour())));
       picture_.Draw(context, area);
-    } else {  // without its picture an image button is still seen to be one
+    } else {  // draws a button, so that it can be found without its picture
       ::DrawFrameControl(context, &area, DFC_BUTTON, DFCS_BUTTONPUSH);
     }
     ::EndPaint(Window(), &paint);

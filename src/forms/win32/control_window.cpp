@@ -74,7 +74,7 @@ void ControlWindow::Arrange() const {
   }
   ::MoveWindow(window_, area.left, area.top, area.right - area.left, area.bottom - area.top, TRUE);
   if (parent != view_.Window()) {
-    ::InvalidateRect(parent, nullptr, TRUE);  // the picture shows through
+    ::InvalidateRect(parent, nullptr, TRUE);  // the image shows through
   }
 }
 
@@ -105,7 +105,8 @@ void ControlWindow::Changed(Property property) {
   }
 }
 
-/// A control that is hidden for a while keeps the keyboard's focus.
+/// A control that had the keyboard focus when it was hidden gets it back, unless another has it
+/// now.
 void ControlWindow::SetVisible(bool visible) {
   if (!visible) hidWithFocus_ = ::GetFocus() == window_;
   ::ShowWindow(window_, visible ? SW_SHOWNA : SW_HIDE);
@@ -148,7 +149,7 @@ LRESULT ControlWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     return 0;  // the control's own menu has been shown
   }
   if (!HandleMouse(message, lParam)) return byDefault();
-  // A right press is the model's alone; after any other the control does what it does.
+  // The right button belongs to a model that has a menu; any other goes on to the control.
   const bool isRight = message == WM_RBUTTONDOWN || message == WM_RBUTTONUP;
   if ((isRight && hasMenu) || ::IsWindow(window) == FALSE) return 0;
   return byDefault();
@@ -172,7 +173,8 @@ bool ControlWindow::HandleMouse(UINT message, LPARAM lParam) {
   const TwipsPerPixel screen = view_.Toolkit().ScreenTwipsPerPixel();
   const MouseEvent event{row->button, static_cast<float>(GET_X_LPARAM(lParam) * screen.horizontal),
                          static_cast<float>(GET_Y_LPARAM(lParam) * screen.vertical)};
-  // What receives a press receives its release, wherever the pointer is by then.
+  // Standard controls capture the mouse themselves. The others capture it here, so that a release
+  // reaches them wherever the pointer is.
   const bool captures = !IsReachedByTab();
   if (row->pressed) {
     if (captures) {

@@ -1,4 +1,4 @@
-// A control on the screen: what the windows of all kinds of controls share.
+// What the windows of all kinds of controls share.
 #pragma once
 
 #include <memory>
@@ -11,8 +11,8 @@ namespace rotacasts::win32 {
 
 class Win32FormView;
 
-/// Mirrors a control's model to a window and brings the user's acts back. A kind says how its
-/// window is made and what is its own. The form view outlives its control windows.
+/// Mirrors a control's model to a window and reports what the user does. Derived classes define how
+/// a kind's window is created and how it differs. The form view outlives its control windows.
 class ControlWindow {
  public:
   ControlWindow(Win32FormView& view, forms::Control& control) : view_(view), control_(control) {}
@@ -20,38 +20,39 @@ class ControlWindow {
   ControlWindow(const ControlWindow&) = delete;
   ControlWindow& operator=(const ControlWindow&) = delete;
 
-  /// Makes the window, again if there is one, with this child identifier. Raises error 7 when the
-  /// system has none left.
+  /// Creates the window with this child identifier, replacing the old one if there is one. Errors:
+  /// 7 if the system has no window left.
   void Create(int id);
-  /// The window is gone with its form.
+  /// The window was destroyed together with its form.
   virtual void Gone() { window_ = nullptr; }
   HWND Window() const { return window_; }
   forms::Control& Model() const { return control_; }
 
-  /// Whether Tab reaches the control; and whether it lies behind the controls it frames.
+  /// Whether the Tab key reaches the control, and whether it lies behind the controls that it
+  /// frames.
   virtual bool IsReachedByTab() const { return false; }
   virtual bool LiesBehind() const { return false; }
 
   /// A property of the model has changed.
   virtual void Changed(forms::Property property);
-  /// The window has told its parent of something, by its notification code.
+  /// The window sent its parent this notification code.
   virtual void Notified(WORD) {}
-  // What a list's model has done to its items, and the picture of an image.
+  // A list's items or an image's picture have changed.
   virtual void ItemsCleared() {}
   virtual void ItemAdded() {}
   virtual void ItemChanged(std::int32_t) {}
-  /// Errors as FormView has them.
+  /// Errors: as FormView::LoadPicture.
   virtual void LoadPicture(const std::string&) {}
-  /// Prepares the drawing of the control and returns the brush of its back. Black on the form's
-  /// light colours, whatever the system's text colour is.
+  /// Sets the colours for drawing the control and returns its background brush. The text is black
+  /// whatever the system's text colour is, because the form's colours are light.
   virtual HBRUSH Colour(HDC context) const;
 
-  /// The class of windows that image controls are.
+  /// The window class of image controls.
   static const wchar_t* const kPictureClass;
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
  protected:
-  /// How a window is made.
+  /// How a window is created.
   struct Making {
     const wchar_t* windowClass;
     DWORD style;
@@ -62,7 +63,7 @@ class ControlWindow {
   /// The text that the window shows.
   virtual std::string Text() const { return {}; }
   virtual HFONT Font() const;
-  /// Shows what the model holds besides its text, in a new window.
+  /// Copies what the model holds, except its text, to a new window.
   virtual void Fill() {}
   virtual LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -77,7 +78,7 @@ class ControlWindow {
   void Arrange() const;
   void SetVisible(bool visible);
   bool HandleKey(UINT message, WPARAM key) const;
-  /// Raises a mouse event on the model; whether the message was one.
+  /// Raises a mouse event on the model. Returns false if the message is not about a mouse button.
   bool HandleMouse(UINT message, LPARAM lParam);
 
   forms::Control& control_;
@@ -87,7 +88,7 @@ class ControlWindow {
   bool hidWithFocus_ = false;
 };
 
-/// The window of a control's kind.
+/// Makes the window object for the control's kind.
 std::unique_ptr<ControlWindow> MakeControlWindow(Win32FormView& view, forms::Control& control);
 
 }  // namespace rotacasts::win32

@@ -15,7 +15,7 @@ namespace {
 using namespace forms;
 
 constexpr const wchar_t* kFormClass = L"rotacasts.form";
-constexpr int kFirstControlId = 1000;  // above the identifiers that dialogs give a meaning
+constexpr int kFirstControlId = 1000;  // above the identifiers that have a meaning in dialogs
 
 WPARAM TimerId(std::int16_t index) {
   return static_cast<WPARAM>(static_cast<std::uint16_t>(index));
@@ -125,8 +125,8 @@ void Win32FormView::Make(Control& control) {
   window->Create(kFirstControlId + static_cast<int>(place - all.begin()));
 }
 
-/// Piles the windows up: what can be reached by Tab first and in its order, which is the order that
-/// a host's dialog keys follow, each after its label; the frames last.
+/// Orders the windows: first those that Tab reaches, in tab order and each after its label, because
+/// a host's dialog keys follow this order; the frames last.
 void Win32FormView::Stack() {
   std::map<const Control*, int> ranks;
   constexpr int kOther = 1000;
@@ -284,9 +284,9 @@ LRESULT Win32FormView::ColourOf(HDC context, HWND window) {
   return reinterpret_cast<LRESULT>(back);
 }
 
-/// The window is gone, by the form's own doing or by its parent's.
+/// The window was destroyed, by the form or together with its parent.
 void Win32FormView::Destroyed() {
-  if (menuIsOpen_) ::EndMenu();  // its keys went to the window
+  if (menuIsOpen_) ::EndMenu();  // its key messages went to the window
   window_ = nullptr;
   for (const auto& [model, control] : controls_) control->Gone();
   fonts_.Free();

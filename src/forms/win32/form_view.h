@@ -15,22 +15,22 @@ namespace rotacasts::win32 {
 
 class Win32Toolkit;
 
-/// Mirrors a form's model to standard controls and brings the user's acts back to it. All controls
-/// are children of the form's window, whatever frame they lie in; a frame is a group box behind
-/// them. A transparent label over an image is a child of the image's window. What Windows refuses
-/// after the windows are made is passed over: the model is the truth.
+/// Mirrors a form's model to standard controls and reports what the user does. All controls are
+/// children of the form's window, even inside a frame, which is a group box behind them; only a
+/// transparent label over an image is a child of the image's window. Windows' errors after the
+/// creation are ignored because the model is authoritative.
 class Win32FormView final : public forms::FormView,
                             public std::enable_shared_from_this<Win32FormView> {
  public:
   Win32FormView(Win32Toolkit& toolkit, forms::Form& form);
   ~Win32FormView() override;
 
-  /// Registers the window classes for the module, once; and takes them back.
+  /// Registers and unregisters the module's window classes.
   static void RegisterClasses(HINSTANCE module);
   static void UnregisterClasses(HINSTANCE module);
 
-  /// Makes the windows. Raises error 7 when the system has none left. Apart from the constructor,
-  /// for the windows refer to a view that is shared already.
+  /// Creates the windows. Not part of the constructor because the windows need a view that is
+  /// already shared. Errors: 7 if the system has no window left.
   void CreateWindows();
 
   void Close() override;
@@ -49,7 +49,7 @@ class Win32FormView final : public forms::FormView,
   std::intptr_t Send(forms::Control& control, std::uint32_t message, std::uintptr_t wParam,
                      std::intptr_t lParam) override;
 
-  // What the control windows need of the form's window.
+  // For the control windows.
   Win32Toolkit& Toolkit() const { return toolkit_; }
   HWND Window() const { return window_; }
   forms::Colour BackColour() const { return form_.Look().backColour; }
@@ -58,14 +58,14 @@ class Win32FormView final : public forms::FormView,
   AccessibleNames& Names() { return names_; }
   /// A control's rectangle on the form's window.
   RECT PixelBounds(const forms::Control& control) const;
-  /// The window of the image that a label lies on; null without one.
+  /// The window of the image below a label; null if there is none.
   HWND ImageBeneath(const forms::Label& label) const;
-  /// Makes the control's window, again if it has one.
+  /// Creates the control's window, replacing the old one if there is one.
   void Make(forms::Control& control);
   void FocusNext(const ControlWindow& from, bool backwards);
-  /// The brush that a control, given by its window, is drawn on.
+  /// Sets the text colours of the control with this window and returns its background brush.
   LRESULT ColourOf(HDC context, HWND control);
-  /// Keeps the view and its form alive while the result lives.
+  /// Keeps the view and its form alive as long as the result exists.
   using Alive = std::pair<std::shared_ptr<Win32FormView>, std::shared_ptr<forms::Form>>;
   Alive KeepAlive() { return {weak_from_this().lock(), form_.KeepAlive()}; }
 
@@ -74,7 +74,7 @@ class Win32FormView final : public forms::FormView,
   LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
   void Destroyed();
   void Stack();
-  /// A control's window while there is one; else null.
+  /// The control's window; null if there is none.
   ControlWindow* Of(const forms::Control& control) const;
   ControlWindow* Of(HWND window) const;
 

@@ -77,7 +77,7 @@ void Picture::Draw(HDC context, const RECT& area) const {
   OLE_YSIZE_HIMETRIC height = 0;
   picture_->get_Width(&width);
   picture_->get_Height(&height);
-  // The picture's own rows run from the bottom up.
+  // A picture's rows run from bottom to top.
   picture_->Render(context, area.left, area.top, area.right - area.left, area.bottom - area.top, 0,
                    height, width, -height, nullptr);
 }

@@ -13,7 +13,7 @@ namespace rotacasts::win32 {
 
 COLORREF ToColorRef(forms::Colour colour);
 
-/// The fonts of one face, made as they are needed and freed together.
+/// The fonts of one face, created on demand and freed together.
 class Fonts {
  public:
   explicit Fonts(std::string face) : face_(std::move(face)) {}
@@ -28,13 +28,12 @@ class Fonts {
   std::map<double, HFONT> fonts_;
 };
 
-/// The text of a window.
 std::string TextOf(HWND window);
 
 /// The width of a line of text, in pixels of the screen.
 LONG TextWidth(HFONT font, std::string_view text);
 
-/// Solid brushes, made as they are needed and freed together.
+/// Solid brushes, created on demand and freed together.
 class Brushes {
  public:
   Brushes() = default;
@@ -48,12 +47,12 @@ class Brushes {
   std::map<COLORREF, HBRUSH> brushes_;
 };
 
-/// A picture read from a file, which is not kept open.
+/// A picture loaded from a file, which is not kept open.
 class Picture {
  public:
-  /// Error 53 for a missing file, 481 for one that is no picture; what was loaded before stays.
+  /// Errors: 53 if the file is missing, 481 if it is not a picture (the old picture stays).
   void Load(const std::string& path);
-  /// Draws the picture over the rectangle; nothing without one.
+  /// Draws the picture in the size of the rectangle; does nothing without a picture.
   void Draw(HDC context, const RECT& area) const;
   bool IsLoaded() const { return static_cast<bool>(picture_); }
 

@@ -7,7 +7,7 @@
 namespace rotacasts::win32 {
 namespace {
 
-/// A menu of the platform while it is shown.
+/// A platform menu while it is shown.
 class ShownMenu {
  public:
   explicit ShownMenu(forms::MenuItem& menu) : handle_(Build(menu)) {}
@@ -15,7 +15,7 @@ class ShownMenu {
   ShownMenu& operator=(const ShownMenu&) = delete;
   ~ShownMenu() { ::DestroyMenu(handle_); }
 
-  /// The item that was chosen, or null.
+  /// Shows the menu; returns the chosen item or null.
   forms::MenuItem* Run(HWND owner) const {
     POINT pointer;
     ::GetCursorPos(&pointer);
@@ -46,7 +46,7 @@ class ShownMenu {
     return handle;
   }
 
-  std::vector<forms::MenuItem*> items_;  // an item's command is its place, counted from 1
+  std::vector<forms::MenuItem*> items_;  // an item's command is its index + 1
   HMENU handle_;
 };
 

@@ -1,4 +1,4 @@
-// Popup menus of the platform, made from a menu of the model.
+// Platform popup menus, built from the model's menus.
 #pragma once
 
 #include "com/windows_api.h"
@@ -6,8 +6,8 @@
 
 namespace rotacasts::win32 {
 
-/// Shows the menu at the mouse pointer until it is closed, its items selectable with either mouse
-/// button; a chosen item has been clicked then. `owner` receives the menu's messages.
+/// Shows the menu at the mouse pointer and waits until it closes. Either mouse button chooses an
+/// item, which is clicked before this returns. `owner` receives the menu's messages.
 void PopUpMenu(HWND owner, forms::MenuItem& menu);
 
 }  // namespace rotacasts::win32

@@ -15,8 +15,8 @@ HWND Window(forms::WindowHandle handle) {
   return reinterpret_cast<HWND>(handle);
 }
 
-/// Gives the keyboard back to the window that had it before a message box. Not every host's window
-/// does so when it becomes active again.
+/// Gives the focus back to the window that had it before a message box, because not every host
+/// window does so when it is activated again.
 void RestoreFocus(HWND window) {
   if (window == nullptr || ::IsWindowVisible(window) == FALSE ||
       ::IsWindowEnabled(window) == FALSE) {
@@ -59,7 +59,7 @@ void Win32Toolkit::MoveWindow(forms::WindowHandle window, std::int32_t x, std::i
 void Win32Toolkit::SetParent(forms::WindowHandle child, forms::WindowHandle newParent) {
   const HWND window = Window(child);
   if (::IsWindow(Window(newParent)) == FALSE || ::GetParent(window) == Window(newParent)) return;
-  // A popup becomes a child before it gets a parent, or it would not be one in its own eyes.
+  // SetParent does not change the style: a popup needs the child style first.
   const LONG style = ::GetWindowLongW(window, GWL_STYLE);
   ::SetWindowLongW(window, GWL_STYLE,
                    static_cast<LONG>((static_cast<DWORD>(style) & ~WS_POPUP) | WS_CHILD));

@@ -8,7 +8,7 @@ namespace rotacasts::win32 {
 
 class Win32Toolkit final : public forms::Toolkit {
  public:
-  /// `module` is what the window classes are registered for: the DLL's, so that they go with it.
+  /// `module` is the DLL. Its window classes are registered here and unregistered at the end.
   explicit Win32Toolkit(HINSTANCE module);
   ~Win32Toolkit() override;
 
@@ -19,9 +19,9 @@ class Win32Toolkit final : public forms::Toolkit {
   void SetParent(forms::WindowHandle child, forms::WindowHandle newParent) override;
 
   HINSTANCE Module() const { return module_; }
-  /// How long a minute lasts of the timers that are set from now on, so that a run can be watched.
+  /// Sets the length of a minute for timers set from now on, so that a run can be watched.
   void ShortenMinute(std::int32_t milliseconds);
-  /// A timer interval by the length of a minute, at least the shortest that timers have.
+  /// Scales a timer interval to the length of a minute; at least the shortest that Windows allows.
   UINT Stretch(std::int32_t milliseconds) const;
 
  protected:
@@ -30,7 +30,7 @@ class Win32Toolkit final : public forms::Toolkit {
  private:
   const HINSTANCE module_;
   std::int32_t minute_;      // milliseconds
-  HWND lastForm_ = nullptr;  // what a message box lies over
+  HWND lastForm_ = nullptr;  // message boxes appear over it
 };
 
 }  // namespace rotacasts::win32

@@ -6,7 +6,7 @@
 
 namespace rotacasts::win32 {
 
-/// Runs a window procedure's body; nothing thrown leaves it.
+/// Runs a window procedure's body as an Entry. Never throws: an exception is answered with 0.
 template <class Body>
 LRESULT Contained(Body&& body) {
   const Entry entry;
