@@ -1,4 +1,4 @@
-// The few owners of COM things that this room needs.
+// Owners of COM references, strings and VARIANTs.
 #pragma once
 
 #include <atomic>
@@ -15,7 +15,7 @@ template <class Interface>
 class ComPtr {
  public:
   ComPtr() = default;
-  /// Takes over a reference that the caller holds.
+  /// Takes over the caller's reference.
   static ComPtr Take(Interface* object) {
     ComPtr pointer;
     pointer.object_ = object;
@@ -38,7 +38,7 @@ class ComPtr {
   explicit operator bool() const { return object_ != nullptr; }
   /// Hands the reference to the caller.
   Interface* Detach() { return std::exchange(object_, nullptr); }
-  /// Where a function that hands out a reference puts it; drops what was held.
+  /// The address for a function that returns a reference; releases the current one first.
   Interface** Receive() {
     *this = ComPtr();
     return &object_;
@@ -49,8 +49,7 @@ class ComPtr {
   Interface* object_ = nullptr;
 };
 
-/// What an object with one interface has of IUnknown: that interface, and a count of references
-/// that begins with the maker's.
+/// IUnknown for an object with one interface. Whoever creates the object holds its first reference.
 template <class Interface>
 class CountedObject : public Interface {
  public:
@@ -73,11 +72,11 @@ class CountedObject : public Interface {
   std::atomic<ULONG> references_ = 1;
 };
 
-/// UTF-8 to UTF-16 and back; what is malformed becomes the replacement character.
+/// UTF-8 to UTF-16 and back; malformed input becomes the replacement character.
 std::wstring ToWide(std::string_view text);
 std::string FromWide(std::wstring_view text);
 
-/// Owns a BSTR. A null one is no text at all, as opposed to an empty one.
+/// Owns a BSTR. Null means no text, as opposed to an empty one.
 class Bstr {
  public:
   Bstr() = default;
@@ -97,12 +96,12 @@ class Bstr {
 /// The text of a BSTR, which may be null.
 std::string FromBstr(BSTR text);
 
-/// Owns a VARIANT. Reads of memory come by here in great numbers: what the system's own functions
-/// do for an empty one or a number is done in place, without a call.
+/// Owns a VARIANT. Every memory read passes through here, so empty values and numbers are freed
+/// without a call.
 class ComVariant {
  public:
   ComVariant() { value_.vt = VT_EMPTY; }
-  /// Takes the value over.
+  /// Takes ownership of the value.
   explicit ComVariant(const VARIANT& value) : value_(value) {}
   ComVariant(ComVariant&& other) noexcept : value_(other.Release()) {}
   ComVariant& operator=(ComVariant other) noexcept {
@@ -127,7 +126,7 @@ class ComVariant {
   VARIANT value_;
 };
 
-/// The system's words for a result code.
+/// The system's message for a result code; the code itself if there is none.
 std::string DescribeResult(HRESULT result);
 
 }  // namespace rotacasts::win32

@@ -5,9 +5,9 @@
 
 namespace rotacasts::win32 {
 
-/// One call into this module, for as long as it runs: of COM's, or of a window procedure. Whatever
-/// runs a message loop beneath it (a box, a menu, a component's call) can bring the host to release
-/// all that it has of the module; yet the call has to come back to its code.
+/// Marks a call into this module, by COM or to a window procedure, for as long as it runs. A
+/// message loop inside the call (a box, a menu, a component's call) may let the host release
+/// everything, but the call still has to return to this module's code.
 class Entry {
  public:
   Entry() { ++count_; }

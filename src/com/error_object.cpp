@@ -14,7 +14,7 @@ struct PropertyRow {
   HostValue (*value)(const RuntimeError& error);
 };
 
-// A property's identifier is its place here, so the first one is the default one.
+// A property's identifier is its index here, so the first one is the default property.
 constexpr PropertyRow kProperties[] = {
     {L"Number", [](const RuntimeError& error) { return HostValue(error.number); }},
     {L"Source",
@@ -24,7 +24,7 @@ constexpr PropertyRow kProperties[] = {
     {L"Description", [](const RuntimeError& error) { return HostValue(error.description); }},
     {L"HelpFile", [](const RuntimeError& error) { return HostValue(error.helpFile); }},
     {L"HelpContext", [](const RuntimeError& error) { return HostValue(error.helpContext); }},
-    // The plugin takes no function of the system's for an error of its own.
+    // The plugin's errors carry no system error code.
     {L"LastDllError", [](const RuntimeError&) { return HostValue(std::int32_t{0}); }},
 };
 static_assert(DISPID_VALUE == 0);

@@ -6,8 +6,8 @@
 
 namespace rotacasts::win32 {
 
-/// An object with the properties Number (the default one), Source, Description, HelpFile,
-/// HelpContext and LastDllError, as the error object of a Basic-like language has them.
+/// An object with the properties Number (the default), Source, Description, HelpFile, HelpContext
+/// and LastDllError, like the error object of a Basic-like language.
 ComPtr<IDispatch> MakeErrorObject(const RuntimeError& error);
 
 }  // namespace rotacasts::win32

@@ -16,7 +16,7 @@ constexpr HRESULT OfSystem(DWORD error) {
   return static_cast<HRESULT>(0x80070000 | error);
 }
 
-// Result codes of the dispatch mechanism and of the system that have a run-time error of their own.
+// The result codes of COM and Windows that stand for a run-time error.
 constexpr ResultRow kResults[] = {
     {DISP_E_UNKNOWNNAME, ErrorNumber::NoSuchMember},
     {DISP_E_MEMBERNOTFOUND, ErrorNumber::NoSuchMember},
@@ -35,8 +35,8 @@ constexpr ResultRow kResults[] = {
     {OfSystem(ERROR_ALREADY_EXISTS), ErrorNumber::FileAlreadyExists},
 };
 
-/// The words for an error that comes without: the run-time's own for its numbers, the system's for
-/// any other result code.
+/// A description for an error that comes without one: the run-time's or a general one for run-time
+/// errors, the system's for any other result code.
 std::string WordsFor(HRESULT result) {
   constexpr const char* kOfAnApplication = "Application-defined or object-defined error";
   const std::int32_t number = ErrorNumberOf(result);
@@ -49,7 +49,7 @@ std::string WordsFor(HRESULT result) {
   throw RuntimeError(ErrorNumberOf(result), WordsFor(result));
 }
 
-/// Raises what an object says of its error, and takes it over.
+/// Raises the error that `info` describes and frees its strings.
 [[noreturn]] void RaiseException(EXCEPINFO& info) {
   if (info.pfnDeferredFillIn != nullptr) info.pfnDeferredFillIn(&info);
   const HRESULT result = info.wCode != 0      ? ResultOf(info.wCode)

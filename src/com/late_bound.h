@@ -9,18 +9,18 @@
 
 namespace rotacasts::win32 {
 
-/// A COM object behind its dispatch interface. Raises the object's own errors as run-time errors:
-/// the number and description that it gives, 438 for a member that it does not have.
+/// A COM object that is called through IDispatch. Errors: the object's own number and description;
+/// 438 for a member that it lacks.
 class LateBound {
  public:
-  /// Creates the object by its programmatic identifier. Error 429 when that fails.
+  /// Creates the object by its programmatic identifier. Errors: 429 if that fails.
   static LateBound Create(const char* progId);
   explicit LateBound(ComPtr<IDispatch> object) : object_(std::move(object)) {}
 
-  /// The dispatch identifier of a member. Error 438 when there is none.
+  /// The dispatch identifier of a member. Errors: 438 if there is none.
   DISPID Identify(const char* member) const;
-  /// Calls a member. The arguments stand in the order of the dispatch mechanism, which is call
-  /// order reversed, and stay the caller's; the result is the caller's.
+  /// Calls a member. `reversed` holds the arguments from last to first, as IDispatch takes them,
+  /// and stays the caller's. The caller owns the result.
   ComVariant Invoke(DISPID member, VARIANT* reversed, std::size_t count) const {
     DISPPARAMS parameters{reversed, nullptr, static_cast<UINT>(count), 0};
     ComVariant answer;
@@ -35,13 +35,13 @@ class LateBound {
   IDispatch* Get() const { return object_.Get(); }
 
  private:
-  /// Raises a call's failure, and takes over what the object says of it.
+  /// Raises the error of a failed call and frees the strings in `exception`.
   [[noreturn]] static void Raise(HRESULT result, EXCEPINFO& exception);
 
   ComPtr<IDispatch> object_;
 };
 
-/// One member of a late-bound object; its identifier is looked up at the first call.
+/// One member of a late-bound object; its identifier is looked up on the first call.
 class Member {
  public:
   Member(const LateBound& object, const char* name) : object_(object), name_(name) {}
@@ -63,11 +63,11 @@ class Member {
   DISPID id_ = DISPID_UNKNOWN;
 };
 
-// Arguments of a call. Put() writes the VARIANT, which the argument owns; WriteBack() takes over
-// what the callee has changed in a by-reference one. What it has left alone is not written: the
-// caller's own variable may have been changed inside the call, by another call of the host.
+// Arguments of a call. Put() fills a VARIANT, whose content stays the argument's. WriteBack()
+// copies what the callee changed in a by-reference argument. It leaves an unchanged one alone
+// because another call of the host, inside this one, may have changed the caller's variable.
 
-/// By value: a text, which may be none at all.
+/// By value: a text, or none at all.
 class TextArgument {
  public:
   explicit TextArgument(const std::string& text) : text_(text) {}
@@ -89,7 +89,7 @@ class NumberArgument {
   explicit NumberArgument(std::int16_t number) : kind_(VT_I2), number_(number) {}
   void Put(VARIANT& place) const {
     place.vt = kind_;
-    place.lVal = number_;  // a 16-bit number lies in its lower half
+    place.lVal = number_;  // a 16-bit number is in its lower half
   }
   void WriteBack() const {}
 
@@ -109,7 +109,7 @@ class ValueArgument {
   ComVariant value_;
 };
 
-/// By reference: a number or a boolean of the caller's, in the form in which it is passed.
+/// By reference: the caller's number or boolean, in the type that is passed.
 template <class Value, class Passed, VARTYPE kind>
 class PlainReference {
  public:
@@ -139,7 +139,7 @@ using IntegerReference = PlainReference<std::int16_t, SHORT, VT_I2>;
 using LongReference = PlainReference<std::int32_t, LONG, VT_I4>;
 using BooleanReference = PlainReference<bool, VARIANT_BOOL, VT_BOOL>;
 
-/// By reference: a text of the caller's.
+/// By reference: the caller's text.
 class TextReference {
  public:
   explicit TextReference(std::string& text) : text_(text), value_(text) {}
@@ -158,7 +158,7 @@ class TextReference {
   Bstr value_;
 };
 
-/// By reference: any VARIANT of the caller's; what the callee leaves in it is not taken over.
+/// By reference: the object or array in the caller's VARIANT; the callee's changes are ignored.
 class VariantReference {
  public:
   explicit VariantReference(ComVariant& value) : value_(value) {}
@@ -177,8 +177,8 @@ class VariantReference {
   ComVariant& value_;
 };
 
-/// The run-time error number that a result code stands for, and the other way round: the platform
-/// gives its own numbers the facility of controls (0x800A).
+/// Converts a result code to a run-time error number, and back. The platform's own numbers have the
+/// facility of controls (0x800A).
 std::int32_t ErrorNumberOf(HRESULT result);
 HRESULT ResultOf(std::int32_t errorNumber);
 

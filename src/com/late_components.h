@@ -7,7 +7,7 @@
 
 namespace rotacasts::win32 {
 
-// Each raises error 429 when the object cannot be created.
+// Errors: 429 if the object cannot be created.
 std::unique_ptr<MemoryComponent> CreateMemoryComponent();
 std::unique_ptr<UtilityComponent> CreateUtilityComponent();
 std::unique_ptr<FileSystemObject> CreateFileSystemObject();

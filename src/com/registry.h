@@ -8,22 +8,20 @@
 
 namespace rotacasts::win32 {
 
-/// A key below the root of classes, and what one of its values (the default one for an empty name)
-/// is to hold.
+/// A value to write below the root of classes. An empty name means the key's default value.
 struct RegistryEntry {
   std::wstring key;
   std::wstring name;
   std::wstring value;
 };
 
-/// What registers an in-process class: its identifier, its programmatic identifier, its file. The
-/// first key of a class's own comes first.
+/// The entries that register an in-process class, the class's own key first.
 std::vector<RegistryEntry> ClassEntries(const std::wstring& classId, const std::wstring& progId,
                                         const std::wstring& description, const std::wstring& file);
 
-/// Writes the entries; the failure code of the first that cannot be written.
+/// Writes the entries. Stops at the first that cannot be written and returns its failure code.
 HRESULT WriteEntries(const std::vector<RegistryEntry>& entries);
-/// Removes a key below the root of classes and all that lies in it; a missing one is no failure.
+/// Removes a key below the root of classes with everything in it. A missing key is a success.
 HRESULT RemoveKey(const std::wstring& key);
 
 }  // namespace rotacasts::win32

@@ -5,12 +5,12 @@
 namespace rotacasts::win32 {
 namespace {
 
-// Deeper nesting is no data: a by-reference VARIANT can even refer to itself.
+// Limits nesting because a by-reference VARIANT can refer to itself.
 constexpr int kDeepest = 8;
 
 HostValue From(const VARIANT& value, int depth);
 
-/// A whole number as the smallest kind that the core has for it.
+/// A 32-bit integer if the number fits, else a double.
 HostValue FromWhole(std::int64_t number) {
   if (number >= INT32_MIN && number <= INT32_MAX) return static_cast<std::int32_t>(number);
   return static_cast<double>(number);
@@ -32,7 +32,7 @@ HostValue FromArray(SAFEARRAY* array, VARTYPE kind, int depth) {
   auto* element =
       static_cast<char*>(data) + (before - lower) * static_cast<LONG>(array->cbElements);
   for (LONG index = before; index <= upper; ++index, element += array->cbElements) {
-    VARIANT reference;  // to the element in its place
+    VARIANT reference;  // refers to the element in the array
     ::VariantInit(&reference);
     reference.vt = static_cast<VARTYPE>(kind | VT_BYREF);
     reference.byref = element;
@@ -42,7 +42,7 @@ HostValue FromArray(SAFEARRAY* array, VARTYPE kind, int depth) {
   return elements;
 }
 
-/// Kinds that the system itself knows how to express as a number or a text.
+/// Lets the system convert a kind that it can express as a number or a text.
 HostValue FromConverted(const VARIANT& value, VARTYPE wanted) {
   ComVariant converted;
   if (FAILED(::VariantChangeType(converted.Address(), const_cast<VARIANT*>(&value), 0, wanted)))
@@ -98,7 +98,7 @@ HostValue FromPlain(const VARIANT& value, int depth) {
   }
 }
 
-/// What a by-reference VARIANT refers to, as a plain one that owns nothing.
+/// The value that a by-reference VARIANT refers to.
 HostValue FromReference(const VARIANT& value, int depth) {
   if (value.byref == nullptr) return HostValue::Foreign{};
   const auto kind = static_cast<VARTYPE>(value.vt & ~VT_BYREF);
@@ -155,7 +155,7 @@ VARIANT OfKind(VARTYPE kind) {
   return value;
 }
 
-/// Fills one element of a new array.
+/// Makes an array of this kind; `fill(slot, element)` sets each element.
 template <class Element, class Fill>
 ComVariant MakeArray(const HostValue::Array& elements, VARTYPE kind, Fill fill) {
   ComVariant result;

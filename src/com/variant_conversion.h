@@ -1,4 +1,4 @@
-// VARIANTs at the component boundary: to the core's values and back.
+// Conversion of VARIANTs to the core's values and back.
 #pragma once
 
 #include "base/host_value.h"
@@ -6,14 +6,14 @@
 
 namespace rotacasts::win32 {
 
-/// The value of a VARIANT, by-reference and nested ones included. Arrays of one dimension come with
-/// their elements under their own indexes from 0 on; kinds that the core does not know are foreign.
+/// Converts a VARIANT, also a by-reference or nested one. One-dimensional arrays keep their indexes
+/// from 0 up. A kind that the core does not know becomes `Foreign`.
 HostValue ToHostValue(const VARIANT& value);
 
-/// A VARIANT of the value, owned by the caller. An array of texts becomes an array of strings, any
-/// other one an array of VARIANTs.
+/// Converts a value to a VARIANT that the caller owns. An array of texts becomes an array of
+/// strings, any other an array of VARIANTs.
 ComVariant ToComVariant(const HostValue& value);
-/// The elements as an array of VARIANTs, whatever they are.
+/// Converts the elements to an array of VARIANTs, even if all are texts.
 ComVariant ToComVariantArray(const HostValue::Array& elements);
 
 }  // namespace rotacasts::win32

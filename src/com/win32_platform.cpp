@@ -25,7 +25,7 @@ ModuleVersion LoadedModule::Version() const {
   const auto* bytes =
       loaded != nullptr ? static_cast<const char*>(::LockResource(loaded)) : nullptr;
   if (bytes == nullptr) return {};
-  // The fixed part begins at the first place, on a 32-bit boundary, that holds its signature.
+  // The fixed part starts at the first 32-bit boundary that holds its signature.
   constexpr DWORD kSignature = 0xFEEF04BD;
   const DWORD size = ::SizeofResource(module_, resource);
   for (DWORD at = 0; at + sizeof(VS_FIXEDFILEINFO) <= size; at += sizeof(DWORD)) {

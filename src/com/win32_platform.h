@@ -1,4 +1,4 @@
-// The Windows side of what the plugin asks of its platform, forms apart.
+// What the plugin asks of its platform, on Windows, except for the forms.
 #pragma once
 
 #include "com/windows_api.h"
@@ -6,14 +6,14 @@
 
 namespace rotacasts::win32 {
 
-/// A loaded module: where it lies, and the numbers of its version resource.
+/// A loaded module: its path and the numbers of its version resource.
 class LoadedModule final : public Module {
  public:
   explicit LoadedModule(HINSTANCE module) : module_(module) {}
-  /// The file that the module was loaded from.
+  /// The full path of the module's file.
   std::string File() const;
   std::string Folder() const override;
-  /// Major and minor number, and the fourth one as the revision; zeros without a version resource.
+  /// The major, minor and, as the revision, fourth number; zeros without a version resource.
   ModuleVersion Version() const override;
 
  private:

@@ -1,4 +1,4 @@
-// The system's headers, in the one order in which they can be read.
+// The system's headers, in the only order that compiles.
 #pragma once
 
 // clang-format off

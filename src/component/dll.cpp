@@ -13,7 +13,7 @@
 namespace rotacasts::win32 {
 namespace {
 
-/// Creates clsPlugin objects. There is one, static, so its references count as locks.
+/// Creates clsPlugin objects. The only instance is static, so references to it count as locks.
 class ClassFactory final : public IClassFactory {
  public:
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
@@ -65,7 +65,7 @@ HRESULT RegisterTypes(const std::wstring& file) {
 using namespace rotacasts::win32;
 
 namespace __gnu_cxx {
-void __freeres();  // what the library keeps to throw from when memory is out, for a module's life
+void __freeres();  // frees the library's reserve for throwing when memory is exhausted
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* processEnds) {
@@ -90,9 +90,9 @@ STDAPI DllCanUnloadNow() {
   return Server::Get().CanUnload() ? S_OK : S_FALSE;
 }
 
-/// Shortens the minute of the timers that are set from now on, so that a run can be watched. No
-/// part of the component: the stand-alone host calls it by its name, and no other host knows it. An
-/// environment variable would reach every host that happens to have it.
+/// Shortens the minute for timers set from now on, so that a run can be watched. Not part of the
+/// component: only the stand-alone host calls it, by name. An environment variable would reach every
+/// host that has it.
 STDAPI RotacastsShortenMinute(LONG milliseconds) {
   Server::Get().ShortenMinute(milliseconds);
   return S_OK;

@@ -1,6 +1,6 @@
-// Lists what a type library declares, for comparing two of them: identifiers, the layout of
-// records, the order of an interface's functions and the types of their arguments. Usage:
-// list-types FILE (a .tlb, or a DLL that carries one)
+// Lists what a type library declares, so that two can be compared: identifiers, the layout of
+// records, the order of an interface's functions and the types of their arguments.
+// Usage: list-types FILE (a .tlb, or a DLL that carries one)
 
 #include <algorithm>
 #include <cstdio>
@@ -11,7 +11,7 @@
 namespace rotacasts::win32 {
 namespace {
 
-/// Thrown with what the system answered.
+/// Thrown with the result of a failed call.
 struct Refused {
   HRESULT result;
 };
@@ -31,7 +31,7 @@ std::string NameOf(ITypeInfo& info) {
   return FromBstr(name.Get());
 }
 
-/// What the system lends of a type, given back at the end.
+/// Attributes of a type that the system lends; returned at the end of the scope.
 template <class Attributes, auto Get, auto Release>
 class Lent {
  public:
@@ -122,7 +122,7 @@ void PrintFunctions(ITypeInfo& info, WORD count) {
   }
 }
 
-/// The table of functions that a dual interface has beside its dispatch half.
+/// The function table of a dual interface, the half next to its dispatch half.
 ComPtr<ITypeInfo> TableOf(ITypeInfo& dual) {
   HREFTYPE reference = 0;
   ComPtr<ITypeInfo> table;
@@ -149,7 +149,7 @@ void PrintType(ITypeInfo& info) {
   constexpr const char* kWords[] = {"enumeration",        "record", "module", "interface",
                                     "dispatch interface", "class",  "alias",  "union"};
   const Type type(info);
-  // Some compilers copy what every library knows, others refer to it.
+  // Some compilers copy the standard interfaces into a library, others refer to them.
   if (IsEqualGUID(type->guid, IID_IUnknown) || IsEqualGUID(type->guid, IID_IDispatch)) return;
   std::printf("\n%s %s %s", kWords[std::min<unsigned>(type->typekind, 7)], NameOf(info).c_str(),
               Text(type->guid).c_str());

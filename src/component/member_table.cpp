@@ -23,7 +23,7 @@ constexpr Parameter kOfUnload[] = {{L"fName", Text}};
 constexpr Parameter kOfDisable[] = {{L"Index", Number}};
 constexpr Parameter kOfRemote[] = {{L"Index", Number}, {L"PDAT", Any}, {L"Data", Any, true}};
 
-/// An omitted text is an empty one.
+/// The text; empty if it was omitted.
 std::string TextOr(const HostValue& argument) {
   return argument == HostValue(HostValue::Missing{}) ? std::string() : ToText(argument);
 }
@@ -73,8 +73,8 @@ constexpr auto AllMembers(std::index_sequence<Own...>, std::index_sequence<Remot
 constexpr auto kMembers = AllMembers(std::make_index_sequence<std::size(kOwnMembers)>(),
                                      std::make_index_sequence<std::size(kRemoteOperations)>());
 
-/// Where each parameter's argument stands in the call, whose arguments run from the last to the
-/// first with the named ones in front; -1 for an omitted one.
+/// Finds the index of each parameter's argument in `call`, -1 if it is omitted. The named arguments
+/// come first, then the others from last to first.
 HRESULT Locate(const MemberRow& member, const DISPPARAMS& call, std::vector<int>& places) {
   const std::size_t count = member.parameters.size();
   places.assign(count, -1);

@@ -1,4 +1,4 @@
-// The members of _clsPlugin as a table: what each takes, and how it is called.
+// The members of _clsPlugin as a table: which parameters each has and how it is called.
 #pragma once
 
 #include <span>
@@ -18,23 +18,23 @@ struct Parameter {
   bool optional = false;
 };
 
-/// One member. GetData, whose result is a record and not a value, has no call here.
+/// One member. GetData has no `call` because its result is a record, not a value.
 struct MemberRow {
   DISPID id;
   const char* name;
   std::span<const Parameter> parameters;
-  /// `arguments` has an element for each parameter, an omitted one missing.
+  /// `arguments` has one element per parameter; an omitted one is Missing.
   HostValue (*call)(clsPlugin& plugin, const std::vector<HostValue>& arguments);
 };
 
 std::span<const MemberRow> Members();
 const MemberRow* FindMember(DISPID id);
-/// Without regard to letter case.
+/// Ignores letter case.
 const MemberRow* FindMember(const wchar_t* name);
 
-/// The arguments of a call, one for each of the member's parameters, converted to its kind; an
-/// omitted optional one is missing. Returns a failure code of the dispatch mechanism, and in
-/// `badArgument` which argument it is about.
+/// Collects the arguments of a call, one per parameter and converted to its kind; an omitted
+/// optional one is Missing. Returns a failure code of IDispatch if one is wrong, and its index in
+/// `badArgument` (may be null) if it cannot be converted.
 HRESULT CollectArguments(const MemberRow& member, const DISPPARAMS& parameters,
                          std::vector<HostValue>& arguments, UINT* badArgument);
 

@@ -1,7 +1,7 @@
-// Keeps the DLL's frames with the unwinder that is linked into it. The compiler's start-up code of
-// a module hands them to libgcc_s_dw2-1.dll if another component has brought that into the process;
-// the first error raised here would then find no handler and end the host. So for this module that
-// DLL is never there: its look-up of modules is linked to the one below.
+// Keeps the DLL's frames with the unwinder that is linked into it. A module's start-up code
+// registers its frames with libgcc_s_dw2-1.dll if another component has loaded that DLL; the first
+// error raised here would then find no handler and end the host. This module never finds that DLL
+// because its look-up of modules is linked to the function below.
 
 #include <cstring>
 

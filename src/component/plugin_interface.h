@@ -1,4 +1,4 @@
-// The component's interface and record as C++ sees them; the type library declares the same.
+// The component's interface and record in C++; the type library declares the same.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,7 @@
 
 namespace rotacasts::win32 {
 
-/// The dispatch identifiers of the members, as the host may call them; kRemoteOperations has the
-/// rest.
+/// The dispatch identifiers of the members; kRemoteOperations has the rest.
 enum MemberId : DISPID {
   kGetData = 0x60030003,
   kGetPrivis = 0x60030004,
@@ -19,13 +18,13 @@ enum MemberId : DISPID {
   kHideInterface = 0x60030010,
 };
 
-/// A VARIANT as a record holds it: aligned to the width of a pointer. Left to itself it aligns to
-/// 8, and a host that declares the record for itself, as a Basic-like language does, aligns to 4.
-/// GetData fills that host's own copy of the record.
+/// A VARIANT with the alignment that it has in a record, the width of a pointer. Its default is 8,
+/// but a host that declares the record in a Basic-like language aligns it to 4, and GetData fills
+/// that host's own copy of the record.
 typedef VARIANT RecordVariant
     __attribute__((aligned(sizeof(void*))));  // NOLINT: `using` takes none
 
-/// The PLUGIN record of the type library, field for field. Strings and arrays belong to the record.
+/// The PLUGIN record of the type library, field for field. It owns its strings and arrays.
 struct PluginRecord {
   BSTR Name;
   BSTR File;
@@ -47,12 +46,12 @@ struct PluginRecord {
   BSTR MinZDLVer;
   BSTR MinTVXVer;
 };
-// The layout of the 32-bit component, which is the one that is given away.
+// The layout of the 32-bit component, which is the one that is released.
 static_assert(sizeof(void*) != 4 ||
               (alignof(PluginRecord) == 4 && sizeof(PluginRecord) == 116 &&
                offsetof(PluginRecord, Game) == 20 && offsetof(PluginRecord, HasPrivis) == 92));
 
-/// Fills a record that holds nothing yet; what was filled before an error stays valid to clear.
+/// Fills an empty record. After an error the record is partly filled and can be cleared.
 void FillRecord(const PLUGIN& plugin, PluginRecord& record);
 
 /// The dual interface, in the order of the dispatch identifiers.
@@ -94,7 +93,7 @@ struct _clsPlugin : IDispatch {
   virtual HRESULT STDMETHODCALLTYPE HideInterface(BSTR fName) = 0;
 
  protected:
-  // Behind the interface, where no caller from outside comes to.
+  // After the interface's members, so that no caller from outside reaches it.
   virtual HRESULT CallRemote(decltype(RemoteOperation::call) operation, LONG Index,
                              const VARIANT& PDAT, const VARIANT& Data, BSTR* result) = 0;
 };

@@ -10,7 +10,7 @@
 namespace rotacasts::win32 {
 namespace {
 
-/// Tells a caller through the dual interface what went wrong.
+/// Gives the caller of the dual interface the error's source and description; returns its code.
 HRESULT AnswerError(const RuntimeError& error) {
   ComPtr<ICreateErrorInfo> creation;
   if (SUCCEEDED(::CreateErrorInfo(creation.Receive()))) {
@@ -28,8 +28,8 @@ HRESULT AnswerError(const RuntimeError& error) {
   return FAILED(result) ? result : E_FAIL;
 }
 
-/// Runs the body of one of the object's members, during which the last release from outside may
-/// come; nothing thrown leaves it, but becomes the caller's error information.
+/// Runs the body of a member and keeps the object alive, because its last reference may be released
+/// meanwhile. Never throws: an error becomes the caller's error information.
 template <class Body>
 HRESULT Contain(_clsPlugin* object, Body&& body) {
   const Entry entry;
@@ -47,7 +47,7 @@ HRESULT Contain(_clsPlugin* object, Body&& body) {
   }
 }
 
-/// Takes the error information that AnswerError left into the form that Invoke's callers read.
+/// Moves the error information that AnswerError set to where the callers of Invoke read it.
 void MoveErrorInto(EXCEPINFO* exception, HRESULT result) {
   ComPtr<IErrorInfo> info;
   const bool told = ::GetErrorInfo(0, info.Receive()) == S_OK;
@@ -114,7 +114,7 @@ HRESULT PluginObject::GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID
   if (member == nullptr) return DISP_E_UNKNOWNNAME;
   ids[0] = member->id;
   HRESULT result = S_OK;
-  for (UINT i = 1; i < count; ++i) {  // the member's name is followed by those of its parameters
+  for (UINT i = 1; i < count; ++i) {  // the names of parameters follow
     for (std::size_t p = 0; p < member->parameters.size(); ++p) {
       if (::_wcsicmp(member->parameters[p].name, names[i]) == 0) ids[i] = static_cast<DISPID>(p);
     }

@@ -8,10 +8,9 @@
 
 namespace rotacasts::win32 {
 
-/// The object behind the class's interfaces. Calls by identifier and by name go through the table
-/// of members; those of the dual interface go straight to the plugin. Nothing thrown leaves it: a
-/// member that lets an error through answers it as an exception, with the error's number and
-/// description.
+/// The object behind the class's interfaces. Invoke looks members up in the table; the dual
+/// interface calls the plugin directly. Never throws: an error that the plugin lets through becomes
+/// a COM error with its number and description.
 class PluginObject final : public _clsPlugin, public ISupportErrorInfo {
  public:
   PluginObject();

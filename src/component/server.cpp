@@ -7,7 +7,7 @@
 namespace rotacasts::win32 {
 namespace {
 
-// Stays when the DLL is taken out with its process: there is nobody left to release to.
+// Not deleted if the plugin still runs when its process ends: the components are gone by then.
 Server* theServer = nullptr;
 
 }  // namespace
@@ -39,7 +39,7 @@ void Server::ShortenMinute(std::int32_t milliseconds) {
 bool Server::CanUnload() {
   if (holds_ > 0 || Entry::IsAnyUnderWay()) return false;
   if (composition_ && composition_->state.window.IfLoaded()) return false;
-  const Entry entry;  // a component that is let go of may run a message loop
+  const Entry entry;  // releasing a component may run a message loop
   composition_.reset();
   return holds_ == 0 && !composition_;
 }

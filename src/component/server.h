@@ -11,33 +11,34 @@
 
 namespace rotacasts::win32 {
 
-/// What the process has one of. Reached by the DLL's entry points and its objects only.
+/// Everything that the process has once. Only the DLL's entry points and objects use it.
 class Server {
  public:
-  /// The server of this process; `Attach` has been called when the DLL was loaded.
+  /// The server of this process. Requires: Attach was called, when the DLL was loaded.
   static Server& Get();
   static void Attach(HINSTANCE module);
-  /// The DLL is being unloaded, and the process lives on.
+  /// The DLL is being unloaded and the process goes on.
   static void Detach();
 
   HINSTANCE Module() const { return module_; }
-  /// The plugin's state; made, and the plugin started, at the first use.
+  /// The plugin's state, created on first use; the first clsPlugin object starts it.
   PluginState& State();
-  /// How long a minute of the timers lasts that are set from now on, until the state is given back.
+  /// Sets the length of a minute for timers set from now on, until the state is released. Does
+  /// nothing before the state exists.
   void ShortenMinute(std::int32_t milliseconds);
 
-  /// Counts what keeps the DLL loaded: its objects, and locks of the class factory.
+  /// Counts what keeps the DLL loaded: its objects and the class factory's locks.
   void Hold() { ++holds_; }
   void Drop() { --holds_; }
-  /// Whether the DLL can be unloaded: nothing holds it, no call of it is on the stack, and no
-  /// settings window is open, so nothing broadcasts. The state is given back then; a later use
-  /// starts again.
+  /// Whether the DLL can be unloaded: nothing holds it, none of its calls is on the stack, and no
+  /// settings window exists, so nothing broadcasts. If so, releases the state; a later use creates
+  /// a new one.
   bool CanUnload();
 
  private:
   explicit Server(HINSTANCE module) : module_(module) {}
 
-  /// Everything that the state stands on, in the order in which it is made.
+  /// The state and everything it depends on, in the order of creation.
   struct Composition {
     explicit Composition(HINSTANCE module);
     LoadedModule module;

@@ -1,6 +1,6 @@
-// What the standard library calls when it has to throw. Its own functions build their texts with
-// strings of an older kind and take names apart for a last word on the screen, which nobody here
-// reads: all that would be a quarter of the DLL. Defined here, they are not linked.
+// The functions with which the standard library throws. Its own versions would make up a quarter of
+// the DLL: they build texts with the old string class and decode type names for a message that
+// nobody sees. Because these are defined, those are not linked.
 
 #include <bits/functexcept.h>
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Any other exception of the library's would be told as just this error.
+/// Any other exception of the library would be reported as this error anyway.
 [[noreturn]] void RaiseInternalError(const char* what) {
   throw rotacasts::RuntimeError(rotacasts::ErrorNumber::InternalError, what);
 }

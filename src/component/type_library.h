@@ -10,7 +10,7 @@ const GUID& ClassId();
 const GUID& InterfaceId();
 const GUID& LibraryId();
 
-/// The caller owns what it receives; each returns the failure code of what went wrong.
+/// Each returns the failure code of whatever fails. The caller owns the result.
 HRESULT LoadLibraryOfModule(ITypeLib** library);
 HRESULT LoadTypeInfo(REFGUID id, ITypeInfo** info);
 HRESULT LoadRecordInfo(IRecordInfo** info);
