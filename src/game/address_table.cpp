@@ -8,7 +8,7 @@
 namespace rotacasts {
 namespace {
 
-/// One location in every build, in the order in which the maps are filled. 0: no entry.
+/// One location in every build, in the order in which the maps are filled. 0 means no entry.
 struct AddressRow {
   std::string_view name;
   std::array<std::int32_t, 6> addresses;
@@ -35,7 +35,7 @@ constexpr std::array<AddressRow, 11> kAddresses = {{
 }};
 // clang-format on
 
-/// The rows of one build, without the locations that it lacks.
+/// The locations that one build has.
 struct BuildLocations {
   std::array<Location, kAddresses.size()> locations{};
   std::size_t count = 0;

@@ -1,4 +1,4 @@
-// Where each game build keeps its values: the one table of fixed addresses.
+// Where each game build keeps its values: the table of fixed addresses.
 #pragma once
 
 #include <string>
@@ -9,22 +9,22 @@
 
 namespace rotacasts {
 
-/// The game code whose profiles are served by the DFBHD readers and by AddMsg; compared whole and
-/// case-sensitively wherever the system branches on the game.
+/// The game code that uses the DFBHD readers and AddMsg. Every branch on the game compares the
+/// whole code, case-sensitively.
 inline constexpr std::string_view kDfbhd = "DFBHD";
 
-/// The map of a game build. The affiliate flags win over the game code; an unknown code gives an
-/// empty map.
+/// The memory map of a game build; empty for an unknown code. The affiliate flags win over the
+/// code.
 MemoryMap MemoryMapFor(bool isAffiliate, bool isAffiliate2, std::string_view gameCode);
 
-/// Every game code that a profile can have: each game's own, then with the affiliate endings.
+/// Every game code that a profile can have: each game's code, alone and with the affiliate endings.
 std::vector<std::string> GameCodes();
 
 /// The endings of an affiliate server's game code.
 inline constexpr std::string_view kAffiliateEnding = "_AFF";
 inline constexpr std::string_view kAffiliate2Ending = "_AFF2";
 
-/// Location names, as the readers look them up.
+/// The names of the locations.
 namespace location {
 inline constexpr std::string_view kGameState = "GameState";
 inline constexpr std::string_view kMapNames = "MapNameAdd";

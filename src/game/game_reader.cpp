@@ -9,14 +9,14 @@ namespace {
 // The game states in which a game is in progress.
 constexpr std::int32_t kRunningStates[] = {2, 3};
 
-/// Map rotation of "DFBHD", in bytes: fields of the rotation structure, records of the name table.
+/// The map rotation of "DFBHD", in bytes: offsets in the rotation structure, size of a name record.
 namespace dfbhd {
 constexpr std::int32_t kMapCount = 8;
 constexpr std::int32_t kCurrentPosition = 12;
 constexpr std::int32_t kNameRecord = 1840;
 }  // namespace dfbhd
 
-/// Map rotation of every other build.
+/// The map rotation of every other build.
 namespace common {
 constexpr std::int32_t kEntryCount = 4;
 constexpr std::int32_t kCurrentPosition = 12;

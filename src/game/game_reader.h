@@ -11,29 +11,30 @@
 
 namespace rotacasts {
 
-/// What a next-map text begins with.
+/// The beginning of a next-map text.
 inline constexpr std::string_view kNextMapLabel = "[Next Map] ";
 
-/// Reads a profile's game server afresh on every call; keeps nothing.
+/// Reads a profile's game server on every call; caches nothing.
 class GameReader {
  public:
   GameReader(const MemorySource& source, ProfileTables& tables, ErrorHandler& errors)
       : source_(source), tables_(tables), errors_(errors) {}
 
-  /// Replaces the profile's memory map by a new one for its game build: the record's game code and
-  /// affiliate flags must be in place. Errors are reported under "SetMemory".
+  /// Replaces the profile's memory map with the one of its game build. Requires: the record's game
+  /// code and affiliate flags are set. Errors are reported under "SetMemory".
   void SetMemory(std::int32_t profileIndex, bool isAffiliate);
 
-  /// Whether the profile's game build is known. Never raises: any error means no.
+  /// Whether the profile's game build is known. Never throws: any error means no.
   bool HasMemoryMap(std::int32_t profileIndex) const;
-  /// Whether the server is running a game. Only for a profile that has a memory map; a failed read
-  /// is the caller's error.
+  /// Whether the server is running a game. Requires: the profile has a memory map. Errors: those of
+  /// the read.
   bool IsGameRunning(std::int32_t profileIndex) const;
 
-  /// "[Next Map] " and the name of the map that a "DFBHD" server loads next; after an error, which
-  /// is reported, the empty text.
+  /// "[Next Map] " and the name of the map that a "DFBHD" server loads next. Errors are reported;
+  /// the text is then empty.
   std::string GetNextMap(std::int32_t profileIndex);
-  /// The same for every other build; after an error, reported without a box, "Unknown!!!".
+  /// Like GetNextMap, for every other build. Errors are reported without a box; the text is then
+  /// "Unknown!!!".
   std::string GetNextMapJO(std::int32_t profileIndex);
 
  private:

@@ -1,4 +1,4 @@
-// A profile's game server as the readers see it: the memory component, the process, the addresses.
+// A profile's game server, as the readers see it: memory component, process and addresses.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,11 @@
 
 namespace rotacasts {
 
-/// Reads one profile's game server. Made for one info text and used at once: it takes the memory
-/// map as it is then. Every read goes to the memory component; every failure is a run-time error.
+/// Reads one profile's game server through the memory component. Make one for each info text: it
+/// copies the memory map. Errors: those of the component, and 5 for an unknown location.
 class ProcessView {
  public:
-  /// Error 9 for a profile index beyond the tables.
+  /// Errors: 9 if the profile index is beyond the tables. `source` and `tables` must outlive it.
   ProcessView(const MemorySource& source, ProfileTables& tables, std::int32_t profileIndex)
       : source_(source),
         processHandle_(tables.Profiles(profileIndex).ProcessHandle),
@@ -33,7 +33,7 @@ class ProcessView {
 
  private:
   const MemorySource& source_;
-  std::int32_t& processHandle_;  // the record's own field, as the component contract has it
+  std::int32_t& processHandle_;  // the record's field, because it is passed by reference
   const MemoryMap map_;
 };
 

@@ -9,7 +9,7 @@ std::string TwoDigits(std::int32_t number) {
   return (number < 10 ? "0" : "") + std::to_string(number);
 }
 
-/// Nothing divides by zero: a player without deaths (or kills) counts as having one.
+/// Avoids a division by zero: a player without deaths (or kills) counts as having one.
 double Ratio(std::int32_t count, std::int32_t per) {
   return static_cast<double>(count) / (per == 0 ? 1 : per);
 }
@@ -29,7 +29,7 @@ std::string FormatSeconds(std::int32_t seconds) {
 }
 
 void Selection::Offer(std::int32_t gameType, const PlayerSlot& slot) {
-  if (!row_) row_ = FindCategory(category_, gameType);  // one game type a scan
+  if (!row_) row_ = FindCategory(category_, gameType);  // a scan has one game type
   const CategoryRow* row = *row_;
   if (row == nullptr) return;
   if (row->counter != nullptr) {

@@ -1,4 +1,4 @@
-// The info texts: one line that names the player who leads a category, and the value.
+// The info texts: one line with the player who leads a category, and the value.
 #pragma once
 
 #include <cstdint>
@@ -10,20 +10,19 @@
 
 namespace rotacasts {
 
-/// A duration as "hh:mm:ss", the hours with more digits where they need them; "00:00:00" for a
-/// negative one.
+/// A duration as "hh:mm:ss", with more digits for the hours if needed; "00:00:00" if negative.
 std::string FormatSeconds(std::int32_t seconds);
 
-/// Picks a category's player while slot after slot is offered, and words the result.
+/// Picks a category's player from the slots that it is offered, and words the result.
 class Selection {
  public:
-  /// `category` outlives the selection.
+  /// `category` must outlive the selection.
   explicit Selection(std::string_view category) : category_(category) {}
 
   void Offer(std::int32_t gameType, const PlayerSlot& slot);
-  /// The info text; empty when no player was taken.
+  /// The info text; empty if no player was picked.
   std::string Text() const;
-  /// The last ratio computed, rounded to two decimals; 0 while none was.
+  /// The last computed ratio, rounded to two decimals; 0 before the first.
   double LastRatio() const { return lastRatio_; }
 
  private:
@@ -32,23 +31,22 @@ class Selection {
   void Take(const CategoryRow& row, const PlayerSlot& slot);
 
   const std::string_view category_;
-  std::optional<const CategoryRow*> row_;  // once it has been looked up; null for none
-  std::string bestText_;                   // label and name; empty until a player is taken
+  std::optional<const CategoryRow*> row_;  // once looked up; null for none
+  std::string bestText_;                   // label and name; empty until a player is picked
   std::int32_t bestValue_ = 0;
   double bestRatio_ = 0;
   double lastRatio_ = 0;
   const CategoryRow* taken_ = nullptr;
 };
 
-/// Builds info texts from a fresh scan of the profile's game server. An error is reported under the
-/// procedure's name and gives the empty text, so nothing is announced.
+/// Builds info texts from a new scan of the profile's game server. Errors are reported under the
+/// procedure's name; the text is then empty, so nothing is announced.
 class InfoTexts {
  public:
   InfoTexts(const MemorySource& source, ProfileTables& tables, ErrorHandler& errors)
       : source_(source), tables_(tables), errors_(errors) {}
 
-  /// For a profile whose game code is "DFBHD". An overflow's description is completed by the
-  /// category and the last ratio.
+  /// For game code "DFBHD". Adds the category and the last ratio to the description of an overflow.
   std::string GetStat(std::int32_t profileIndex, const std::string& category);
   /// For every other build.
   std::string GetStat2(std::int32_t profileIndex, const std::string& category);

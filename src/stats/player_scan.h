@@ -1,4 +1,4 @@
-// The game server's player table: where its values lie, and the scan that walks it.
+// The game server's player table: its layout, and the scan through it.
 #pragma once
 
 #include <cstdint>
@@ -32,14 +32,14 @@ struct PlayerStats {
   bool operator==(const PlayerStats&) const = default;
 };
 
-/// One counter, and its offsets in bytes from the start of a slot's statistics block.
+/// A counter and its offsets, in bytes, from the start of a slot's statistics block.
 struct CounterRow {
   std::int32_t PlayerStats::*counter;
   std::int32_t dfbhdOffset;
   std::int32_t commonOffset;
 };
 
-/// Every counter, in the order in which they are read.
+/// Every counter, in reading order.
 inline constexpr CounterRow kCounters[] = {
     {&PlayerStats::Suicides, 0, 16},
     {&PlayerStats::Murders, 4, 8},
@@ -61,7 +61,7 @@ inline constexpr CounterRow kCounters[] = {
     {&PlayerStats::Score, 104, 108},
 };
 
-/// Where a game build keeps its player slots; all in bytes.
+/// Where a game build keeps its player slots, in bytes.
 struct SlotLayout {
   std::int32_t stride;            // from one slot to the next
   std::int32_t nameOffset;        // of the name text, from the slot's start
@@ -79,11 +79,11 @@ struct PlayerSlot {
   PlayerStats stats;
 };
 
-/// Called for every named slot in ascending order, with the game type that the server is running.
+/// Called for every slot with a name, in ascending order, with the server's current game type.
 using SlotVisitor = std::function<void(std::int32_t gameType, const PlayerSlot& slot)>;
 
-/// Walks the player table as the server has it now. A failed read or an overflowing address ends
-/// the scan with its error; slots visited before stay visited.
+/// Reads the player table. Errors: a failed read or an overflowing address ends the scan; the slots
+/// before it were visited.
 void ScanPlayers(const ProcessView& process, const SlotLayout& layout, const SlotVisitor& visit);
 
 }  // namespace rotacasts
