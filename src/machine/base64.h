@@ -1,4 +1,4 @@
-// Base64 by the machine's own library. One implementation per platform.
+// Base64, from a library of the platform. One implementation per platform.
 #pragma once
 
 #include <string>
@@ -6,9 +6,9 @@
 
 namespace rotacasts::host {
 
-/// On one line, padded.
+/// Encodes on one line, with padding.
 std::string EncodeBase64(std::string_view bytes);
-/// Error 5 for a text that is no padded Base64.
+/// Decodes. Errors: 5 if the text is not padded Base64.
 std::string DecodeBase64(std::string_view text);
 
 }  // namespace rotacasts::host

@@ -13,7 +13,7 @@ class ChatSocket {
   ChatSocket();
   ~ChatSocket();
 
-  /// Sends one datagram. Error 57 with the reason when the machine refuses.
+  /// Sends one datagram. Errors: 57, with the reason, if the system refuses.
   void Send(std::uint16_t port, std::string_view bytes);
 
  private:

@@ -1,4 +1,4 @@
-// One host a folder. One implementation per platform.
+// Lets only one host use a folder. One implementation per platform.
 #pragma once
 
 #include <memory>
@@ -6,18 +6,18 @@
 
 namespace rotacasts::host {
 
-/// Holds `host.lock` in the host folder, where it has written who holds it. The system lets go of
-/// it when the process ends, however it ends; the file stays.
+/// Locks `host.lock` in the host folder and writes there who holds it. The system releases the lock
+/// when the process ends, even after a crash; the file stays.
 class HostLock {
  public:
-  /// Writes " since `time`" after this process' number. Raises what keeps the file from being
-  /// made or read.
+  /// Takes the lock if it is free, and writes "process N since `time`" to the file. Errors: 70 if
+  /// the file cannot be opened or written.
   HostLock(const std::string& hostFolder, const std::string& time);
   ~HostLock();
   HostLock(const HostLock&) = delete;
   HostLock& operator=(const HostLock&) = delete;
 
-  /// What the host that has it already wrote there; empty when this one holds it.
+  /// What the host that holds the lock wrote; empty if this object holds it.
   const std::string& Holder() const { return holder_; }
 
  private:

@@ -8,29 +8,30 @@
 
 namespace rotacasts::host {
 
-/// A process by the machine's number for it.
+/// The system's process identifier.
 using ProcessId = std::int64_t;
 
-/// What came of a read.
+/// The outcome of a read.
 enum class ReadOutcome { Complete, ProcessGone, NotAllowed, NotMapped };
 
 /// Reads exactly `size` bytes at `address`.
 ReadOutcome ReadProcess(ProcessId process, std::uint32_t address, void* buffer, std::size_t size);
 
-/// Reads up to `size` bytes at `address`, ending early where the mapped memory ends; `count` is
-/// what was read. NotMapped when not even the first byte is there.
+/// Reads up to `size` bytes at `address`; stops early where the mapped memory ends. `count` is the
+/// number of bytes read. NotMapped if not even the first byte is mapped.
 ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buffer,
                             std::size_t size, std::size_t& count);
 
-/// The running processes of the program with this name, without its folder; letter case counts as
-/// the machine compares names. A Windows program that runs under Wine is found by its own name.
+/// The running processes of the program with this name (without a folder). Letter case matters if
+/// it does on this system. A Windows program under Wine is found by its Windows name.
 std::vector<ProcessId> FindProcesses(const std::string& programName);
 
-/// Whether the process receives UDP at the port. Perhaps: another process holds its sockets for it,
-/// and for others too, as Wine's server does. NotAllowed: the process may not be looked into.
+/// Whether the process receives UDP at the port. Perhaps: the socket belongs to a process that
+/// holds sockets for several others, as Wine's server does. NotAllowed: the process cannot be
+/// inspected.
 enum class HoldsPort { No, Perhaps, Yes, NotAllowed };
 HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port);
-/// Whether anybody receives UDP at the port of this machine.
+/// Whether any process of this machine receives UDP at the port.
 bool ReceivesUdp(std::uint16_t port);
 
 }  // namespace rotacasts::host

@@ -1,4 +1,4 @@
-// The command line as texts. One implementation per platform.
+// The command line. One implementation per platform.
 #pragma once
 
 #include <filesystem>
@@ -7,13 +7,14 @@
 
 namespace rotacasts::host {
 
-/// What follows the program's name, in UTF-8, the last argument first, as the parser takes it. From
-/// then on the program prints UTF-8, and a file that may not grow is an error and not its end.
+/// The arguments after the program's name, in UTF-8, the last one first as the parser expects. Also
+/// makes the console print UTF-8, and a write beyond a file size limit fail instead of ending the
+/// program.
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 
 /// The path that an argument names.
 inline std::filesystem::path PathOf(const std::string& argument) {
-  return std::u8string(argument.begin(), argument.end());  // a plain text may be read otherwise
+  return std::u8string(argument.begin(), argument.end());  // Windows reads a plain one differently
 }
 
 }  // namespace rotacasts::host

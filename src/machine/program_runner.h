@@ -1,4 +1,4 @@
-// Starting programs without waiting for them.
+// Starts programs without waiting for them.
 #pragma once
 
 #include <functional>
@@ -10,11 +10,10 @@ namespace rotacasts::host {
 class ProgramRunner {
  public:
   virtual ~ProgramRunner() = default;
-  /// Starts a program, looked for in PATH unless its name holds a slash, with these arguments: no
-  /// shell reads them. `onEnd` is called once, later: with an empty text when it has ended with
-  /// status 0 and without a word on its standard error, otherwise with what was wrong. One that
-  /// does not end in time is killed, with all that it has started. Error 57 when it cannot be
-  /// started.
+  /// Starts a program with these arguments, without a shell. A name without a slash is looked up in
+  /// PATH. Later calls `onEnd` once: with an empty text if the program ended with status 0 and
+  /// wrote no errors, else with a description of the problem. A program that exceeds the time limit
+  /// is killed with its children. Errors: 57 if it cannot be started.
   virtual void Start(const std::vector<std::string>& command,
                      std::function<void(const std::string& problem)> onEnd) = 0;
 };

@@ -1,4 +1,4 @@
-// The console's lines, brought to the event loop.
+// Reads the console's lines through the event loop.
 #pragma once
 
 #include <functional>
@@ -8,9 +8,8 @@
 
 namespace rotacasts::host {
 
-/// Hands every line of the standard input to `onLine`, the last one even without a line feed, until
-/// that returns false; calls `onEnd` at the end of the input. The loop is the caller's and lives
-/// longer.
+/// Passes every line of the standard input to `onLine` until that returns false; the last line
+/// needs no line feed. Calls `onEnd` at the end of the input. `loop` must outlive it.
 class ConsoleInput {
  public:
   ConsoleInput(EventLoop& loop, std::function<bool(const std::string&)> onLine,
@@ -26,7 +25,7 @@ class ConsoleInput {
   EventLoop& loop_;
   const std::function<bool(const std::string&)> onLine_;
   const std::function<void()> onEnd_;
-  std::string text_;  // what has been read and waits for its line feed
+  std::string text_;  // read, but without its line feed yet
 };
 
 }  // namespace rotacasts::host

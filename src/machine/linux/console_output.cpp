@@ -13,11 +13,12 @@ namespace rotacasts::host {
 namespace {
 
 constexpr std::size_t kMostKept = std::size_t{256} * 1024;
-// A pipe that has room at all takes as much as this at once.
+// A pipe with any room takes this much at once.
 constexpr std::size_t kPiece = 4096;
 
-/// The standard output, opened again so that not waiting is this program's own business: others may
-/// have the same pipe or terminal open. -1 where that cannot be done or is not needed.
+/// Opens the standard output again, without blocking. Changing the mode of the inherited descriptor
+/// would also change it for other programs on the same pipe or terminal. -1 if that fails or is not
+/// needed.
 int OpenWithoutWaiting() {
   struct stat status {};
   if (::fstat(STDOUT_FILENO, &status) != 0) return -1;

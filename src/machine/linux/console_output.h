@@ -1,4 +1,4 @@
-// Printing to whoever reads, or does not.
+// Printing that never waits for a reader.
 #pragma once
 
 #include <functional>
@@ -10,11 +10,11 @@
 
 namespace rotacasts::host {
 
-/// A stream buffer on the standard output that never waits. What cannot be written at once is kept
-/// up to a bound and written when there is room; lines beyond the bound are dropped, counted, and
-/// the count is printed once somebody reads again. Once nobody can read any more, nothing is kept.
+/// A stream buffer on the standard output that never blocks. It buffers what cannot be written at
+/// once, up to a bound. Lines beyond the bound are dropped, and their number is printed when
+/// somebody reads again. Nothing is buffered after the reader has gone.
 ///
-/// Text goes out when the stream is flushed. The loop lives longer.
+/// Text is written when the stream is flushed. `loop` must outlive it.
 class ConsoleOutput final : public std::streambuf {
  public:
   explicit ConsoleOutput(EventLoop& loop);
@@ -22,11 +22,10 @@ class ConsoleOutput final : public std::streambuf {
   ConsoleOutput(const ConsoleOutput&) = delete;
   ConsoleOutput& operator=(const ConsoleOutput&) = delete;
 
-  /// Called before and after text of the stream's goes out, for whoever has something on the last
-  /// line of the screen.
+  /// Called before and after the stream's text is written, for a prompt on the last line.
   std::function<void()> onBefore;
   std::function<void()> onAfter;
-  /// Bytes that go out as they are, with no call of the above; dropped if they do not fit.
+  /// Writes bytes without calling these functions; drops them if they do not fit.
   void Write(std::string_view bytes);
 
  protected:
@@ -41,9 +40,9 @@ class ConsoleOutput final : public std::streambuf {
 
   EventLoop& loop_;
   const int descriptor_;
-  const bool isOwn_;          // whether the descriptor is this object's own
+  const bool isOwn_;          // whether this object closes it
   std::string text_;          // since the last flush
-  std::string kept_;          // to be written
+  std::string kept_;          // waiting to be written
   std::int64_t dropped_ = 0;  // lines
   bool isBroken_ = false;
 };

@@ -14,7 +14,8 @@
 
 namespace rotacasts::host {
 
-/// The signals that are taken, as a descriptor; the dispositions before are put back at the end.
+/// Blocks the signals that the loop handles and reads them from a descriptor. The destructor
+/// restores what was set before.
 struct EventLoop::Signals {
   Signals() {
     sigset_t taken;
@@ -25,7 +26,7 @@ struct EventLoop::Signals {
     pipeBefore = ::signal(SIGPIPE, SIG_IGN);
   }
   ~Signals() {
-    while (Next() != 0) {  // one left pending would end the program once it is let through again
+    while (Next() != 0) {  // a pending one would end the program as soon as it is unblocked
     }
     ::close(descriptor);
     ::signal(SIGPIPE, pipeBefore);
@@ -34,7 +35,7 @@ struct EventLoop::Signals {
   Signals(const Signals&) = delete;
   Signals& operator=(const Signals&) = delete;
 
-  /// The next signal that has arrived; 0 when there is none.
+  /// The next signal that has arrived; 0 if there is none.
   int Next() const {
     signalfd_siginfo signal{};
     const ssize_t count = ::read(descriptor, &signal, sizeof signal);
@@ -48,7 +49,7 @@ struct EventLoop::Signals {
 
 namespace {
 
-/// How long from now; null for ever.
+/// The time left from now; null for ever.
 const timespec* Until(std::optional<EventLoop::Clock::time_point> time, timespec& wait) {
   if (!time) return nullptr;
   using Duration = EventLoop::Clock::duration;
@@ -108,8 +109,8 @@ void EventLoop::RunTurn() {
   for (std::size_t i = 1; i < sources.size() && !isStopped_; ++i) {
     const auto found = watches_.find(sources[i].fd);
     if (sources[i].revents == 0 || found == watches_.end()) continue;
-    if (found->second.number != numbers[i]) continue;  // watched again meanwhile
-    const auto onReady = found->second.onReady;        // outlives an Unwatch from within
+    if (found->second.number != numbers[i]) continue;  // replaced by a later Watch
+    const auto onReady = found->second.onReady;        // survives an Unwatch by the callback
     onReady(sources[i].revents);
   }
   for (const Deadline& deadline : deadlines_) {

@@ -1,4 +1,4 @@
-// The one place where the host waits: for descriptors, for points in time, for signals.
+// The only place where the host waits: for descriptors, deadlines and signals.
 #pragma once
 
 #include <chrono>
@@ -11,37 +11,38 @@
 
 namespace rotacasts::host {
 
-/// Runs everything on one thread, a turn at a time: it waits until something can be done, then does
-/// all of it. Whoever wants to be woken joins with a descriptor or with a deadline; a library with
-/// an event loop of its own (one descriptor and one timeout) joins with both.
+/// Runs everything on one thread, in turns: waits until something is ready, then handles all of it.
+/// A part of the program joins with a descriptor or a deadline; a library that has an event loop
+/// (one descriptor and one timeout) joins with both.
 ///
-/// What is called here must not block, for nothing else runs meanwhile. It may watch and unwatch
-/// any descriptor and stop the loop. What it throws leaves Run.
+/// Callbacks must not block, because nothing else runs in the meantime. They may watch and unwatch
+/// any descriptor and stop the loop. Run passes on what they throw.
 class EventLoop {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// From here to the end of the object SIGINT, SIGTERM and SIGHUP wait for Run to take them, and
-  /// SIGPIPE is ignored: a write to nobody fails, and that is all. One loop at a time.
+  /// While the object exists, SIGINT, SIGTERM and SIGHUP wait until Run handles them, and SIGPIPE
+  /// is ignored, so that a write without a reader just fails. Only one loop may exist at a time.
   EventLoop();
   ~EventLoop();
   EventLoop(const EventLoop&) = delete;
   EventLoop& operator=(const EventLoop&) = delete;
 
-  /// From the next wait on calls `onReady` in each turn that finds the descriptor ready for one of
-  /// `events` (POLLIN, POLLOUT), or broken (POLLERR, POLLHUP); with what it is ready for. Watching
-  /// it again replaces both. It stays the caller's, who unwatches it before closing it.
+  /// From the next wait on, calls `onReady` in each turn in which the descriptor is ready for one
+  /// of `events` (POLLIN, POLLOUT) or broken (POLLERR, POLLHUP), with what it is ready for. A
+  /// second Watch replaces the first. The caller owns the descriptor and must unwatch it before
+  /// closing it.
   void Watch(int descriptor, short events, std::function<void(short ready)> onReady);
-  /// Not a call more, not even one that is due in this turn. One that nobody watches is no error.
+  /// Stops the calls at once, even one due in this turn. Does nothing if the descriptor is not
+  /// watched.
   void Unwatch(int descriptor) { watches_.erase(descriptor); }
 
-  /// Before each wait `next` is asked when to wake up at the latest, nothing for never; once that
-  /// time has come, `run` is called. Lasts as long as the loop.
+  /// Asks `next` before each wait when to wake up at the latest (nullopt for never), and calls
+  /// `run` once that time has come. Lasts as long as the loop.
   void AddDeadline(std::function<std::optional<Clock::time_point>()> next,
                    std::function<void()> run);
 
-  /// Called at the beginning of every turn, before anything of it is done; in order of their
-  /// adding.
+  /// Called at the beginning of every turn, before anything is handled; in the order of adding.
   void AtTurnBegin(std::function<void()> hook) { turnBegins_.push_back(std::move(hook)); }
   /// Called at the end of every turn, before the next wait.
   void AtTurnEnd(std::function<void()> hook) { turnEnds_.push_back(std::move(hook)); }
@@ -49,8 +50,8 @@ class EventLoop {
   /// Called for SIGHUP.
   std::function<void()> onReload;
 
-  /// Runs turns until Stop is called, or SIGINT or SIGTERM arrives: then nothing of a turn is done
-  /// any more. Error 57 when the system cannot wait.
+  /// Runs turns until Stop is called or SIGINT or SIGTERM arrives; then skips the rest of the turn.
+  /// Errors: 57 if the system cannot wait.
   void Run();
   void Stop() { isStopped_ = true; }
 
@@ -58,7 +59,7 @@ class EventLoop {
   struct WatchEntry {
     short events;
     std::function<void(short)> onReady;
-    std::int64_t number;  // tells it from a later one of the same descriptor
+    std::int64_t number;  // distinguishes it from a later watch of the same descriptor
   };
   struct Deadline {
     std::function<std::optional<Clock::time_point>()> next;
@@ -67,7 +68,7 @@ class EventLoop {
   struct Signals;
 
   std::optional<Clock::time_point> FirstDeadline() const;
-  /// False once the program is to end.
+  /// False if the program should end.
   bool TakeSignals();
   void RunTurn();
 

@@ -12,7 +12,7 @@
 
 namespace rotacasts::host {
 
-/// The system's lock belongs to the open file; programs that the host starts do not inherit it.
+/// The lock belongs to the open file; programs that the host starts do not inherit it.
 struct HostLock::File {
   explicit File(const std::string& path)
       : descriptor(::open(path.c_str(),
@@ -46,7 +46,7 @@ HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
   const ssize_t size = ::pread(file_->descriptor, words, sizeof words, 0);
   holder_ = std::string(words, size > 0 ? static_cast<std::size_t>(size) : 0);
   holder_.erase(std::min(holder_.find('\n'), holder_.size()));
-  if (holder_.empty()) holder_ = "another process";  // that has only just begun
+  if (holder_.empty()) holder_ = "another process";  // it has not written yet
 }
 
 }  // namespace rotacasts::host

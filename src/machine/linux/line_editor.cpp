@@ -8,7 +8,7 @@
 #include <cstring>
 
 // clang-format off
-#include <readline/readline.h>  // after cstdio, whose FILE it needs
+#include <readline/readline.h>  // needs FILE from cstdio
 #include <readline/history.h>
 // clang-format on
 
@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* kPrompt = "rotacasts> ";
 
-LineEditor* editor = nullptr;  // the library's callbacks know no object
+LineEditor* editor = nullptr;  // readline's callbacks take no object
 
 ssize_t WriteToOutput(void* output, const char* bytes, std::size_t size) {
   static_cast<ConsoleOutput*>(output)->Write({bytes, size});
@@ -29,7 +29,7 @@ ssize_t WriteToOutput(void* output, const char* bytes, std::size_t size) {
 LineEditor::LineEditor(EventLoop& loop, ConsoleOutput& output, Person person)
     : loop_(loop), output_(output), person_(std::move(person)) {
   editor = this;
-  ::rl_catch_signals = 0;  // the loop takes them
+  ::rl_catch_signals = 0;  // the event loop handles signals
   ::rl_outstream = ::fopencookie(&output_, "w", {nullptr, WriteToOutput, nullptr, nullptr});
   ::rl_attempted_completion_function = [](const char* text, int start, int) {
     ::rl_attempted_completion_over = 1;  // no file names

@@ -1,4 +1,4 @@
-// A prompt at a terminal: editing, history, completion.
+// A prompt on a terminal: editing, history, completion.
 #pragma once
 
 #include <functional>
@@ -9,20 +9,20 @@
 
 namespace rotacasts::host {
 
-/// Has lines edited at the terminal that the standard input is, a key at a time from the event
-/// loop. What is printed meanwhile appears above the prompt. One at a time, for the library that
-/// does it keeps its state for the whole program.
+/// Lets the user edit lines on the terminal that is the standard input, one key at a time from the
+/// event loop. Other output appears above the prompt. Only one may exist because readline's state
+/// is global.
 class LineEditor {
  public:
   struct Person {
-    /// A line that was entered; false when no more are wanted.
+    /// Handles a line; returns false to end the input.
     std::function<bool(const std::string&)> onLine;
     /// The input has ended (Ctrl-D on an empty line).
     std::function<void()> onEnd;
-    /// What the first word of a line may be.
+    /// The completions of a line's first word.
     std::vector<std::string> firstWords;
   };
-  /// Loop and output live longer.
+  /// `loop` and `output` must outlive it.
   LineEditor(EventLoop& loop, ConsoleOutput& output, Person person);
   ~LineEditor();
   LineEditor(const LineEditor&) = delete;
@@ -36,7 +36,7 @@ class LineEditor {
   EventLoop& loop_;
   ConsoleOutput& output_;
   Person person_;
-  bool isPrompting_ = true;  // not while a line is carried out
+  bool isPrompting_ = true;  // not while a line is handled
   bool hasEnded_ = false;
 };
 

@@ -15,7 +15,7 @@
 namespace rotacasts::host {
 namespace {
 
-/// Raises the run-time error that stands for `problem`, an errno value, met at `path`.
+/// Raises the run-time error for `problem`, an errno value, at `path`.
 [[noreturn]] void Raise(int problem, const std::filesystem::path& path) {
   ErrorNumber number = ErrorNumber::DeviceIoError;
   if (problem == EACCES || problem == EPERM || problem == EROFS) {
@@ -33,7 +33,7 @@ void RefuseNoFile(const struct stat& status, const std::filesystem::path& path) 
   throw RuntimeError(ErrorNumber::PathFileAccessError, path.string() + " is no file");
 }
 
-/// An open descriptor. What would wait, such as a pipe that nobody writes to, does not.
+/// An open descriptor. Opening never waits, not even for a pipe without a writer.
 class Descriptor {
  public:
   Descriptor(const std::filesystem::path& path, int flags)
@@ -46,7 +46,7 @@ class Descriptor {
   bool IsOpen() const { return descriptor_ >= 0; }
   int Get() const { return descriptor_; }
   int Close() { return IsOpen() ? ::close(std::exchange(descriptor_, -1)) : 0; }
-  /// Error 75 for what is no file.
+  /// Errors: 75 if it is not a regular file.
   struct stat Status(const std::filesystem::path& path) const {
     struct stat status {};
     if (::fstat(descriptor_, &status) != 0) Raise(errno, path);
@@ -83,7 +83,7 @@ std::string ReadAll(const Descriptor& file, const std::filesystem::path& path) {
   return bytes;
 }
 
-/// The file that a name stands for: a symbolic link's target, so that the link itself survives.
+/// The file to replace: the target of a symbolic link, so that the link survives.
 std::filesystem::path Target(const std::string& path) {
   std::filesystem::path native = NativePath(path);
   struct stat status {};
@@ -97,26 +97,26 @@ void RefuseEmpty(const std::string& path) {
   if (path.empty()) throw RuntimeError(ErrorNumber::PathNotFound, "the path is empty");
 }
 
-// What a new file is called until it takes its place: a name that no other has had.
+// The name of a new file until it replaces the old one; the random part makes it unique.
 constexpr std::string_view kNewMark = ".new-";
 constexpr std::string_view kRandom = "XXXXXX";
 
-/// Whether another program has the file open for writing, as far as the system tells.
+/// Whether another program has the file open for writing, as far as the system can tell.
 bool IsBeingWritten(const Descriptor& file) {
-  ::fcntl(file.Get(), F_SETSIG, SIGURG);  // which nobody minds: one opens it at this very moment
+  ::fcntl(file.Get(), F_SETSIG, SIGURG);  // ignored by default; sent if somebody opens it just now
   if (::fcntl(file.Get(), F_SETLEASE, F_RDLCK) != 0) return errno == EAGAIN;
   ::fcntl(file.Get(), F_SETLEASE, F_UNLCK);
   return false;
 }
 
-/// Whether the file is as it was seen, and stays so unless someone opens it from now on.
+/// Whether the file still holds what was seen and no program has it open for writing.
 bool IsStill(const std::filesystem::path& path, const FileBytes& seen) {
   const Descriptor file(path, O_RDONLY | O_NOFOLLOW);
   if (!file.IsOpen()) return errno == ENOENT && !seen;
   return seen && !IsBeingWritten(file) && ReadAll(file, path) == *seen;
 }
 
-/// One file that takes another's place.
+/// Replaces one file with another.
 class Replacement {
  public:
   explicit Replacement(std::filesystem::path target)
@@ -151,7 +151,7 @@ class Replacement {
     beside_ = name;
     if (exists && ::fchown(file.Get(), status.st_uid, status.st_gid) != 0 &&
         ::fchown(file.Get(), static_cast<uid_t>(-1), status.st_gid) != 0) {
-      // Neither is this user's to give; who could use the file by its mode still can by the mode.
+      // This user may change neither. Whoever had access by the file's mode still has it.
     }
     const mode_t mask = ::umask(0);
     ::umask(mask);
@@ -169,12 +169,12 @@ class Replacement {
                        target_.string() + " is read-only; make it writable and try again");
   }
 
-  /// False, and nothing done, when the name is not, or no longer, as the flags want it.
+  /// Returns false, without a change, if the name does not (or no longer) fit the flags.
   bool Rename(unsigned flags) {
     const char* const from = beside_.c_str();
     int failed = ::renameat2(AT_FDCWD, from, AT_FDCWD, target_.c_str(), flags);
     if (failed != 0 && flags != 0 && (errno == ENOENT || errno == EEXIST)) return false;
-    if (failed != 0 && (errno == EINVAL || errno == ENOSYS)) {  // a file system that knows no flags
+    if (failed != 0 && (errno == EINVAL || errno == ENOSYS)) {  // a file system without flags
       failed = ::rename(from, target_.c_str());
       flags = 0;
     }
@@ -183,20 +183,20 @@ class Replacement {
     return true;
   }
 
-  /// Looks at the old file once more when nobody can open it any longer: what was saved up to the
-  /// very moment of the renaming is put back.
+  /// Exchanges the files, then checks the old one again when nobody can open it any more. If a
+  /// program saved it at the last moment, puts it back and returns false.
   bool Exchange(std::string_view bytes, const FileBytes& seen) {
     if (!Rename(seen ? RENAME_EXCHANGE : RENAME_NOREPLACE)) return false;
     if (beside_.empty() || IsStill(beside_, seen)) return true;
     if (Rename(RENAME_EXCHANGE) && !IsStill(beside_, std::string(bytes))) {
-      Rename(RENAME_EXCHANGE);  // saved yet again meanwhile: that one is the latest
+      Rename(RENAME_EXCHANGE);  // saved once more in between: that is the latest
     }
     return false;
   }
 
   const std::filesystem::path target_;
   const std::filesystem::path folder_;
-  std::string beside_;  // the other file, as long as there is one
+  std::string beside_;  // the other file, while there is one
 };
 
 }  // namespace
@@ -239,7 +239,7 @@ void AppendLine(const std::string& path, const std::string& line) {
   try {
     WriteAll(file, (isWithinLine ? "\r\n" : "") + line + "\r\n", native);
   } catch (...) {
-    if (::ftruncate(file.Get(), size) != 0) {  // then half a line stays: the first error counts
+    if (::ftruncate(file.Get(), size) != 0) {  // half a line remains; the first error matters more
     }
     throw;
   }
@@ -252,7 +252,7 @@ void RemoveLeftovers(const std::string& folder) noexcept try {
     if (name[0] != '.' || mark == name.npos) continue;
     if (name.size() == mark + kNewMark.size() + kRandom.size()) ::unlink(entry.path().c_str());
   }
-} catch (...) {  // NOLINT: they only take up room
+} catch (...) {  // NOLINT: leftovers only take up space
 }
 
 }  // namespace rotacasts::host

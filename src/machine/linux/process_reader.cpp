@@ -37,8 +37,8 @@ void* RemoteAddress(std::uint32_t address) {
   return reinterpret_cast<void*>(static_cast<std::uintptr_t>(address));
 }
 
-/// Reads the remote pieces, one after another. A number too large to be a process's stands for
-/// none: cut to size, it would stand for another process.
+/// Reads the remote pieces one after another. A number beyond the range of process identifiers
+/// counts as no process, because a truncated one would name another process.
 ssize_t ReadPieces(ProcessId process, const iovec& local, std::span<const iovec> remote) {
   if (!std::in_range<pid_t>(process)) {
     errno = ESRCH;
@@ -48,8 +48,8 @@ ssize_t ReadPieces(ProcessId process, const iovec& local, std::span<const iovec>
                             0);
 }
 
-/// Whether the process runs the program: by its file, or by the name that it was started under,
-/// which for a Windows program is a Windows path, while its file is Wine's loader.
+/// Whether the process runs the program, by its file or by the name it was started under. For a
+/// Windows program the file is Wine's loader and the name a Windows path.
 bool IsProgram(const fs::path& process, const std::string& name) {
   std::error_code problem;
   if (fs::read_symlink(process / "exe", problem).filename().string() == name) return true;
@@ -62,7 +62,7 @@ bool IsProgram(const fs::path& process, const std::string& name) {
                                                         : own == name;
 }
 
-/// The folder of every process below /proc.
+/// The folders of all processes in /proc.
 std::vector<fs::path> AllProcesses() {
   std::vector<fs::path> processes;
   std::error_code problem;
@@ -73,7 +73,7 @@ std::vector<fs::path> AllProcesses() {
   return processes;
 }
 
-/// A variable of the environment that the process was started with; empty when it has none.
+/// A variable of the process's initial environment; empty if it is not set.
 std::string VariableOf(const fs::path& process, const std::string& name) {
   std::ifstream file(process / "environ", std::ios::binary);
   for (std::string variable; std::getline(file, variable, '\0');) {
@@ -82,8 +82,8 @@ std::string VariableOf(const fs::path& process, const std::string& name) {
   return {};
 }
 
-/// The name of the folder that the process's Wine server works in, which Wine makes of the device
-/// and the inode of the prefix; empty for a process without Wine.
+/// The name of the folder that the process's Wine server works in: Wine derives it from the device
+/// and inode of the prefix. Empty for a process without Wine.
 std::string WineServerFolder(const fs::path& process) {
   std::error_code problem;
   const std::string program = fs::read_symlink(process / "exe", problem).filename().string();
@@ -113,9 +113,9 @@ HoldsPort HoldsOneOf(const fs::path& process, const std::set<std::string>& socke
   return problem == std::errc::permission_denied ? HoldsPort::NotAllowed : HoldsPort::No;
 }
 
-/// The inodes of the sockets that receive at the port, in the process's network.
+/// The sockets that receive at the port, in the process's network.
 std::set<std::string> UdpSockets(const fs::path& process, std::uint16_t port) {
-  char ending[6];  // of a local address, such as "0100007F:0FA1"
+  char ending[6];  // of a local address such as "0100007F:0FA1"
   std::snprintf(ending, sizeof ending, ":%04X", static_cast<unsigned>(port));
   std::set<std::string> inodes;
   for (const char* table : {"net/udp", "net/udp6"}) {
@@ -145,7 +145,8 @@ ReadOutcome ReadProcess(ProcessId process, std::uint32_t address, void* buffer, 
 
 ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buffer,
                             std::size_t size, std::size_t& count) {
-  // A transfer is cut between the remote pieces, not inside one: a piece ends where a page ends.
+  // A transfer may stop between the remote pieces but not inside one, so a piece ends where a page
+  // ends.
   static const auto kPage = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
   const std::size_t toPageEnd = kPage - address % kPage;
   const std::size_t first = std::min(size, toPageEnd);

@@ -17,11 +17,11 @@
 namespace rotacasts::host {
 namespace {
 
-// What is kept of a program's standard error; the rest is read and dropped.
+// How much of a program's standard error is kept; the rest is read and dropped.
 constexpr std::size_t kMostWords = 400;
 
-/// How a program is started: nothing to read, nothing printed but its errors, no signal of this
-/// host's held back, and a process group of its own to be killed by.
+/// How a program is started: no input, no output except its errors, no blocked or ignored signals,
+/// and a process group, so that it can be killed with its children.
 class SpawnSettings {
  public:
   explicit SpawnSettings(int errors) {
@@ -64,7 +64,7 @@ struct ProgramStarter::Running {
     ::close(process);
     ::close(errors);
   }
-  /// Takes what can be read without waiting.
+  /// Reads what is available without waiting.
   void ReadErrors() {
     char bytes[512];
     for (ssize_t count; (count = ::read(errors, bytes, sizeof bytes)) > 0;) {
@@ -74,8 +74,8 @@ struct ProgramStarter::Running {
   }
 
   std::string name;
-  int process = -1;  // a descriptor that is ready once the process has ended
-  int errors = -1;   // what it writes to its standard error
+  int process = -1;  // a descriptor that becomes ready when the process ends
+  int errors = -1;   // reads its standard error
   bool isLate = false;
   EventLoop::Clock::time_point limit;
   std::function<void(const std::string&)> onEnd;
@@ -124,7 +124,7 @@ void ProgramStarter::Start(const std::vector<std::string>& command,
   loop_.Watch(running.process, POLLIN, [this, id](short) { Ended(id); });
   loop_.Watch(running.errors, POLLIN, [this, &running](short ready) {
     running.ReadErrors();
-    if ((ready & POLLIN) == 0) loop_.Unwatch(running.errors);  // closed at the other end
+    if ((ready & POLLIN) == 0) loop_.Unwatch(running.errors);  // closed by the program
   });
 }
 

@@ -1,4 +1,4 @@
-// Starting programs from the event loop.
+// Starts programs from the event loop.
 #pragma once
 
 #include <chrono>
@@ -10,8 +10,8 @@
 
 namespace rotacasts::host {
 
-/// Programs that still run at the end of this object are killed. The loop lives longer than the
-/// last call of Run after that.
+/// Runs programs with a time limit. The destructor kills those that still run. `loop` must not run
+/// again after this object is gone.
 class ProgramStarter final : public ProgramRunner {
  public:
   explicit ProgramStarter(EventLoop& loop, std::chrono::milliseconds timeLimit = kTimeLimit);

@@ -14,7 +14,7 @@ std::string EncodeBase64(std::string_view bytes) {
   const auto* data = reinterpret_cast<const BYTE*>(bytes.data());
   const auto count = static_cast<DWORD>(bytes.size());
   constexpr DWORD kForm = CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF;
-  DWORD size = 0;  // with the NUL at first, without it in the end
+  DWORD size = 0;  // the first call counts the NUL, the second does not
   std::string text;
   if (::CryptBinaryToStringA(data, count, kForm, nullptr, &size) == FALSE) {
     throw RuntimeError(ErrorNumber::OutOfMemory);
@@ -33,7 +33,7 @@ std::string DecodeBase64(std::string_view text) {
                            text.data(), static_cast<DWORD>(text.size()), CRYPT_STRING_BASE64,
                            reinterpret_cast<BYTE*>(bytes.data()), &size, nullptr, nullptr) != FALSE;
   bytes.resize(decoded ? size : 0);
-  // The system skips blanks and takes sloppy endings; what it has read must read the same.
+  // The system skips blanks and accepts sloppy endings, so the result must encode to the same text.
   if (EncodeBase64(bytes) != text) {
     throw RuntimeError(ErrorNumber::InvalidProcedureCall, "the text is not Base64");
   }

@@ -15,8 +15,8 @@ struct Reader {
   UINT message;
 };
 
-/// The next bytes of the input; none at its end. A console is read as UTF-16, for its single-byte
-/// reading loses what its code page lacks.
+/// The next bytes of the input; empty at its end. A console is read as UTF-16 because single-byte
+/// reading loses the characters that its code page lacks.
 std::string ReadPiece(HANDLE input) {
   DWORD count = 0;
   DWORD mode = 0;
@@ -51,14 +51,14 @@ void ReadLines(const Reader& reader) {
       text.erase(0, end + 1);
     }
   }
-  if (!text.empty()) PostLine(reader, text);  // the last line needs no line feed
+  if (!text.empty()) PostLine(reader, text);  // a last line without a line feed
 }
 
 DWORD WINAPI RunReader(void* parameter) {
   const std::unique_ptr<Reader> reader(static_cast<Reader*>(parameter));
   try {
     ReadLines(*reader);
-  } catch (...) {  // without memory the console falls silent, nothing else does
+  } catch (...) {  // out of memory: only the console stops
   }
   return 0;
 }

@@ -9,7 +9,7 @@
 
 namespace rotacasts::host {
 
-/// Open for writing, and nobody else may.
+/// The file, open for writing; nobody else can open it for writing.
 struct HostLock::File : win32::UniqueHandle {
   explicit File(const std::string& path)
       : UniqueHandle(::CreateFileW(NativePath(path).c_str(), GENERIC_READ | GENERIC_WRITE,
@@ -37,7 +37,7 @@ HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
   }
   holder_ = ReadWholeFile(path).value_or("");
   holder_.erase(std::min(holder_.find('\r'), holder_.size()));
-  if (holder_.empty()) holder_ = "another process";  // that has only just begun
+  if (holder_.empty()) holder_ = "another process";  // it has not written yet
 }
 
 }  // namespace rotacasts::host

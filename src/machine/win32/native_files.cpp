@@ -4,12 +4,12 @@
 #include "com/com_support.h"
 #include "machine/win32/unique_handle.h"
 
-#undef ReplaceFile  // the system's own name for something else
+#undef ReplaceFile  // a macro of the system headers
 
 namespace rotacasts::host {
 namespace {
 
-/// Raises the run-time error that stands for `problem`, a system error code, met at `path`.
+/// Raises the run-time error for `problem`, a system error code, at `path`.
 [[noreturn]] void Raise(DWORD problem, const std::filesystem::path& path) {
   ErrorNumber number = ErrorNumber::DeviceIoError;
   if (problem == ERROR_ACCESS_DENIED || problem == ERROR_SHARING_VIOLATION ||
@@ -31,7 +31,7 @@ bool IsMissing(DWORD problem) {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// An open file, or none. Others may do with it meanwhile what `share` says.
+/// An open file, or none. `share` says what others may do with it at the same time.
 class File : public win32::UniqueHandle {
  public:
   File(const std::filesystem::path& path, DWORD access, DWORD creation, DWORD share = kShareAll)
@@ -53,7 +53,7 @@ void WriteAll(const File& file, std::string_view bytes, const std::filesystem::p
 std::string ReadAll(const File& file, const std::filesystem::path& path) {
   LARGE_INTEGER length{};
   if (::GetFileSizeEx(file.Get(), &length) == FALSE) Raise(::GetLastError(), path);
-  std::string bytes(static_cast<std::size_t>(length.QuadPart) + 1, '\0');  // to notice growth
+  std::string bytes(static_cast<std::size_t>(length.QuadPart) + 1, '\0');  // room to notice growth
   std::size_t size = 0;
   for (;;) {
     DWORD count = 0;
@@ -89,16 +89,15 @@ void RefuseReadOnly(const std::filesystem::path& path) {
   }
 }
 
-/// Whether the file is as it was seen and nobody has it open for writing.
+/// Whether the file still holds what was seen and no program has it open for writing.
 bool IsStill(const std::filesystem::path& path, const FileBytes& seen) {
   const File file(path, GENERIC_READ, OPEN_EXISTING, FILE_SHARE_READ | FILE_SHARE_DELETE);
   if (!file) return IsMissing(::GetLastError()) && !seen;
   return seen && ReadAll(file, path) == *seen;
 }
 
-/// Puts one file in the other's place, which keeps its owner and its rights; what a program has
-/// open cannot be replaced unless it allows for that, and a virus scanner or an indexer has for a
-/// moment: a few tries are made.
+/// Replaces one file with the other, which keeps its owner and rights. Tries several times, because
+/// virus scanners and indexers open files for a moment in a way that prevents it.
 void MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {
   constexpr int kTries = 10;
   constexpr DWORD kPause = 20;  // milliseconds
@@ -119,7 +118,7 @@ void MoveOver(const std::filesystem::path& from, const std::filesystem::path& to
   }
 }
 
-// What a new file is called until it takes its place: a name that no other has.
+// The name of a new file until it replaces the old one; the number makes it unique.
 constexpr std::wstring_view kNewMark = L".new-";
 
 std::filesystem::path NameBeside(const std::filesystem::path& target) {
@@ -216,7 +215,7 @@ void RemoveLeftovers(const std::string& folder) noexcept try {
     const bool isOurs = name.find_first_not_of(L"0123456789-", mark + kNewMark.size()) == name.npos;
     if (isOurs) ::DeleteFileW(entry.path().c_str());
   }
-} catch (...) {  // NOLINT: they only take up room
+} catch (...) {  // NOLINT: leftovers only take up space
 }
 
 }  // namespace rotacasts::host

@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::size_t kPage = 4096;
 
-/// A number too large to be a process's stands for none: cut to size, it would stand for another
-/// process.
+/// Opens a process. A number beyond the range of process identifiers counts as no process, because
+/// a truncated one would name another process.
 HANDLE Open(ProcessId process) {
   if (!std::in_range<DWORD>(process)) {
     ::SetLastError(ERROR_INVALID_PARAMETER);
@@ -34,7 +34,7 @@ class OpenedProcess {
  public:
   explicit OpenedProcess(ProcessId process) : handle_(Open(process)) {}
 
-  /// Why the process could not be opened; Complete when it was.
+  /// Why the process could not be opened; Complete if it was.
   ReadOutcome Outcome() const {
     if (handle_) return ReadOutcome::Complete;
     return ::GetLastError() == ERROR_ACCESS_DENIED ? ReadOutcome::NotAllowed
@@ -46,7 +46,7 @@ class OpenedProcess {
     if (::ReadProcessMemory(handle_.Get(), place, buffer, size, &count) != FALSE && count == size) {
       return ReadOutcome::Complete;
     }
-    // One that has ended can still be opened while somebody else holds it.
+    // A process that has ended can still be opened while somebody holds a handle.
     return ::WaitForSingleObject(handle_.Get(), 0) == WAIT_OBJECT_0 ? ReadOutcome::ProcessGone
                                                                     : ReadOutcome::NotMapped;
   }
@@ -55,7 +55,7 @@ class OpenedProcess {
   const win32::UniqueHandle handle_;
 };
 
-/// Whether a program file has the name, which may leave its ending out.
+/// Whether a program file has the name, with or without ".exe".
 bool HasName(const wchar_t* programFile, const std::wstring& name) {
   return ::_wcsicmp(programFile, name.c_str()) == 0 ||
          ::_wcsicmp(programFile, (name + L".exe").c_str()) == 0;
@@ -65,7 +65,7 @@ bool IsInUdpTable(const std::function<bool(const MIB_UDPROW_OWNER_PID&)>& isMean
   std::vector<char> bytes;
   DWORD size = 0;
   DWORD outcome = ERROR_INSUFFICIENT_BUFFER;
-  while (outcome == ERROR_INSUFFICIENT_BUFFER) {  // the table may grow meanwhile
+  while (outcome == ERROR_INSUFFICIENT_BUFFER) {  // the table may grow between two calls
     bytes.resize(size);
     outcome = ::GetExtendedUdpTable(bytes.data(), &size, FALSE, AF_INET, UDP_TABLE_OWNER_PID, 0);
   }
@@ -87,7 +87,7 @@ ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buff
   const OpenedProcess opened(process);
   count = 0;
   if (opened.Outcome() != ReadOutcome::Complete) return opened.Outcome();
-  // The system reads all or nothing; what is mapped ends where a page ends.
+  // The system reads all or nothing, and mapped memory ends where a page ends.
   count = size;
   ReadOutcome outcome = opened.Read(address, buffer, size);
   const std::size_t toPageEnd = kPage - address % kPage;

@@ -1,4 +1,4 @@
-// The system's sockets, ready for use.
+// UDP sockets of the system.
 #pragma once
 
 // clang-format off
@@ -11,7 +11,7 @@
 
 namespace rotacasts::win32 {
 
-/// A UDP socket. Closed with its owner.
+/// A UDP socket, closed by the destructor.
 class UdpSocket {
  public:
   UdpSocket() {

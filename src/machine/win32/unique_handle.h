@@ -1,4 +1,4 @@
-// The owner of one of the system's handles.
+// An owner of a system handle.
 #pragma once
 
 #include <utility>
@@ -7,8 +7,8 @@
 
 namespace rotacasts::win32 {
 
-/// Closes its handle. Calls of the system answer a null one or the invalid one where there is none;
-/// here either is none.
+/// Closes its handle. The system reports failure with a null or an invalid handle; both are stored
+/// as null.
 class UniqueHandle {
  public:
   explicit UniqueHandle(HANDLE handle)
