@@ -6,13 +6,13 @@
 namespace rotacasts::simulator {
 namespace {
 
-// Where the image keeps what the fixed addresses point to; any free place would do.
+// Where the image keeps what the fixed addresses point to; any free place works.
 constexpr std::int32_t kRotation = 0x10000000;
 constexpr std::int32_t kMapTable = 0x10010000;
 constexpr std::int32_t kPlayerTable = 0x10100000;
 
-// The two families' records and player slots, written down a second time on purpose: an image that
-// took them from the readers would agree with them whatever they say.
+// The two families' records and player slots, copied here on purpose: an image that took them from
+// the readers would agree with them even if they were wrong.
 constexpr std::int32_t kDfbhdNameRecord = 1840;
 constexpr std::int32_t kMapRecord = 4584;
 constexpr std::int32_t kNameInMapRecord = 1044;
@@ -26,7 +26,7 @@ struct SlotRecord {
 constexpr SlotRecord kDfbhdSlot = {717628, 60, 711340};
 constexpr SlotRecord kCommonSlot = {100584, 40, 80};
 
-/// Where a counter lies after the start of a slot's counters.
+/// A counter's offset from the start of a slot's counters.
 struct CounterPlace {
   std::int32_t PlayerStats::*counter;
   std::int32_t inDfbhd;
@@ -56,7 +56,7 @@ constexpr CounterPlace kPlaces[] = {
 };
 // clang-format on
 
-/// Map numbers that are not the positions, so that mixing them up shows.
+/// Map numbers differ from positions, so that confusing them shows.
 std::int32_t MapNumber(std::int32_t position) {
   return position * 3 + 2;
 }

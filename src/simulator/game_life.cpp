@@ -6,7 +6,7 @@
 namespace rotacasts::simulator {
 namespace {
 
-// Game states. The two running ones are what the plugin asks for; the others are any other numbers.
+// Game states. The plugin looks for the two running ones; the others are arbitrary.
 constexpr std::int32_t kRunning = 2;
 constexpr std::int32_t kRunningToo = 3;
 constexpr std::int32_t kScoreBoard = 4;
@@ -24,7 +24,7 @@ constexpr const char* kMaps[] = {"Harbour at Dawn", "Öde Küste", "Salt Flats",
 
 struct Objective {
   std::int32_t PlayerStats::*counter;
-  int most;  // by how much it rises at once, at most
+  int most;  // the largest increase at once
 };
 
 constexpr Objective kObjectives[] = {

@@ -12,18 +12,18 @@
 namespace rotacasts::simulator {
 
 struct Player {
-  std::string name;  // UTF-8, of letters that Windows-1252 has
+  std::string name;  // UTF-8, with characters that Windows-1252 has
   PlayerStats stats;
 };
 
-/// Everything about the game that a game server keeps in its memory.
+/// Everything about a game that its server keeps in memory.
 struct World {
   std::int32_t state = 0;
   std::int32_t gameType = 0;
-  /// The slots up to the server's player limit, that one included; empty ones lie between others.
+  /// The slots up to and including the server's player limit; some are empty.
   std::vector<std::optional<Player>> slots;
   std::vector<std::string> maps;  // in the order of the rotation
-  std::int32_t position = 0;      // of the map being played
+  std::int32_t position = 0;      // of the current map
 
   std::int32_t PlayerCount() const;
 };
@@ -31,11 +31,11 @@ struct World {
 struct LifeOptions {
   int players = 20;  // 1 to 250
   std::uint32_t seed = 1;
-  int mapSteps = 200;   // how long a map is played
-  int pauseSteps = 15;  // how long no game runs between two maps
+  int mapSteps = 200;   // how long a map lasts
+  int pauseSteps = 15;  // the break between two maps
 };
 
-/// The same options live the same life.
+/// Simulates a game. The same options give the same game.
 class GameLife {
  public:
   explicit GameLife(const LifeOptions& options);

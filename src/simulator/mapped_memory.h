@@ -1,4 +1,4 @@
-// This process's own memory at a game build's addresses. One implementation per platform.
+// Memory of this process at a game build's addresses. One implementation per platform.
 #pragma once
 
 #include <set>

@@ -1,4 +1,5 @@
-// game-server-sim: a process that holds a living game at a build's true addresses and hears chat.
+// game-server-sim: a process that keeps a simulated game at a build's real addresses and receives
+// chat.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -30,7 +31,7 @@ struct Options {
   bool withParent = false;
 };
 
-/// Tells a waiting program, all at once, what it needs to find this one: "PROCESS PORT".
+/// Writes "PROCESS PORT" to a file, in one step, for a program that waits for it.
 void WriteReadyFile(const std::string& file, std::uint16_t port) {
   const std::filesystem::path target = host::PathOf(file);
   std::filesystem::path beside = target;

@@ -31,7 +31,7 @@ void MappedMemory::Reserve(std::int32_t address, std::uint32_t size) {
   const std::uintptr_t first = static_cast<std::uint32_t>(address) / kPage * kPage;
   const std::uintptr_t end =
       static_cast<std::uint32_t>(address) + static_cast<std::uintptr_t>(size);
-  // Page by page, for fixed addresses share pages; runs of new pages are mapped in one piece.
+  // Page by page, because fixed addresses share pages; adjacent new pages are mapped together.
   std::uintptr_t begin = 0;
   std::size_t length = 0;
   for (std::uintptr_t page = first; page < end; page += kPage) {

@@ -39,7 +39,8 @@ std::uint16_t ChatListener::Port() const {
 }
 
 std::optional<std::string> ChatListener::Receive(std::chrono::milliseconds within) {
-  // A request to end wakes no wait for a socket: it is waited for in short pieces.
+  // A request to end does not interrupt a wait for a socket, so the wait is split into short
+  // pieces.
   constexpr std::chrono::milliseconds kPiece(100);
   for (auto left = within; !EndRequested(); left -= kPiece) {
     const auto piece = static_cast<long>(std::min(left, kPiece).count());

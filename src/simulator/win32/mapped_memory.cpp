@@ -8,8 +8,8 @@
 namespace rotacasts::simulator {
 namespace {
 
-// The program is linked to the address of a game's own program, and this array, which lies within
-// its image, takes up every fixed address of every build.
+// The program is linked to the address of a game's program. This array, which is part of its image,
+// covers every fixed address of every build.
 constexpr std::uintptr_t kImageBase = 0x00400000;
 constexpr std::uintptr_t kLastFixed = 0x02A2C000;
 char image[kLastFixed - kImageBase];
