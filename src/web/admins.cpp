@@ -22,7 +22,7 @@ constexpr const char* kProfiles = "Profiles";
 constexpr const char* kRightsKey = "Rights";
 constexpr std::size_t kLongestName = 40;
 
-/// The parts between the separators, without blanks around them and without empty ones.
+/// The parts between the separators, trimmed, without empty ones.
 std::vector<std::string> Parts(const std::string& text, const char* separators) {
   std::vector<std::string> parts;
   for (std::size_t at = 0; at < text.size();) {
@@ -34,7 +34,7 @@ std::vector<std::string> Parts(const std::string& text, const char* separators) 
   return parts;
 }
 
-/// False when a part was none.
+/// Adds the indexes in the text; false if one part is not an index.
 bool ReadIndexes(const std::string& text, Admin& admin) {
   bool isGood = true;
   for (const std::string& part : Parts(text, ", ")) {
@@ -62,7 +62,7 @@ void RefuseName(const std::string& name) {
 }  // namespace
 
 std::string NameOf(Right right) {
-  const std::size_t row = right == Right::ChangeMessages ? 1 : 2;  // the first is the plugin's name
+  const std::size_t row = right == Right::ChangeMessages ? 1 : 2;  // row 0: the plugin's name
   const std::string text = ToText(DescribePrivileges().At(row));
   return text.substr(0, text.find('|'));
 }
@@ -128,7 +128,7 @@ void Admins::GiveToFoldersOwner() const {
   const std::filesystem::path file = NativePath(file_);
   struct stat folder {};
   if (::stat(file.parent_path().c_str(), &folder) != 0) return;
-  // Only root can give files away; anybody else writes as the host's own user.
+  // Only root can give files away. Anybody else is assumed to be the host's user.
   (void)!::chown(file.c_str(), folder.st_uid, folder.st_gid);
 }
 

@@ -1,4 +1,4 @@
-// The people who may sign in to the page, and what each may do: settings/admins.ini.
+// Who may sign in to the page and what each may do: settings/admins.ini.
 #pragma once
 
 #include <array>
@@ -10,16 +10,16 @@
 
 namespace rotacasts::host::web {
 
-/// The plugin's privileges: adding, moving, deleting and saying messages; switch and interval.
+/// The plugin's privileges: to add, move, delete and say messages; to change switch and interval.
 enum class Right { ChangeMessages, ChangeSettings };
 inline constexpr std::array kRights = {Right::ChangeMessages, Right::ChangeSettings};
-/// As the plugin calls it.
+/// The plugin's name for it.
 std::string NameOf(Right right);
 
 struct Admin {
   std::string name;
   std::string password;  // its Argon2id hash
-  bool seesAll = false;  // every profile, those to come included
+  bool seesAll = false;  // every profile, including future ones
   std::set<std::int32_t> profiles;
   std::set<Right> rights;
 
@@ -28,37 +28,38 @@ struct Admin {
   bool operator==(const Admin&) const = default;
 };
 
-/// A section a person, named after them; letter case is of no account. Read afresh by every call;
-/// what cannot be read or written raises the file's own error.
+/// The file has a section for each person, named after them; letter case does not matter. Every
+/// call reads the file again. Errors: those of reading and writing the file.
 class Admins {
  public:
   explicit Admins(const std::string& hostFolder) : file_(hostFolder + "\\settings\\admins.ini") {}
 
-  /// Those with a password, in file order. An index or a right that is none is left out.
+  /// The people with a password, in file order. Invalid indexes and rights are left out.
   std::vector<Admin> All() const;
-  /// Adds the person, or replaces what is known of them. Error 5 for a name that no section can
-  /// have. Nobody but the file's owner can read a file that is made here.
+  /// Adds the person or replaces their entry. A file that is created here is readable only by its
+  /// owner. Errors: 5 if the name cannot be a section's.
   void Set(const Admin& admin) const;
-  /// Error 5 when there is no such person.
+  /// Removes the person. Errors: 5 if there is no such person.
   void Remove(const std::string& name) const;
 
  private:
-  /// An empty file that only its owner can read.
+  /// Creates an empty file that only its owner can read.
   void Make() const;
-  /// The host may run as somebody else than who calls this.
+  /// Gives a new file the folder's owner, because the host may run as another user than the caller.
   void GiveToFoldersOwner() const;
 
   const std::string file_;
 };
 
-/// The person of that name.
+/// The person of that name; nullopt if there is none.
 std::optional<Admin> FindAdmin(const std::vector<Admin>& all, const std::string& name);
 
-/// Indexes between commas or blanks, or "*" for all; false for anything else.
+/// Reads indexes separated by commas or blanks, or "*" for all, into `admin`; false for anything
+/// else.
 bool ReadProfiles(const std::string& text, Admin& admin);
-/// Names of rights between commas; false for anything else.
+/// Reads names of rights separated by commas into `admin`; false for anything else.
 bool ReadRights(const std::string& text, Admin& admin);
-/// The inverse of both.
+/// The inverse of these two.
 std::string ProfilesText(const Admin& admin);
 std::string RightsText(const Admin& admin);
 

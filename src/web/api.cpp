@@ -25,7 +25,7 @@ bool IsLoopback(const std::string& address) {
   return address == "::1" || address.starts_with("127.");
 }
 
-/// Whom the request comes from; what a proxy on this machine says of it counts.
+/// The client's address. A proxy on this machine is trusted to name its client.
 std::string ClientOf(const Request& request) {
   if (!IsLoopback(request.address)) return request.address;
   const std::string forwarded = request.Header("X-Forwarded-For");
@@ -33,7 +33,7 @@ std::string ClientOf(const Request& request) {
   return last.empty() ? request.address : last.substr(0, 64);
 }
 
-/// Whether the request comes from a page of this very host; browsers say so with every change.
+/// Whether the request comes from a page of this host; browsers send the origin with every change.
 bool IsOwnOrigin(const Request& request) {
   const std::string origin = request.Header("Origin");
   const auto scheme = origin.find("://");
@@ -60,11 +60,11 @@ json DescriptionOf(const Admin& admin) {
 
 struct Api::Route {
   const char* method;
-  const char* path;  // "*" stands for a profile's index
+  const char* path;  // "*" is a profile's index
   Need need;
   void (Api::*answer)(Call&);
 
-  /// The profile's index, 0 where the path has none; nothing when it is another path.
+  /// The profile's index, 0 if the path has none; nullopt if the path is another one.
   std::optional<std::int32_t> Match(std::string_view asked) const {
     const std::string_view mine = path;
     const auto star = mine.find('*');
@@ -182,7 +182,7 @@ const std::vector<Admin>& Api::People() {
   std::string trouble;
   try {
     people_ = admins_.All();
-  } catch (const RuntimeError& error) {  // the broadcasts go on
+  } catch (const RuntimeError& error) {  // must not stop the broadcasts
     people_.clear();
     trouble = error.description;
   }

@@ -1,4 +1,4 @@
-// What the page asks of the host: a table of routes, and who may take them.
+// The page's requests to the host: a table of routes and the rights that each needs.
 #pragma once
 
 #include <functional>
@@ -17,17 +17,17 @@ namespace rotacasts::host::web {
 
 struct Call;
 
-/// Answers requests as docs/web.md describes them. All that is referred to outlives it.
+/// Answers requests as docs/web.md describes them. Everything passed by reference must outlive it.
 class Api {
  public:
-  /// What people say by hand is told to `out`, with their names, for no other log holds it.
+  /// What people say by hand is printed to `out` with their names, because no other log records it.
   Api(EventLoop& loop, ServerHost& host, const HostOptions& options, Sessions& sessions,
       std::ostream& out);
 
   void Handle(const std::shared_ptr<Exchange>& exchange);
-  /// The next part of what the pages follow is read; what has changed can be sent.
+  /// Reads the next part of what the pages follow, so that changes can be sent.
   void Refresh() { snapshots_.RefreshSome(); }
-  /// Called when the pages should hear of a change at once.
+  /// Called when the pages should learn of a change at once.
   std::function<void()> onChange;
 
  private:
@@ -36,7 +36,7 @@ class Api {
 
   void Find(const std::shared_ptr<Exchange>& exchange);
   void Admit(const Route& route, Call& call);
-  /// Nobody while the file cannot be read.
+  /// The people who may sign in; nobody if the file cannot be read.
   const std::vector<Admin>& People();
   std::optional<Admin> PersonOf(const Request& request);
   Response Changed(const Call& call, const std::string& words);
@@ -65,7 +65,7 @@ class Api {
   const Admins admins_;
   std::vector<Admin> people_;
   Clock::time_point peopleAt_;
-  std::string trouble_;  // why they could not be read
+  std::string trouble_;  // why the people could not be read
   Snapshots snapshots_;
   SignInBrake brake_;
   PasswordChecks checks_;

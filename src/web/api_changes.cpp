@@ -1,4 +1,4 @@
-// The routes that change something, each through a remote operation of the plugin.
+// The routes that change or say something.
 
 #include <algorithm>
 

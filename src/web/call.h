@@ -1,4 +1,4 @@
-// A request that has found its route: what it says, and how it is refused.
+// A request with its route: its contents, and how it is refused.
 #pragma once
 
 #include <algorithm>
@@ -17,7 +17,7 @@
 
 namespace rotacasts::host::web {
 
-/// An answer that is no.
+/// A refusal, thrown by whatever handles a request.
 struct Refusal {
   unsigned status;
   std::string error;  // for programs
@@ -29,7 +29,7 @@ struct Refusal {
   }
 };
 
-/// A request that has found its route.
+/// A request with its route.
 struct Call {
   const std::shared_ptr<Exchange>& exchange;
   std::int32_t profile = 0;
@@ -61,7 +61,8 @@ struct Call {
       throw Refusal{400, "form", "the number is too large or negative"};
     return static_cast<std::int32_t>(number);
   }
-  /// A text that players could be sent: one line of letters that the message file holds.
+  /// A text that can be sent to players: one line of characters that the message file can hold.
+  /// Errors: a Refusal, or error 5 for a character that Windows-1252 lacks.
   std::string Message() const {
     std::string text(TrimSpaces(Text("text")));
     if (text.empty()) throw Refusal{422, "refused", "there is no text"};
@@ -72,8 +73,8 @@ struct Call {
     ToWindows1252(text);
     return text;
   }
-  /// The position that the request names, if the message there is still the one that it saw. The
-  /// position alone would mean another message once somebody else has changed the list.
+  /// The position in the request. By itself it would mean another message once somebody else has
+  /// changed the list. Errors: a Refusal if its message is no longer the one that the client saw.
   std::int32_t SeenPosition(const MessageList& list) const {
     const std::int32_t position = Number("position");
     const std::string seen = Text("text");

@@ -29,7 +29,7 @@ constexpr std::size_t kMemoryOfConnection = std::size_t{16} * 1024;
 constexpr std::size_t kMostBytesDropped = std::size_t{1024} * 1024;
 constexpr std::size_t kBlock = std::size_t{8} * 1024;
 
-/// What every answer says: only the page's own files count, nobody frames it or keeps it.
+/// Sent with every answer: only the page's own files may load, nobody may frame or store it.
 constexpr std::pair<const char*, const char*> kHeadersOfAll[] = {
     {"Content-Security-Policy",
      "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
@@ -48,7 +48,7 @@ struct AddressInfo {
   }
 };
 
-/// Error 5 for anything but ADDRESS:PORT in numbers.
+/// Errors: 5 unless the address is a numeric ADDRESS:PORT.
 void Resolve(const std::string& address, AddressInfo& info) {
   const std::size_t colon = address.rfind(':');
   std::string host = address.substr(0, std::min(colon, address.size()));
@@ -78,7 +78,7 @@ std::string AddressOf(MHD_Connection* connection) {
             &reinterpret_cast<const sockaddr_in6*>(info->client_addr)->sin6_addr)) {
       return "::1";
     }
-    ::inet_ntop(AF_INET6, &address.sin6_addr, text, sizeof text);  // one network, one client
+    ::inet_ntop(AF_INET6, &address.sin6_addr, text, sizeof text);  // a network counts as one client
   }
   return text;
 }
@@ -119,10 +119,10 @@ class HttpServer::Conversation final : public Exchange,
 
   void Take(const char* bytes, std::size_t size);
   bool IsEndless() const { return dropped_ > kMostBytesDropped; }
-  /// Has the request answered, once it is whole; queues the answer once there is one.
+  /// Has a complete request handled; queues the answer if there is one.
   MHD_Result Proceed();
   ssize_t Read(char* buffer, std::size_t room);
-  /// Goes on sending if there is something to send.
+  /// Continues sending if there is something to send.
   void WakeUp();
   void Resume();
 
@@ -137,7 +137,7 @@ class HttpServer::Conversation final : public Exchange,
   MHD_Response* response_ = nullptr;
   unsigned status_ = 0;
   std::unique_ptr<EventSource> source_;
-  std::string piece_;  // of the source, being sent
+  std::string piece_;  // of the source, partly sent
   std::size_t sent_ = 0;
 };
 
@@ -209,14 +209,14 @@ ssize_t HttpServer::Conversation::Read(char* buffer, std::size_t room) {
   std::memcpy(buffer, piece_.data() + sent_, count);
   sent_ += count;
   if (sent_ == piece_.size()) {
-    piece_ = {};  // a quiet page holds no memory
+    piece_ = {};  // an idle page uses no memory
     sent_ = 0;
   }
   return static_cast<ssize_t>(count);
 }
 
 void HttpServer::Conversation::WakeUp() {
-  if (!isSuspended_) return;  // it has not taken what went before
+  if (!isSuspended_) return;  // it is still sending the last piece
   piece_ = source_->Next();
   if (!piece_.empty() || source_->IsOver()) Resume();
 }
@@ -227,7 +227,7 @@ void HttpServer::Conversation::Resume() {
   server_.mustRun_ = true;
 }
 
-/// What the library calls.
+/// The functions that the library calls.
 struct HttpServer::Callbacks {
   static MHD_Result Access(void* self, MHD_Connection* connection, const char* url,
                            const char* method, const char*, const char* bytes, std::size_t* size,
@@ -250,7 +250,7 @@ struct HttpServer::Callbacks {
     auto& server = *static_cast<HttpServer*>(self);
     server.sources_.erase(connection);
     server.conversations_.erase(connection);
-    server.since_[connection] = Clock::now();  // the next request of this connection
+    server.since_[connection] = Clock::now();  // the start of the connection's next request
   }
   static void Connected(void* self, MHD_Connection* connection, void**,
                         MHD_ConnectionNotificationCode what) {
@@ -261,7 +261,7 @@ struct HttpServer::Callbacks {
       server.since_.erase(connection);
     }
   }
-  static void Log(void*, const char*, va_list) {}  // a client's nonsense is no news
+  static void Log(void*, const char*, va_list) {}  // errors of clients are not worth logging
 };
 
 HttpServer::HttpServer(EventLoop& loop, const std::string& address, Handler handler,

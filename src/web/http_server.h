@@ -1,4 +1,5 @@
-// An HTTP server in the host's event loop: requests whole, answers at once, later, or bit by bit.
+// An HTTP server in the host's event loop. It takes whole requests and answers them at once, later,
+// or piece by piece.
 #pragma once
 
 #include <chrono>
@@ -24,14 +25,14 @@ class Request {
 
   std::string method;
   std::string path;
-  std::string address;  // whom it comes from, without the port
+  std::string address;  // the client's, without the port
   std::string body;
-  bool isTooLong = false;  // the body; what was read of it is dropped
+  bool isTooLong = false;  // the body, of which nothing is kept
 
-  // Empty when there is none.
+  // Empty if there is none.
   virtual std::string Header(const char* name) const = 0;
   virtual std::string Cookie(const char* name) const = 0;
-  /// A value after the path's "?".
+  /// A value from the query string.
   virtual std::string Query(const char* name) const = 0;
 };
 
@@ -42,40 +43,40 @@ struct Response {
   std::vector<std::pair<std::string, std::string>> headers = {};
 };
 
-/// An answer that goes on: server-sent events.
+/// An endless answer: server-sent events.
 class EventSource {
  public:
   virtual ~EventSource() = default;
-  /// What there is to send by now; empty when there is nothing. Asked when all that went before has
-  /// been taken, so a slow client costs one piece of memory, not a queue.
+  /// What there is to send; empty if nothing. Called only after the previous piece was sent, so
+  /// that a slow client costs one piece of memory, not a queue.
   virtual std::string Next() = 0;
-  /// Whether nothing comes any more.
+  /// Whether the answer has ended.
   virtual bool IsOver() const = 0;
 };
 
-/// One request and the answer to it.
+/// One request and its answer.
 class Exchange {
  public:
   virtual ~Exchange() = default;
   virtual const Request& Asked() const = 0;
-  /// Once, now or in a later turn.
+  /// Call one of these once, now or in a later turn.
   virtual void Answer(Response response) = 0;
   virtual void AnswerBitByBit(std::unique_ptr<EventSource> source) = 0;
 };
 
-/// A body is 16 KiB at most, a header 16 KiB. A request that has not come, or an answer that has
-/// not been taken, after half a minute is cut off; and there are at most 600 connections, 200 of
-/// one address.
+/// Limits: 16 KiB for a body and for headers; half a minute for a request to arrive and for its
+/// answer to be taken; 600 connections, 200 from one address.
 class HttpServer {
  public:
   static constexpr std::size_t kLongestBody = std::size_t{16} * 1024;
   static constexpr std::chrono::seconds kLongestRequest{30};
-  /// Answers a request. Whoever answers later keeps the pointer weakly: the client may be gone.
+  /// Answers a request. A handler that answers later must hold the pointer weakly, because the
+  /// client may go away.
   using Handler = std::function<void(const std::shared_ptr<Exchange>&)>;
 
-  /// Listens at "ADDRESS:PORT"; an IPv6 address in brackets, port 0 for any. Error 5 for what is no
-  /// address, 57 with the reason where nobody can listen there. `longest` is what a request and its
-  /// answer may take, events aside.
+  /// Listens at "ADDRESS:PORT"; IPv6 addresses in brackets, port 0 for any. `longest` limits a
+  /// request and its answer, except events. Errors: 5 if that is not an address, 57 with the reason
+  /// if listening fails. `loop` must outlive it.
   HttpServer(EventLoop& loop, const std::string& address, Handler handler,
              std::chrono::milliseconds longest = kLongestRequest);
   ~HttpServer();
@@ -83,7 +84,7 @@ class HttpServer {
   HttpServer& operator=(const HttpServer&) = delete;
 
   std::uint16_t Port() const;
-  /// Asks every open event source for what is new.
+  /// Asks every open event source for news.
   void Pump();
   std::size_t EventSources() const { return sources_.size(); }
 
@@ -94,17 +95,17 @@ class HttpServer {
   void Start(const std::string& address);
   void Run();
   std::optional<EventLoop::Clock::time_point> NextRun() const;
-  /// Cuts off whoever takes too long.
+  /// Cuts off clients that take too long.
   void CutOff();
 
   EventLoop& loop_;
   const Handler handler_;
   const std::chrono::milliseconds longest_;
-  std::map<MHD_Connection*, EventLoop::Clock::time_point> since_;  // of each request under way
+  std::map<MHD_Connection*, EventLoop::Clock::time_point> since_;  // the start of each request
   std::map<MHD_Connection*, std::shared_ptr<Conversation>> conversations_;
   std::map<MHD_Connection*, Conversation*> sources_;
   EventLoop::Clock::time_point nextCut_;
-  bool mustRun_ = false;  // a connection goes on, of which the library says nothing
+  bool mustRun_ = false;  // a connection was resumed, which the library does not signal
   MHD_Daemon* daemon_ = nullptr;
 };
 

@@ -5,7 +5,7 @@
 namespace rotacasts::host::web {
 namespace {
 
-/// A word now and then, by which both ends notice a connection that is broken.
+/// How often a quiet connection sends something, so that both ends notice if it breaks.
 constexpr auto kQuiet = std::chrono::seconds(15);
 
 }  // namespace
@@ -20,7 +20,7 @@ void LiveEvents::AddDetails(const Admin& admin) try {
   Add("messages", snapshots_.MessagesOf(profile_));
   const Snapshots::Text& log = snapshots_.LogOf(profile_);
   if (admin.seesAll || !isLogShared_) Add("log", log);
-} catch (const RuntimeError&) {  // it is gone, and its row says so
+} catch (const RuntimeError&) {  // the profile is gone; its row says so
 }
 
 std::string LiveEvents::Next() {

@@ -1,4 +1,4 @@
-// What an open page follows.
+// The events that an open page follows.
 #pragma once
 
 #include <functional>
@@ -9,11 +9,11 @@
 
 namespace rotacasts::host::web {
 
-/// Every row that the person sees, and the messages and the log of one profile.
+/// Sends every row that the person may see, and the messages and the log of one profile.
 class LiveEvents final : public EventSource {
  public:
-  /// `person` is who follows, nobody once the session is over. A log that is shared is for those
-  /// only who see every profile.
+  /// `person` returns who follows; nullopt once the session has ended. A shared log is only for
+  /// those who see every profile. `snapshots` must outlive it.
   LiveEvents(Snapshots& snapshots, std::function<std::optional<Admin>()> person,
              std::int32_t profile, bool isLogShared)
       : snapshots_(snapshots),

@@ -15,7 +15,7 @@ namespace {
                          "); install libmicrohttpd, or leave --web out");
 }
 
-/// Looks a function up by the name that goes with its type.
+/// Looks up a function by name and stores it with its type.
 template <class Function>
 void Find(void* library, const char* name, Function& function) {
   function = reinterpret_cast<Function>(::dlsym(library, name));

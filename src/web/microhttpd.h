@@ -1,17 +1,17 @@
-// libmicrohttpd, loaded when the page is first served: it brings a TLS library along, and a host
-// without the page need not hold those.
+// libmicrohttpd, loaded when the page is first served. It needs a TLS library, and a host without
+// the page should not load either.
 #pragma once
 
 #include <microhttpd.h>
 
 namespace rotacasts::host::web {
 
-/// The functions of the library that are used here, by their names there without "MHD_".
+/// The library's functions that are used here, named without "MHD_".
 struct Microhttpd {
-  /// Loads the library of that file name, for as long as the program runs. Error 53, which says how
-  /// to get it, when the machine does not have it.
+  /// Loads the library for the rest of the program's life. Errors: 53, with how to install it, if
+  /// the machine does not have it.
   explicit Microhttpd(const char* fileName);
-  /// The one that the program was built with, loaded by the first call. Errors: as above.
+  /// The library that the program was built with, loaded by the first call. Errors: as above.
   static const Microhttpd& Get();
 
   decltype(&MHD_add_response_header) add_response_header;

@@ -7,7 +7,7 @@
 namespace rotacasts::host::web {
 
 struct PageFile {
-  const char* path;  // as it is asked for
+  const char* path;  // of the request
   const char* type;
   std::string_view bytes;
 };

@@ -19,7 +19,7 @@ constexpr std::size_t kMostWaiting = 8;
 constexpr auto kOperations = crypto_pwhash_OPSLIMIT_INTERACTIVE;
 constexpr auto kMemory = crypto_pwhash_MEMLIMIT_INTERACTIVE;
 
-/// What the process of a check does; it never returns.
+/// The work of the child process; never returns.
 [[noreturn]] void CheckInChild(const std::string& hash, const std::string& password, int answer) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   ::setpriority(PRIO_PROCESS, 0, 10);
@@ -68,7 +68,7 @@ void PasswordChecks::StartFirst() {
   if (::pipe2(ends, O_CLOEXEC) != 0) throw std::bad_alloc();
   process_ = ::fork();
   if (process_ == 0) CheckInChild(waiting_.front().hash, waiting_.front().password, ends[1]);
-  ::close(ends[1]);  // without a process: the answer is no
+  ::close(ends[1]);  // if the fork failed, the answer is no
   answer_ = ends[0];
   loop_.Watch(answer_, POLLIN, [this](short) { Finish(); });
 }

@@ -1,4 +1,4 @@
-// Passwords: their Argon2id hashes, and checking one without holding up the host.
+// Passwords: their Argon2id hashes, and checking one without blocking the host.
 #pragma once
 
 #include <cstddef>
@@ -13,22 +13,23 @@ namespace rotacasts::host::web {
 inline constexpr std::size_t kShortestPassword = 8;
 inline constexpr std::size_t kLongestPassword = 256;
 
-/// With a new salt each time. Takes 64 MiB and a good part of a tenth of a second.
+/// Hashes a password with a new salt. Takes 64 MiB and almost a tenth of a second.
 std::string HashPassword(const std::string& password);
-/// The hash of a password that nobody knows, as costly to check as any other.
+/// The hash of a random password; checking it costs as much as any other.
 std::string HashOfNobody();
 
-/// Checks passwords one after the other, each in a process of its own: the memory and the time that
-/// make guessing dear would otherwise hold up the ticks.
+/// Checks passwords one after the other, each in a child process, because the memory and time that
+/// make guessing expensive would otherwise delay the ticks.
 class PasswordChecks {
  public:
   explicit PasswordChecks(EventLoop& loop) : loop_(loop) {}
-  /// Ends the check under way; nobody is told any more.
+  /// Ends the current check; no answer follows.
   ~PasswordChecks();
   PasswordChecks(const PasswordChecks&) = delete;
   PasswordChecks& operator=(const PasswordChecks&) = delete;
 
-  /// Has `onAnswer` called in a later turn. False, and no call, when too many are waiting.
+  /// Calls `onAnswer` in a later turn. Returns false, without a call, if too many checks are
+  /// waiting.
   bool Check(std::string hash, std::string password, std::function<void(bool)> onAnswer);
 
  private:
@@ -41,9 +42,9 @@ class PasswordChecks {
   void Finish();
 
   EventLoop& loop_;
-  std::deque<Waiting> waiting_;  // the first one is under way
+  std::deque<Waiting> waiting_;  // the first one is being checked
   int process_ = -1;
-  int answer_ = -1;  // a pipe's end: one byte if the password is right, none if not
+  int answer_ = -1;  // a pipe's end: one byte if the password is right, none if it is wrong
 };
 
 }  // namespace rotacasts::host::web

@@ -1,4 +1,4 @@
-// Who is signed in, and how fast a stranger may try to.
+// Who is signed in, and how often a stranger may try.
 #pragma once
 
 #include <chrono>
@@ -12,15 +12,15 @@ namespace rotacasts::host::web {
 
 using Clock = std::chrono::steady_clock;
 
-/// Sessions live in memory and end with the host, after twelve hours, or as soon as the person is
-/// taken out or has another password.
+/// Sessions are kept in memory. They end with the host, after twelve hours, or as soon as the
+/// person is removed or gets another password.
 class Sessions {
  public:
   static constexpr std::chrono::hours kLength{12};
 
-  /// The new session's token: 32 random bytes as text.
+  /// Starts a session; returns its token, 32 random bytes in hexadecimal.
   std::string Begin(const Admin& admin, Clock::time_point now = Clock::now());
-  /// The person as `all` describes them now; nothing for a token that is none any more.
+  /// The token's person, as `all` describes them now; nullopt if the session has ended.
   std::optional<Admin> Find(const std::string& token, const std::vector<Admin>& all,
                             Clock::time_point now = Clock::now());
   void End(const std::string& token) { sessions_.erase(token); }
@@ -34,13 +34,13 @@ class Sessions {
   std::map<std::string, Session> sessions_;
 };
 
-/// Slows down whoever fails to sign in: after three failures an address waits 1 s, then 2, 4, ...
-/// up to 30 s. Others are not held up. A quarter of an hour of peace is forgiven.
+/// Slows down failing sign-ins: after three failures an address waits 1 s, then 2, 4, ... up to 30
+/// s. Other addresses do not wait. Failures are forgotten after 15 minutes without one.
 class SignInBrake {
  public:
-  /// How long the address has to wait before its next attempt; zero when it may go on.
+  /// How long the address must wait before its next attempt; zero if it need not.
   std::chrono::seconds WaitOf(const std::string& address, Clock::time_point now = Clock::now());
-  /// Counts as a failure until it turns out to be none.
+  /// Counts an attempt, as a failure unless Succeeded follows.
   void Attempted(const std::string& address, Clock::time_point now = Clock::now());
   void Succeeded(const std::string& address) { failures_.erase(address); }
 

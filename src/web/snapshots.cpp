@@ -16,15 +16,15 @@ using nlohmann::json;
 using namespace std::chrono_literals;
 
 constexpr auto kFresh = 1s;
-constexpr auto kUnreachable = 5s;        // how long a server that was not found is not looked for
-constexpr auto kForReading = 3ms;        // of placeholders' texts, a time; ticks wait meanwhile
-constexpr std::size_t kMostSent = 30;    // that are shown of a profile
+constexpr auto kUnreachable = 5s;        // before looking again for a server that was not found
+constexpr auto kForReading = 3ms;        // for placeholders' texts at a time, because ticks wait
+constexpr std::size_t kMostSent = 30;    // shown for each profile
 constexpr std::size_t kMostLines = 100;  // of the log
 
 constexpr const char* kGames[] = {"unreachable", "idle", "running"};
 constexpr const char* kOutcomes[] = {"under way", "sent", "failed"};
 
-/// Milliseconds since 1970 of a moment of the steady clock; the same answer for the same moment.
+/// A moment of the steady clock in milliseconds since 1970; always the same for the same moment.
 std::int64_t Epoch(std::chrono::steady_clock::time_point time) {
   static const auto offset = std::chrono::system_clock::now().time_since_epoch() -
                              std::chrono::steady_clock::now().time_since_epoch();
@@ -36,7 +36,7 @@ double Number(const std::string& text) {
   return IsNumeric(text) ? ToDouble(text) : 0;
 }
 
-/// The file's last lines, the latest first.
+/// The file's last lines, latest first.
 json LatestLines(std::string_view bytes) {
   json lines = json::array();
   while (!bytes.empty() && lines.size() < kMostLines) {

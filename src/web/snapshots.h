@@ -1,4 +1,4 @@
-// What the page shows, as JSON texts that are made again when it is time and shared by all pages.
+// What the page shows, as JSON texts that are renewed when they are old and shared by all pages.
 #pragma once
 
 #include <chrono>
@@ -11,9 +11,10 @@
 
 namespace rotacasts::host::web {
 
-/// A row of each profile; its messages and its log only where somebody looks at it. Every text has
-/// the number of the change that it came with, so that whoever keeps a number knows what is new.
-/// Little is read at a time, because what people look at must not put off what players are sent.
+/// Holds a row for each profile, and the messages and log of the profiles that somebody looks at.
+/// Every text has the number of the change that it came with, so that a reader with an older number
+/// knows what is new. Little is read at a time, because what people look at must not delay what
+/// players are sent.
 class Snapshots {
  public:
   using Clock = std::chrono::steady_clock;
@@ -21,28 +22,28 @@ class Snapshots {
   Snapshots(ServerHost& host, const HostOptions& options) : host_(host), options_(options) {}
 
   struct Text {
-    std::string json;  // of a row: empty once the profile is gone
+    std::string json;  // a row is empty once its profile is gone
     std::int64_t change = 0;
-    Clock::time_point at = {};  // when it was last made
+    Clock::time_point at = {};  // when it was last renewed
   };
   using Rows = std::map<std::int32_t, Text>;
 
   /// The number of the latest change.
   std::int64_t Change() const { return change_; }
-  /// As RefreshSome has left them.
+  /// The rows as RefreshSome left them.
   const Rows& LatestRows() const { return rows_; }
-  // A second old at most. Error 5 for an index that no profile has.
+  // At most a second old. Errors: 5 if no profile has the index.
   const Rows& FreshRows();
   const Text& MessagesOf(std::int32_t index);
   const Text& LogOf(std::int32_t index);
 
-  /// Makes a tenth of the rows again, each time the next ones.
+  /// Renews a tenth of the rows, the next tenth each time.
   void RefreshSome();
-  /// What is known of the profile is out of date.
+  /// Marks the profile's texts as out of date and renews its row.
   void Changed(std::int32_t index);
 
  private:
-  /// What a placeholder said, and when.
+  /// What a placeholder said and when.
   struct Live {
     Preview::Text text;
     Clock::time_point at;
@@ -76,7 +77,7 @@ class Snapshots {
   std::map<std::int32_t, KnownGame> games_;
 };
 
-/// As JSON; bytes that are no UTF-8 are replaced.
+/// The value as JSON text; invalid UTF-8 is replaced.
 std::string ToText(const nlohmann::json& value);
 
 }  // namespace rotacasts::host::web

@@ -3,7 +3,7 @@
 namespace rotacasts::host::web {
 namespace {
 
-/// A tenth of the rows is read in each, while somebody looks on.
+/// The time between two reads of a tenth of the rows, while somebody looks at the page.
 constexpr std::chrono::milliseconds kBeat{100};
 
 std::string UrlOf(const std::string& address, std::uint16_t port) {

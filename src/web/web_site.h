@@ -1,4 +1,4 @@
-// Remote administration from a browser: the page and what it asks for, beside the ticking profiles.
+// Remote administration from a browser: serves the page and its requests while the profiles tick.
 #pragma once
 
 #include <ostream>
@@ -9,8 +9,9 @@ namespace rotacasts::host::web {
 
 class WebSite {
  public:
-  /// Serves the page at options.web from now on, in the event loop's turns, and tells `out` where.
-  /// Error 5 or 57 when it cannot be served there. All that is referred to outlives it.
+  /// Serves the page at options.web, in the event loop's turns, and prints its address to `out`.
+  /// Errors: 5, 53 or 57 if it cannot be served there. Everything passed by reference must outlive
+  /// it.
   WebSite(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out);
 
  private:
