@@ -15,7 +15,7 @@
 namespace rotacasts::host {
 namespace {
 
-/// The folders of profiles, sorted.
+/// The names of the profile folders, sorted.
 std::vector<std::string> ProfileFolders(const std::string& hostFolder) {
   std::vector<std::string> folders;
   std::error_code problem;
@@ -29,7 +29,7 @@ std::vector<std::string> ProfileFolders(const std::string& hostFolder) {
 
 void CheckConfiguration(const std::string& hostFolder, std::vector<std::string>& warnings) {
   const std::string path = FindFile(hostFolder + "\\settings", "config.ini", warnings);
-  if (path.empty()) return;  // starting the host makes one
+  if (path.empty()) return;  // the host creates one when it starts
   CheckedFile file(path, warnings);
   file.CheckLines();
   const std::string value =
@@ -72,7 +72,7 @@ void CheckMessageFile(const std::string& hostFolder, const ProfileSettings& prof
   }
 }
 
-/// What two profiles have in common that they should not; empty for nothing. `key` is where.
+/// What two profiles wrongly share, with its key in `key`; empty if nothing.
 std::string Clash(const ProfileSettings& profile, const ProfileSettings& other, std::string& key) {
   const bool sameTarget = profile.target != 0 && profile.target == other.target;
   const bool isNumber = IsNumeric(profile.process);
@@ -102,7 +102,7 @@ void CheckClashes(const std::string& hostFolder, const std::vector<ProfileSettin
 }
 
 void CheckServers(const std::string& hostFolder, std::vector<std::string>& warnings) {
-  std::ostream none(nullptr);  // what is wrong with the files has been said
+  std::ostream none(nullptr);  // problems of files are already in the warnings
   HostProfiles profiles(hostFolder, none);
   Preview preview(profiles);
   for (const auto& [index, profile] : profiles.All()) {
@@ -128,7 +128,7 @@ Findings CheckHostFolder(const std::string& hostFolder) {
   }
   const LoadedProfiles loaded = LoadProfiles(hostFolder);
   for (const std::string& problem : loaded.problems) {
-    const bool isKnown =  // as that of a file that cannot be read
+    const bool isKnown =  // such as a file that cannot be read
         std::any_of(found.warnings.begin(), found.warnings.end(),
                     [&](const std::string& warning) { return warning.ends_with(problem); });
     if (!isKnown) found.warnings.push_back(problem);

@@ -1,4 +1,4 @@
-// Looking over a host folder for what would surprise its administrator.
+// Checks a host folder for what its administrator probably did not intend.
 #pragma once
 
 #include <cstddef>
@@ -9,21 +9,21 @@
 
 namespace rotacasts::host {
 
-/// What was found: a line a warning, which names the file, the line in it where there is one, and
-/// the way out.
+/// The result of a check. Each warning is a line that names the file, the line in it if there is
+/// one, and what to do.
 struct Findings {
   std::vector<std::string> warnings;
-  std::size_t profiles = 0;  // that can be used
+  std::size_t profiles = 0;  // the usable ones
 };
 
-/// Looks at every file, and at the game servers as they are now; writes nothing.
+/// Checks every file and the game servers as they are now. Writes nothing.
 Findings CheckHostFolder(const std::string& hostFolder);
 
-/// Converts every INI file that was saved as UTF-8 and keeps a copy; a line for each, also for one
-/// that could not be converted.
+/// Converts every INI file that was saved as UTF-8, and keeps a copy. Returns a line for each,
+/// including those that could not be converted.
 std::vector<std::string> ConvertHostFolder(const std::string& hostFolder);
 
-/// Looks at a profile's message file.
+/// Checks a profile's message file.
 void CheckMessages(CheckedFile& file);
 
 }  // namespace rotacasts::host

@@ -10,22 +10,22 @@
 namespace rotacasts::host {
 namespace {
 
-/// A byte that a game's chat has no letter for: a control code or one that the code page leaves
-/// out.
+/// A byte that a game's chat cannot show: a control code or one that the code page leaves
+/// undefined.
 bool IsUnshowable(char letter) {
   const auto byte = static_cast<unsigned char>(letter);
   return byte < 0x20 || byte == 0x7F ||
          std::string_view("\x81\x8D\x8F\x90\x9D").find(letter) != std::string_view::npos;
 }
 
-/// The text without the braces and blanks around it.
+/// The text without braces and blanks at its ends.
 std::string_view Bare(std::string_view text) {
   const auto first = text.find_first_not_of("{} ");
   return first == text.npos ? "" : text.substr(first, text.find_last_not_of("{} ") - first + 1);
 }
 
-/// Whether braces say that a message was meant as a placeholder: a pair of them anywhere, or one
-/// beside one word that begins like a placeholder.
+/// Whether the braces suggest a placeholder: a pair of them anywhere, or one brace and a single
+/// word that begins like a placeholder.
 bool HasMeantBraces(std::string_view message) {
   const auto open = message.find('{');
   if (open != message.npos && message.find('}', open) != message.npos) return true;
@@ -34,7 +34,7 @@ bool HasMeantBraces(std::string_view message) {
          EqualsIgnoringCase(bare.substr(0, 4), "Show");
 }
 
-/// What is wrong with a message that has to do with placeholders; empty for nothing.
+/// A warning if the message looks like a placeholder but is not one; empty if it does not.
 std::string PlaceholderWarning(const std::string& message) {
   if (IsPlaceholder(message)) return {};
   for (const std::string& placeholder : AllPlaceholders()) {
@@ -77,7 +77,7 @@ std::vector<std::string> MessageWarnings(const std::string& bytes) {
 struct Option {
   const char* key;
   int highest;
-  const char* fallback;  // what starting the profile writes for a number out of range
+  const char* fallback;  // written at start-up for a number out of range
   const char* whenMissing;
 };
 
@@ -86,7 +86,7 @@ constexpr Option kOptions[] = {
     {kIntervalKey, 30, "3", "a message goes out every 3 minutes; write Interval=3 below [Options]"},
 };
 
-/// A warning unless the option is a number in its range.
+/// Warns unless the option is a number in its range.
 void CheckOption(CheckedFile& file, const Option& option) {
   const std::string key = option.key;
   const std::string text = FromWindows1252(file.Ini().Value(kOptionsSection, key).value_or(""));

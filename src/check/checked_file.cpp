@@ -18,7 +18,7 @@ bool IsAscii(char letter) {
   return static_cast<unsigned char>(letter) < 0x80;
 }
 
-/// Whether the bytes are UTF-8 and would be another text as Windows-1252.
+/// Whether the bytes are UTF-8 and mean another text in Windows-1252.
 bool IsUtf8(std::string_view bytes) {
   return IsValidUtf8(bytes) && !std::all_of(bytes.begin(), bytes.end(), IsAscii);
 }
@@ -52,7 +52,7 @@ void CheckedFile::TakeUtf8(std::string bytes) {
   const bool isMarked = bytes.starts_with(kUtf8Mark);
   if (isMarked) bytes.erase(0, kUtf8Mark.size());
   ini_ = IniText(ToWindows1252(bytes, '?'));
-  if (isMarked) ReadIni(path_);  // which says that it cannot be used
+  if (isMarked) ReadIni(path_);  // throws: a file with a mark cannot be used
   const auto first = std::find_if_not(bytes.begin(), bytes.end(), IsAscii);
   const auto line = static_cast<std::size_t>(std::count(bytes.begin(), first, '\n')) + 1;
   const auto at = static_cast<std::size_t>(first - bytes.begin());

@@ -1,4 +1,4 @@
-// An INI file that is looked over for what would surprise whoever has written it.
+// An INI file that is checked for what its writer probably did not intend.
 #pragma once
 
 #include <cstddef>
@@ -10,26 +10,26 @@
 
 namespace rotacasts::host {
 
-/// Reads a file once; each warning names the file, the line and the way out.
+/// Reads a file once. Each warning names the file, the line and what to do.
 class CheckedFile {
  public:
-  /// `path` is in the host suite's spelling. What keeps the file from being used, or makes players
-  /// read another text than was meant, is the first warning; a missing file is an empty one.
-  /// `warnings` lives longer.
+  /// Reads the file; a missing one counts as empty. `path` has the host suite's form. If the file
+  /// cannot be used, or players would read another text than intended, that is the first warning.
+  /// `warnings` must outlive it.
   CheckedFile(std::string path, std::vector<std::string>& warnings);
 
   bool Exists() const { return exists_; }
-  /// As it would be with its text converted.
+  /// The contents, converted to Windows-1252 if necessary.
   const IniText& Ini() const { return ini_; }
 
   void Warn(std::size_t line, const std::string& words);
-  /// Where a key stands, or should.
+  /// Warns about the line of a key, or the line where it should be.
   void WarnAt(std::string_view section, std::string_view key, const std::string& words) {
     Warn(ini_.LineOf(section, key), words);
   }
-  /// Warns of lines that mean nothing, and of sections that stand there twice.
+  /// Warns about lines that mean nothing and about repeated sections.
   void CheckLines();
-  /// Warns of keys of a section that are none of these, or stand there twice.
+  /// Warns about keys of a section that are unknown or repeated.
   void CheckKeys(std::string_view section, const std::vector<std::string>& known);
 
  private:
@@ -41,13 +41,13 @@ class CheckedFile {
   IniText ini_;
 };
 
-/// Converts a file that was saved as UTF-8 to Windows-1252 and keeps the bytes as they were beside
-/// it; that file's path, or nothing for any other file. Error 5 for a character that Windows-1252
-/// does not hold; then nothing is changed.
+/// Converts a file that was saved as UTF-8 to Windows-1252 and keeps a copy of the original next to
+/// it. Returns the path of the copy; empty if the file is not UTF-8. Errors: 5 for a character that
+/// Windows-1252 lacks (the file is unchanged).
 std::string ConvertFromUtf8(const std::string& path);
 
-/// The path of the file of this name in a folder, if there is one. Warns of one that only looks
-/// like it: in other letters, or no file at all.
+/// The path of the file with this name in a folder; empty if there is none. Warns about a name that
+/// differs only in letter case or is not a file.
 std::string FindFile(const std::string& folder, const std::string& name,
                      std::vector<std::string>& warnings);
 

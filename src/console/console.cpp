@@ -14,12 +14,12 @@
 
 namespace rotacasts::host {
 
-/// What follows a command's name on its line.
+/// The arguments on a command's line.
 class Console::Arguments {
  public:
   Arguments(std::string_view usage, std::string_view rest) : usage_(usage), rest_(rest) {}
 
-  /// The next word. Error 5, with the command's usage, when there is none.
+  /// The next word. Errors: 5, with the command's usage, if there is none.
   std::string Word() {
     rest_.remove_prefix(std::min(rest_.find_first_not_of(' '), rest_.size()));
     const std::string_view word = rest_.substr(0, rest_.find(' '));
@@ -27,7 +27,7 @@ class Console::Arguments {
     rest_.remove_prefix(word.size());
     return std::string(word);
   }
-  /// The next word as a whole number in plain decimal, such as a profile index or a position.
+  /// The next word as a whole decimal number, such as a profile index or a position. Errors: 5.
   std::int32_t Number() {
     const std::string word = Word();
     std::int32_t number = 0;
@@ -35,24 +35,24 @@ class Console::Arguments {
     if (error == std::errc() && end == word.data() + word.size()) return number;
     throw Complaint("\"" + word + "\" is no whole number; usage: " + std::string(usage_));
   }
-  /// The last number of the line.
+  /// The next word as a number, which must be the last. Errors: 5.
   std::int32_t LastNumber() {
     const std::int32_t number = Number();
     End();
     return number;
   }
   bool IsAtEnd() const { return rest_.find_first_not_of(' ') == rest_.npos; }
-  /// Error 5 if a word follows that nobody asked for.
+  /// Errors: 5 if another word follows.
   void End() {
     if (IsAtEnd()) return;
     throw Complaint("\"" + Word() + "\" is too much; usage: " + std::string(usage_));
   }
-  /// All that follows one blank, as it stands; nothing when not even the blank is there.
+  /// Everything after one blank, unchanged; nullopt if not even the blank is there.
   std::optional<std::string> Rest() const {
     if (rest_.empty()) return std::nullopt;
     return std::string(rest_.substr(1));
   }
-  /// The same, where there must be something.
+  /// Like Rest, but must not be empty. Errors: 5.
   std::string Text() const {
     if (rest_.size() < 2) RaiseUsage();
     return *Rest();

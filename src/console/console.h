@@ -1,4 +1,4 @@
-// The console: one command a line.
+// The console: one command per line.
 #pragma once
 
 #include <ostream>
@@ -15,17 +15,17 @@ class Console {
  public:
   Console(ServerHost& host, std::ostream& out) : host_(host), out_(out) {}
 
-  /// Starts every profile and says how to go on.
+  /// Starts every profile and prints how to get help.
   void Start();
-  /// Carries out one line; false once the person wants to quit. An error is printed, with the way
-  /// out, and changes nothing else.
+  /// Runs the command on a line; returns false once the user quits. An error is printed, with what
+  /// to do about it.
   bool Execute(const std::string& line);
-  /// What the host does when it is asked to reload by a signal.
+  /// Called when a signal asks the host to reload.
   void Reload() { Execute("reload"); }
 
-  /// What can be typed, and what it does.
+  /// Every command's usage and help.
   static std::vector<std::pair<std::string, std::string>> Commands();
-  /// The commands' names, for whoever completes them.
+  /// The commands' names, for completion.
   static std::vector<std::string> CommandNames();
 
  private:
@@ -37,11 +37,11 @@ class Console {
   void PrintMessages(std::int32_t index);
   void PrintAllStatus();
   void PrintReloaded();
-  /// Of all profiles for index 0.
+  /// Index 0 means all profiles.
   void PrintSent(std::int32_t profile);
-  /// The first profile with a running game; without one the first of all.
+  /// The first profile with a running game, or else the first of all; 0 if there is none.
   std::int32_t FirstRunning();
-  /// For index 0 those of the first running game.
+  /// Index 0 means the profile of FirstRunning.
   void PrintPlaceholders(std::int32_t index);
   void PrintRemote(Arguments& arguments);
 
@@ -50,8 +50,8 @@ class Console {
   bool goesOn_ = true;
 };
 
-/// Prints a profile's messages with their positions and what each says now; false when its game
-/// server cannot be reached.
+/// Prints a profile's messages with their positions and what each says now. Returns false if its
+/// game server cannot be reached.
 bool PrintMessageTable(std::ostream& out, Preview& preview, const ProfileSettings& profile,
                        const MessageList& list);
 

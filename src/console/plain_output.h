@@ -1,4 +1,4 @@
-// Text that a terminal shows and does not obey.
+// Output that cannot control the terminal.
 #pragma once
 
 #include <ostream>
@@ -6,8 +6,9 @@
 
 namespace rotacasts::host {
 
-/// Passes UTF-8 text on to another stream with "?" for each control character but the line feed,
-/// those of two bytes (U+0080 to U+009F) included: a message may hold a terminal's escape sequence.
+/// Passes UTF-8 text to another stream, with "?" for each control character except the line feed,
+/// including those of two bytes (U+0080 to U+009F), because a message may contain a terminal's
+/// escape sequence.
 class PlainOutput final : private std::streambuf, public std::ostream {
  public:
   explicit PlainOutput(std::ostream& target)
@@ -18,7 +19,7 @@ class PlainOutput final : private std::streambuf, public std::ostream {
   int sync() override;
 
   std::ostream& target_;
-  bool holdsLead_ = false;  // the first byte of what may become a control character
+  bool holdsLead_ = false;  // the first byte of a possible control character
 };
 
 }  // namespace rotacasts::host

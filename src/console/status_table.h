@@ -1,4 +1,4 @@
-// The profiles as the console lists them.
+// The console's table of profiles.
 #pragma once
 
 #include <ostream>
@@ -8,7 +8,7 @@
 
 namespace rotacasts::host {
 
-/// Prints a line a profile, and below them what is wrong.
+/// Prints a line for each profile, and their problems below.
 void PrintStatus(std::ostream& out, const std::vector<ProfileStatus>& all);
 
 }  // namespace rotacasts::host
