@@ -57,7 +57,7 @@ int Run(const HostOptions& options) {
   return 0;
 }
 
-/// The profiles that the person named, or all of them.
+/// The profiles that the user named, or all of them.
 std::vector<std::int32_t> Chosen(const HostOptions& options, const HostProfiles& profiles) {
   if (!options.profiles.empty()) return options.profiles;
   std::vector<std::int32_t> all;
@@ -65,8 +65,8 @@ std::vector<std::int32_t> Chosen(const HostOptions& options, const HostProfiles&
   return all;
 }
 
-/// 0 when every profile could be previewed, 1 when there is one that could not, or whose game
-/// server cannot be reached.
+/// Returns 0 if every profile could be previewed, 1 if one could not or its game server cannot be
+/// reached.
 int PrintPreviews(const HostOptions& options) {
   HostProfiles profiles(options.folder, Out());
   Preview preview(profiles);
@@ -85,7 +85,7 @@ int PrintPreviews(const HostOptions& options) {
   return status;
 }
 
-/// 0 when nothing would surprise, 1 when there is a warning.
+/// Returns 0 without warnings, else 1.
 int Check(const HostOptions& options) {
   if (options.fix) {
     for (const std::string& line : ConvertHostFolder(options.folder)) Out() << line << "\n";
@@ -97,7 +97,8 @@ int Check(const HostOptions& options) {
   return found.warnings.empty() ? 0 : 1;
 }
 
-/// A wrong call, in words that name it. CLI11 misses what is lacking before it sees what is wrong.
+/// Reports a wrong call and names the mistake. CLI11 itself complains about missing arguments
+/// before it notices unknown ones.
 int RefuseCall(const CLI::App& app, const CLI::ParseError& error) {
   std::string words = error.what();
   const std::vector<std::string> unknown = app.remaining(true);

@@ -1,5 +1,4 @@
-// The host at work, until the person at the console has had enough. One implementation per
-// platform.
+// Runs the host until the user ends it. One implementation per platform.
 #pragma once
 
 #include <ostream>
@@ -9,8 +8,8 @@
 
 namespace rotacasts::host {
 
-/// Gets the plugin, starts every profile, and carries out the console's commands, a line each. The
-/// end of the console's input leaves the profiles at work.
+/// Creates the plugin, starts every profile and runs the console's commands. The profiles keep
+/// running after the end of the console's input.
 void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out);
 
 }  // namespace rotacasts::host

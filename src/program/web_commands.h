@@ -1,5 +1,5 @@
-// The command line's part in the page: where it is served, and who may sign in. One implementation
-// per platform.
+// The command line's options for the page: where it is served and who may sign in. One
+// implementation per platform.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -10,8 +10,9 @@
 
 namespace rotacasts::host {
 
-/// Adds what there is of it to the program and to its command "run". `addFolder` gives a command
-/// the option that fills in options.folder. All of it outlives the parsing.
+/// Adds the page's commands and options to the program and its command "run". `addFolder` gives a
+/// command the option that sets options.folder. Everything passed by reference must outlive the
+/// parsing.
 void AddWebCommands(CLI::App& program, CLI::App& run, HostOptions& options, std::ostream& out,
                     const std::function<void(CLI::App&)>& addFolder);
 

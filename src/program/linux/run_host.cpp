@@ -16,11 +16,11 @@ namespace rotacasts::host {
 
 namespace {
 
-/// What a program could not say is an error of its profile; a datagram's error is the plugin's.
+/// Reports a failed chat program as an error of its profile. The plugin reports a datagram's error.
 void TellOfChat(const HostProfiles& profiles, Troubles& troubles, const SentText& sent) {
   const auto profile = profiles.All().find(sent.profile);
   if (profile == profiles.All().end() || profile->second.say.empty()) return;
-  const std::int32_t key = -sent.profile;  // beside the profile's ticks
+  const std::int32_t key = -sent.profile;  // apart from the profile's ticks
   const std::string label = profile->second.Label();
   if (sent.outcome == SentText::Outcome::Failed) {
     const std::string words = Named(label, sent.reason);
@@ -31,7 +31,7 @@ void TellOfChat(const HostProfiles& profiles, Troubles& troubles, const SentText
   if (const auto ended = troubles.TickEnded(key, label)) profiles.Record("Say", *ended);
 }
 
-/// Has a stream write to another buffer for as long as this object lives.
+/// Redirects a stream to another buffer while this object exists.
 class Redirection {
  public:
   Redirection(std::ostream& stream, std::streambuf& buffer)

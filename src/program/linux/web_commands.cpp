@@ -18,7 +18,7 @@ namespace {
 using web::Admin;
 using web::Admins;
 
-/// Keeps the terminal from showing what is typed, for as long as this object lives.
+/// Hides what is typed on the terminal while this object exists.
 class NoEcho {
  public:
   NoEcho() : isTerminal_(::tcgetattr(STDIN_FILENO, &before_) == 0) {
@@ -38,7 +38,8 @@ class NoEcho {
   const bool isTerminal_;
 };
 
-/// Asked for twice at a terminal; a line of the input otherwise. Error 5 for one that will not do.
+/// Reads a password: twice on a terminal, else one line of the input. Errors: 5 if the two differ
+/// or the password is too short or too long.
 std::string AskForPassword(std::ostream& out) {
   const NoEcho noEcho;
   std::string password;
@@ -66,7 +67,8 @@ struct Wishes {
   std::optional<std::string> rights;
 };
 
-/// Somebody new may do everything unless it is said otherwise; somebody known keeps what is not.
+/// Sets an administrator's password and rights. A new one may do everything unless the options say
+/// otherwise; an existing one keeps what they leave out.
 void SetAdmin(const Admins& admins, const Wishes& wishes, std::ostream& out) {
   Admin admin =
       web::FindAdmin(admins.All(), wishes.name)

@@ -15,14 +15,14 @@ constexpr const wchar_t* kAreaClass = L"rotacasts.host.area";
 constexpr const wchar_t* kTitle = L"Rotacasts host";
 constexpr const char* kNothingChosen = "Choose a profile at the left.";
 
-// Lengths in pixels of a screen with 96 to the inch.
+// Lengths in pixels at 96 dots per inch.
 constexpr int kMargin = 8;
 constexpr int kCaptionHeight = 18;
 constexpr int kNarrowestList = 140;
 constexpr int kWidestList = 280;
-constexpr int kListPadding = 16;  // beside its longest row
-// The plugin lays its window 2 pixels from the left and 30 from the top of the area, 28 less high
-// than it is told; 2 more are left free at the right and at the bottom.
+constexpr int kListPadding = 16;  // next to its longest row
+// The plugin puts its window 2 pixels from the left and 30 from the top of the area, and makes it
+// 28 lower than the area's height; 2 more are left free at the right and at the bottom.
 constexpr int kBesidePlugin = 4;
 constexpr int kBelowPlugin = 4;
 constexpr double kHeadingSize = 10;  // points
@@ -40,12 +40,12 @@ int Scaled(int pixels) {
   return ::MulDiv(pixels, Dpi(), 96);
 }
 
-/// Rounded up, so that as many whole pixels come out where the plugin divides.
+/// Rounded up, so that the plugin's division gives the same number of whole pixels.
 std::int32_t Twips(LONG pixels) {
   return (pixels * 1440 + Dpi() - 1) / Dpi();
 }
 
-/// The area is nothing but a place: how its heading looks is the frame's business.
+/// The area only reserves space; the frame draws its background and heading.
 LRESULT CALLBACK AreaProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_CTLCOLORSTATIC || message == WM_ERASEBKGND) {
     return ::SendMessageW(::GetParent(window), message, wParam, lParam);
@@ -112,8 +112,8 @@ HWND FrameWindow::CreatePart(HWND parent, DWORD extendedStyle, const wchar_t* wi
   return part;
 }
 
-/// Fills the list and makes it as wide as its longest row, within reason; a row that is longer
-/// still can be scrolled to.
+/// Fills the list and makes it as wide as its longest row, within limits; longer rows can be
+/// scrolled.
 void FrameWindow::FillList() {
   LONG longest = 0;
   for (const Row& row : rows_) {
@@ -214,7 +214,7 @@ LRESULT FrameWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
       reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {size.cx, size.cy};
       return 0;
     }
-    case WM_ERASEBKGND: {  // the plugin's colour all over
+    case WM_ERASEBKGND: {  // the same colour as the plugin's window
       RECT all;
       ::GetClientRect(window_, &all);
       ::FillRect(reinterpret_cast<HDC>(wParam), &all, Face());
@@ -228,7 +228,7 @@ LRESULT FrameWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         HandleChoice();
       }
       return 0;
-    case WM_ACTIVATE:  // what had the focus gets it back
+    case WM_ACTIVATE:  // remembered, so that the control gets the focus back
       if (LOWORD(wParam) == WA_INACTIVE) lastFocus_ = ::GetFocus();
       return 0;
     case WM_SETFOCUS:

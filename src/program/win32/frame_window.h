@@ -1,4 +1,4 @@
-// The host's window: the profiles at the left, the plugin's window at the right.
+// The host's window: the profiles on the left, the plugin's window on the right.
 #pragma once
 
 #include <cstdint>
@@ -11,23 +11,23 @@
 
 namespace rotacasts::host {
 
-/// A top-level window, shown at once, that lives until it is destroyed with this object. Closing
-/// it ends the message loop.
+/// A top-level window, visible from the start and destroyed with this object. Closing it ends the
+/// message loop.
 class FrameWindow final : public PluginSite {
  public:
   struct Row {
     std::int32_t profile;
     std::string label;
   };
-  /// One row for each profile. Error 7 when the system has no window left.
+  /// Shows a row for each profile. Errors: 7 if the system has no window left.
   explicit FrameWindow(std::vector<Row> rows);
   ~FrameWindow() override;
   FrameWindow(const FrameWindow&) = delete;
   FrameWindow& operator=(const FrameWindow&) = delete;
 
-  /// The person has chosen a profile.
+  /// The user has chosen a profile.
   std::function<void(std::int32_t profile)> onChoose;
-  /// A line of the console's arrived (kConsoleLine); false ends the message loop.
+  /// A line of the console arrived (kConsoleLine); returning false ends the message loop.
   std::function<bool(const std::string& line)> onConsoleLine;
   static constexpr UINT kConsoleLine = WM_APP + 1;
 
@@ -60,7 +60,7 @@ class FrameWindow final : public PluginSite {
   HWND lastFocus_ = nullptr;
 };
 
-/// Runs until the frame is closed or the console's quit.
+/// Runs until the frame is closed or the console quits.
 void RunMessageLoop(const FrameWindow& frame);
 
 }  // namespace rotacasts::host

@@ -30,10 +30,11 @@ LateBound CreatePlugin(const std::string& hostFolder) {
   }
 }
 
-/// The plugin works in the folder that its own file lies below, whatever its host says.
+/// Errors: 5 if the plugin belongs to another host folder, because it always works in the folder of
+/// its own file.
 void RefuseOtherFolder(const std::string& hostFolder) {
   const HMODULE module = ::GetModuleHandleW(kModule);
-  if (module == nullptr) return;  // of another name, or in another process: nothing to compare
+  if (module == nullptr) return;  // another file name or process: nothing to compare
   const std::string own = HostFolderOf(win32::LoadedModule(module).Folder());
   std::error_code ignored;
   if (std::filesystem::equivalent(NativePath(own), NativePath(hostFolder), ignored)) return;
@@ -50,7 +51,7 @@ LateBoundPlugin::LateBoundPlugin(const std::string& hostFolder, IniFiles& files)
 
 LateBoundPlugin::~LateBoundPlugin() {
   object_ = LateBound({});
-  ::CoFreeUnusedLibrariesEx(0, 0);  // the plugin lets go of its siblings while they are there
+  ::CoFreeUnusedLibrariesEx(0, 0);  // so that the plugin releases its siblings while they exist
 }
 
 void LateBoundPlugin::ShortenMinute(std::chrono::nanoseconds minute) {

@@ -1,4 +1,4 @@
-// The plugin as the component tvxRT.clsPlugin, called by member name like any host calls it.
+// The plugin as the component tvxRT.clsPlugin, called by member name as any host does.
 #pragma once
 
 #include <chrono>
@@ -11,14 +11,14 @@ namespace rotacasts::host {
 
 class LateBoundPlugin final : public HostedPlugin {
  public:
-  /// Error 5, with the way out, when the component is not registered or when the registered one
-  /// belongs to another host folder than `hostFolder`. The siblings can be created by now.
-  /// `files` are those that the siblings work on; they outlive the plugin.
+  /// Creates the plugin. Requires: the siblings are registered. Errors: 5, with what to do, if the
+  /// component is not registered or belongs to another folder than `hostFolder`. `files`, which the
+  /// siblings use too, must outlive the plugin.
   LateBoundPlugin(const std::string& hostFolder, IniFiles& files);
   ~LateBoundPlugin() override;
 
-  /// How long a minute lasts of the timers that are set from now on. Error 5 for a plugin that
-  /// knows no such thing.
+  /// Sets the length of a minute for timers set from now on. Errors: 5 if the plugin does not
+  /// support it.
   void ShortenMinute(std::chrono::nanoseconds minute);
 
   void LoadInterface(std::int32_t index, forms::WindowHandle parent,

@@ -11,7 +11,7 @@
 namespace rotacasts::host {
 namespace {
 
-/// COM on this thread.
+/// Initialises COM on this thread.
 class Apartment {
  public:
   Apartment() { ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
@@ -20,7 +20,7 @@ class Apartment {
   Apartment& operator=(const Apartment&) = delete;
 };
 
-/// Ctrl-C closes the frame. The system asks on a thread of its own.
+/// The frame that Ctrl-C closes. The system calls CloseFrame on a separate thread.
 std::atomic<HWND> frameToClose = nullptr;
 
 BOOL WINAPI CloseFrame(DWORD) {

@@ -2,7 +2,7 @@
 
 namespace rotacasts::host {
 
-/// The page is the native host's.
+/// Adds nothing: only the native host serves the page.
 void AddWebCommands(CLI::App&, CLI::App&, HostOptions&, std::ostream&,
                     const std::function<void(CLI::App&)>&) {}
 
