@@ -9,7 +9,8 @@ namespace rotacasts::host {
 namespace {
 
 constexpr std::size_t kMostRemembered = 256;
-// Texts of one profile that wait for the ones before them; more than that and its program is stuck.
+// The most texts of a profile that may wait for earlier ones. If there are more, its program is
+// stuck.
 constexpr std::size_t kMostWaiting = 8;
 
 RuntimeError NotSent(std::string words) {
@@ -38,7 +39,7 @@ SentText& Chat::Remember(std::int32_t profile, const std::string& text) {
 void Chat::Finish(std::int64_t number, const std::string& problem) {
   const auto found = std::find_if(latest_.begin(), latest_.end(),
                                   [&](const SentText& sent) { return sent.number == number; });
-  if (found == latest_.end()) return;  // many others have come since
+  if (found == latest_.end()) return;  // forgotten: many texts came after it
   found->outcome = problem.empty() ? SentText::Outcome::Sent : SentText::Outcome::Failed;
   found->reason = problem;
   if (onEnd) onEnd(*found);

@@ -1,4 +1,4 @@
-// Posting texts to the game servers' chat, and what became of them.
+// Posts texts to the game servers' chat and remembers what became of them.
 #pragma once
 
 #include <cstdint>
@@ -15,42 +15,42 @@
 
 namespace rotacasts::host {
 
-/// One text that was posted, or was to be.
+/// A text that was posted or should have been.
 struct SentText {
   std::int64_t number = 0;  // counts up
-  LocalTime time;           // of its posting
+  LocalTime time;           // when it was posted
   std::int32_t profile = 0;
   std::string text;
   enum class Outcome { UnderWay, Sent, Failed };
   Outcome outcome = Outcome::UnderWay;
-  std::string reason;  // of a failure
+  std::string reason;  // why it failed
 };
 
-/// Posts a text as one UTF-8 datagram to a port of 127.0.0.1, or has a program of the profile's say
-/// it: one at a time, in order. Remembers the latest texts.
+/// Posts a text as one UTF-8 datagram to a port of 127.0.0.1, or through a program of the profile:
+/// one text at a time, in order. Remembers the latest texts.
 class Chat {
  public:
   explicit Chat(const LocalClock& clock) : clock_(clock) {}
 
-  /// What starts the profiles' programs from now on; it outlives the last post. Null for nothing.
+  /// The runner for the profiles' programs; null for none. Must outlive the last Post.
   void SetRunner(ProgramRunner* runner) { runner_ = runner; }
-  /// Has the profile's texts said by a program: its name and arguments, separated by blanks, to
-  /// which the text is added as the last one. Empty: by datagrams.
+  /// Posts the profile's texts through a program from now on. `program` is its name and arguments,
+  /// separated by blanks; the text is added as the last argument. If empty, uses datagrams.
   void SetProgram(std::int32_t profile, const std::string& program);
 
-  /// Error 5 for a port that is none, 57 with the reason when the text cannot be posted. What fails
-  /// only later is told by onEnd.
+  /// Posts a text. Errors: 5 if the port is invalid, 57 with the reason if the text cannot be
+  /// posted. Later failures are reported to onEnd.
   void Post(std::int32_t profile, std::int32_t port, const std::string& text);
 
-  /// The latest texts, the last one at the end.
+  /// The latest texts, the newest at the end.
   const std::deque<SentText>& Latest() const { return latest_; }
-  /// Called when a text has been sent or has failed; Latest holds it.
+  /// Called when a text was sent or has failed; Latest() contains it.
   std::function<void(const SentText&)> onEnd;
 
  private:
   struct Queue {
     std::vector<std::string> program;
-    std::deque<std::int64_t> waiting;  // numbers of texts; the first one is under way
+    std::deque<std::int64_t> waiting;  // numbers of texts; the first is being posted
   };
 
   SentText& Remember(std::int32_t profile, const std::string& text);

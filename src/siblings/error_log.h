@@ -1,4 +1,4 @@
-// The error log's size.
+// Limits the size of the error log.
 #pragma once
 
 #include <cstddef>
@@ -6,11 +6,12 @@
 
 namespace rotacasts::host {
 
-/// The error log takes about twice this much of the disk at most, with the one before it.
+/// The size at which a new error log is started. With the old one, the log takes about twice as
+/// much.
 inline constexpr std::size_t kLongestErrorLog = std::size_t{1} << 20;  // bytes
 
-/// Starts a new log once the old one has grown long: that becomes "errors.old.log" beside it, in
-/// place of what was there. A log that cannot be moved goes on growing.
+/// Starts a new log if the old one has grown long: renames it to "errors.old.log", replacing an
+/// earlier one. If that fails, the log keeps growing.
 void BeginAnewIfLong(const std::string& path) noexcept;
 
 }  // namespace rotacasts::host

@@ -1,11 +1,11 @@
-// Where the components keep their files: on the machine, or wherever else it suits.
+// Where the components keep their files: on the machine or, in tests, elsewhere.
 #pragma once
 
 #include "machine/native_files.h"
 
 namespace rotacasts::host {
 
-/// Paths and errors are those of native_files.h; what is said there of each holds here too.
+/// File access with the paths, contracts and errors of native_files.h.
 class FileLayer {
  public:
   virtual ~FileLayer() = default;
@@ -17,11 +17,12 @@ class FileLayer {
   /// False for a folder.
   virtual bool FileExists(const std::string& path) = 0;
   virtual bool FolderExists(const std::string& path) = 0;
-  /// One folder. Errors: 76 without its parent, 58 when it exists, 70 when not allowed.
+  /// Creates one folder. Errors: 76 if its parent is missing, 58 if it exists, 61, 70 if access is
+  /// denied.
   virtual void CreateFolder(const std::string& path) = 0;
 };
 
-/// The machine's own. Holds nothing.
+/// The machine's files. Stateless.
 class MachineFiles final : public FileLayer {
  public:
   FileBytes Read(const std::string& path) override;

@@ -10,20 +10,20 @@
 namespace rotacasts::host {
 namespace {
 
-// The longest text that is read; a game's names are shorter.
+// The longest text that is read; names in games are shorter.
 constexpr std::size_t kLongestText = 255;
 
 constexpr const char* kNotAllowed = " may not be read; run this host as the game server's user";
 
-/// The process id that the text is; 0 for a program name.
+/// The process id if the text is one; 0 for a program name.
 ProcessId AsNumber(const std::string& text) {
   ProcessId number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc() && end == text.data() + text.size() && number > 0 ? number : 0;
 }
 
-/// Those that receive at the port; if that is certain of none, those of which it may be true.
-/// `secret` becomes one that may not be looked into.
+/// The processes that certainly receive at the port, or else those that may. `secret` becomes one
+/// that cannot be inspected.
 std::vector<ProcessId> Receiving(const std::vector<ProcessId>& processes, std::uint16_t port,
                                  ProcessId& secret) {
   std::vector<ProcessId> certain;

@@ -1,4 +1,4 @@
-// The game servers' processes, as the profiles name them.
+// The game servers' processes.
 #pragma once
 
 #include <cstdint>
@@ -9,35 +9,36 @@
 
 namespace rotacasts::host {
 
-/// A game server's process as a profile names it.
+/// A game server's process, as its profile names it.
 struct GameProcess {
   std::string process;     // a process id or a program name
-  std::uint16_t port = 0;  // the UDP port that the server receives at; 0 when it is not known
+  std::uint16_t port = 0;  // the UDP port that the server receives at; 0 if unknown
   std::string label;       // names the profile in errors
 };
 
-/// The process of each profile. A handle stands for the profile's entry, not for the process: a
-/// server that was started again under the same program name is found again by itself. Of the
-/// programs of a name it is the one that receives at the port; if none does, that is an error, for
-/// another one would be another profile's server. Without a port there must be one only.
+/// Finds and reads each profile's process. A handle stands for the profile, not for the process, so
+/// a server that restarts under the same program name is found again. If several programs have the
+/// name, the one that receives at the port is meant; if none does, that is an error, because any
+/// other would be another profile's server. Without a port there must be only one.
 class GameProcesses {
  public:
   std::int32_t Register(GameProcess process);
-  /// Gives the handle another process.
+  /// Changes the process that the handle stands for.
   void Change(std::int32_t handle, GameProcess process);
 
-  /// Errors 57, with the profile and the way out, unless the read is complete.
+  /// Reads a value. Errors, also of ReadBytes: 57, with the profile and what to do, if the read
+  /// fails.
   std::int32_t ReadLong(std::int32_t handle, std::int32_t address);
-  /// The bytes up to the first NUL, at most 255, fewer where the mapped memory ends.
+  /// Reads the bytes up to the first NUL, at most 255, fewer where the mapped memory ends.
   std::string ReadBytes(std::int32_t handle, std::int32_t address);
 
-  /// What lies between the two is read ahead and may be answered from what has been read.
+  /// Between these two calls, reads fetch whole pages and may be answered from them.
   void BeginTurn() { reader_.BeginTurn(); }
   void EndTurn() { reader_.EndTurn(); }
 
  private:
   struct Entry : GameProcess {
-    ProcessId found = 0;  // 0 until it is looked up
+    ProcessId found = 0;  // 0 until it is found
   };
 
   Entry& At(std::int32_t handle);

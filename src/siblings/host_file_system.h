@@ -6,7 +6,7 @@
 
 namespace rotacasts::host {
 
-/// A file that the operation under way has made exists, though it is not on the disk yet.
+/// A file that the current operation has created exists, even before it is on the disk.
 class HostFileSystem final : public FileSystemObject {
  public:
   explicit HostFileSystem(IniFiles& files) : files_(files) {}

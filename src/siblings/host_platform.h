@@ -1,4 +1,4 @@
-// The platform that the stand-alone host gives the plugin.
+// The platform that the stand-alone host provides for the plugin.
 #pragma once
 
 #include <string>
@@ -15,13 +15,13 @@ class SystemClock final : public LocalClock {
   LocalTime Now() const override;
 };
 
-/// Both sibling components and the file-system object, served by the host itself, and the plugin's
-/// module as if it lay in the host folder's `Plugins`.
+/// The host's own sibling components and file-system object. Presents the plugin's module as if it
+/// were in the host folder's `Plugins`.
 class HostPlatform final : public ComponentFactory, public Module {
  public:
   explicit HostPlatform(std::string hostFolder)
       : hostFolder_(std::move(hostFolder)), files_(machine_) {}
-  /// Its files lie in `files`, which outlives it.
+  /// Keeps its files in `files`, which must outlive it.
   HostPlatform(std::string hostFolder, FileLayer& files)
       : hostFolder_(std::move(hostFolder)), files_(files) {}
 
@@ -34,7 +34,7 @@ class HostPlatform final : public ComponentFactory, public Module {
   GameProcesses& Processes() { return processes_; }
   Chat& GetChat() { return chat_; }
   SystemClock& Clock() { return clock_; }
-  /// The INI files as the components made here see them.
+  /// The INI files, as the components see them.
   IniFiles& Files() { return files_; }
   Platform Bundle(forms::Toolkit& toolkit) { return {*this, *this, clock_, toolkit}; }
 

@@ -3,12 +3,13 @@
 namespace rotacasts::host {
 namespace {
 
-/// How often an operation is run before it gives up against another program.
+/// How often an operation is run before it gives up because another program keeps changing the
+/// file.
 constexpr int kMostRuns = 30;
 
 }  // namespace
 
-/// One run of an operation, from a clean beginning to a clean end.
+/// One run of an operation; cleans up before and after it.
 class IniFiles::Running {
  public:
   explicit Running(IniFiles& files) : files_(files) {
@@ -58,7 +59,7 @@ bool IniFiles::Settle() {
   isSettled_ = true;
   try {
     return Flush();
-  } catch (const RuntimeError&) {  // it is kept
+  } catch (const RuntimeError&) {  // kept in failure_
     return true;
   }
 }

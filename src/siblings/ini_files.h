@@ -1,4 +1,4 @@
-// The INI files of a plugin: what one operation changes reaches the disk as one change.
+// The plugin's INI files. What one operation changes reaches the disk as one change.
 #pragma once
 
 #include <functional>
@@ -11,31 +11,31 @@
 
 namespace rotacasts::host {
 
-/// Within an operation a file is read once, later reads see what has been written since, and all
-/// of it is put on the disk together. Outside of one every change is on the disk at once.
-/// Errors are those of the layer, and 321 for a file that is no Windows-1252 text.
+/// Within an operation, each file is read once, later reads see earlier writes, and all changes are
+/// written together. Outside an operation, every change is written at once. Errors: those of the
+/// layer, and 321 for a file that is not Windows-1252 text.
 class IniFiles {
  public:
-  /// `layer` outlives this.
+  /// `layer` must outlive it.
   explicit IniFiles(FileLayer& layer) : layer_(layer) {}
 
-  /// Runs an operation and puts what it has changed on the disk. Where another program has changed
-  /// a file since it was read, the file is left as it is and the operation run again on what it
-  /// holds now; so before it does what must not be done twice it asks Flush. Returns the error that
-  /// has kept changes from the disk, where they are dropped; what the operation itself throws
-  /// passes, and the changes that are not on the disk by then are dropped too. An operation within
-  /// another belongs to that one.
+  /// Runs an operation and writes its changes to the disk. A nested operation joins the outer one.
+  /// If another program has changed a file since it was read, leaves the file alone and runs the
+  /// operation again on its new contents. The operation must therefore call Flush before it does
+  /// anything that must not happen twice.
+  /// Returns the error that prevented writing; nullopt if there was none. Errors: those of the
+  /// operation. After either, changes that are not on the disk are dropped.
   std::optional<RuntimeError> Run(const std::function<void()>& operation);
-  /// Puts what has been changed so far on the disk, before it is told of. False when the operation
-  /// will be run again: then it is not to be told of yet. Raises what Run will return.
+  /// Writes the changes so far, so that they can be reported. Returns false if the operation will
+  /// run again, so that nothing may be reported yet. Errors: those that Run will return.
   bool Flush();
-  /// The same before an error is told of, raising nothing. From then on every change is on the disk
-  /// at once: someone may take his time over an error.
+  /// Like Flush, but never throws; called before an error is reported. Afterwards every change is
+  /// written at once, because somebody may take long to answer the error.
   bool Settle();
 
-  /// Calls `read` with the file's text, empty when there is no such file.
+  /// Calls `read` with the file's text, which is empty if there is no such file.
   void Read(const std::string& path, const std::function<void(const IniText&)>& read);
-  /// Has `change` change it.
+  /// Calls `change` with the file's text, to change it. Errors, outside an operation: those of Run.
   template <class Function>
   void Change(const std::string& path, const Function& change) {
     if (!isRunning_) {
@@ -46,17 +46,17 @@ class IniFiles {
       if (isSettled_) Flush();
     }
   }
-  /// Whether there is such a file, or will be once the operation has ended.
+  /// Whether the file exists, or will once the operation has ended.
   bool Exists(const std::string& path);
 
-  /// What lies beneath, for files of other kinds.
+  /// The layer below, for other kinds of files.
   FileLayer& Layer() { return layer_; }
 
  private:
   struct Image {
     IniText text;
     bool exists = false;
-    FileBytes seen = {};  // before the first change
+    FileBytes seen = {};  // as it was before the first change
   };
   class Running;
 
@@ -67,13 +67,13 @@ class IniFiles {
   void Store(const std::string& path, Image& image);
 
   FileLayer& layer_;
-  // Of the operation that runs:
+  // Of the current operation:
   bool isRunning_ = false;
   bool isSettled_ = false;
-  std::optional<std::string> changedByOther_;  // the file for which it must be run again
+  std::optional<std::string> changedByOther_;  // the file because of which it runs again
   std::optional<RuntimeError> failure_;
   std::map<std::string, Image> images_;              // by path
-  decltype(images_)::value_type* latest_ = nullptr;  // that was asked for; most often the next too
+  decltype(images_)::value_type* latest_ = nullptr;  // used last and probably next
 };
 
 }  // namespace rotacasts::host

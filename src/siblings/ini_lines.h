@@ -1,4 +1,4 @@
-// The lines of an INI file: where each ends, and what it is.
+// Splits an INI file into lines and classifies them.
 #pragma once
 
 #include <algorithm>
@@ -11,7 +11,7 @@
 
 namespace rotacasts::host {
 
-/// A line that holds a key and its value, without blanks around the key. Views into the text.
+/// A line with a key (trimmed) and its value; views into the text.
 struct IniLine {
   std::string_view key;
   std::string_view value;
@@ -26,12 +26,12 @@ inline std::string_view TrimBlanks(std::string_view text) {
   return text;
 }
 
-/// Whether a new line can begin after these bytes.
+/// Whether a new line can start after these bytes.
 inline bool EndsInLine(std::string_view bytes) {
   return bytes.empty() || kIniLineEnd.find(bytes.back()) != kIniLineEnd.npos;
 }
 
-/// A new line, as the parts that stand in it one behind the other.
+/// The parts of a new line, in order.
 inline std::array<std::string_view, 4> NewIniLine(std::string_view key, std::string_view value) {
   return {key, "=", value, kIniLineEnd};
 }
@@ -41,7 +41,7 @@ class IniCursor {
  public:
   explicit IniCursor(std::string_view bytes, std::size_t at = 0) : bytes_(bytes), next_(at) {}
 
-  /// Moves to the next line; false after the last one. A line ends at CR LF, LF or CR.
+  /// Moves to the next line; false after the last one. CR LF, LF and CR end a line.
   bool Next() {
     begin_ = next_;
     if (begin_ >= bytes_.size()) return false;
@@ -52,7 +52,7 @@ class IniCursor {
     return true;
   }
 
-  /// Moves to the header line of the section; false when there is none.
+  /// Moves to the section's header line; false if there is none.
   bool FindSection(std::string_view section) {
     while (Next()) {
       const std::optional<std::string_view> header = Header();
@@ -61,10 +61,10 @@ class IniCursor {
     return false;
   }
 
-  /// Moves on to the next line of the section that the cursor stands in; false at its end.
+  /// Moves to the next line of the current section; false at its end.
   bool NextInSection() { return Next() && !Header(); }
 
-  /// Moves to the first line of the section that holds the key; false when there is none.
+  /// Moves to the first line of the section that has the key; false if there is none.
   bool FindKey(std::string_view key) {
     while (NextInSection()) {
       const std::optional<IniLine> line = KeyLine();
@@ -86,7 +86,7 @@ class IniCursor {
     return TrimBlanks(text.substr(1, close - 1));
   }
 
-  /// Key and value if the line holds them.
+  /// Key and value if the line has them.
   std::optional<IniLine> KeyLine() const { return KeyLineOf(Text()); }
   static std::optional<IniLine> KeyLineOf(std::string_view text) {
     const auto equals = text.find('=');

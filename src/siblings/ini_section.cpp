@@ -6,7 +6,7 @@
 namespace rotacasts::host {
 namespace {
 
-/// The same for all spellings of a key.
+/// Ignores letter case.
 std::uint32_t HashOf(std::string_view key) {
   std::uint32_t hash = 2166136261;  // FNV-1a
   for (const char c : key) {
@@ -133,7 +133,7 @@ void IniSection::Append(std::string_view key, std::string_view value) {
   Row row{Own(NewIniLine(key, value))};
   row.hasKey = true;
   row.hash = HashOf(key);
-  rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(at), row);  // what follows has no key
+  rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(at), row);  // only blank rows follow
   if (rows_.size() > buckets_.size()) {
     FillBuckets();
   } else {

@@ -1,4 +1,4 @@
-// One section of an INI text whose lines are known by their keys.
+// A section of an INI text with its lines indexed by key.
 #pragma once
 
 #include <cstdint>
@@ -11,22 +11,23 @@
 
 namespace rotacasts::host {
 
-/// A change costs its own line, however long the section. What the lines mean is said at IniText.
+/// A change takes the time for one line, however long the section is. IniText says what the lines
+/// mean.
 class IniSection {
  public:
-  /// `cursor` stands in the section's header line. `bytes`, the whole file, stays as it is for as
-  /// long as this lives.
+  /// `cursor` must be at the section's header line. `bytes`, the whole file, must not change while
+  /// this object exists.
   IniSection(std::string name, const std::string& bytes, IniCursor cursor);
 
   bool Is(std::string_view name) const { return name == name_ || EqualsIgnoringCase(name_, name); }
   std::vector<IniLine> Lines() const;
   std::optional<std::string_view> Value(std::string_view key);
-  /// False when that is what the key holds already.
+  /// Sets a key. Returns false if it already has the value.
   bool Set(std::string_view key, std::string_view value);
-  /// False when there is no such key.
+  /// Removes a key. Returns false if there is none.
   bool Remove(std::string_view key);
 
-  /// The whole file with the section as it is now.
+  /// The whole file, with the section's changes.
   std::string FileBytes() const;
 
  private:
@@ -34,7 +35,7 @@ class IniSection {
 
   struct Row {
     std::string_view whole;
-    std::uint8_t endSize = kIniLineEnd.size();  // of its line's end
+    std::uint8_t endSize = kIniLineEnd.size();  // of its line break
     bool hasKey = false;
     bool isGone = false;
     std::uint32_t hash = 0;       // of its key
@@ -44,26 +45,26 @@ class IniSection {
     std::optional<IniLine> KeyLine() const { return IniCursor::KeyLineOf(Text()); }
   };
 
-  /// The place that names the first row of the key: in its bucket or in the row before it there. It
-  /// holds kNoRow when there is no such row.
+  /// The link to the key's first row, in its bucket or in the row before; holds kNoRow if there is
+  /// none.
   std::uint32_t& Find(std::string_view key);
-  /// Puts every row with a key into its bucket anew, the first of each key in front.
+  /// Distributes all rows with keys to new buckets; the first row of each key comes first.
   void FillBuckets();
   void PutInBucket(std::uint32_t row);
 
   std::string_view Own(std::span<const std::string_view> parts);
   void Append(std::string_view key, std::string_view value);
-  /// Sees to it that a line can begin after the row before this one, or after the header.
+  /// Adds a missing line break before this row: to the row above or to the header.
   void EndLineBefore(std::size_t row);
 
   const std::string name_;
   const std::string& bytes_;
   const std::size_t begin_;        // of the first line after the header
-  std::string_view behindHeader_;  // the end of its line, should it have had none
+  std::string_view behindHeader_;  // the header's line break, if it had none
   std::size_t end_;
   std::vector<Row> rows_;
-  std::vector<std::uint32_t> buckets_;       // the first row of each; their number a power of 2
-  std::pmr::monotonic_buffer_resource own_;  // what new lines lie in, never moved
+  std::vector<std::uint32_t> buckets_;       // the first row of each; their number is a power of 2
+  std::pmr::monotonic_buffer_resource own_;  // holds new lines, never moved
   std::size_t ownSize_ = 0;
 };
 

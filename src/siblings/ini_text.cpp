@@ -25,7 +25,7 @@ void RefuseNonText(const std::string& path, std::string_view bytes) {
 
 IniText::IniText(std::string bytes) : bytes_(std::move(bytes)) {}
 
-// An open section refers to the bytes where they are.
+// An open section refers to bytes_, so it is closed before a move.
 IniText::IniText(IniText&& other) noexcept {
   *this = std::move(other);
 }
@@ -133,7 +133,7 @@ void IniText::SetValue(std::string_view section, std::string_view key, std::stri
     insert(bytes_.size(), "[" + std::string(section) + "]" + std::string(kIniLineEnd));
     return;
   }
-  std::size_t behindLast = cursor.NextBegin();  // after the section's last line that is not blank
+  std::size_t behindLast = cursor.NextBegin();  // after the section's last non-blank line
   while (cursor.NextInSection()) {
     const std::optional<IniLine> line = cursor.KeyLine();
     if (line && EqualsIgnoringCase(line->key, key)) {
@@ -163,7 +163,7 @@ void IniText::RemoveSection(std::string_view section) {
   const std::size_t begin = cursor.Begin();
   while (cursor.NextInSection()) {
   }
-  Replace(begin, cursor.Begin() - begin, "");  // Begin is the next header's, or the end
+  Replace(begin, cursor.Begin() - begin, "");  // now at the next header, or at the end
 }
 
 void IniText::Replace(std::size_t at, std::size_t length, std::string_view replacement) {

@@ -7,8 +7,8 @@
 
 namespace rotacasts::host {
 
-/// Process handles are those of `processes`; what a message target is, `chat` knows. Texts in a
-/// game's memory are Windows-1252, Base64 packs UTF-8. Both outlive the component.
+/// Process handles are those of `processes`; message targets are those of `chat`. Texts in a game's
+/// memory are Windows-1252; Base64 encodes UTF-8. `processes` and `chat` must outlive it.
 class HostMemoryComponent final : public MemoryComponent {
  public:
   HostMemoryComponent(GameProcesses& processes, Chat& chat) : processes_(processes), chat_(chat) {}
@@ -21,7 +21,7 @@ class HostMemoryComponent final : public MemoryComponent {
                bool& isAffiliate, const std::string& kind, std::int16_t mode,
                std::string& gameCode) override;
   std::string Enc64(const std::string& text) override;
-  /// Error 5 for a text that is no Base64 or packs no UTF-8.
+  /// Errors: 5 if the text is not Base64 or does not encode UTF-8.
   std::string Dec64(const std::string& text) override;
 
  private:

@@ -11,7 +11,7 @@ void ReadAhead::BeginTurn() {
 
 void ReadAhead::EndTurn() {
   isInTurn_ = false;
-  pages_.clear();  // keeps their room for the next turn
+  pages_.clear();  // keeps the memory for the next turn
   programs_.clear();
 }
 
@@ -33,7 +33,7 @@ ReadOutcome ReadAhead::PageAt(ProcessId process, std::uint64_t address, const Pa
   });
   if (found == pages_.end()) {
     found = Replaceable();
-    found->process = 0;  // nothing, until it is read
+    found->process = 0;  // empty until it is read
     const ReadOutcome outcome = ReadProcess(process, static_cast<std::uint32_t>(number * kPageSize),
                                             found->bytes.data(), kPageSize);
     if (outcome != ReadOutcome::Complete) return outcome;

@@ -1,4 +1,4 @@
-// Reading game servers' memory in pages, for one turn of the event loop.
+// Reads game servers' memory in pages, for one turn of the event loop.
 #pragma once
 
 #include <array>
@@ -12,10 +12,10 @@
 
 namespace rotacasts::host {
 
-/// Reads processes and looks for programs. Between BeginTurn and EndTurn a whole page is read where
-/// a few bytes are asked for, and what lies in it is answered from there: a player is one call of
-/// the system, not one for each of his counters. So a turn may see a page as it was when the turn
-/// first asked, and the next turn never does. The latest pages are kept, and no more.
+/// Reads processes and finds programs. Between BeginTurn and EndTurn it reads whole pages and
+/// answers from them, so that a player takes one system call instead of one for each counter. A
+/// turn may therefore see a page as it was when the turn first read it; the next turn reads it
+/// again. Only the latest pages are kept.
 class ReadAhead {
  public:
   void BeginTurn();
@@ -23,18 +23,17 @@ class ReadAhead {
 
   /// Reads exactly `size` bytes at `address`.
   ReadOutcome Read(ProcessId process, std::uint32_t address, void* buffer, std::size_t size);
-  /// Reads up to `size` bytes at `address`, ending early after a NUL or where the mapped memory
-  /// ends; `count` is what was read. NotMapped when not even the first byte is there.
+  /// Reads up to `size` bytes at `address`; stops early after a NUL or where the mapped memory
+  /// ends. `count` is the number of bytes read. NotMapped if not even the first byte is mapped.
   ReadOutcome ReadText(ProcessId process, std::uint32_t address, char* buffer, std::size_t size,
                        std::size_t& count);
-  /// The running processes of the program; within a turn as they were when it first asked.
+  /// The running processes of the program; within a turn, as they were when it first asked.
   std::vector<ProcessId> Find(const std::string& programName);
 
   static constexpr std::size_t kMostPages = 8;
 
  private:
-  static constexpr std::size_t kPageSize =
-      4096;  // a page of the machine is one or several of these
+  static constexpr std::size_t kPageSize = 4096;  // a page of the machine is one or more of these
   struct Page {
     ProcessId process = 0;  // 0: none
     std::uint32_t number = 0;
@@ -42,9 +41,9 @@ class ReadAhead {
     std::array<char, kPageSize> bytes;
   };
 
-  /// The page that holds the address, read unless it is there; valid until the next call.
+  /// Finds or reads the page with the address. It is valid until the next call.
   ReadOutcome PageAt(ProcessId process, std::uint64_t address, const Page*& page);
-  /// A new one, or the one that was used least lately.
+  /// A new page, or the least recently used one.
   std::vector<Page>::iterator Replaceable();
 
   bool isInTurn_ = false;

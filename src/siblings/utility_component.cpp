@@ -16,7 +16,7 @@ void RefuseLineBreaks(std::string_view text, const char* what) {
   }
 }
 
-/// Windows-1252 bytes for one line of a file.
+/// Converts a text to Windows-1252 for one line of a file. Errors: 5 if it has a line break.
 std::string LineBytes(std::string_view text, const char* what) {
   RefuseLineBreaks(text, what);
   return ToWindows1252(text);
@@ -27,7 +27,7 @@ std::string KeyText(const UtilityComponent::Key& key) {
   return number != nullptr ? std::to_string(*number) : std::get<std::string>(key);
 }
 
-/// The bytes of a key to write, which must read back as that key.
+/// Converts a key to write. Errors: 5 if it would not read back as the same key.
 std::string KeyBytes(const UtilityComponent::Key& key) {
   std::string bytes = LineBytes(KeyText(key), "a key");
   const bool wouldNotReadBack = bytes.empty() || bytes.find('=') != bytes.npos ||
@@ -60,7 +60,7 @@ void HostUtilityComponent::WriteIniKey(const std::string& section, const Key& ke
     const std::string valueBytes = LineBytes(*value, "a value");
     files_.Change(file, [&](IniText& ini) { ini.SetValue(sectionBytes, keyBytes, valueBytes); });
   } else {
-    const std::string keyBytes = ToWindows1252(KeyText(key));  // whatever a hand has written
+    const std::string keyBytes = ToWindows1252(KeyText(key));  // any key that the file may have
     files_.Change(file, [&](IniText& ini) { ini.RemoveKey(sectionBytes, keyBytes); });
   }
 }
@@ -78,7 +78,7 @@ std::vector<std::string> HostUtilityComponent::GetIniSection(const std::string& 
       lines.push_back(TakeFromWindows1252(std::move(text)));
     }
   });
-  lines.emplace_back();  // the one further element that is no line
+  lines.emplace_back();  // the extra element that is not a line
   return lines;
 }
 
@@ -112,7 +112,7 @@ std::vector<std::string> HostUtilityComponent::ReadFile(std::string& file) {
 void HostUtilityComponent::AppendFile(const std::string& file, const std::string& text) {
   RefuseLineBreaks(text, "a line");
   if (!files_.Flush()) return;
-  files_.Layer().Append(file, ToWindows1252(text, '?'));  // a log is for people to read
+  files_.Layer().Append(file, ToWindows1252(text, '?'));  // people read it: "?" is good enough
 }
 
 void HostUtilityComponent::LogError(const std::string& module, std::string& procedure,
@@ -127,7 +127,8 @@ void HostUtilityComponent::LogError(const std::string& module, std::string& proc
   std::string entry = FormatDate(now) + " " + FormatTime(now) + " " + module + " " + procedure +
                       " line " + std::to_string(line) + ": error " + std::to_string(error.number) +
                       ": " + error.description;
-  // One error, one line, whatever its description quotes; the log is read by people: UTF-8.
+  // One line for each error, even if its description has line breaks. In UTF-8, because people read
+  // it.
   std::replace_if(
       entry.begin(), entry.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
   files_.Layer().Append(file, entry);
@@ -145,7 +146,7 @@ bool HostUtilityComponent::SendErrorReport(HostValue& report) {
   try {
     Deliver(stamp, text);
     return true;
-  } catch (const RuntimeError&) {  // the error that is reported matters more than this one
+  } catch (const RuntimeError&) {  // the reported error matters more than this one
     return false;
   }
 }

@@ -8,11 +8,11 @@
 
 namespace rotacasts::host {
 
-/// Reports go to `reports` and errors to `logs\errors.log` below the host folder; both folders are
-/// made when they are missing.
+/// Writes reports to `reports` and errors to `logs\errors.log` in the host folder; creates both
+/// folders if they are missing.
 class HostUtilityComponent : public UtilityComponent {
  public:
-  /// `files` and `clock` outlive the component.
+  /// `files` and `clock` must outlive it.
   HostUtilityComponent(std::string hostFolder, const LocalClock& clock, IniFiles& files)
       : hostFolder_(std::move(hostFolder)), clock_(clock), files_(files) {}
 
@@ -23,18 +23,18 @@ class HostUtilityComponent : public UtilityComponent {
   std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override;
   HostValue ParseIniKey(std::string&& line, bool asPair) override;
   std::vector<std::string> ReadFile(std::string& file) override;
-  /// The line tells of what was changed before it: that is put on the disk first. It is not written
-  /// when the operation is to be run again.
+  /// Writes earlier changes to the disk first, because the line reports them. Does nothing if the
+  /// operation will run again.
   void AppendFile(const std::string& file, const std::string& text) override;
   void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                 std::int32_t& line) override;
-  /// False when the report cannot be written.
+  /// Returns false if the report cannot be written.
   bool SendErrorReport(HostValue& report) override;
 
  private:
-  /// Writes a report to a file of its own.
+  /// Writes a report to a new file.
   void Deliver(std::string stamp, const std::string& text) const;
-  /// Makes it, if need be.
+  /// Creates the folder if it is missing.
   void NeedFolder(const std::string& folder) const;
 
   const std::string hostFolder_;

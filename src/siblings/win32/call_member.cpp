@@ -6,13 +6,13 @@
 namespace rotacasts::host {
 namespace {
 
-/// The innermost VARIANT: a reference to another one stands for that one.
+/// The VARIANT that the argument refers to, or the argument itself.
 const VARIANT& Innermost(const VARIANT& argument) {
   const bool refers = argument.vt == (VT_BYREF | VT_VARIANT) && argument.pvarVal != nullptr;
   return refers ? *argument.pvarVal : argument;
 }
 
-/// Null is no text at all: a null value, or a string without even a buffer.
+/// Whether the argument is null (a null value or a null string), as opposed to an empty text.
 bool IsNullText(const VARIANT& argument) {
   const VARIANT& inner = Innermost(argument);
   if (inner.vt == (VT_BYREF | VT_BSTR)) return *inner.pbstrVal == nullptr;
@@ -36,7 +36,7 @@ void Take(const VARIANT& argument, std::int16_t& value) {
 }
 
 void Take(const VARIANT& argument, std::int32_t& value) {
-  // The kinds in which every read of memory comes need no detour.
+  // A short cut for the two kinds of every memory read.
   value = argument.vt == VT_I4                ? argument.lVal
           : argument.vt == (VT_BYREF | VT_I4) ? *argument.plVal
                                               : ToLong(win32::ToHostValue(argument));

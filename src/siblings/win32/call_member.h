@@ -1,5 +1,5 @@
-// Calling a member function with the VARIANTs of a late-bound call. The function's own signature
-// says which kind each argument has and which ones are by reference.
+// Calls a member function with the VARIANTs of a late-bound call. The function's signature
+// determines the kind of each argument and which ones are by reference.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@
 
 namespace rotacasts::host {
 
-// An argument's value by its kind. Raise error 13 and the like for a value that has none of it.
+// Converts an argument to the type of `value`. Errors: those of the conversions, such as 13.
 void Take(const VARIANT& argument, std::int16_t& value);
 void Take(const VARIANT& argument, std::int32_t& value);
 void Take(const VARIANT& argument, bool& value);
@@ -22,14 +22,14 @@ void Take(const VARIANT& argument, std::string& value);
 void Take(const VARIANT& argument, std::optional<std::string>& value);
 void Take(const VARIANT& argument, UtilityComponent::Key& value);
 void Take(const VARIANT& argument, HostValue& value);
-/// An object with the properties Number and Description.
+/// From an object with the properties Number and Description.
 void Take(const VARIANT& argument, RuntimeError& value);
 
-/// Puts the value in the place that a by-reference argument refers to, in that place's own kind;
-/// one that is by value or of another kind stays as it is.
+/// Stores the value where a by-reference argument points, in the kind of that variable. Does
+/// nothing if the argument is by value or of another kind.
 void GiveBack(const VARIANT& argument, const HostValue& value);
 
-/// One argument during a call: its value, given back if the function may and did change it.
+/// One argument during a call: its value, written back if the function may change it and did.
 template <class Parameter>
 class CallArgument {
  public:
@@ -49,7 +49,7 @@ class CallArgument {
  private:
   static constexpr bool kIsReference =
       std::is_lvalue_reference_v<Parameter> && !std::is_const_v<std::remove_reference_t<Parameter>>;
-  // An error is an object of the caller's: what it refers to is not replaced.
+  // An error is the caller's object and is not replaced.
   static constexpr bool kGivenBack = kIsReference && !std::is_same_v<Value, RuntimeError>;
   struct Nothing {};
 
@@ -77,7 +77,7 @@ HostValue ResultOfCall(Result result) {
 template <auto Function>
 struct MemberCall;
 
-/// Calls `Function`. The arguments stand in call order reversed, as in DISPPARAMS.
+/// Calls `Function`. `reversed` holds the arguments from last to first, as in DISPPARAMS.
 template <class Component, class Result, class... Parameters,
           Result (Component::*Function)(Parameters...)>
 struct MemberCall<Function> {

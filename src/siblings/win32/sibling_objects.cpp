@@ -43,7 +43,7 @@ constexpr MemberRow<UtilityComponent> kUtilityMembers[] = {
     RowOf<&UtilityComponent::SendErrorReport, UtilityComponent>(L"SendErrorReport"),
 };
 
-/// Describes the exception now being handled.
+/// Describes the exception being handled.
 HRESULT AnswerException(EXCEPINFO* exception, const char* source) {
   try {
     const RuntimeError error = CurrentRuntimeError();
@@ -58,7 +58,7 @@ HRESULT AnswerException(EXCEPINFO* exception, const char* source) {
   }
 }
 
-/// A component behind a dispatch interface. A member's identifier is its place in the table.
+/// A component as an IDispatch. A member's identifier is its index in the table + 1.
 template <class Component>
 class ComponentObject final : public win32::CountedObject<IDispatch> {
  public:
@@ -106,7 +106,7 @@ class ComponentObject final : public win32::CountedObject<IDispatch> {
   const std::span<const MemberRow<Component>> members_;
 };
 
-/// A class of which there is one object.
+/// A class factory that always returns the same object.
 class SingleObjectFactory final : public win32::CountedObject<IClassFactory> {
  public:
   explicit SingleObjectFactory(ComPtr<IDispatch> object) : object_(std::move(object)) {}
@@ -126,8 +126,8 @@ class SingleObjectFactory final : public win32::CountedObject<IClassFactory> {
                      std::string(progId) + " (" + win32::DescribeResult(result) + ")");
 }
 
-/// Records the class for the programmatic identifier, for everyone or, where that takes more
-/// rights, for this user.
+/// Registers the class for the programmatic identifier: for all users, or for this user if that
+/// needs more rights.
 void RecordClass(const char* progId, const wchar_t* classId) {
   const std::wstring name = win32::ToWide(progId) + L"\\CLSID";
   const std::pair<HKEY, std::wstring> places[] = {
