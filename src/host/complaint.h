@@ -1,4 +1,4 @@
-// What is wrong, in words for the person who can mend it.
+// Errors in words for the person who can fix them.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@
 
 namespace rotacasts::host {
 
-/// Error 5 with nothing but these words, which are for the person at the console: they name the
-/// thing and the way out.
+/// Error 5 with just these words. They are for the person at the console, so they say what is wrong
+/// and what to do.
 inline RuntimeError Complaint(std::string words) {
   return {static_cast<std::int32_t>(ErrorNumber::InvalidProcedureCall), std::move(words)};
 }

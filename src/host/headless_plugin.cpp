@@ -10,7 +10,7 @@ namespace rotacasts::host {
 
 using headless::TimerLoop;
 
-/// One profile's plugin, and the components that it has from the host.
+/// One profile's plugin, and the components that it gets from the host.
 class HeadlessPlugin::Instance final : public ComponentFactory {
  public:
   Instance(HostProfiles& profiles, Troubles& troubles, std::int32_t index,
@@ -18,7 +18,8 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
 
   void RunDue();
   void Load(forms::WindowHandle parent, const HostValue& data);
-  /// Calls a remote operation. One that cannot be stored leaves the window as the file is.
+  /// Calls a remote operation. If its changes cannot be stored, resets the window to the file's
+  /// contents.
   Reply Answer(const std::function<std::string()>& operation, const HostValue& data);
   Progress GetProgress() const;
 
@@ -34,7 +35,7 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   const TimerLoop& Timers() const { return timers_; }
 
  private:
-  /// Tells of an error before it is recorded; what goes on from tick to tick is recorded once.
+  /// Reports an error before it is logged. One that recurs on every tick is logged once.
   class Utility;
   void Tell(const std::string& words);
   std::string Label() const;
@@ -44,13 +45,13 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   const std::int32_t index_;
   MachineFiles machineFiles_;
   IniFiles files_{machineFiles_};
-  forms::WindowHandle parent_ = 0;  // of the window, once it is loaded
+  forms::WindowHandle parent_ = 0;  // of the window, once loaded
   TimerLoop timers_;
   headless::HeadlessToolkit toolkit_;
   PluginState state_;
   clsPlugin plugin_;
   bool isInTick_ = false;
-  std::vector<std::string>* problems_ = nullptr;  // of the call that is under way
+  std::vector<std::string>* problems_ = nullptr;  // of the current call
 };
 
 class HeadlessPlugin::Instance::Utility final : public HostUtilityComponent {
@@ -62,7 +63,7 @@ class HeadlessPlugin::Instance::Utility final : public HostUtilityComponent {
   void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                 std::int32_t& line) override {
     goesOn_ = true;
-    if (!instance_.files_.Settle()) return;  // the operation begins again
+    if (!instance_.files_.Settle()) return;  // the operation will run again
     const std::string words = Named(instance_.Label(), WordsOf(error, procedure));
     goesOn_ = instance_.troubles_.IsOld(instance_.index_, words);
     instance_.Tell(words);
@@ -74,7 +75,7 @@ class HeadlessPlugin::Instance::Utility final : public HostUtilityComponent {
 
  private:
   Instance& instance_;
-  bool goesOn_ = false;  // the last error
+  bool goesOn_ = false;  // whether the last error is a recurring one
 };
 
 HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, std::int32_t index,
@@ -87,8 +88,8 @@ HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, s
       state_({profiles.Components(), *this, profiles.Components().Clock(), toolkit_}),
       plugin_(state_) {
   toolkit_.onMessageBox = [this](const std::string& text, const std::string& title) {
-    if (title == "DLL Error!") return;  // told of already
-    // The reporting of an error has failed; that error has been told of and logged.
+    if (title == "DLL Error!") return;  // already reported
+    // Reporting an error has failed; the error itself was shown and logged.
     const bool isSecond = title == "tvxRT.dll Error";
     Tell(isSecond
              ? "no report was sent (" + text + "); is ReportErrors in settings/config.ini 0 or 1?"
@@ -195,7 +196,7 @@ void HeadlessPlugin::RunDue() {
 }
 
 PluginArea HeadlessSite::Area() const {
-  constexpr std::int32_t kTwipsPerPixel = 15;  // of the toolkit without pixels
+  constexpr std::int32_t kTwipsPerPixel = 15;  // of the headless toolkit
   return {1, layout::kClientWidth, layout::kClientHeight + layout::kHeadingHeight * kTwipsPerPixel};
 }
 

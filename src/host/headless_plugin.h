@@ -1,5 +1,5 @@
-// The plugin inside this program, on the toolkit without pixels: one of its own for each profile,
-// so that each goes by its own switch and interval.
+// The plugin inside this program, without a screen. Each profile has an instance of its own, so
+// that each follows its own switch and interval.
 #pragma once
 
 #include <chrono>
@@ -14,7 +14,7 @@
 
 namespace rotacasts::host {
 
-/// An area that just holds the settings window.
+/// An area of exactly the settings window's size.
 class HeadlessSite final : public PluginSite {
  public:
   PluginArea Area() const override;
@@ -22,12 +22,12 @@ class HeadlessSite final : public PluginSite {
 
 class HeadlessPlugin : public HostedPlugin {
  public:
-  /// `minute` is how long a minute of its timers lasts. What goes wrong with a profile is told to
-  /// `troubles`, but for what a remote operation answers.
+  /// `minute` is the length of a minute for the timers. Errors of a profile go to `troubles`,
+  /// except during a remote operation, which answers them. Both references must outlive it.
   HeadlessPlugin(HostProfiles& profiles, Troubles& troubles, std::chrono::nanoseconds minute);
   ~HeadlessPlugin() override;
 
-  // The profiles' timers: when the next one is due, and running those that are.
+  // When the next timer is due; runs those that are due.
   std::optional<headless::TimerLoop::Clock::time_point> NextDue() const;
   void RunDue();
 

@@ -1,4 +1,4 @@
-// What the command line of the stand-alone host says.
+// The options of the stand-alone host's command line.
 #pragma once
 
 #include <chrono>
@@ -9,13 +9,13 @@
 namespace rotacasts::host {
 
 struct HostOptions {
-  std::string folder;  // the host folder, absolute, in the machine's spelling
-  std::chrono::nanoseconds minute = std::chrono::minutes(1);  // how long a minute lasts
-  std::string administrator = "console";    // who the console's changes come from, for the log
-  bool sharedLog = false;                   // log them for the whole host, not for each profile
-  std::string web = {};                     // where the page is served, ADDRESS:PORT; empty: not
-  std::vector<std::int32_t> profiles = {};  // the ones to preview; none: all
-  bool fix = false;                         // convert what check finds to be UTF-8
+  std::string folder;  // the host folder, absolute, in the system's form
+  std::chrono::nanoseconds minute = std::chrono::minutes(1);  // the length of a minute
+  std::string administrator = "console";                      // the console's name in the log
+  bool sharedLog = false;  // one log for the host instead of one per profile
+  std::string web = {};    // where to serve the page, ADDRESS:PORT; empty for nowhere
+  std::vector<std::int32_t> profiles = {};  // which to preview; empty for all
+  bool fix = false;                         // convert UTF-8 files that check finds
 };
 
 }  // namespace rotacasts::host

@@ -11,12 +11,12 @@
 namespace rotacasts::host {
 namespace {
 
-/// The folder itself. Error 76 when it is missing.
+/// Returns the folder. Errors: 76 if it is missing.
 const std::string& Existing(const std::string& folder) {
   if (!MachineFiles().FolderExists(folder)) {
     throw RuntimeError(ErrorNumber::PathNotFound, folder + "; make it, or name another folder");
   }
-  if (NativePath(folder).string() != folder) {  // spelt with "\" it is another one
+  if (NativePath(folder).string() != folder) {  // a "\" in it would mean another folder
     throw RuntimeError(ErrorNumber::PathNotFound, folder + "; a name with \"\\\" cannot be used");
   }
   return folder;
@@ -90,7 +90,7 @@ const ProfileSettings& HostProfiles::ReadAnew(std::int32_t index) {
 
 bool HostProfiles::IsStillDescribed(const ProfileSettings& profile) const try {
   return ReadProfile(folder_, profile.folder).index == profile.index;
-} catch (const RuntimeError&) {  // broken, or gone
+} catch (const RuntimeError&) {  // broken or missing
   return HasProfileFile(folder_, profile.folder);
 }
 
@@ -119,7 +119,7 @@ void HostProfiles::Record(std::string procedure, const std::string& words) const
   IniFiles files(layer);
   HostUtilityComponent(folder_, SystemClock(), files)
       .LogError("rotacasts-host", procedure, note, line);
-} catch (const RuntimeError&) {  // it has been told
+} catch (const RuntimeError&) {  // it was already shown
 }
 
 HostValue::Array HostProfiles::DataOf(const ProfileSettings& profile) const {

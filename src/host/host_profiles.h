@@ -1,4 +1,4 @@
-// The profiles of a host folder, in use by a host.
+// The profiles of a host folder, while a host uses them.
 #pragma once
 
 #include <cstdint>
@@ -13,32 +13,31 @@
 
 namespace rotacasts::host {
 
-/// What the profiles' files describe, kept until it is read again, and the components that serve
-/// them. An index that no profile has raises error 5.
+/// The contents of the profiles' files, kept until they are reread, and the components for them.
+/// Errors: 5 for an index that no profile has.
 class HostProfiles {
  public:
-  /// Reads the profiles and says on `out` what is wrong with those that cannot be used.
-  /// `hostFolder` is absolute, in the machine's spelling. Error 76 without the folder.
+  /// Reads the profiles; prints to `out` why some cannot be used. `hostFolder` is absolute, in the
+  /// system's form. Errors: 76 if it is missing. `out` must outlive it.
   HostProfiles(const std::string& hostFolder, std::ostream& out);
 
-  /// Makes what the plugin needs and the host folder lacks: settings\config.ini and the profiles'
-  /// settings folders. A profile whose folder cannot be made is dropped, and the reason said.
+  /// Creates what the plugin needs and the host folder lacks: settings\config.ini and the profiles'
+  /// settings folders. A profile whose folder cannot be created is dropped, with a message.
   void MakeWhatIsMissing();
 
-  /// The host's components; what they serve is shared by everything that is made from them.
+  /// The host's components. Everything created from them shares what they serve.
   HostPlatform& Components() { return platform_; }
   const std::string& Folder() const { return folder_; }
 
   /// By index.
   const std::map<std::int32_t, ProfileSettings>& All() const { return profiles_; }
   const ProfileSettings& At(std::int32_t index) const;
-  /// The elements of the profile data array that describe the profile.
+  /// The profile data array with the elements that describe the profile.
   HostValue::Array DataOf(const ProfileSettings& profile) const;
 
-  /// Reads one profile.ini again.
+  /// Rereads one profile.ini.
   const ProfileSettings& ReadAnew(std::int32_t index);
-  /// Reads all of them again, and says what cannot be used: a profile that was usable so far stays
-  /// as it was.
+  /// Rereads every profile. One that can no longer be used is reported and keeps its old settings.
   struct Changes {
     std::vector<std::int32_t> added;
     std::vector<std::int32_t> changed;
@@ -46,11 +45,11 @@ class HostProfiles {
   };
   Changes ReadAllAnew();
 
-  /// Puts a line of the host's own into the error log; a log that cannot be written is no error.
+  /// Writes a line to the error log for the host itself. Ignores errors.
   void Record(std::string procedure, const std::string& words) const;
 
  private:
-  /// False, and the reason said, when it cannot be made.
+  /// Returns false, and prints the reason, if it cannot be created.
   bool MakeSettingsFolderOf(const ProfileSettings& profile);
   void Use(ProfileSettings profile);
   bool IsStillDescribed(const ProfileSettings& profile) const;

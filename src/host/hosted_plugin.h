@@ -1,4 +1,4 @@
-// The plugin as the stand-alone host sees it, wherever the plugin runs.
+// The plugin, as the stand-alone host sees it, wherever the plugin runs.
 #pragma once
 
 #include <chrono>
@@ -16,7 +16,7 @@ struct RemoteOperation;
 
 namespace rotacasts::host {
 
-/// The host's window that the plugin's lies in, and the size that the plugin is told, in twips.
+/// The host's window that contains the plugin's, and the size that the plugin is told, in twips.
 struct PluginArea {
   forms::WindowHandle window = 0;
   std::int32_t width = 0;
@@ -28,11 +28,12 @@ class PluginSite {
  public:
   virtual ~PluginSite() = default;
   virtual PluginArea Area() const = 0;
-  /// The host has loaded the plugin's window for this profile; 0 when it shows none.
+  /// The host has loaded the plugin's window for this profile; 0 if it shows none.
   virtual void Shown(std::int32_t) {}
 };
 
-/// What the host calls, as `clsPlugin` describes it. `data` is the profile data array.
+/// The plugin's operations for the host, as `clsPlugin` describes them. `data` is the profile data
+/// array.
 class HostedPlugin {
  public:
   virtual ~HostedPlugin() = default;
@@ -42,22 +43,22 @@ class HostedPlugin {
   virtual void HideInterface() = 0;
   virtual void UnLoadInterface() = 0;
   virtual void DisableProfile(std::int32_t index) = 0;
-  /// A remote operation's raw reply, and what the plugin had to report meanwhile, in words. `value`
-  /// is the operation's last argument; a missing one is left out.
+  /// Calls a remote operation. Returns its raw reply and the problems that the plugin reported.
+  /// `value` is the last argument; HostValue::Missing leaves it out.
   struct Reply {
-    std::string text;  // empty when nothing could be stored
+    std::string text;  // empty if nothing could be stored
     std::vector<std::string> problems;
-    bool isStored = true;  // false: what it was to change is as before, for a reason among problems
+    bool isStored = true;  // false: nothing was changed; `problems` says why
   };
   virtual Reply Remote(const RemoteOperation& operation, std::int32_t index, const HostValue& data,
                        const HostValue& value) = 0;
 
-  /// How far a profile's broadcasts have come, and what they go by. The plugin alone knows: nothing
-  /// is answered where its insides are not at hand.
+  /// The progress of a profile's broadcasts and the settings that they follow; nullopt if the
+  /// plugin's state is not accessible.
   struct Progress {
     bool isStarted = false;
     bool isSwitchedOn = false;
-    std::string interval;  // minutes, as the settings window has it
+    std::string interval;  // minutes, as in the settings window
     std::int32_t elapsedTicks = 0;
     std::int32_t nextMessage = 0;
     std::chrono::steady_clock::time_point nextTick = {};

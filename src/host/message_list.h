@@ -1,4 +1,4 @@
-// A profile's messages and options as its message file holds them.
+// A profile's messages and options, as its message file has them.
 #pragma once
 
 #include <cstdint>
@@ -7,23 +7,22 @@
 
 namespace rotacasts::host {
 
-/// Read once, at the time of its making; UTF-8.
+/// A copy of the file's contents, read by the constructor; UTF-8.
 struct MessageList {
   struct Message {
     std::string key;
     std::string text;
   };
-  /// Empty for a file that is missing. Raises what keeps the file from being read.
+  /// Empty if the file is missing. Errors: those of reading it.
   explicit MessageList(std::string messageFile);
 
-  /// The message's text. Error 5 when there is none at the position, and unless the keys of all
-  /// messages are 1 to n: a remote operation takes a position for a key less one, and would act on
-  /// another message than the one named.
+  /// The message's text. Errors: 5 if there is none at the position, or if the keys are not 1 to n:
+  /// remote operations take a position as key - 1 and would act on another message.
   const std::string& TextAt(std::int32_t position) const;
 
-  const std::string path;         // in the host suite's spelling
+  const std::string path;         // in the host suite's form
   std::vector<Message> messages;  // in file order
-  std::string enable;             // empty when the file has none
+  std::string enable;             // empty if the file has none
   std::string interval;
 };
 

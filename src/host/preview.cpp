@@ -6,7 +6,7 @@
 namespace rotacasts::host {
 namespace {
 
-constexpr std::int32_t kLookedAt = 0;  // where the tables hold the profile
+constexpr std::int32_t kLookedAt = 0;  // the profile's index in the tables
 
 }  // namespace
 

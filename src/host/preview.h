@@ -1,4 +1,4 @@
-// What a message of a profile would say at this moment.
+// What a profile's message would say now.
 #pragma once
 
 #include <memory>
@@ -9,12 +9,12 @@
 
 namespace rotacasts::host {
 
-/// Reads game servers with the plugin's own readers; needs no plugin at work and writes nothing.
+/// Reads game servers with the plugin's readers. Needs no running plugin and writes nothing.
 class Preview final : MemorySource, ErrorHandler {
  public:
   explicit Preview(HostProfiles& profiles);
 
-  /// What is to be known of a profile's game server now.
+  /// The state of a profile's game server.
   struct Game {
     enum class State { Unreachable, Idle, Running };
     State state = State::Unreachable;
@@ -24,15 +24,15 @@ class Preview final : MemorySource, ErrorHandler {
 
   /// A message's text at this moment.
   struct Text {
-    std::string says;     // empty: it would be skipped
-    std::string problem;  // why a placeholder cannot be read; a fallback may be said all the same
-    /// For a table: the text, and in parentheses what is to be known of it.
+    std::string says;     // empty if the message would be skipped
+    std::string problem;  // why a placeholder cannot be read; `says` may still hold a fallback
+    /// For a table: the text, and the problem in parentheses.
     std::string Shown() const;
   };
   Text TextOf(const ProfileSettings& profile, const Game& game, const std::string& message);
 
  private:
-  // What the readers ask for, and whom they tell of an error.
+  // What the readers read from, and where they report errors.
   MemoryComponent& Memory() const override { return *memory_; }
   void ReportError(const Failure& failure) override { problem_ = failure.error.description; }
 
@@ -40,8 +40,8 @@ class Preview final : MemorySource, ErrorHandler {
 
   HostProfiles& profiles_;
   const std::unique_ptr<MemoryComponent> memory_;
-  std::string problem_;   // the last error that a reader has told of
-  ProfileTables tables_;  // of the one profile that is looked at, whatever its own index
+  std::string problem_;   // the last error that a reader reported
+  ProfileTables tables_;  // of the one profile being previewed, whatever its own index
   GameReader game_{*this, tables_, *this};
   InfoTexts infoTexts_{*this, tables_, *this};
   LiveTexts liveTexts_{game_, infoTexts_};

@@ -28,13 +28,13 @@ std::string Place(const std::string& file, const IniText& ini, const std::string
   return NativePath(file).string() + ":" + std::to_string(ini.LineOf(kSection, key));
 }
 
-/// Reads the keys of one file; every complaint names the file and the line.
+/// Reads the keys of a file; every complaint names the file and the line.
 class Reader {
  public:
   Reader(const std::string& file, FileLayer& files)
       : file_(file), ini_(IniOf(file, files.Read(file).value_or(""))) {}
 
-  /// Empty when the key is missing.
+  /// Empty if the key is missing.
   std::string Optional(const char* key) const {
     const std::string raw = FromWindows1252(ini_.Value(kSection, key).value_or(""));
     return std::string(TrimSpaces(raw));
@@ -96,7 +96,7 @@ ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& fo
 
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder,
                             FileLayer& files) {
-  ProfileFolderPath(hostFolder, folder);  // a name that the plugin refuses is refused here
+  ProfileFolderPath(hostFolder, folder);  // refuses the names that the plugin refuses
   const Reader reader(ProfileFile(hostFolder, folder), files);
   constexpr std::int32_t kHighestIndex = 32767;  // the timers' indexes have 16 bits
   constexpr std::int32_t kHighestPort = 65535;

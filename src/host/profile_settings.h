@@ -15,16 +15,16 @@ struct ProfileSettings {
   std::string folder;       // below `profiles`
   std::string gameCode;     // one that a game build has
   std::string process;      // process id or program name
-  std::int32_t target = 0;  // UDP port of the game server's chat on 127.0.0.1; 0 if Say has none
-  std::string say;          // a program that says the messages, and its arguments; empty: Target
+  std::int32_t target = 0;  // UDP port of the game server's chat on 127.0.0.1; 0 if Say replaces it
+  std::string say;          // a program for the messages, and its arguments; empty to use Target
 
   bool operator==(const ProfileSettings&) const = default;
-  /// The profile as errors and listings name it.
+  /// The profile's name in errors and listings.
   std::string Label() const { return "profile " + std::to_string(index) + " (" + folder + ")"; }
 };
 
-/// The usable profiles in the order of their indexes, and what is wrong with the others, or with
-/// the folder that should hold them: one line each that names the file and what to do.
+/// The usable profiles by index, and a line for each problem of the others or of their folder,
+/// which names the file and what to do.
 struct LoadedProfiles {
   std::vector<ProfileSettings> profiles;
   std::vector<std::string> problems;
@@ -32,12 +32,12 @@ struct LoadedProfiles {
 
 LoadedProfiles LoadProfiles(const std::string& hostFolder);
 
-/// Reads one profile. Error 5, naming the file and what to do, for nonsense in it.
+/// Reads one profile. Errors: 5, naming the file and what to do, for invalid contents.
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder);
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder,
                             FileLayer& files);
 
-/// Where a key of the profile's profile.ini stands, as "file:line".
+/// The place of a key in the profile's profile.ini, as "file:line".
 std::string PlaceInProfile(const std::string& hostFolder, const std::string& folder,
                            const std::string& key);
 

@@ -10,7 +10,7 @@
 namespace rotacasts::host {
 namespace {
 
-/// A complaint, with their names, for an operation that there is not.
+/// Errors: 5, listing the operations, if there is none of that name.
 const RemoteOperation& FindOperation(std::string_view name) {
   std::string names;
   for (const RemoteOperation& operation : kRemoteOperations) {
@@ -20,7 +20,7 @@ const RemoteOperation& FindOperation(std::string_view name) {
   throw Complaint(std::string(name) + " is no remote operation; there are" + names);
 }
 
-/// What one datagram of UDP over IPv4 carries.
+/// The capacity of a UDP datagram over IPv4.
 constexpr std::size_t kLongestMessage = 65507;
 constexpr std::int32_t kLongestInterval = 30;
 
@@ -33,7 +33,7 @@ constexpr std::int32_t kLongestInterval = 30;
   throw Complaint(std::string(what) + ": " + (reasons.empty() ? likely : reasons));
 }
 
-/// The outcome of a change that is done, and what went wrong beside it.
+/// The outcome of a successful change, with any problems.
 std::string Done(std::string words, const HostedPlugin::Reply& reply) {
   for (const std::string& problem : reply.problems) words += "\nbut " + problem;
   return words;
@@ -199,7 +199,7 @@ ProfileStatus ServerHost::StatusOf(std::int32_t index) {
 std::optional<HostedPlugin::Progress> ServerHost::ProgressOf(std::int32_t index) const {
   auto progress = plugin_.ProgressOf(index);
   if (!progress && !started_.contains(index)) {
-    progress = HostedPlugin::Progress();  // a stopped one begins again
+    progress = HostedPlugin::Progress();  // a stopped profile will start from the beginning
   }
   return progress;
 }

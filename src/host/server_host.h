@@ -1,4 +1,4 @@
-// The stand-alone host: the plugin at work on the profiles, and what people ask of both.
+// The stand-alone host: runs the plugin on the profiles and does what people ask of both.
 #pragma once
 
 #include <cstdint>
@@ -15,10 +15,10 @@
 
 namespace rotacasts::host {
 
-/// Plays the administration host for the plugin. An index that no profile has raises error 5.
+/// Acts as the administration host for the plugin. Errors: 5 for an index that no profile has.
 class ServerHost {
  public:
-  /// All that is referred to outlives the host.
+  /// Everything passed by reference must outlive it.
   ServerHost(HostProfiles& profiles, HostedPlugin& plugin, PluginSite& site, HostOptions options)
       : profiles_(profiles),
         preview_(profiles),
@@ -29,24 +29,24 @@ class ServerHost {
   HostProfiles& Profiles() { return profiles_; }
   Preview& Previews() { return preview_; }
 
-  /// Loads the window for every profile, in the order of their indexes, so that each is started;
+  /// Loads the window for every profile, in the order of their indexes, which starts them. Returns
   /// their number.
   std::size_t LoadEveryProfile();
-  /// Reads the profile's profile.ini again and loads the window for it.
+  /// Rereads the profile's profile.ini and loads the window for it.
   void Show(std::int32_t index);
   void Hide();
   void Unload();
   void Disable(std::int32_t index);
-  /// Reads every profile.ini again: starts what is new, stops what is gone, and lets every profile
-  /// that is started go by its files as they are now. A profile that was stopped stays so.
+  /// Rereads every profile.ini: starts new profiles, stops removed ones, and reloads those that are
+  /// running. Stopped profiles stay stopped.
   HostProfiles::Changes Reload();
 
-  /// Passes a remote operation to the plugin, `value` as it stands, in the name of an
-  /// administrator; no name: the console's.
+  /// Passes a remote operation and `value`, unchanged, to the plugin, in the name of an
+  /// administrator (the console's if empty). Errors: 5 if there is no such operation.
   HostedPlugin::Reply Remote(std::int32_t index, std::string_view operation, const HostValue& value,
                              const std::string& administrator = {});
-  // The same for people: values that are checked before anything is written, and the outcome in
-  // words. Error 5 with the reason when nothing has been changed.
+  // Remote operations for people: these check the values before anything is written, and return the
+  // outcome in words. Errors: 5, with the reason, if nothing was changed.
   std::string AddMessage(std::int32_t index, const std::string& text,
                          const std::string& administrator = {});
   std::string DeleteMessage(std::int32_t index, std::int32_t position,
@@ -54,24 +54,24 @@ class ServerHost {
   std::string MoveMessage(std::int32_t index, std::int32_t position, bool up,
                           const std::string& administrator = {});
   std::string SetSwitch(std::int32_t index, bool isOn, const std::string& administrator = {});
-  /// 0 to 30 minutes.
+  /// Requires: 0 to 30 minutes.
   std::string SetInterval(std::int32_t index, std::int32_t minutes,
                           const std::string& administrator = {});
 
-  /// Says a text now, once, whether a game is running or not; a placeholder with its live text. The
-  /// outcome in words; error 5 or 57 with the reason when nothing was said.
+  /// Says a text once, now, even if no game is running; a placeholder with its live text. Returns
+  /// the outcome in words. Errors: 5 or 57, with the reason, if nothing was said.
   std::string Say(std::int32_t index, const std::string& text);
 
   MessageList MessagesOf(std::int32_t index) const;
   ProfileStatus StatusOf(std::int32_t index);
-  /// How far its broadcasts have come; nothing of a plugin that is not looked into.
+  /// The progress of its broadcasts; nullopt if the plugin's state is not accessible.
   std::optional<HostedPlugin::Progress> ProgressOf(std::int32_t index) const;
 
  private:
-  /// The profile data array that the host hands to the plugin.
+  /// The profile data array for the plugin.
   HostValue DataOf(const ProfileSettings& profile, const std::string& administrator) const;
   void Load(const ProfileSettings& profile);
-  /// Error 5, with the way out, for a profile that is stopped.
+  /// Errors: 5, with what to do, if the profile is stopped.
   void RequireStarted(std::int32_t index) const;
 
   HostProfiles& profiles_;
@@ -79,7 +79,7 @@ class ServerHost {
   HostedPlugin& plugin_;
   PluginSite& site_;
   const HostOptions options_;
-  std::set<std::int32_t> started_;  // what has been asked of the plugin
+  std::set<std::int32_t> started_;  // as far as the plugin was told
 };
 
 }  // namespace rotacasts::host

@@ -36,7 +36,7 @@ ProfileStatus ReadStatus(HostProfiles& profiles, Preview& preview, const Profile
     const auto next = static_cast<std::size_t>(progress->nextMessage);
     status.position = next < list.messages.size() ? next : 0;
     status.message = list.messages[*status.position].text;
-    // What is wrong with the game is said below the table.
+    // Problems of the game are printed below the table.
     const Preview::Text text = preview.TextOf(profile, status.game, status.message);
     status.text = text.problem == status.game.problem && text.says.empty()
                       ? Preview::Text{{}, "no game server"}

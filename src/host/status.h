@@ -1,4 +1,4 @@
-// What is to be known of the profiles at a moment.
+// The state of a profile at a moment.
 #pragma once
 
 #include <optional>
@@ -12,21 +12,21 @@ namespace rotacasts::host {
 struct ProfileStatus {
   ProfileSettings profile;
   Preview::Game game;
-  std::optional<HostedPlugin::Progress> progress;  // nothing of a plugin that is not looked into
+  std::optional<HostedPlugin::Progress> progress;  // nullopt if not accessible
   bool isStopped = false;
-  std::string problem;  // why the message file cannot be read; what follows is then empty
+  std::string problem;  // why the message file cannot be read; the rest is then empty
 
-  // What the broadcasts go by; for a stopped profile, what the message file holds.
+  // The settings that the broadcasts follow; for a stopped profile, those of the message file.
   bool isSwitchedOn = false;
   std::string interval;
-  bool isFileAhead = false;  // the file holds another switch or interval, until "reload"
-  // The next message, unless there is none or the plugin is not looked into.
+  bool isFileAhead = false;  // the file has another switch or interval, until "reload"
+  // The next message, unless there is none or the plugin's state is not accessible.
   std::optional<std::size_t> position;
   std::string message;
   Preview::Text text;
 };
 
-/// Reads the profile's message file once, and its game server.
+/// Reads the profile's message file and its game server.
 ProfileStatus ReadStatus(HostProfiles& profiles, Preview& preview, const ProfileSettings& profile,
                          const std::optional<HostedPlugin::Progress>& progress);
 
