@@ -1,4 +1,4 @@
-// Where the measured hosts post their chat to.
+// The port to which the measured hosts post their chat.
 #pragma once
 
 #include <arpa/inet.h>

@@ -1,4 +1,5 @@
-// A program that is measured or helps to: its input and output as pipes, ended with this one.
+// A program that is measured or needed for it. Its input and output are pipes, and it ends with
+// this one.
 #pragma once
 
 #include <fcntl.h>
@@ -20,7 +21,7 @@ namespace rotacasts::bench {
 
 class ChildProcess {
  public:
-  /// Starts the program; what it prints, errors included, can be read line by line.
+  /// Starts the program. Its output, including errors, can be read line by line.
   explicit ChildProcess(const std::vector<std::string>& command) {
     int toChild[2];
     int fromChild[2];
@@ -61,7 +62,8 @@ class ChildProcess {
     if (::write(input_, bytes.data(), bytes.size()) < 0)
       throw std::runtime_error("program has ended");
   }
-  /// Reads lines, for half a minute at most, until one holds the text; that line, or nothing.
+  /// Reads lines, for at most half a minute, until one contains the text. Returns that line;
+  /// nullopt if there is none.
   std::optional<std::string> ReadUntil(const std::string& text) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (std::chrono::steady_clock::now() < end) {
@@ -70,11 +72,11 @@ class ChildProcess {
     }
     return std::nullopt;
   }
-  /// Waits for its end.
+  /// Waits until it ends.
   void Wait() { ::waitpid(std::exchange(process_, -1), nullptr, 0); }
 
  private:
-  /// The next line; nothing at the end of the output or after ten seconds without one.
+  /// The next line; nullopt at the end of the output or after ten seconds without one.
   std::optional<std::string> ReadLine() {
     auto end = buffer_.find('\n');
     for (; end == buffer_.npos; end = buffer_.find('\n')) {

@@ -8,7 +8,7 @@
 namespace rotacasts::bench {
 namespace {
 
-/// Keeps the median of every benchmark instead of printing it; says what is running meanwhile.
+/// Keeps the median of every benchmark instead of printing it; prints a dot for progress.
 class Medians : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context&) override { return true; }
@@ -35,7 +35,7 @@ std::vector<Result> RunDuels(const std::vector<Duel>& duels, int argc, char** ar
   std::string interleave = "--benchmark_enable_random_interleaving=true";
   std::string shortly = "--benchmark_min_time=0.05";
   std::vector<char*> arguments = {argv[0], repetitions.data(), interleave.data(), shortly.data()};
-  arguments.insert(arguments.end(), argv + 1, argv + argc);  // what the person asks for wins
+  arguments.insert(arguments.end(), argv + 1, argv + argc);  // the user's arguments win
   int count = static_cast<int>(arguments.size());
   benchmark::Initialize(&count, arguments.data());
   for (const Duel& duel : duels) {
@@ -47,7 +47,7 @@ std::vector<Result> RunDuels(const std::vector<Duel>& duels, int argc, char** ar
   std::cerr << "\n";
   std::vector<Result> results;
   for (const Duel& duel : duels) {
-    if (!medians.nanoseconds.contains(duel.job + "/ours")) continue;  // not asked for
+    if (!medians.nanoseconds.contains(duel.job + "/ours")) continue;  // filtered out
     const double ours = medians.nanoseconds[duel.job + "/ours"];
     const double theirs = medians.nanoseconds[duel.job + "/theirs"];
     results.push_back({duel.job, FormatTime(ours), duel.opponent, FormatTime(theirs), duel.target,

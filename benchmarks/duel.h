@@ -1,4 +1,4 @@
-// Measurements in pairs: a job done by Rotacasts and by a named opponent in the same run.
+// Measurements in pairs: Rotacasts and a named opponent do the same job in the same run.
 #pragma once
 
 #include <functional>
@@ -9,19 +9,19 @@
 
 namespace rotacasts::bench {
 
-/// One job. Each side does it once a call.
+/// One job. A call does it once.
 struct Duel {
   std::string job;
-  std::string opponent;  // who, in a few words
-  std::string target;    // the ratio that is aimed at; empty for none
+  std::string opponent;  // its name
+  std::string target;    // the intended ratio; empty for none
   std::function<void()> ours;
   std::function<void()> theirs;
 };
 
-/// Runs every duel, the two sides in random turns, and compares their median times.
+/// Runs every duel, with the two sides in random turns, and compares their median times.
 std::vector<Result> RunDuels(const std::vector<Duel>& duels, int argc, char** argv);
 
-// What is measured.
+// The measurements.
 std::vector<Duel> ProcessDuels();
 std::vector<Duel> IniDuels();
 std::vector<Result> MeasureHostLoad();

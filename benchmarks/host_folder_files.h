@@ -1,11 +1,11 @@
-// A temporary folder with what a benchmark reads.
+// The files of a benchmark's temporary host folder.
 #pragma once
 
 #include "support/host_folder.h"
 
 namespace rotacasts::bench {
 
-/// A message file of so many messages, which begin with `first`, and both options behind them.
+/// The bytes of a message file with this many messages, which start with `first`, and both options.
 inline std::string MessageFileOf(int messages, const std::string& first = "Message") {
   std::string bytes = "[Messages]\r\n";
   for (int i = 1; i <= messages; ++i) {

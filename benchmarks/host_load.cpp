@@ -1,4 +1,4 @@
-// A whole host program: peak memory and processor time for 100 ticks of every profile.
+// A complete host program: peak memory and processor time for 100 ticks of every profile.
 
 #include <poll.h>
 #include <sys/resource.h>
@@ -22,7 +22,7 @@ using testing::HostFolder;
 
 constexpr int kTicks = 100;
 
-/// The chat port of every profile: counts what arrives.
+/// The chat port of every profile; counts the messages.
 class Listener : public ChatPort {
  public:
   void Receive(int messages) {
@@ -35,8 +35,8 @@ class Listener : public ChatPort {
   }
 };
 
-/// The most memory that a process has held since it runs its program. What its parent held when it
-/// forked does not count, as it does in getrusage.
+/// The peak memory of a process since it started its program. Unlike getrusage, it leaves out what
+/// the parent had when it forked.
 double PeakMiB(std::int64_t process) {
   std::ifstream status("/proc/" + std::to_string(process) + "/status");
   double kibibytes = 0;
@@ -52,7 +52,7 @@ struct Usage {
   double processorMs = 0;
 };
 
-/// Runs a host until every profile has had its ticks; each sends a message.
+/// Runs a host until every profile has had its ticks, each of which sends a message.
 Usage RunHost(int profiles, const std::string& process) {
   const HostFolder folder;
   Listener listener;

@@ -19,7 +19,7 @@ namespace {
 
 using testing::HostFolder;
 
-/// Two copies of one file, one for each side, so that neither finds the other's change.
+/// Two copies of a file, one for each side, so that neither sees the other's changes.
 struct Arena {
   explicit Arena(int messages) : messageCount(messages) {
     folder.Write("ours.ini", MessageFileOf(messages));
@@ -37,7 +37,7 @@ struct Arena {
   std::string ours;
   std::string theirs;
   std::string middle;  // the key that is read and changed
-  int round = 0;       // makes every change a change
+  int round = 0;       // makes every write a change
 };
 
 void Flush(const std::string& path) {
@@ -46,7 +46,7 @@ void Flush(const std::string& path) {
   ::close(file);
 }
 
-/// So that the new file outlasts a loss of power.
+/// Puts the new file in place so that it survives a power failure.
 void PutInPlace(const std::string& beside, const std::string& path) {
   Flush(beside);
   if (::rename(beside.c_str(), path.c_str()) != 0) std::abort();
@@ -106,7 +106,7 @@ void AddDuels(int messages, std::vector<Duel>& duels) {
                    }});
 }
 
-/// A plugin that deletes the first message of a long list, over and over.
+/// A plugin that deletes the first message of a long list, again and again.
 class LongList {
  public:
   LongList() : state_(platform_.Bundle(toolkit_)), plugin_(state_) {
@@ -122,12 +122,12 @@ class LongList {
     plugin_.LoadInterface(1, 1, data_);
   }
   void DeleteFirst() {
-    if (++deleted_ % 500 == 0) folder_.Write(kFile, bytes_);  // that it stays long
+    if (++deleted_ % 500 == 0) folder_.Write(kFile, bytes_);  // to keep it long
     std::string reply;
     platform_.Files().Run([&] { reply = plugin_.DeleteMessageRem(1, data_, 0); });
     if (reply != "1") std::abort();
   }
-  /// What one flushed write of the file costs, whatever is in it.
+  /// The cost of one flushed write of the file.
   void WriteOnce() const {
     const std::string name = folder_.File("written");
     const int file = ::open((name + ".new").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);

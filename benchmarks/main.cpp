@@ -1,5 +1,6 @@
-// rotacasts-bench: measures everything, each thing against a named opponent in the same run.
-//   --benchmark_filter=REGEX: only the pairs so named, and of the rest "host" and "page"
+// rotacasts-bench: measures everything against named opponents in the same run.
+//   --benchmark_filter=REGEX: only the pairs with matching names; the rest are named "host" and
+// "page"
 
 #include <benchmark/benchmark.h>
 

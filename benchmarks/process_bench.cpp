@@ -1,4 +1,4 @@
-// Reading a living process: the player scan and the timer tick against the bare system calls.
+// Reading a running process: the player scan and the timer tick against the bare system calls.
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -25,7 +25,7 @@ namespace {
 
 using testing::HostFolder;
 
-/// A game server that stands still: the same values in every read.
+/// A game server that never changes: every read returns the same values.
 struct Server {
   explicit Server(int players)
       : process({SIMULATOR_PROGRAM, "--game-code", "JO", "--players", std::to_string(players),
@@ -37,7 +37,7 @@ struct Server {
   std::string port;
 };
 
-/// The system calls and nothing around them.
+/// Only the system calls.
 class BareReader {
  public:
   explicit BareReader(std::int64_t process) : process_(static_cast<pid_t>(process)) {}
@@ -48,7 +48,7 @@ class BareReader {
     if (::process_vm_readv(process_, &local, 1, &remote, 1, 0) != sizeof value) std::abort();
     return value;
   }
-  /// As a name is read: 255 bytes in one call, in two pieces where they cross a page.
+  /// Reads like a read of a name: 255 bytes in one call, in two pieces if they cross a page.
   bool HasText(std::int32_t address) const {
     char text[255];
     const auto begin = static_cast<std::uintptr_t>(address);
@@ -65,7 +65,7 @@ class BareReader {
   pid_t process_;
 };
 
-/// The very calls of a scan of the common layout, in their order.
+/// The exact calls of a scan of the common layout, in order.
 std::int32_t BareScan(const BareReader& reader) {
   std::int32_t sum = 0;
   reader.Long(0x00B5DA1C);
@@ -104,7 +104,7 @@ struct Plugin {
   PluginState state;
 };
 
-/// What a send costs at the least: the game state read, the file read, the datagram sent.
+/// The least that a send can cost: reading the game state, reading the file, sending the datagram.
 class BareTick {
  public:
   BareTick(const Server& server, std::string file)
@@ -130,7 +130,7 @@ class BareTick {
   int socket_ = ::socket(AF_INET, SOCK_DGRAM, 0);
 };
 
-/// Everything that the duels work on lives as long as the program.
+/// Everything that the duels use; kept until the program ends.
 struct Arena {
   HostFolder folder;
   Server small{25};   // 33 slots
@@ -154,7 +154,7 @@ Duel ScanDuel(const std::string& slots, const Server& server, const std::shared_
           [reader] { BareScan(reader); }};
 }
 
-/// A native host's profiles, all of them due whenever they are asked.
+/// The profiles of a native host, all of them always due.
 struct Crowd {
   explicit Crowd(const Server& server) : folder(server) {
     for (const auto& [index, profile] : profiles.All()) {
@@ -163,7 +163,7 @@ struct Crowd {
       plugin.LoadInterface(index, 1, data);
     }
   }
-  /// As the event loop has it.
+  /// One turn of the event loop.
   void Turn() {
     profiles.Components().Processes().BeginTurn();
     plugin.RunDue();

@@ -1,4 +1,4 @@
-// What was measured, and the table that shows it.
+// The results and the table that shows them.
 #pragma once
 
 #include <string>
@@ -6,23 +6,23 @@
 
 namespace rotacasts::bench {
 
-/// One line of the table. What has no opponent has no ratio either: 0.
+/// One line of the table. Without an opponent the ratio is 0.
 struct Result {
   std::string job;
   std::string ours;
-  std::string opponent;  // who, in a few words
+  std::string opponent;  // its name
   std::string theirs;
-  std::string target;  // the ratio that is aimed at; empty for none
+  std::string target;  // the intended ratio; empty for none
   double ratio = 0;
 };
 
-/// A number as printf has it.
+/// Formats a number like printf.
 std::string Format(const char* format, double number);
 std::string FormatTime(double nanoseconds);
 
 double MedianOf(std::vector<double> numbers);
 
-/// A Markdown table with the ratio in its last column.
+/// Prints a Markdown table with the ratio in the last column.
 void PrintTable(const std::vector<Result>& results);
 
 }  // namespace rotacasts::bench

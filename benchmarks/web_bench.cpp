@@ -1,4 +1,4 @@
-// The page's server beside 200 ticking profiles: answers, open pages, memory.
+// The page's server while 200 profiles tick: answers, open pages, memory.
 
 #include <arpa/inet.h>
 #include <microhttpd.h>
@@ -36,11 +36,11 @@ constexpr int kProfiles = 200;
 constexpr int kPages = 100;
 constexpr int kRounds = 40;
 constexpr int kRequestsARound = 100;
-constexpr std::chrono::seconds kWatched{60};  // a tick of every profile is in it
-constexpr std::chrono::seconds kTicking{15};  // with a tick a second
+constexpr std::chrono::seconds kWatched{60};  // contains a tick of every profile
+constexpr std::chrono::seconds kTicking{15};  // with one tick per second
 constexpr const char* kPath = "/api/profiles/7/messages";
 
-/// A connection that is kept, and answers that are read whole.
+/// A persistent connection that reads whole answers.
 class Client {
  public:
   explicit Client(int port) {
@@ -61,7 +61,7 @@ class Client {
   void Send(const std::string& request) {
     if (::send(socket_, request.data(), request.size(), 0) < 0) throw std::runtime_error("no send");
   }
-  /// Headers and body of one answer.
+  /// The headers and body of one answer.
   std::string Receive() {
     std::string answer;
     std::size_t whole = std::string::npos;
@@ -77,7 +77,7 @@ class Client {
     }
     return answer;
   }
-  /// Reads what is there, for as long as it is said.
+  /// Reads and drops whatever arrives in this time.
   static void Drain(const std::vector<std::unique_ptr<Client>>& clients, Clock::duration time) {
     std::vector<pollfd> sources;
     for (const auto& client : clients) sources.push_back({client->socket_, POLLIN, 0});
@@ -94,7 +94,7 @@ class Client {
   int socket_ = ::socket(AF_INET, SOCK_STREAM, 0);
 };
 
-/// A process that gives one answer, whatever it is asked.
+/// A process that gives the same answer to every request.
 class BareServer {
  public:
   explicit BareServer(const std::string& answer) {
@@ -117,7 +117,7 @@ class BareServer {
   [[noreturn]] static void Serve(std::string answer, int told) {
     const auto access = [](void* text, MHD_Connection* connection, const char*, const char*,
                            const char*, const char*, std::size_t*, void** state) -> MHD_Result {
-      // An answer to the first call, the headers', would end the connection.
+      // An answer to the first call, which brings the headers, would end the connection.
       if (std::exchange(*state, text) == nullptr) return MHD_YES;
       const auto& bytes = *static_cast<std::string*>(text);
       MHD_Response* response = MHD_create_response_from_buffer(
@@ -159,7 +159,7 @@ struct Latencies {
   }
 };
 
-/// The chat port of every profile: when which profile's messages have arrived, as the kernel says.
+/// The chat port of every profile: when each profile's messages arrived, according to the kernel.
 class Arrivals : public ChatPort {
  public:
   Arrivals() {
@@ -167,7 +167,7 @@ class Arrivals : public ChatPort {
     ::setsockopt(Socket(), SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on);
   }
 
-  /// Takes what has arrived. The moments are in nanoseconds since 1970.
+  /// Takes the messages that have arrived. Times are in nanoseconds since 1970.
   std::map<std::string, std::vector<double>> Take() {
     std::map<std::string, std::vector<double>> moments;
     char text[2048];
@@ -190,7 +190,7 @@ class Arrivals : public ChatPort {
   }
 };
 
-/// A host with the page, and a person signed in.
+/// A host with the page and a signed-in user.
 class PageHost {
  public:
   explicit PageHost(const char* minute)
@@ -252,7 +252,7 @@ class PageHost {
   std::string cookie_;
 };
 
-/// The host's processor time in percent of a core while these pages are open.
+/// The host's processor time, in percent of a core, while these pages are open.
 double LoadWith(const PageHost& host, const std::vector<std::unique_ptr<Client>>& pages) {
   const double before = host.ProcessorSeconds();
   if (pages.empty()) {
@@ -275,21 +275,21 @@ Pages OpenPages(const PageHost& host) {
   return pages;
 }
 
-/// How much later than its earliest tick each of a profile's ticks was, measured on the second's
-/// grid; without and with open pages, in this order.
+/// By how much each tick was later than its profile's earliest tick within the second; first
+/// without open pages, then with them.
 std::pair<Latencies, Latencies> DelaysOfTicks() {
   PageHost host("1s");
   std::this_thread::sleep_for(kTicking);
   auto alone = host.arrivals.Take();
   const Pages pages = OpenPages(host);
-  host.arrivals.Take();  // while they were opened
+  host.arrivals.Take();  // of the time while they were opened
   Client::Drain(pages, kTicking);
   auto watched = host.arrivals.Take();
   std::pair<Latencies, Latencies> delays;
   const auto phase = [](double moment) { return std::fmod(moment, 1e9); };
   for (auto& [profile, moments] : alone) {
     const double first = phase(moments.front());
-    // Around the first tick's place in its second, so that none lies beyond a second's end.
+    // Relative to the first tick, so that no tick crosses the end of a second.
     const auto place = [&](double moment) { return std::remainder(phase(moment) - first, 1e9); };
     double earliest = 0;
     for (const auto* list : {&moments, &watched[profile]}) {
@@ -329,7 +329,7 @@ std::vector<Result> MeasureWeb() {
   const double before = host.KiB();
   const Pages pages = OpenPages(host);
   const double busy = LoadWith(host, pages);
-  Client fresh(host.port);  // the other one has been silent for too long
+  Client fresh(host.port);  // the first one has timed out
   Latencies watched;
   for (int i = 0; i < kRounds; ++i) {
     watched.Ask(fresh, host.Get(kPath));

@@ -1,4 +1,4 @@
-// A DLL that brings the language's run-time library along and does next to nothing.
+// A DLL that contains the language's run-time library and does almost nothing.
 
 #include <exception>
 #include <string>

@@ -1,4 +1,4 @@
-// A read of memory through the plugin's adapter, against the bare call of the same object.
+// A memory read through the plugin's adapter, against the bare call of the same object.
 
 #include <stdexcept>
 
@@ -10,9 +10,9 @@ namespace rotacasts::bench {
 namespace {
 
 constexpr DISPID kReadLong = 1;
-constexpr int kReads = 100'000;  // a turn
+constexpr int kReads = 100'000;  // per turn
 
-/// A memory component that does next to nothing: every number is its own address.
+/// A memory component that does almost nothing: every number is its own address.
 class IdleMemory final : public MemoryComponent {
  public:
   std::int32_t ReadLong(std::int32_t&, std::int32_t address) override { return address; }
@@ -25,8 +25,7 @@ class IdleMemory final : public MemoryComponent {
   std::string Dec64(const std::string& text) override { return text; }
 };
 
-/// The same as an object of the fewest instructions: it looks at nothing that a call must be
-/// checked for.
+/// The same as an object with the fewest instructions; it checks nothing.
 class IdleObject final : public IDispatch {
  public:
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
@@ -41,7 +40,7 @@ class IdleObject final : public IDispatch {
     *id = kReadLong;
     return S_OK;
   }
-  // Its only caller must not see into it.
+  // Not inlined or analysed at its only call.
   [[gnu::noipa]] HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS* call,
                                                   VARIANT* result, EXCEPINFO*, UINT*) override {
     result->vt = VT_I4;
@@ -50,8 +49,7 @@ class IdleObject final : public IDispatch {
   }
 };
 
-/// The call and nothing around it. It asks for what the adapter asks for: the number, and what the
-/// object says of an error.
+/// Only the call. Like the adapter, it asks for the number and the error information.
 std::int32_t BareReadLong(IDispatch* memory, std::int32_t& processHandle, std::int32_t address) {
   VARIANT arguments[2];
   arguments[0].vt = VT_I4;
@@ -68,7 +66,7 @@ std::int32_t BareReadLong(IDispatch* memory, std::int32_t& processHandle, std::i
   return result.lVal;
 }
 
-/// How long one read takes, of many.
+/// The average time of one read.
 template <class Read>
 double TimeOfRead(Read&& read) {
   std::int32_t processHandle = 7;

@@ -1,5 +1,5 @@
-// rotacasts-bench for Windows: measures the component, each thing against a named opponent in the
-// same run. The DLLs and the pictures lie beside it.
+// rotacasts-bench for Windows: measures the component against named opponents in the same run. The
+// DLLs and pictures must be next to it.
 
 #include <filesystem>
 #include <iostream>
@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What this program weighs or installs.
+/// The path of a file next to this program.
 fs::path FileBeside(const char* name) {
   return fs::path(win32::LoadedModule(::GetModuleHandleW(nullptr)).Folder()) / name;
 }

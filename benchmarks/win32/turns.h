@@ -1,4 +1,4 @@
-// Two sides that are timed in turns, in one run.
+// Times two sides in turns, in one run.
 #pragma once
 
 #include <chrono>
@@ -10,7 +10,7 @@
 
 namespace rotacasts::bench {
 
-/// Does a job and answers how many nanoseconds of it count.
+/// Does a job and returns the nanoseconds that count.
 using Turn = std::function<double()>;
 
 template <class Job>
@@ -20,7 +20,8 @@ double TimeOf(Job&& job) {
   return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - begin).count();
 }
 
-/// Lets the sides take turns, a different one first in every round, and compares their medians.
+/// Lets the sides take turns, starting with the other one in every round, and compares their
+/// medians.
 inline Result TakeTurns(int rounds, const std::string& job, const std::string& opponent,
                         const std::string& target, const Turn& ours, const Turn& theirs) {
   std::vector<double> times[2];
@@ -34,12 +35,12 @@ inline Result TakeTurns(int rounds, const std::string& job, const std::string& o
   return {job, FormatTime(our), opponent, FormatTime(their), target, our / their};
 }
 
-// What is measured.
+// The measurements.
 std::vector<Result> MeasureLateCalls();
-/// The settings window, and the memory that it takes. The plugin is registered.
+/// The settings window and its memory. Requires: the plugin is registered.
 std::vector<Result> MeasureWindow(const std::string& hostFolder);
-/// One showing as the first thing that a process does: that of the plugin's window or of the bare
-/// one. Prints what MeasureWindow reads from such a process.
+/// Shows the plugin's window ("plugin") or the bare one ("bare") as the first thing in a process.
+/// Prints what MeasureWindow reads from such a process.
 void ShowOnce(const std::string& side, const std::string& hostFolder);
 
 }  // namespace rotacasts::bench

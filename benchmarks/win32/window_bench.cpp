@@ -1,5 +1,5 @@
-// The settings window, from the plugin's creation until it is painted, against a bare window of the
-// same controls; and the memory that either takes.
+// The settings window, from the plugin's creation until it is painted, against a bare window with
+// the same controls; and the memory of both.
 
 #include <cmath>
 #include <cstdio>
@@ -14,12 +14,12 @@
 #include "ui/layout.h"
 #include "win32/turns.h"
 
-#include <psapi.h>  // needs the types of the system's main header
+#include <psapi.h>  // needs the types of windows.h
 
 namespace rotacasts::bench {
 namespace {
 
-constexpr int kProcesses = 7;  // a side
+constexpr int kProcesses = 7;  // for each side
 constexpr int kRounds = 31;
 
 double PrivateKilobytes() {
@@ -34,7 +34,7 @@ BOOL CALLBACK CountWindow(HWND, LPARAM counter) {
   return TRUE;
 }
 
-/// A host of both windows: its own window, painted, and the sibling components.
+/// A host for both windows: its own window, painted, and the sibling components.
 class Scene {
  public:
   explicit Scene(const std::string& hostFolder) : platform_(hostFolder) {
@@ -43,7 +43,7 @@ class Scene {
   }
   ~Scene() { ::DestroyWindow(frame_); }
   HWND Window() const { return frame_; }
-  /// Paints everything that is not painted yet.
+  /// Paints everything that needs painting.
   void Paint() const {
     ::RedrawWindow(frame_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     ::GdiFlush();
@@ -92,7 +92,7 @@ class PluginWindow {
   host::LateBoundPlugin plugin_;
 };
 
-/// A window with the controls of the layout, each one the system's own.
+/// A window with the controls of the layout, all of them standard ones.
 class BareWindow {
  public:
   explicit BareWindow(const Scene& scene) : scene_(scene) {}
@@ -142,11 +142,11 @@ class BareWindow {
   HWND form_ = nullptr;
 };
 
-/// What a process of its own finds out.
+/// What a separate process measures.
 struct Showing {
   double time = 0;     // nanoseconds
-  double before = 0;   // kilobytes: neither DLL nor window
-  double created = 0;  // the plugin is created, or nothing
+  double before = 0;   // kilobytes, without DLL and window
+  double created = 0;  // with the plugin, if this side has one
   double shown = 0;
 };
 
