@@ -1,6 +1,6 @@
-// Drives the seven remote operations and the readers of the message files, profile.ini and
-// config.ini with arbitrary input, on the stand-alone host's real components and on files in
-// memory, and checks after every step what no input may bring about.
+// Calls the seven remote operations and the readers of message files, profile.ini and config.ini
+// with arbitrary input, with the stand-alone host's real components on files in memory. Checks
+// after every step that nothing happened that no input may cause.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -34,12 +34,12 @@ const std::string kErrorLog = kRoot + "logs\\errors.log";
 
 using Operation = std::string (clsPlugin::*)(std::int32_t, const HostValue&, const HostValue&);
 
-/// The operations, and what each may bring into a message file: one line, and its section where
-/// there is none yet.
+/// The operations, and what each may add to a message file: one line, and its section if it is
+/// missing.
 struct OperationRow {
   Operation call;
-  const char* section = nullptr;  // null: it brings nothing new
-  const char* key = nullptr;      // null: a new one each time
+  const char* section = nullptr;  // null: it adds nothing
+  const char* key = nullptr;      // null: a new key each time
 };
 constexpr OperationRow kOperations[] = {
     {&clsPlugin::GetMessagesRem},
@@ -50,7 +50,7 @@ constexpr OperationRow kOperations[] = {
     {&clsPlugin::MoveMessageDownRem},
     {&clsPlugin::DeleteMessageRem}};
 
-/// What a message file holds, as far as an argument could forge it.
+/// The parts of a message file that an argument could forge.
 struct Shape {
   explicit Shape(const std::string& bytes) : ini(bytes) {
     for (std::size_t at = 0; at < bytes.size(); at = bytes.find_first_of("\r\n", at)) {
@@ -60,7 +60,7 @@ struct Shape {
   }
   std::size_t Lines(const char* section) const { return ini.Lines(section).size(); }
 
-  /// Nothing came into the file but what the operation may bring.
+  /// Checks that the file got nothing except what the operation may add.
   void RequireNoMore(const Shape& before, const OperationRow& operation) const {
     const bool hadKey = operation.section == nullptr ||
                         (operation.key != nullptr &&
@@ -104,7 +104,7 @@ class Arena {
     Require(logged_ <= logged + 1, "one operation wrote two log lines");
   }
 
-  /// Operations for profiles that were never set up, or cannot be.
+  /// Calls operations for profiles that were never set up or cannot be.
   void Stray(FuzzedDataProvider& input) {
     const auto index = input.ConsumeIntegral<std::int32_t>();
     if (index == 1 || index == 2) return;
@@ -116,10 +116,10 @@ class Arena {
               "a profile that is not set up changed a file");
     };
     std::for_each(std::next(std::begin(kOperations)), std::end(kOperations), call);
-    call(kOperations[0]);  // last: a listing sets the profile up
+    call(kOperations[0]);  // last, because a listing sets the profile up
   }
 
-  /// Nothing but the profiles' own files and the logs may have come into being.
+  /// Checks that only the profiles' files and the logs exist.
   void CheckFiles() {
     for (const auto& [name, bytes] : folder_.files) {
       const bool known = name == kFiles[1] || name == kFiles[2] || name == kErrorLog ||
@@ -135,7 +135,7 @@ class Arena {
     platform_.Files().Run([&] {
       try {
         (plugin_.*operation.call)(index, PDAT, data);
-      } catch (const RuntimeError&) {  // a listing may fail its call
+      } catch (const RuntimeError&) {  // a listing may raise an error
       }
     });
   }
@@ -171,7 +171,7 @@ class Arena {
         return input.ConsumeFloatingPoint<double>();
       case 3:
         return HostValue::Array{HostValue(HostValue::Foreign{})};
-      case 4:  // a well-formed text, whatever it says
+      case 4:  // well-formed, with any contents
         return state_.services.Memory().Enc64(input.ConsumeRandomLengthString(200));
       case 5:
         return std::to_string(input.ConsumeIntegralInRange(-2, 9));
@@ -196,7 +196,7 @@ class Arena {
   }
 
   testing::MemoryFiles folder_;
-  std::size_t logged_ = 0;  // lines, after the latest operation
+  std::size_t logged_ = 0;  // lines after the latest operation
   headless::TimerLoop timers_;
   headless::HeadlessToolkit toolkit_{timers_};
   host::HostPlatform platform_;
@@ -204,7 +204,7 @@ class Arena {
   clsPlugin plugin_;
 };
 
-/// A profile.ini either describes a usable profile or is refused in words.
+/// Checks that a profile.ini either describes a usable profile or is refused with a description.
 void ReadProfileOf(const std::string& bytes) {
   testing::MemoryFiles files;
   files.files[kRoot + "profiles\\srv1\\profile.ini"] = bytes;
@@ -222,13 +222,14 @@ void ReadProfileOf(const std::string& bytes) {
 }  // namespace
 }  // namespace rotacasts
 
-/// What an error was allocated by, and for how long it is remembered, costs a third of the time; a
-/// crash is found all the same, and its input tells the rest.
+/// Leaves out allocation stacks and most of the quarantine, which take a third of the time. A crash
+/// is found anyway, and its input reproduces the rest.
 extern "C" const char* __asan_default_options() {
   return "malloc_context_size=0:quarantine_size_mb=1:thread_local_quarantine_size_kb=64";
 }
 
-/// The same for weighing the corpus before every input. An option that is given after it wins.
+/// Leaves out the weighting of the corpus before every input, for the same reason. Options on the
+/// command line come later and win.
 extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments) {
   static std::string options[] = {"-entropic=0", "-reload=0"};
   static std::vector<char*> all(*arguments, *arguments + *count);

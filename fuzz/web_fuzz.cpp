@@ -1,5 +1,5 @@
-// Gives the page's interface arbitrary request bodies, from people with and without rights, and
-// checks what no body may bring about.
+// Sends arbitrary request bodies to the page's interface, for people with and without rights, and
+// checks that nothing happens that no body may cause.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -67,14 +67,14 @@ constexpr const char* kFiles[] = {"", "profiles/srv1/settings/Rotacasts.ini",
 constexpr const char* kMessages =
     "[Messages]\r\n1=a\r\n2=b\r\n3=c\r\n[Options]\r\nEnable=1\r\nInterval=3\r\n";
 
-/// Filled before the host looks into it.
+/// Filled before the host reads it.
 struct FilledFolder : testing::HostFolder {
   FilledFolder() {
     for (const int index : {1, 2}) AddProfile(index, "JO", "no-such-program", "4001", kMessages);
   }
 };
 
-/// One host for all inputs; its files are made again for each.
+/// One host for all inputs; its files are rewritten for each.
 class Arena {
  public:
   Arena() {
