@@ -1,4 +1,4 @@
-// The broadcast timer: which message goes out when, and what is asked of the components.
+// The broadcast timer: which message is sent when, and what the components are asked.
 
 #include "broadcast/broadcast_timer.h"
 
@@ -27,7 +27,7 @@ class BroadcastTest : public PluginTest {
     host.longs[kJoState] = host.longs[kDfbhdState] = host.longs[0x011E1408] = 2;
     host.calls.clear();
   }
-  /// What the next `count` ticks send, "-" for a tick that sends nothing.
+  /// What the next `count` ticks send; "-" for a tick that sends nothing.
   std::string Ticks(int count) {
     std::string texts;
     for (int i = 0; i < count; ++i) {
@@ -74,7 +74,7 @@ TEST_F(BroadcastTest, NothingMovesWhileTheGameOrTheSwitchIsOff) {
   EXPECT_EQ(Elapsed(), 1);
   Window().chkAuto().SetValue(1);
   EXPECT_EQ(Ticks(2), "-A");
-  Start({"A"}, "1", "QUAKE");  // an unknown build is silent
+  Start({"A"}, "1", "QUAKE");  // an unknown build sends nothing
   EXPECT_EQ(Ticks(3), "---");
   EXPECT_TRUE(host.calls.empty() && host.boxes.empty());
 }
@@ -123,7 +123,7 @@ TEST_F(BroadcastTest, OnlyAWholeMessageIsAPlaceholder) {
   Start(texts);
   for (const std::string& text : texts) EXPECT_EQ(Ticks(1), text);
   Start({" {ShowNextMap}"});
-  EXPECT_EQ(Ticks(1), "{ShowNextMap}");  // trimmed when it is sent, and not before
+  EXPECT_EQ(Ticks(1), "{ShowNextMap}");  // trimmed only when it is sent
   EXPECT_EQ(AllPlaceholders().size(), 18U);
   for (const std::string& placeholder : AllPlaceholders()) EXPECT_TRUE(IsPlaceholder(placeholder));
 }
@@ -148,7 +148,7 @@ TEST_F(BroadcastTest, AnErrorEndsTheTickWhereItIsAndKeepsTheCounters) {
     EXPECT_EQ(Elapsed(), 1);
     EXPECT_EQ(State().tables.NextMessage(2), call < 4 ? 0 : 1);
   }
-  EXPECT_EQ(Ticks(1), "B");  // due at once, with the message after the one that failed
+  EXPECT_EQ(Ticks(1), "B");  // due at once, with the message after the failed one
   EXPECT_EQ(host.boxes.size(), 4U);
 }
 

@@ -1,4 +1,4 @@
-// What an administrator is told of the files: profile.ini, message files, their conversion.
+// What an administrator learns about the files: profile.ini, message files, their conversion.
 
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ TEST(ProfileSettings, NonsenseIsSkippedAndSaysWhatToDo) {
   EXPECT_TRUE(loaded.problems[3].starts_with(folder.File("profiles/srv10/profile.ini") +
                                              ":3: GameCode is \"jo\"; give one of DFBHD, "));
   for (const std::string& problem : loaded.problems) {
-    EXPECT_NE(problem.find("give"), problem.find("save")) << problem;  // each names the way out
+    EXPECT_NE(problem.find("give"), problem.find("save")) << problem;  // each says what to do
   }
 }
 

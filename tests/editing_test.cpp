@@ -69,7 +69,7 @@ TEST_F(EditingTest, TheAddButtonMovesWhilePressedWithAndWithoutPictures) {
       Press(part, MouseEvent::kLeft);
       EXPECT_EQ(Caption(), pressed);
       EXPECT_EQ(Picture(), pictures ? "C:\\Host\\imgs\\butdown.gif" : "");
-      Window().Find(part)->UserReleased({MouseEvent::kLeft, -9000, 0});  // far off the button
+      Window().Find(part)->UserReleased({MouseEvent::kLeft, -9000, 0});  // far from the button
       EXPECT_EQ(TakeBoxes(), Texts{"Failed!|Message Box is empty!"});
       EXPECT_EQ(Caption(), released);
       Press(part, MouseEvent::kRight);
@@ -89,7 +89,7 @@ TEST_F(EditingTest, AddingStoresTheFirstSixtyCharactersAsTyped) {
   EXPECT_EQ(Window().txtMessage().Text(), "b");
   toolkit.onMessageBox = [this](const std::string& text, const std::string&) {
     EXPECT_EQ(text, "Message added successfully!");
-    EXPECT_EQ(Rows(), Texts{"a"});  // refilled once the box is closed
+    EXPECT_EQ(Rows(), Texts{"a"});  // refilled after the box is closed
     EXPECT_EQ(Window().txtMessage().Text(), " Grüße ");
   };
   AddInWindow(" Grüße ");
@@ -99,17 +99,17 @@ TEST_F(EditingTest, AddingStoresTheFirstSixtyCharactersAsTyped) {
   toolkit.onMessageBox = [this](const std::string&, const std::string&) {
     Plugin().UnLoadInterface("");
   };
-  Window().txtMessage().SetText(std::string(70, 'x'));  // longer than anyone could type
+  Window().txtMessage().SetText(std::string(70, 'x'));  // longer than anybody could type
   Click("cmdAddImg", MouseEvent::kRight);
   EXPECT_EQ(Stored(2).back(), std::string(60, 'x'));
-  EXPECT_EQ(State().window.IfLoaded(), nullptr);  // not made again to be refilled
+  EXPECT_EQ(State().window.IfLoaded(), nullptr);  // not created again for refilling
 }
 
 TEST_F(EditingTest, ARightClickSelectsTheRowAndShowsTheMenu) {
   Show({"a", "b", "c"});
   RightClickRow(7);
   EXPECT_TRUE(shown.empty());     // nothing selected, no menu
-  for (const int row : {1, 7}) {  // below the last row: the selection stays, the menu is for it
+  for (const int row : {1, 7}) {  // below the last row: the menu is for the selected one
     RightClickRow(row);
     EXPECT_EQ(Window().lstMessages().SelectedRow(), 1);
   }
@@ -158,7 +158,7 @@ TEST_F(EditingTest, AChangeTakesTheMessageThatTheRowShowsOrNone) {
   const std::string twice = "[Messages]\r\n1=a\r\n1=b\r\n";
   const std::string sparse = "[Messages]\r\n2=a\r\n1=b\r\n2=c\r\n1=d\r\n";
   using Row = std::tuple<const char*, int, std::string, std::string, Texts>;
-  for (const auto& [item, row, before, stored, left] :  // stored by another hand meanwhile
+  for (const auto& [item, row, before, stored, left] :  // somebody else stores a change meanwhile
        {Row{"mnuUp", 1, listed, MessageFileBytes(turned), turned},
         Row{"mnuDelete", 0, listed, MessageFileBytes(turned), turned},
         Row{"mnuUp", 3, listed, MessageFileBytes({"a"}), {"a"}},
@@ -233,15 +233,15 @@ TEST_F(EditingTest, TokensReplaceTheEntry) {
   EXPECT_TRUE(host.calls.empty());
 }
 
-/// A change in the window that shows profile 2, and what the host does inside one of its calls.
+/// A change in the window that shows profile 2, and what the host does during one of its calls.
 class VisitedChangeTest : public EditingTest {
  protected:
   struct Change {
     const char* name;
     std::function<void()> run;
-    Texts left = {"a", "b", "c"};  // what profile 2 holds in any case
+    Texts left = {"a", "b", "c"};  // what profile 2 must still have
   };
-  /// Runs the change with the visit inside its call, box or menu of that number; false when it has
+  /// Runs the change with the visit inside its call, box or menu number `call`; false if it has
   /// fewer.
   bool Run(const Change& change, const std::function<void()>& visit, int call) {
     host.MessageFile(3) = kOther;
@@ -249,7 +249,7 @@ class VisitedChangeTest : public EditingTest {
     Window().lstMessages().Select(1);
     int number = 0;
     const auto enter = [&] {
-      if (++number == call) visit();  // whose own calls are beyond that number
+      if (++number == call) visit();  // its own calls get higher numbers
     };
     host.insideCall = enter;
     toolkit.onMessageBox = [&](const std::string&, const std::string&) { enter(); };

@@ -20,7 +20,7 @@ TEST(HostFolder, IsTheModulesFolderWithoutThePluginFolders) {
         {"C:\\Host\\PluginsOld", "C:\\HostOld"},
         {"C:\\Src\\dlls\\Rotacasts", "C:\\Src"},
         {"C:\\Src\\dlls\\Plugins\\Rotacasts", "C:\\Src"},
-        {"C:\\a\\Plug\\pluginsins", "C:\\a\\Plugins"}}) {  // each kind is taken out once over
+        {"C:\\a\\Plug\\pluginsins", "C:\\a\\Plugins"}}) {  // each kind is removed in one pass
     EXPECT_EQ(HostFolderOf(module), folder);
   }
 }
@@ -101,7 +101,7 @@ TEST_F(ErrorReporterTest, AFaultThatComesBackInsideItsOwnBoxDoesNotPileUpForEver
   };
   Report();
   EXPECT_EQ(errors, kMost);
-  EXPECT_EQ(host.logged.size(), kMost + 2U);  // one more of each kind than there are boxes for
+  EXPECT_EQ(host.logged.size(), kMost + 2U);  // each kind of error once more than there are boxes
   EXPECT_EQ(others, (std::vector<std::string>{"Failed!", "tvxRT.dll Error"}));
 }
 

@@ -16,7 +16,7 @@ using std::chrono::milliseconds;
 class FormsTest : public ::testing::Test {
  protected:
   FormsTest() { form->Load(); }
-  headless::TimerLoop timers{milliseconds(60)};  // a minute of 60 ms: 1000 model ms are 1 ms
+  headless::TimerLoop timers{milliseconds(60)};  // a minute of 60 ms: 1000 ms become 1 ms
   headless::HeadlessToolkit toolkit{timers};
   std::shared_ptr<Form> form = std::make_shared<Form>(toolkit, "form", FormLook{});
 };
@@ -34,15 +34,15 @@ TEST_F(FormsTest, TimersRunWhileEnabledAndHaveAnInterval) {
   array.SetEnabled(1, true);
   const auto first = timers.NextDue();
   ASSERT_TRUE(first);
-  array.SetInterval(1, 1000);  // the same again leaves the period that runs alone
+  array.SetInterval(1, 1000);  // the same value does not restart the period
   EXPECT_EQ(timers.NextDue(), first);
   EXPECT_EQ(timers.RunDue(*first - Clock::duration(1)), 0);
-  timers.RunDue(*first + milliseconds(10));  // late by ten periods: one tick, not ten
+  timers.RunDue(*first + milliseconds(10));  // ten periods late: one tick, not ten
   timers.RunDue(*first + milliseconds(10));
   EXPECT_EQ(ticks, 1);
   array.SetEnabled(1, false);
   EXPECT_FALSE(timers.NextDue());
-  array.Tick(1);  // one that was under way already
+  array.Tick(1);  // one that was already on its way
   EXPECT_EQ(ticks, 1);
 }
 
@@ -87,7 +87,7 @@ TEST_F(FormsTest, ActsThatArriveAfterTheUnloadDoNothing) {
     box.UserClicked();
     text.UserChangedText(text.Text() + "x");
     list.UserSelected(list.SelectedRow() + 1);
-    list.UserReleased({MouseEvent::kLeft});  // nothing was pressed
+    list.UserReleased({MouseEvent::kLeft});  // without a press
     list.UserPressed({MouseEvent::kLeft});
     list.UserReleased({MouseEvent::kRight});
     list.UserReleased({MouseEvent::kLeft});

@@ -17,8 +17,8 @@ struct AddressRow {
   const char* location;
   int addresses[6];  // 0: the build has no such location
 };
-// Written down a second time on purpose: a test that took them from the program would agree with it
-// whatever it says.
+// A second copy on purpose: a test that took them from the program would agree with it even if they
+// were wrong.
 // clang-format off
 constexpr AddressRow kAddresses[] = {
     //              JO_AFF      DFBHD_AFF2  DFBHD       JO          JO_2        DFX2
@@ -72,7 +72,7 @@ class GameReaderTest : public PluginTest {
 
 TEST_F(GameReaderTest, OnlyTwoStatesAreRunning) {
   EXPECT_FALSE(Game().HasMemoryMap(1));
-  Game().SetMemory(1, false);  // before any profile is known
+  Game().SetMemory(1, false);  // before there is a profile
   ExpectReported("SetMemory: 9", true);
   SetUpProfile("JO");
   for (const int state : {-2, 0, 1, 2, 3, 4, 5}) {

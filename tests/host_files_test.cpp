@@ -1,5 +1,4 @@
-// The stand-alone host's files: INI files, logs, reports, and what goes wrong with them, on every
-// platform.
+// The stand-alone host's files on every platform: INI files, logs, reports, and their failures.
 
 #include "support/host_files.h"
 #include "machine/base64.h"
@@ -63,7 +62,7 @@ TEST_F(HostFilesTest, AFileThatCannotBeUsedIsNamedAndStaysAsItIs) {
   std::filesystem::permissions(folder.File("a.ini"), std::filesystem::perms::owner_read);
   EXPECT_EQ(ErrorOf([&] { Set("S", "1", "x"); }), 70);
   EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=a\r\n");
-  Set("S", "1", "a");  // nothing to change, nothing to complain about
+  Set("S", "1", "a");  // no change, so no error
   std::filesystem::permissions(folder.File("a.ini"), std::filesystem::perms::owner_all);
   file = folder.Path() + "\\none\\a.ini";
   EXPECT_EQ(ErrorOf([&] { Set("S", "1", "x"); }), 76);
@@ -109,7 +108,7 @@ TEST_F(HostFilesTest, AnOperationIsDoneAnewOnWhatAnotherProgramHasSaved) {
     EXPECT_EQ(folder.Read("a.ini"), saved + std::string("2=b\r\n"));
   }
   EXPECT_EQ(folder.Read("log"), "renamed\r\nin place\r\ngone\r\n");
-  const std::ofstream writer(folder.File("a.ini"), std::ios::app);  // and keeps it open
+  const std::ofstream writer(folder.File("a.ini"), std::ios::app);  // stays open
   EXPECT_EQ(ErrorOf([&] { Set("S", "2", "x"); }), 70);
   EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n2=b\r\n");
 }

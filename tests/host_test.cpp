@@ -1,4 +1,4 @@
-// The stand-alone host at work: reading processes, the simulator's memory, the console.
+// The stand-alone host: reading processes, the simulator's memory, the console.
 
 #include <poll.h>
 #include <sys/mman.h>
@@ -35,7 +35,7 @@ constexpr std::int32_t kPage = 4096;
 constexpr std::int32_t kLow = 0x30000000;
 constexpr std::int32_t kEnd = kLow + kPage;
 
-/// A page at an address that 32 bits hold.
+/// A page at a 32-bit address.
 struct LowPage {
   explicit LowPage(std::intptr_t address)
       : bytes(static_cast<char*>(
@@ -78,7 +78,7 @@ TEST_F(GameProcessesTest, ATurnAnswersFromItsPagesAndNoLaterOneDoes) {
   const auto put = [&](const char* text) { std::memcpy(first.bytes + kPage - 3, text, 3); };
   put("one");
   EXPECT_EQ(Text(kEnd - 3), "one");
-  put("two");  // no turn, no pages
+  put("two");  // outside a turn nothing is kept
   for (const bool inTurn : {false, true}) {
     if (inTurn) processes.BeginTurn();
     EXPECT_EQ(Text(kEnd - 3), "two");
@@ -91,7 +91,7 @@ TEST_F(GameProcessesTest, ATurnAnswersFromItsPagesAndNoLaterOneDoes) {
     std::memcpy(pages.emplace_back(next).bytes, "er", 2);
     EXPECT_EQ(Text(next), "er");
   }
-  EXPECT_EQ(Text(kEnd - 3), "newer");  // others have taken its place
+  EXPECT_EQ(Text(kEnd - 3), "newer");  // newer pages have replaced it
   std::int32_t across = 0;
   std::memcpy(&across, "ewer", 4);
   EXPECT_EQ(Long(kEnd - 2), across);
@@ -132,7 +132,7 @@ TEST_F(HostFilesTest, ALinkToWhatIsNoFileIsAnErrorAndNoWait) {
   }
 }
 
-/// A disk that takes no more: no file of this process grows beyond so many bytes.
+/// Simulates a full disk: no file of this process can exceed this many bytes.
 class FullDisk {
  public:
   explicit FullDisk(rlim_t bytes) {
@@ -150,7 +150,7 @@ class FullDisk {
 TEST_F(HostFilesTest, AFullDiskOrAFolderThatMayNotChangeLeavesEverythingAsItWas) {
   folder.Write("a.ini", "[S]\r\n1=a");
   folder.Write("log", "one");
-  const auto change = [this](const char* flag) {  // which not every file system and user can
+  const auto change = [this](const char* flag) {  // not every file system and user can do this
     return std::system(("chattr " + (flag + (" " + folder.Path())) + " 2>&-").c_str()) == 0;
   };
   if (change("+i")) {
@@ -213,7 +213,7 @@ TEST(ChatTest, ProgramsSayTheTextsInOrderAndNoneHoldsTheOthersUp) {
   EXPECT_EQ(order.back(), '3') << order;
   chat.onEnd = nullptr;
   for (int i = 0; i < 9; ++i) chat.Post(3, 0, "x");
-  EXPECT_EQ(ErrorOf([&] { chat.Post(3, 0, "x"); }), 57);  // it does not keep up
+  EXPECT_EQ(ErrorOf([&] { chat.Post(3, 0, "x"); }), 57);  // the program does not keep up
 }
 
 TEST(PlainOutput, ShowsControlCharactersAsQuestionMarks) {
@@ -250,7 +250,7 @@ TEST(TroublesTest, SaysWhatComesBackOnceAndThatItIsOver) {
 
 class ConsoleTest : public ::testing::Test {
  protected:
-  /// Carries out console lines on a host of the folder and answers what was printed since.
+  /// Runs console lines on a host of the folder; returns what was printed since the last call.
   std::string Execute(const std::string& lines) {
     if (!running_) Restart({folder.Path()});
     Console console(running_->host, out_);
@@ -263,16 +263,16 @@ class ConsoleTest : public ::testing::Test {
     running_->profiles.MakeWhatIsMissing();
     running_->host.LoadEveryProfile();
   }
-  /// A plugin in a component of its own tells nothing of itself.
+  /// Makes the plugin answer like one in a component, whose state is not accessible.
   void HidePlugin() { running_->plugin.isHidden = true; }
-  /// What the text is to hold: a part each line.
+  /// Expects the text to contain these parts, one per line.
   static void ExpectAll(const std::string& text, const std::string& parts) {
     std::istringstream all(parts);
     for (std::string part; std::getline(all, part);) {
       EXPECT_NE(text.find(part), text.npos) << part << " / " << text;
     }
   }
-  /// The values in profile 2's message file, one behind the other.
+  /// The values in profile 2's message file, one after the other.
   std::string Contents() {
     static const std::regex kNoValue("\\[\\w+\\]\r\n|\\w+=|\r");
     std::string values = std::regex_replace(folder.Read(kFile), kNoValue, "");
@@ -368,7 +368,7 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
   struct Row {
     std::string line;
     std::string says;
-    const char* file = nullptr;  // the messages and options afterwards; null: as before
+    const char* file = nullptr;  // the messages and options afterwards; null if unchanged
   };
   const Row rows[] = {
       {"add 2  d ", "added at position 3", "a;b;c; d ;1;3;"},
@@ -409,7 +409,7 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
     }
     const char* const places[] = {"profiles/srv2/adminlogs", "adminlogs"};
     const std::string log = folder.ReadAll(places[shared ? 1 : 0]);
-    EXPECT_EQ(std::ranges::count(log, '\n'), 8);  // what was changed, and "?" for a letter it lacks
+    EXPECT_EQ(std::ranges::count(log, '\n'), 8);  // the changes, with "?" for letters it lacks
     EXPECT_EQ(log.find("[Rotacasts] Add Rotacast (Message:  d ) from Zoe\r\n"), 10U) << log;
     EXPECT_EQ(folder.ReadAll(places[shared ? 0 : 1]), "");
     std::filesystem::remove_all(folder.File(places[0]));
@@ -433,7 +433,7 @@ TEST_F(ConsoleTest, WhatCannotBeStoredIsNotDoneAndTheReasonSaid) {
     ExpectAll(Execute("status"), "on      3 min");
     EXPECT_EQ(folder.ReadAll("profiles/srv2/adminlogs"), "") << line;
   }
-  EXPECT_EQ(folder.ReadAll("profiles/srv2/settings"), folder.Read(kFile));  // and nothing beside
+  EXPECT_EQ(folder.ReadAll("profiles/srv2/settings"), folder.Read(kFile));  // and no other file
 }
 
 TEST_F(ConsoleTest, APositionThatCouldMeanAnotherMessageIsRefused) {
@@ -468,7 +468,7 @@ TEST_F(ConsoleTest, EachProfileGoesByItsOwnSwitchAndIntervalAndReloadTakesTheFil
   add(1, "1", "3");
   add(2, "1", "7");
   expect("on      3 min", "on      7 min");
-  Execute("show 2\nenable 1 0");  // whatever the window shows
+  Execute("show 2\nenable 1 0");  // a profile that the window does not show
   expect("off     3 min", "on      7 min");
   add(2, "0", "9");
   add(5, "1", "5");
@@ -477,7 +477,7 @@ TEST_F(ConsoleTest, EachProfileGoesByItsOwnSwitchAndIntervalAndReloadTakesTheFil
   expect("off     3 min", "off     9 min");
   ExpectAll(Execute("status"), "5        srv5    JO    unreachable  on      5 min");
   std::filesystem::remove(folder.File("profiles/srv1/profile.ini"));
-  folder.AddProfile(2, "NOPE", "1", "4002");  // goes on as it was
+  folder.AddProfile(2, "NOPE", "1", "4002");  // keeps its old settings
   folder.AddProfile(5, "JO_2", "1", "4005");
   const std::string text = Execute("disable 2\nreload\nstatus");
   ExpectAll(text, "not used: \nGameCode is \"NOPE\"\nJO    stopped\nJO_2  ");

@@ -47,8 +47,7 @@ TEST(IniText, ChangesOneLineAndNoOther) {
            {"[T]\r\n2=t\r\n", removeKey, "[T]\r\n2=t\r\n"},
            {"a=b\r\n[S]\r\n1=a\r\n\r\n[T]\r\n2=t", removeSection, "a=b\r\n[T]\r\n2=t"},
            {"[T]\r\n[S]\r\n1=a", removeSection, "[T]\r\n"}}) {
-    for (const bool again :
-         {false, true}) {  // a section that is changed again is known by its keys
+    for (const bool again : {false, true}) {  // a section that is changed again is indexed by key
       IniText ini(before);
       if (again) ini.RemoveKey("s", "none");
       change(ini);

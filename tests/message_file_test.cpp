@@ -19,7 +19,7 @@ class MessageFileTest : public PluginTest {
   MessageFileTest() { Load(1); }
   MessageFile Open() { return State().store.Open(1); }
   void LoadMessages() { State().window.Showing(1)->LoadMessages(); }
-  /// The section "Messages" of the file, a line after the other.
+  /// The lines of the section "Messages".
   std::string Section() { return testing::LinesOf(host::IniText(host.MessageFile(1)), "Messages"); }
   void SetSection(const std::string& lines) {
     host.MessageFile(1) = "[Messages]\r\n" + lines + "[Options]\r\nEnable=1\r\n";
@@ -102,7 +102,7 @@ TEST_F(MessageFileTest, DeleteRenumbersAndLosesNoOtherText) {
   host.calls.clear();
   Open().DeleteEntry("1");
   EXPECT_NE(host.MessageFile(1).find("Enable=1"), std::string::npos);
-  const std::string end = ", " + PathOf(1) + ")";  // numbers for the keys that it removes
+  const std::string end = ", " + PathOf(1) + ")";  // the keys that it removes are numbers
   EXPECT_EQ(host.calls, (std::vector<std::string>{
                             "WriteIniKey(Messages, 1, null" + end, "GetIniSection(Messages" + end,
                             "ParseIniKey(2=b, True)", "WriteIniKey(Messages, 1, b" + end,

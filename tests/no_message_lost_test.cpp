@@ -1,5 +1,5 @@
-// No message is ever lost: every call of every change made to fail, and long random lives of a
-// list.
+// No message is ever lost: fails every call of every change, and runs long random sequences of
+// changes.
 
 #include <algorithm>
 #include <random>
@@ -20,7 +20,7 @@ const std::string kLong = "b" + std::string(70, 'b');
 const Texts kBefore = {"a", kLong, "c", "d"};
 const std::string kOptionsBefore = "1, 1";
 
-/// A plugin that shows profile 2 with these messages; nothing was logged yet.
+/// A plugin that shows profile 2 with these messages, before anything was logged.
 class Scene : public PluginHarness {
  public:
   Scene() {
@@ -44,22 +44,22 @@ bool ContainsAll(const Texts& texts, const Texts& wanted) {
   return std::ranges::all_of(wanted, [&](const auto& text) { return Contains(texts, text); });
 }
 
-/// What the file may hold after a failure: what it held before; that or what was to become of it;
-/// or, as long as a delete is under way, at least the texts that are to stay.
+/// What the file may contain after a failure: the old contents; the old or the new contents; or,
+/// during a delete, at least the texts that stay.
 enum class Leaves { AsItWas, AllOrNothing, WhatStays };
 
-/// One changing operation, and what it comes to.
+/// An operation that changes something, and its result.
 struct Operation {
   const char* name;
-  std::function<std::string(Scene&)> run;  // answers the reply; a change in the window has none
+  std::function<std::string(Scene&)> run;  // returns the reply; empty for a change in the window
   Leaves leaves = Leaves::AsItWas;
   Texts after = kBefore;
   std::string reply = "";
   std::string options = kOptionsBefore;
-  /// What the administrator is told of a failure that is neither logged nor answered by "0".
+  /// The box for a failure that is neither logged nor answered by "0".
   std::string notice = "";
-  /// The call whose failure the caller never learns of: the reply says that the command was carried
-  /// out, and the next listing what it came to.
+  /// The call whose failure the caller does not learn about: the reply reports success, and the
+  /// next listing shows the actual result.
   std::string silentCall = "-";
 };
 
@@ -102,8 +102,8 @@ const Operation kOperations[] = {
 };
 // clang-format on
 
-/// A failed run came to someone's notice, its reply claims no more than was done, and the file
-/// holds what it must.
+/// Checks that somebody learns of a failed run, that its reply claims no more than was done, and
+/// that the file has what it must.
 void CheckFailure(const Operation& operation, Scene& scene, const std::string& reply, int call) {
   const std::string failed = scene.host.calls[static_cast<std::size_t>(call) - 1];
   SCOPED_TRACE(operation.name + (", call " + std::to_string(call)) + ": " + failed);
@@ -115,13 +115,14 @@ void CheckFailure(const Operation& operation, Scene& scene, const std::string& r
   EXPECT_TRUE(stored == kBefore || (isDone && operation.leaves == Leaves::AllOrNothing) ||
               (operation.leaves == Leaves::WhatStays && ContainsAll(stored, operation.after)))
       << scene.host.MessageFile(2);
-  // Renumbering tells of its own errors; the delete itself is done by then.
+  // Renumbering reports its own errors; by then the delete itself is done.
   const bool isRenumbering = !scene.TakeErrors().empty() && operation.leaves == Leaves::WhatStays;
   EXPECT_TRUE(reply != "1" || isDone || isSilent || isRenumbering);
   EXPECT_EQ(scene.Options(), call == 1 ? kOptionsBefore : operation.options);
 }
 
-/// Fails component call number 1, 2, 3, ... of each operation, until a run completes untouched.
+/// Fails component call number 1, 2, 3, ... of each operation until a run completes without
+/// failing.
 TEST(NoMessageIsLost, WhicheverCallOfAnyChangeFails) {
   for (const Operation& operation : kOperations) {
     for (int call = 1, fired = true; fired; ++call) {
@@ -144,8 +145,8 @@ TEST(NoMessageIsLost, WhicheverCallOfAnyChangeFails) {
   }
 }
 
-/// Changes of two lists at random: of the first remotely, of the second in the window as well. No
-/// text is like another, so that a row and its message find each other by text.
+/// Random changes of two lists: remote ones of the first, remote ones and some in the window of the
+/// second. All texts differ, so that rows and messages can be matched by text.
 class RandomLife : public PluginHarness {
  public:
   explicit RandomLife(unsigned seed) : random_(seed) {
@@ -154,8 +155,8 @@ class RandomLife : public PluginHarness {
     Load(2);
   }
 
-  /// Whatever is changed, no text comes or goes but the one that is meant, and the window shows
-  /// what the file holds after a change of its own.
+  /// Makes one change. Checks that no text appears or disappears except the intended one, and that
+  /// the window shows the file's contents after its own changes.
   void Step() {
     const int profile = 1 + static_cast<int>(Below(2));
     const bool inWindow = profile == 2 && Below(2) == 0;
@@ -185,7 +186,8 @@ class RandomLife : public PluginHarness {
                                           &clsPlugin::DeleteMessageRem};
   std::size_t Below(std::size_t limit) { return random_() % limit; }
 
-  /// The text as the window can change it: typed, it is not longer than a row.
+  /// Makes a change in the window. Returns the text as the window stores it: a typed one is not
+  /// longer than a row.
   std::string ChangeInWindow(std::size_t kind, const std::string& text) {
     constexpr const char* kItems[] = {"", "mnuUp", "mnuDown", "mnuDelete"};
     const std::string row = text.substr(0, 60);
@@ -196,7 +198,7 @@ class RandomLife : public PluginHarness {
     const Texts rows = Rows();
     const auto place = std::ranges::find(rows, row) - rows.begin();
     Window().lstMessages().Select(static_cast<std::int32_t>(place));
-    Press("lstMessages", MouseEvent::kMiddle);  // enables the items that can be chosen
+    Press("lstMessages", MouseEvent::kMiddle);  // enables the items that apply
     Window().Menu(kItems[kind]).UserClicked();
     return text;
   }

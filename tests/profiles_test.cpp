@@ -29,9 +29,9 @@ TEST_F(ProfilesTest, TablesGrowToTheHighestIndexAndNeverShrink) {
   SetUpProfile(3, "DFX2");
   EXPECT_EQ(tables.ElapsedTicks.UpperBound(), 700);
   EXPECT_EQ(tables.NextMessage(3), 5);
-  EXPECT_EQ(tables.MemoryMaps(3).Address("GameState"), 0x00C805D0);  // rebuilt
+  EXPECT_EQ(tables.MemoryMaps(3).Address("GameState"), 0x00C805D0);  // replaced
   EXPECT_EQ(ErrorOf([&] { tables.Profiles(701); }), 9);
-  SetUpProfile(std::numeric_limits<std::int32_t>::max());  // costs nothing
+  SetUpProfile(std::numeric_limits<std::int32_t>::max());  // takes no memory
   EXPECT_TRUE(host.boxes.empty());
   SetUpProfile(-1);
   EXPECT_EQ(TakeErrors(), std::vector<std::string>{"SetProfileData: 9"});
@@ -70,15 +70,15 @@ TEST_F(ProfilesTest, BadDataIsReportedAndKeepsWhatWasFilledBefore) {
   State().profiles.SetProfileData(1, data);
   EXPECT_EQ(TakeErrors(), (std::vector<std::string>{"SetProfileData: 13", "SetProfileData: 13",
                                                     "SetProfileData: 9", "SetProfileData: 76"}));
-  EXPECT_EQ(State().tables.MessageFiles(1), "");  // and not the file of the folder before
+  EXPECT_EQ(State().tables.MessageFiles(1), "");  // not the file of the old folder
 }
 
 TEST_F(ProfilesTest, DisablingStopsAProfileAndPassesOverWhatIsNotThere) {
   SetUpProfile(2);
   Plugin().DisableProfile(2);
-  EXPECT_EQ(State().window.IfLoaded(), nullptr);  // none is made for this
+  EXPECT_EQ(State().window.IfLoaded(), nullptr);  // this creates none
   Load(2);
-  SetUpProfile(65538);  // no timer can have this index; in 16 bits it would be 2
+  SetUpProfile(65538);  // timers have no such index; in 16 bits it would be 2
   for (const int index : {65538, 2}) {
     EXPECT_TRUE(timers.NextDue());
     State().tables.NextMessage(index) = State().tables.ElapsedTicks(index) = 4;

@@ -28,7 +28,7 @@ class RemoteTest : public PluginTest {
   static constexpr RemoteCall kChanges[] = {
       &clsPlugin::AddMessageRem,      &clsPlugin::EnableRTRem,      &clsPlugin::ChangeIntervalRem,
       &clsPlugin::MoveMessageDownRem, &clsPlugin::MoveMessageUpRem, &clsPlugin::DeleteMessageRem};
-  /// The lines of the host-wide log since the last look.
+  /// The lines of the host-wide log since the last call.
   Texts TakeLog() {
     Texts lines;
     std::string log = std::exchange(host.files["C:\\Host\\adminlogs\\2010-03-07.txt"], "");
@@ -50,7 +50,7 @@ TEST_F(RemoteTest, ListsMessagesAndOptions) {
     host.MessageFile(2) = file;
     EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), reply);
   }
-  EXPECT_EQ(State().tables.Profiles(2).GameCode, "JO");  // sets the profile up
+  EXPECT_EQ(State().tables.Profiles(2).GameCode, "JO");  // the listing sets the profile up
   host.files.erase(PathOf(2));
   EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat(), "not read"), "|0|");
   EXPECT_TRUE(TakeLog().empty());
@@ -79,7 +79,7 @@ TEST_F(RemoteTest, PositionsMayBeTextsAndEveryChangeIsOneLineInTheLog) {
   EXPECT_EQ(Remote(&clsPlugin::MoveMessageDownRem, "1"), "1");
   EXPECT_EQ(Remote(&clsPlugin::MoveMessageUpRem, "1"), "1");
   EXPECT_EQ(Remote(&clsPlugin::MoveMessageUpRem, "0"), "0");
-  EXPECT_EQ(Rows(), (Texts{"a", "b", "c"}));  // refilled by the next that changes a text
+  EXPECT_EQ(Rows(), (Texts{"a", "b", "c"}));  // refilled by the next operation that changes a text
   EXPECT_EQ(Remote(&clsPlugin::DeleteMessageRem, "1"), "1");
   EXPECT_EQ(Remote(&clsPlugin::AddMessageRem, "<x\r\n9=\ty\x7F>"), "0");
   EXPECT_EQ(Stored(2), (Texts{"c", "b"}));
@@ -100,7 +100,7 @@ TEST_F(RemoteTest, WhatTheControlsRefuseIsReportedForEveryProfile) {
                                         {"99999", "EnableRTRem: 6"}}) {
       EXPECT_EQ(Remote(&clsPlugin::EnableRTRem, value), "");
       EXPECT_EQ(TakeErrors(), Texts{number});
-      EXPECT_EQ(State().store.Open(2).ReadOption("Enable"), value);  // written before it is tried
+      EXPECT_EQ(State().store.Open(2).ReadOption("Enable"), value);  // stored before it is applied
     }
     EXPECT_EQ(TakeLog(), Texts{});
   }
@@ -117,7 +117,7 @@ TEST_F(RemoteTest, ErrorsEndAnOperationUnderItsNameWithTheReplyAsItStood) {
   EXPECT_EQ(TakeErrors()[5], "DeleteMessageRem: 13");
   EXPECT_EQ(Remote(&clsPlugin::AddMessageRem, "<a>", 99), "");
   EXPECT_EQ(host.MessageFile(2), file);
-  host.folders.clear();  // nowhere to log
+  host.folders.clear();  // there is no folder for the log
   EXPECT_EQ(Remote(&clsPlugin::DeleteMessageRem, 0), "1");
   EXPECT_EQ(TakeErrors(), (Texts{"AddMessageRem: 9", "DeleteMessageRem: 76"}));
   EXPECT_NE(host.boxes.back().find("Error Line: 6"), std::string::npos);
@@ -136,7 +136,7 @@ TEST_F(RemoteTest, AStoppedProfileIsRefused) {
   EXPECT_EQ(host.logged.size(), std::size(kChanges));
   EXPECT_EQ(host.MessageFile(2), file);
   EXPECT_EQ(TakeLog(), Texts{});
-  EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "<a>|<b>|0|3");  // brings it back
+  EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "<a>|<b>|0|3");  // sets it up again
 }
 
 TEST_F(RemoteTest, TheLogLiesWhereTheFlagSays) {
@@ -158,7 +158,7 @@ TEST_F(RemoteTest, TheLogLiesWhereTheFlagSays) {
             "[00:00:07][Rotacasts] Add Rotacast (Message: a) from admin\r\n");
 }
 
-// The fuzzer asks the same of many more.
+// The fuzzer tries many more of these.
 TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
   Start({"a"});
   const std::string other = host.MessageFile(1);
@@ -168,7 +168,7 @@ TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
     HostValue::Array data = *Pdat().AsArray();
     data[pdat::kAdministrator] = "eve\r\n[00:00:00]" + text;
     const std::size_t lines = Stored(2).size();
-    EXPECT_EQ(Plugin().AddMessageRem(2, data, text), "") << text;  // raw: it is not encoded
+    EXPECT_EQ(Plugin().AddMessageRem(2, data, text), "") << text;  // raw: not encoded
     EXPECT_EQ(Stored(2).size(), lines);
     Plugin().AddMessageRem(2, data, "<" + text + ">");
     for (const RemoteCall call : kChanges) (Plugin().*call)(2, data, text);

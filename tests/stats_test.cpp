@@ -1,5 +1,5 @@
-// The player table scan and the info texts, read from a game's memory as the simulator writes it:
-// that image states where each counter lies a second time.
+// The player table scan and the info texts, read from a game's memory as the simulator writes it.
+// The simulator has its own copy of the counters' offsets.
 
 #include "stats/info_texts.h"
 
@@ -24,7 +24,7 @@ struct Announcement {
   const char* text;
 };
 constexpr const char* kEvery = "012345678";
-// Of two players: P0's counters are 1, 2, 3, ... in their order, P1 has a hundred more of each.
+// For two players: P0's counters are 1, 2, 3, ... in order; each of P1's is higher by a hundred.
 // clang-format off
 constexpr Announcement kAnnouncements[] = {
     {"HighScorer",            kEvery,  "[Highest Scorer] P1: 118 Exp Pts"},
@@ -59,7 +59,7 @@ constexpr Announcement kAnnouncements[] = {
 };
 // clang-format on
 
-/// A game's memory that the fakes read.
+/// The game's memory that the fakes read.
 class FakeGameMemory final : public simulator::GameMemory {
  public:
   explicit FakeGameMemory(testing::FakeHost& host) : host_(host) {}
@@ -77,8 +77,8 @@ class FakeGameMemory final : public simulator::GameMemory {
 
 class StatsTest : public PluginTest {
  protected:
-  /// Sets up profile 1 on a server of the build, whose first slot is empty; the players P0, P1, ...
-  /// have the others.
+  /// Sets up profile 1 on a server of the build. Its first slot is empty; the players P0, P1, ...
+  /// are in the others.
   void SetUpServer(const std::string& code, const Players& players, int gameType = 0) {
     isDfbhd_ = code == "DFBHD";
     State().profiles.SetProfileData(1, Data(1, code));
@@ -99,7 +99,7 @@ class StatsTest : public PluginTest {
   bool isDfbhd_ = false;
 };
 
-// Of a "JO" server.
+// For a "JO" server.
 constexpr int kCurrentPlayers = 0x00B5DA1C;
 constexpr int kLastSlot = 0x00C8761C;
 
@@ -191,8 +191,8 @@ TEST_F(StatsTest, WordsTheBestOfThePlayersTheFirstOfEqualOnes) {
            {"LeastDeaths", {{.Deaths = 4}, {.Deaths = 2}, {.Deaths = 2}}, "P1: 2 Deaths"},
            {"MostKills", {{.Kills = 3}, {.Kills = 9}, {.Kills = 9}}, "P1: 9 Kills"},
            {"MostSuicides", {{}}, ""},
-           {"BestKillDeathRatio", {{.Kills = 1, .Deaths = 201}}, ""},  // rounds to nothing
-           // 1 of 8 in hundredths is 12.5, 3 of 8 is 37.5: halves go to the even digit.
+           {"BestKillDeathRatio", {{.Kills = 1, .Deaths = 201}}, ""},  // rounds to 0
+           // 1 of 8 is 12.5 hundredths and 3 of 8 is 37.5: halves go to the even digit.
            {"BestKillDeathRatio", {{.Kills = 1, .Deaths = 8}}, "P0: 0.12 Ratio"},
            {"BestKillDeathRatio", {{.Kills = 3, .Deaths = 8}}, "P0: 0.38 Ratio"},
            {"BestKillDeathRatio",

@@ -38,7 +38,7 @@ TEST(Text, CountsAndCutsCharactersNotBytes) {
   EXPECT_EQ(FirstCharacters(text, 3), "äö€");
   EXPECT_EQ(FirstCharacters(text, 4), "äö€😀");
   EXPECT_EQ(FirstCharacters(text, 99), text);
-  EXPECT_EQ(TrimSpaces("  \ta b \t "), "\ta b \t");  // blanks only, no tabs
+  EXPECT_EQ(TrimSpaces("  \ta b \t "), "\ta b \t");  // spaces only, no tabs
   EXPECT_EQ(ReplaceAll("aaa", "aa", "b"), "ba");
 }
 

@@ -57,7 +57,7 @@ TEST_F(WindowTest, AnOptionThatIsNoNumberIsReportedAndStays) {
 TEST_F(WindowTest, ChangesOfTheOptionsAreWrittenAtOnce) {
   Load(2);
   Window().chkAuto().UserClicked();
-  Window().chkAuto().SetValue(2);  // greyed: nothing to store
+  Window().chkAuto().SetValue(2);  // greyed: nothing is stored
   EXPECT_EQ(Stored("Enable"), "0");
   for (const char* text : {" 15 ", "", "1x"}) {
     Window().txtInterval().UserChangedText(text);
@@ -65,7 +65,7 @@ TEST_F(WindowTest, ChangesOfTheOptionsAreWrittenAtOnce) {
     EXPECT_EQ(Window().txtInterval().Text(), *text == ' ' ? text : "15");
   }
   host.MessageFile(2) = MessageFileBytes({}, "1", "bad");
-  Window().txtInterval().UserChangedText("x");  // nothing better is stored: it ends all the same
+  Window().txtInterval().UserChangedText("x");  // there is no stored value, but it still ends
   EXPECT_EQ(Window().txtInterval().Text(), "bad");
   EXPECT_TRUE(host.boxes.empty());
 }
@@ -91,7 +91,7 @@ TEST_F(WindowTest, PlacesFillsShowsAndStarts) {
 }
 
 TEST_F(WindowTest, AnotherLoadOrAHideKeepsTheTimerTheWindowAndTheCounters) {
-  Plugin().HideInterface();  // makes the window if needed
+  Plugin().HideInterface();  // creates the window if necessary
   EXPECT_FALSE(Window().IsVisible());
   Load(2);
   const auto due = timers.NextDue();
@@ -130,7 +130,7 @@ TEST_F(WindowTest, ErrorsAreReportedUnderTheRightNameAndStartNothing) {
   EXPECT_TRUE(Window().IsVisible());
   EXPECT_FALSE(timers.NextDue());
   data.clear();
-  Plugin().LoadInterface(5, 77, data);  // bad data is its own report and does not end the load
+  Plugin().LoadInterface(5, 77, data);  // bad data is reported but does not end the load
   EXPECT_EQ(TakeErrors(), (std::vector<std::string>{"LoadInterface: 9", "LoadInterface: 6",
                                                     "SetProfileData: 9", "LoadInterface: 9"}));
 }
@@ -141,7 +141,7 @@ TEST_F(WindowTest, ALoadWhileAMessageBoxIsOpenEndsSilentlyWithoutStarting) {
   State().reporter.Notify(Outcome::Success, "open");
   EXPECT_TRUE(host.logged.empty());
   EXPECT_FALSE(Window().Timers().Elements().contains(2));
-  EXPECT_EQ(State().tables.currentWindowProfile, 2);  // what came before showing has happened
+  EXPECT_EQ(State().tables.currentWindowProfile, 2);  // the steps before showing have run
 }
 
 }  // namespace

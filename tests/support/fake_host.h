@@ -1,4 +1,4 @@
-// A host of fakes: both sibling components, the file system, the clock and the module, in memory.
+// A fake host: both sibling components, the file system, the clock and the module, in memory.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,27 +14,27 @@
 
 namespace rotacasts::testing {
 
-/// What the fakes hold and what was asked of them.
+/// The fakes' contents, and what they were asked.
 struct FakeHost {
-  /// Every component call in order, arguments and all: "ReadLong(7, 0x00C87598)".
+  /// Every component call in order, with its arguments: "ReadLong(7, 0x00C87598)".
   std::vector<std::string> calls;
-  /// Makes the call of this number (from 1) raise error 57, once; 0 for never.
+  /// The number (from 1) of the call that raises error 57, once; 0 for none.
   int failAtCall = 0;
   bool fired = false;
-  /// Runs inside every component call, before it does anything: a component may run a message loop.
+  /// Runs at the start of every component call, because a component may run a message loop.
   std::function<void()> insideCall;
 
-  std::map<std::int32_t, std::int32_t> longs;  // address to value; a missing one fails the read
+  std::map<std::int32_t, std::int32_t> longs;  // by address; reading a missing one fails
   std::map<std::int32_t, std::string> texts;
-  std::map<std::string, std::string> files = {  // path to bytes
+  std::map<std::string, std::string> files = {  // by path
       {"C:\\Host\\settings\\config.ini", "[Settings]\r\nReportErrors=0\r\n"}};
   std::set<std::string> folders;
   LocalTime now{2010, 3, 7, 14, 5, 9};
   std::string moduleFolder = "C:\\Host\\Plugins";
   bool hasUtility = true;
   bool hasMemory = true;
-  bool delivers = true;     // SendErrorReport's answer
-  bool writesBack = false;  // the memory component changes what it is passed by reference
+  bool delivers = true;     // the result of SendErrorReport
+  bool writesBack = false;  // the memory component changes by-reference arguments
 
   std::vector<std::string> sent;    // chat texts
   std::vector<std::string> logged;  // "procedure line: number description"
@@ -45,19 +45,19 @@ struct FakeHost {
   std::string& MessageFile(int index);
 };
 
-/// The sibling components of the fake host, which outlives them.
+/// The fake host's sibling components. `host` must outlive them.
 std::unique_ptr<MemoryComponent> MakeFakeMemory(FakeHost& host);
 std::unique_ptr<UtilityComponent> MakeFakeUtility(FakeHost& host);
 
 /// A profile data array: folder "srvN", process handle 100 + N, message target 4000 + N.
 HostValue ProfileData(std::int32_t index, const std::string& gameCode);
 
-/// A plugin composed on the fakes, with the forms of the headless toolkit.
+/// A plugin on the fakes, with headless forms.
 class PluginHarness {
  public:
   PluginHarness();
 
-  /// Composes the plugin; the first use does.
+  /// Composes the plugin on first use.
   PluginState& State();
   clsPlugin& Plugin();
 
@@ -73,20 +73,20 @@ class PluginHarness {
   }
   void Tick(std::int16_t index) { State().window.Get()->Timers().Tick(index); }
   frmRT& Window() { return *State().window.Get(); }
-  /// What the list shows.
+  /// The rows of the list.
   std::vector<std::string> Rows();
-  /// Presses (and releases) a mouse button on a control of the window; twips.
+  /// Presses (Click: and releases) a mouse button on a control of the window. x and y in twips.
   void Press(const char* control, std::int16_t button, float x = 0, float y = 0);
   void Click(const char* control, std::int16_t button, float x = 0, float y = 0);
-  /// Types a message over what is in the entry box and clicks the Add button.
+  /// Types a message over the entry box's text and clicks the Add button.
   void AddInWindow(const std::string& text);
-  /// The user types over what is in a text box, as much as it takes.
+  /// Types over the text of a text box, up to its limit.
   static void TypeOver(forms::TextBox& box, const std::string& text);
   /// The texts of the section "Messages" in the profile's file.
   std::vector<std::string> Stored(int index);
-  /// Takes what was logged so far: "procedure: number".
+  /// Removes and returns the logged errors: "procedure: number".
   std::vector<std::string> TakeErrors();
-  /// Takes the boxes shown so far.
+  /// Removes and returns the boxes shown so far.
   std::vector<std::string> TakeBoxes() { return std::exchange(host.boxes, {}); }
 
   FakeHost host;
@@ -102,17 +102,17 @@ class PluginHarness {
 
 class PluginTest : public ::testing::Test, public PluginHarness {};
 
-/// The lines of a section, one behind the other: "1=a;2=b;".
+/// The lines of a section: "1=a;2=b;".
 std::string LinesOf(const host::IniText& ini, std::string_view section);
 
-/// The bytes of a message file with these messages and, unless empty, these options.
+/// The bytes of a message file with these messages and options; an empty option is left out.
 std::string MessageFileBytes(const std::vector<std::string>& messages,
                              const std::string& enable = "1", const std::string& interval = "1");
 inline std::string PathOf(int index) {
   return "C:\\Host\\profiles\\srv" + std::to_string(index) + "\\settings\\Rotacasts.ini";
 }
 
-/// The number of the run-time error that the statement raises; 0 when it raises none.
+/// The number of the run-time error that the statement raises; 0 if none.
 template <class Statement>
 int ErrorOf(Statement&& statement) {
   try {

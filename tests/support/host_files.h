@@ -1,4 +1,4 @@
-// The stand-alone host's components on a folder of the machine.
+// The stand-alone host's components on a real folder.
 #pragma once
 
 #include "siblings/utility_component.h"
@@ -17,7 +17,7 @@ class HostFilesTest : public ::testing::Test {
            const std::optional<std::string>& value) {
     utility.WriteIniKey(section, key, value, file);
   }
-  /// Files and folders in the folder.
+  /// The number of files and folders in the folder.
   std::ptrdiff_t Count() const {
     return std::distance(std::filesystem::directory_iterator(folder.Path()), {});
   }
@@ -26,7 +26,7 @@ class HostFilesTest : public ::testing::Test {
   host::MachineFiles machine;
   host::IniFiles ini{machine};
   host::HostUtilityComponent utility{folder.Path(), clock, ini};
-  std::string file = folder.Path() + "\\a.ini";  // the host suite's spelling
+  std::string file = folder.Path() + "\\a.ini";  // in the host suite's form
   const std::string log = folder.Path() + "\\log";
 };
 

@@ -1,4 +1,4 @@
-// A host folder of a test's own, gone with the test.
+// A temporary host folder for a test.
 #pragma once
 
 #include <filesystem>
@@ -31,7 +31,7 @@ class HostFolder {
     bytes << std::ifstream(path_ / name, std::ios::binary).rdbuf();
     return bytes.str();
   }
-  /// What the files of a folder hold, one behind the other; nothing where there is no folder.
+  /// The contents of a folder's files, one after the other; empty if there is no folder.
   std::string ReadAll(const std::string& place) const {
     std::string bytes;
     std::error_code none;
@@ -40,7 +40,7 @@ class HostFolder {
     }
     return bytes;
   }
-  /// Writes a profile and, unless empty, its message file.
+  /// Writes a profile and, unless it is empty, its message file.
   void AddProfile(int index, const std::string& code, const std::string& process,
                   const std::string& target, const std::string& messageFile = {}) const {
     const std::string folder = "profiles/srv" + std::to_string(index) + "/";

@@ -1,4 +1,4 @@
-// Files in memory, for what needs thousands of host folders a second.
+// Files in memory, for tests that need thousands of host folders per second.
 #pragma once
 
 #include <map>
@@ -9,10 +9,10 @@
 
 namespace rotacasts::testing {
 
-/// Folders need not be made for what is written by hand.
+/// Files that a test adds to `files` need no folder.
 class MemoryFiles final : public host::FileLayer {
  public:
-  std::map<std::string, std::string> files;  // by path, in the host suite's spelling
+  std::map<std::string, std::string> files;  // by path, in the host suite's form
   std::set<std::string> folders;
 
   host::FileBytes Read(const std::string& path) override {

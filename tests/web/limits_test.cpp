@@ -1,4 +1,4 @@
-// The page's limits of time, without waiting for them: sessions, failures, slow requests.
+// The page's time limits, without waiting for them: sessions, failures, slow requests.
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
@@ -47,7 +47,7 @@ TEST(HttpServer, SaysWhichLibraryTheMachineLacks) {
   }
 }
 
-/// The client sends a letter every 10 ms for as long as it is let.
+/// A client that sends a byte every 10 ms until it is cut off.
 TEST(HttpServer, CutsOffARequestThatNeverEnds) {
   EventLoop loop;
   HttpServer server(

@@ -1,4 +1,4 @@
-// The DLL as COM sees it: registration, type library, every way to call a member.
+// The DLL through COM: registration, type library, every way to call a member.
 
 #include "support/component_test.h"
 
@@ -39,7 +39,7 @@ ComPtr<win32::_clsPlugin> DualOf(const win32::LateBound& plugin) {
 
 TEST_F(ComponentTest, RegistersItsClassAndItsLibraryAndTakesThemBack) {
   for (const char* entry : {"DllUnregisterServer", "DllUnregisterServer", "DllRegisterServer"}) {
-    EXPECT_EQ(installed.CallEntry(entry), S_OK) << entry;  // twice is no error
+    EXPECT_EQ(installed.CallEntry(entry), S_OK) << entry;  // twice is not an error
     const bool isThere = entry == std::string("DllRegisterServer");
     ComPtr<ITypeLib> library;
     CLSID classId;
@@ -53,12 +53,12 @@ TEST_F(ComponentTest, RegistersItsClassAndItsLibraryAndTakesThemBack) {
   }
 }
 
-// What the library declares in full is compared as a whole, by the test that lists its types.
+// The test that lists the library's types compares all of it.
 TEST_F(ComponentTest, AMemberIsFoundByTheIdentifierThatTheLibraryGivesItInAnyLetterCase) {
   ComPtr<ITypeInfo> info;
   ASSERT_EQ(plugin->Get()->GetTypeInfo(0, 0, info.Receive()), S_OK);
   for (MEMBERID id = 0x60030003; id <= 0x60030010; ++id) {
-    if (id == 0x60030008) continue;  // no member's
+    if (id == 0x60030008) continue;  // no member has it
     Bstr name;
     ASSERT_EQ(info->GetDocumentation(id, name.Address(), nullptr, nullptr, nullptr), S_OK);
     ::CharUpperW(name.Get());
@@ -67,7 +67,7 @@ TEST_F(ComponentTest, AMemberIsFoundByTheIdentifierThatTheLibraryGivesItInAnyLet
   EXPECT_EQ(ErrorOf([&] { plugin->Identify("GetDat"); }), 438);
 }
 
-// The dual interface's record is the host's own, which may end where the last field does.
+// In the dual interface the caller owns the record, which may end with the last field.
 TEST_F(ComponentTest, TheDescriptorIsTheSameRecordThroughBothInterfaces) {
   const ComVariant result = plugin->Invoke(0x60030003, nullptr, 0);
   ASSERT_EQ(result.Get().vt, VT_RECORD);
@@ -113,7 +113,7 @@ TEST_F(ComponentTest, ArgumentsArriveHoweverTheyAreWrapped) {
   ASSERT_EQ(DualOf(*plugin)->MoveMessageDownRem(2, data.Get(), position, reply.Address()), S_OK);
   EXPECT_STREQ(reply.Get(), L"1");
 
-  // By reference, nested twice, under a name in capitals; the last argument comes first.
+  // By reference, nested twice, with the name in capitals; the last argument comes first.
   VARIANT inner = data.Get();
   LONG index = 2;
   const ComVariant one = win32::ToComVariant("1");
@@ -122,7 +122,7 @@ TEST_F(ComponentTest, ArgumentsArriveHoweverTheyAreWrapped) {
   EXPECT_EQ(ToText(win32::ToHostValue(plugin->Invoke(up, values, 3).Get())), "1");
   EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a", "b", "c"}));
 
-  // Omitted at the end, and as a value that says so: the operation asks for it and reports.
+  // Omitted, or passed as the value for "omitted": the operation needs it and reports an error.
   const DISPID remove = plugin->Identify("DeleteMessageRem");
   win32::NumberArgument(2).Put(values[2]);
   plugin->Invoke(remove, values + 1, 2);
@@ -152,7 +152,7 @@ TEST_F(ComponentTest, CallsThatMakeNoSenseAreRefusedWithTheirReason) {
   EXPECT_TRUE(host.logged.empty() && user.boxes.empty());
 }
 
-/// A component whose one member fails: with a result, or with an error of the component's own.
+/// A component whose only member fails: with a result code or with an error of its own.
 class FailingObject final : public win32::CountedObject<IDispatch> {
  public:
   FailingObject(HRESULT result, WORD code, HRESULT scode, const char* description)
@@ -210,7 +210,7 @@ TEST(LateBound, AComponentsErrorReachesTheErrorObjectWithAllThatItTells) {
   }
 }
 
-/// Refuses to create windows of the form's class.
+/// Makes the creation of the form's windows fail.
 LRESULT CALLBACK RefuseForms(int code, WPARAM window, LPARAM) {
   wchar_t name[40] = L"";
   if (code == HCBT_CREATEWND) ::GetClassNameW(reinterpret_cast<HWND>(window), name, 40);
@@ -232,7 +232,7 @@ TEST_F(ComponentTest, OnlyHidingAnswersAFailureToItsCaller) {
   ComPtr<IErrorInfo> info;
   EXPECT_EQ(::GetErrorInfo(0, info.Receive()), S_OK) << "through the dual interface as well";
 
-  Load(2);  // reports instead
+  Load(2);  // this one reports the error
   EXPECT_EQ(host.logged.size(), 1U);
   EXPECT_EQ(user.boxes.size(), 1U);
   ::UnhookWindowsHookEx(hook);
@@ -250,7 +250,7 @@ TEST_F(ComponentTest, TheComponentsAreCalledAsTheCoreCallsThemArgumentForArgumen
   const HostValue arguments[] = {HostValue::Missing{}, "<Gr\xC3\xBC\xC3\x9F>", "0", std::int16_t{5},
                                  std::int32_t{0},      std::int32_t{2},        0.6, "<x>"};
   for (std::size_t i = 0; i < std::size(arguments); ++i) {
-    const bool isLast = i == std::size(kRemoteOperations);  // once more, and it fails
+    const bool isLast = i == std::size(kRemoteOperations);  // repeated, and made to fail
     const RemoteOperation& operation = kRemoteOperations[isLast ? 1 : i];
     if (isLast) host.failAtCall = native.host.failAtCall = 2;
     const HostValue data = testing::ProfileData(2, "JO");
@@ -262,7 +262,7 @@ TEST_F(ComponentTest, TheComponentsAreCalledAsTheCoreCallsThemArgumentForArgumen
       return call.starts_with("Create") || call.starts_with("create");
     });
     for (std::string& call : each->calls) {
-      if (call.starts_with("AppendFile")) call = "AppendFile";  // the day's log has the day's name
+      if (call.starts_with("AppendFile")) call = "AppendFile";  // the log's name contains the date
     }
   }
   EXPECT_EQ(host.calls, native.host.calls);
@@ -318,11 +318,11 @@ TEST_F(ComponentTest, WhatTheComponentsLackIsReportedWithItsNumber) {
     ASSERT_FALSE(user.boxes.empty());
     EXPECT_NE(user.boxes.back().find(text), std::string::npos) << user.boxes.back();
   };
-  siblings.reset();  // no component can be created: nothing to log the error with either
+  siblings.reset();  // no component can be created, so the error cannot be logged either
   startAnew();
   expectBox("Error 429: ");
 
-  // The memory component has other members than it should.
+  // The memory component has other members than expected.
   const auto utilities = host::MakeUtilityObject(*utility);
   const host::ObjectRegistration strange(MemoryComponent::kProgId, host::kMemoryClassId, utilities);
   const host::ObjectRegistration good(UtilityComponent::kProgId, host::kUtilityClassId, utilities);
@@ -332,7 +332,7 @@ TEST_F(ComponentTest, WhatTheComponentsLackIsReportedWithItsNumber) {
   EXPECT_EQ(host.logged.size(), 1U);
   expectBox("Error 438: ");
 
-  // The file-system object refuses: its own number and description arrive.
+  // The file-system object fails: its number and description arrive.
   host.logged.clear();
   HostValue::Array data = *testing::ProfileData(2, "JO").AsArray();
   data[pdat::kSharedLog] = false;
@@ -342,8 +342,8 @@ TEST_F(ComponentTest, WhatTheComponentsLackIsReportedWithItsNumber) {
   EXPECT_EQ(host.logged[0].find("EnableRTRem: 76 "), 0U) << host.logged[0];
 }
 
-/// Makes VARIANTs of every kind, by reference and nested, valid or hardly so. They live as long as
-/// it does.
+/// Makes VARIANTs of every kind, by reference and nested, valid and barely valid. They live as long
+/// as this object.
 class Zoo {
  public:
   explicit Zoo(std::mt19937& random) : random_(random) {}
@@ -396,7 +396,7 @@ TEST_F(ComponentTest, NoCallHoweverMadCrashesItOrTouchesAnotherProfile) {
   constexpr int kCalls = 5000;
   std::mt19937 random(1);
   const std::string others = host.MessageFile(3) = MessageFileBytes({"x"});
-  Load(3);  // known to the plugin, and spoken of by no data below
+  Load(3);  // known to the plugin, but not named in the calls below
   int answered = 0;
   for (int i = 0; i < kCalls; ++i) {
     Zoo zoo(random);
@@ -422,7 +422,7 @@ TEST_F(ComponentTest, NoCallHoweverMadCrashesItOrTouchesAnotherProfile) {
   }
   EXPECT_GT(answered, kCalls / 20) << "the calls hardly ever get through";
   EXPECT_EQ(host.MessageFile(3), others);
-  Show({"a", "b"});  // it works on as if nothing had been
+  Show({"a", "b"});  // it still works
   EXPECT_EQ(Rows(), (std::vector<std::string>{"a", "b"}));
 }
 

@@ -1,4 +1,4 @@
-// The parts of the stand-alone host that only Windows has.
+// The parts of the stand-alone host that exist only on Windows.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace rotacasts::host {
 namespace {
 
 TEST(GameProcesses, ANumberTooLargeForAProcessIsNotCutToAnothersNumber) {
-  constexpr std::int32_t address = 0x10000000;  // a program of 64 bits lies beyond such addresses
+  constexpr std::int32_t address = 0x10000000;  // 64-bit programs are above such addresses
   constexpr std::int32_t value = -123456;
   auto* place = static_cast<std::int32_t*>(::VirtualAlloc(
       reinterpret_cast<void*>(address), sizeof value, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));

@@ -1,5 +1,5 @@
-// Owns a window and waits to be ended, so that Wine's daemons and desktop stay. Writes to the file
-// that its argument names once the window is there.
+// Keeps Wine's daemons and desktop running: owns a window until it is ended. Writes the file named
+// by its argument when the window exists.
 
 #include <cstdio>
 

@@ -1,4 +1,5 @@
-// The DLL's life in its host's process: what keeps it there, whom it meets there, what it leaves.
+// The DLL's life in its host's process: what keeps it loaded, which other libraries it meets, what
+// it leaves behind.
 
 #include <algorithm>
 
@@ -17,8 +18,8 @@ using win32::ComPtr;
 
 class LifetimeTest : public ComponentTest {
  protected:
-  /// A host that has done with the plugin, whatever of it is still on the stack; asks whether the
-  /// DLL may go.
+  /// Acts as a host that is done with the plugin, even if a call is still on the stack, and asks
+  /// whether the DLL can be unloaded.
   const std::function<void()> letGo = [this] {
     host.insideCall = nullptr;
     Call("UnLoadInterface", {""});
@@ -59,7 +60,7 @@ TEST_F(LifetimeTest, AWindowWhoseThreadHasEndedIsMadeAgain) {
       const win32::TextArgument name("");
       name.Put(values[0]);
       values[1] = data.Get();
-      win32::NumberArgument(0).Put(values[2]);  // on the screen itself: no parent takes it along
+      win32::NumberArgument(0).Put(values[2]);  // directly on the screen: no parent destroys it
       win32::NumberArgument(2).Put(values[3]);
       plugin.Invoke(plugin.Identify("LoadInterface"), values, 4);
     }
@@ -75,7 +76,7 @@ TEST_F(LifetimeTest, AWindowWhoseThreadHasEndedIsMadeAgain) {
 TEST_F(LifetimeTest, StartsOnceAlsoWhereAnObjectIsCreatedInsideTheBoxOfItsStart) {
   letGo();
   EXPECT_EQ(mayGo, S_OK);
-  siblings.reset();  // nothing to start with, and nothing to log that with
+  siblings.reset();  // no components: start-up fails and cannot log it
   std::optional<win32::LateBound> second;
   user.insideBox = [&] {
     mayGo = installed.CallEntry("DllCanUnloadNow");
@@ -89,8 +90,8 @@ TEST_F(LifetimeTest, StartsOnceAlsoWhereAnObjectIsCreatedInsideTheBoxOfItsStart)
   EXPECT_NE(Form(), nullptr);
 }
 
-/// The number of an error that is raised and handled inside a second copy of the DLL in this
-/// process, loaded and taken out as COM does.
+/// The number of an error raised and handled inside a second copy of the DLL in this process, which
+/// is loaded and unloaded as COM does it.
 int ErrorInside(const std::string& copy) {
   const HMODULE module = ::LoadLibraryW(win32::ToWide(copy).c_str());
   int number = 0;
@@ -126,8 +127,8 @@ TEST_F(LifetimeTest, HandlesItsErrorsBesideAnotherRuntimeLibraryAndLeavesNothing
   EXPECT_LT(PrivateBytes(), before + (kLives - kToWarmUp) * 256);
 }
 
-/// How far the system's tables of handles are in use. Wine counts no objects for a process, but
-/// gives a freed handle out again before a new one, so what leaks makes the numbers rise.
+/// How full the system's handle tables are. Wine does not count a process's objects, but it reuses
+/// freed handles before it makes new ones, so leaks make the numbers rise.
 struct HandlesInUse {
   DWORD user = 0;
   DWORD drawing = 0;
@@ -140,7 +141,7 @@ struct HandlesInUse {
   }
 };
 
-/// Who holds a component, besides the one who asks.
+/// The number of references to a component, without the one used for counting.
 ULONG References(const char* progId) {
   const win32::LateBound component = win32::LateBound::Create(progId);
   component.Get()->AddRef();
@@ -154,7 +155,7 @@ TEST_F(LifetimeTest, AThousandLivesLeaveNothingBehind) {
   HandlesInUse before;
   HandlesInUse after;
   plugin.reset();
-  EXPECT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK);  // which lets go of the components
+  EXPECT_EQ(installed.CallEntry("DllCanUnloadNow"), S_OK);  // which releases the components
   const ULONG references = References(MemoryComponent::kProgId);
   for (int round = 0; round < kRounds; ++round) {
     plugin.emplace(testing::InstalledPlugin::Create());

@@ -1,4 +1,4 @@
-// The settings window as a person has it before them: real controls, real input.
+// The settings window as a user sees it: real controls, real input.
 
 #include <oleacc.h>
 
@@ -52,7 +52,7 @@ TEST_F(RealWindowTest, LiesInTheHostsAreaWithEveryControlInItsPlace) {
     ::MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&area), 2);
     EXPECT_NE(::EqualRect(&area, &expected), FALSE) << what << area.right << " " << area.bottom;
   };
-  expectPlace(Form(), frame->Get(), {2, 30, 748, 430}, "area");  // less the host's heading
+  expectPlace(Form(), frame->Get(), {2, 30, 748, 430}, "area");  // without the host's heading
   const auto pixels = [](std::int32_t twips) { return std::lround(twips / 15.0); };
   const auto all = layout::Controls();
   for (const layout::ControlRow& row : all) {
@@ -68,7 +68,7 @@ TEST_F(RealWindowTest, LiesInTheHostsAreaWithEveryControlInItsPlace) {
     LOGFONTW look{};
     ::GetObjectW(font, sizeof look, &look);
     EXPECT_STREQ(look.lfFaceName, L"Tahoma") << row.name;
-    // 8.25 points; a label of this machine's font is smaller where its line would not fit.
+    // 8.25 points; a label may be smaller if its line would not fit in this machine's font.
     const bool isLabel = row.kind == forms::Kind::Label;
     EXPECT_EQ(look.lfHeight, isLabel ? std::max(look.lfHeight, -11L) : -11) << row.name;
     EXPECT_TRUE(!isLabel || win32::TextWidth(font, row.text) <= row.bounds.width / 15) << row.name;
@@ -124,8 +124,8 @@ TEST_F(RealWindowTest, AReleaseBelongsToItsPressAndALostPressShowsTheButtonRelea
   EXPECT_EQ(user.boxes, Texts{"Failed!|Message Box is empty!"});
 }
 
-/// Takes the place of the system's service that names windows for accessibility clients: of
-/// IAccPropServices, in its order, what is called.
+/// Replaces the system's service that names windows for accessibility clients: the methods of
+/// IAccPropServices, in order, of which two are called.
 class NamesService final : public IUnknown {
  public:
   HRESULT WINAPI QueryInterface(REFIID, void** object) override {
@@ -155,7 +155,7 @@ class NamesService final : public IUnknown {
 
 TEST_F(RealWindowTest, ScreenReadersFindANameForEachControl) {
   NamesService service;
-  // The factory asks for what every object has, whatever else it is.
+  // The factory only uses IUnknown, whatever interface this is.
   const auto factory =
       host::MakeFactory(win32::ComPtr<IDispatch>::Take(reinterpret_cast<IDispatch*>(&service)));
   DWORD cookie = 0;
@@ -268,9 +268,9 @@ TEST_F(RealWindowTest, TheSwitchAndTheIntervalAreStoredAsTheyAreChanged) {
   TypeKeys("5");
   expectStored("1", "15");
   PressKey(VK_BACK);
-  TypeKeys("x");  // no number: put back
+  TypeKeys("x");  // not a number: the old text is restored
   EXPECT_EQ(TextOf("txtInterval"), "1");
-  TypeKeys("5");  // over what was put back
+  TypeKeys("5");  // replaces the restored text
   expectStored("1", "5");
 }
 
@@ -286,7 +286,7 @@ void CALLBACK CancelMenu(HWND owner, UINT, UINT_PTR, DWORD) {
 
 TEST_F(RealWindowTest, TheKeyboardFindsItsWay) {
   Show({"a"});
-  // The menu key opens what the entry box opens by itself.
+  // The menu key opens the entry box's standard menu.
   const HWND entry = Control("txtMessage");
   ::SetTimer(entry, 1, 50, &CancelMenu);
   ::SendMessageW(entry, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(entry), -1);

@@ -1,4 +1,4 @@
-// A script as a caller of the plugin, in a process that nobody here wrote.
+// A script that calls the plugin from a process that is not part of this project.
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ std::string ContentsOf(const fs::path& file) {
   return text.str();
 }
 
-/// Runs a command for at most half a minute; what it printed.
+/// Runs a command for at most half a minute; returns its output.
 std::string OutputOf(const std::wstring& command) {
   const fs::path file = "C:\\Host\\output.txt";
   std::wstring redirected = L"cmd.exe /c " + command + L" >" + file.wstring();

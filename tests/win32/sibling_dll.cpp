@@ -1,5 +1,5 @@
-// Both sibling components as a DLL, for a process that nobody here wrote: the stand-alone host's
-// own, with C:\Host as the host folder.
+// Both sibling components as a DLL, for processes that are not part of this project: those of the
+// stand-alone host, with C:\Host as the host folder.
 
 #include "com/registry.h"
 #include "com/win32_platform.h"
@@ -23,7 +23,7 @@ constexpr std::pair<const wchar_t*, const char*> kClasses[] = {
 }  // namespace
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID id, void** object) {
-  static Siblings* const siblings = new Siblings;  // until the process ends
+  static Siblings* const siblings = new Siblings;  // kept until the process ends
   CLSID memory;
   ::CLSIDFromString(host::kMemoryClassId, &memory);
   const auto sibling = IsEqualCLSID(classId, memory) ? host::MakeMemoryObject(*siblings->memory)

@@ -6,14 +6,14 @@
 #include "forms/win32/gdi.h"
 #include "ui/layout.h"
 
-#include <psapi.h>  // needs the types of the system's main header
+#include <psapi.h>  // needs the types of windows.h
 
 namespace rotacasts::testing {
 namespace {
 
 using win32::ComVariant;
 
-constexpr int kFirstControl = 1000;  // the controls' identifiers go on in their order
+constexpr int kFirstControl = 1000;  // the controls' identifiers follow in their order
 
 }  // namespace
 

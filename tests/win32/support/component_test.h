@@ -1,5 +1,4 @@
-// A host process for the DLL: fakes for the sibling components, a frame window, a person at the
-// screen.
+// A host process for the DLL: fakes for the sibling components, a frame window, a simulated user.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,7 +10,7 @@
 
 namespace rotacasts::testing {
 
-/// The host's own window, which the settings window is put into.
+/// The host's window, which the settings window is put into.
 class Frame {
  public:
   Frame();
@@ -24,7 +23,7 @@ class Frame {
   HWND window_;
 };
 
-/// A VARIANT that refers to what is there.
+/// A VARIANT that refers to `target`.
 inline VARIANT ReferenceTo(VARTYPE kind, void* target) {
   VARIANT value;
   ::VariantInit(&value);
@@ -33,29 +32,29 @@ inline VARIANT ReferenceTo(VARTYPE kind, void* target) {
   return value;
 }
 
-/// What this process has taken of the system's memory for itself.
+/// The private memory of this process, in bytes.
 std::size_t PrivateBytes();
 
-/// Each test begins with a plugin of no state, and ends by asserting that nothing holds the DLL.
+/// Each test starts with a new plugin and ends with a check that nothing holds the DLL.
 class ComponentTest : public ::testing::Test {
  protected:
   ~ComponentTest() override;
 
-  /// Calls a member by its name; what it raises is raised here.
+  /// Calls a member by name. Errors: those of the member.
   HostValue Call(const char* member, std::vector<HostValue> arguments) const;
   void Load(std::int32_t index, const std::string& gameCode = "JO") const;
 
   /// Shows profile 2 with these messages.
   void Show(const std::vector<std::string>& messages);
 
-  /// The settings window; null while it is not in the frame.
+  /// The settings window; null if it is not in the frame.
   HWND Form() const;
-  /// The window of a control of the layout; null, and a failure, when there is none.
+  /// The window of a control in the layout; null, and a test failure, if there is none.
   HWND Control(std::string_view name) const;
   HWND AddButton() const;
   std::string TextOf(std::string_view control) const;
   std::vector<std::string> Rows() const;
-  /// Clicks a row of the list with the right button.
+  /// Right-clicks a row of the list.
   void RightClickRow(int row) const;
 
   InstalledPlugin& installed = Installed();

@@ -24,7 +24,7 @@ InstalledPlugin::InstalledPlugin() {
   fs::create_directories(host / "Plugins");
   fs::copy_file(OwnFolder() / "tvxRT.dll", host / "Plugins" / "tvxRT.dll",
                 fs::copy_options::overwrite_existing);
-  // Whether a file exists is the system's word, what is in it the fakes'.
+  // The real files only exist; the fakes have the contents.
   for (const char* profile : {"srv1", "srv2", "srv3"}) {
     const fs::path settings = host / "profiles" / profile / "settings";
     fs::create_directories(settings);

@@ -16,12 +16,11 @@ HRESULT CallEntryOf(HMODULE module, const char* name, Arguments... arguments) {
       arguments...);
 }
 
-/// The folder that the test program lies in.
+/// The test program's folder.
 std::filesystem::path OwnFolder();
 
-/// Copies the DLL that lies beside the test program into a host folder, and registers it, with COM
-/// initialised, for as long as the object lives. The folders of the profiles 1 to 3 are there, each
-/// with an empty message file.
+/// Copies the DLL next to the test program into a host folder and registers it, with COM
+/// initialised, while the object exists. Profiles 1 to 3 have folders with empty message files.
 class InstalledPlugin {
  public:
   InstalledPlugin();
@@ -30,21 +29,21 @@ class InstalledPlugin {
   InstalledPlugin& operator=(const InstalledPlugin&) = delete;
 
   std::string File() const { return hostFolder_ + "\\Plugins\\tvxRT.dll"; }
-  /// Calls an entry point; E_NOTIMPL when there is none of that name.
+  /// Calls an entry point; E_NOTIMPL if there is none of that name.
   template <class... Arguments>
   HRESULT CallEntry(const char* name, Arguments... arguments) const {
     return CallEntryOf(module_, name, arguments...);
   }
 
-  /// A new object of the plugin's class, by its programmatic identifier.
+  /// Creates an object of the plugin's class by its programmatic identifier.
   static win32::LateBound Create() { return win32::LateBound::Create("tvxRT.clsPlugin"); }
 
  private:
-  const std::string hostFolder_ = "C:\\Host";  // as the fakes have it
+  const std::string hostFolder_ = "C:\\Host";  // the same as the fakes'
   HMODULE module_ = nullptr;
 };
 
-/// The one installation that the program's tests share.
+/// The installation that all tests of the program share.
 InstalledPlugin& Installed();
 
 }  // namespace rotacasts::testing

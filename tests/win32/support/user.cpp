@@ -7,7 +7,7 @@
 namespace rotacasts::testing {
 namespace {
 
-AnsweringUser* theUser = nullptr;  // a thread's hook knows no object
+AnsweringUser* theUser = nullptr;  // a hook gets no object
 
 constexpr UINT kAnswer = WM_APP + 1;
 
@@ -89,15 +89,15 @@ void CALLBACK AnsweringUser::PressOk(HWND box, UINT, UINT_PTR timer, DWORD) {
 void AnsweringUser::Answer(HWND box) {
   constexpr int kTextOfMessageBox = 0xFFFF;
   boxes.push_back(win32::TextOf(box) + "|" + win32::TextOf(::GetDlgItem(box, kTextOfMessageBox)));
-  // In the box's own message loop, as a person would.
+  // In the box's own message loop, like a real user.
   ::SetTimer(box, kAnswer, 0, PressOk);
 }
 
-/// Finds out which keys lead to the wanted item. Down passes over separators; a popup menu opens
-/// with nothing selected, a submenu with its first item.
+/// Finds the keys that lead to the wanted item. Down skips separators. A popup menu opens without a
+/// selection, a submenu with its first item selected.
 void AnsweringUser::Choose(HMENU menu) {
   std::vector<std::string>& seen = menus.emplace_back();
-  int at = 0;  // how many items down the wanted one is
+  int at = 0;  // the number of items down to the wanted one
   int items = 0;
   for (int i = 0; i < ::GetMenuItemCount(menu); ++i) {
     const UINT state = ::GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION);
@@ -118,7 +118,7 @@ void AnsweringUser::Choose(HMENU menu) {
   keys_.push_back(inSubmenu_ ? VK_RIGHT : VK_RETURN);
 }
 
-/// The menu waits for input.
+/// Called when the menu waits for input.
 void AnsweringUser::PressKeys(HWND owner) {
   if (const auto act = std::exchange(insideMenu, nullptr)) act();
   for (const WPARAM key : std::exchange(keys_, {})) ::PostMessageW(owner, WM_KEYDOWN, key, 0);

@@ -1,4 +1,4 @@
-// A person at the screen: moves the mouse, types, answers message boxes, chooses from menus.
+// A simulated user: moves the mouse, types, answers message boxes, chooses from menus.
 #pragma once
 
 #include <functional>
@@ -9,20 +9,20 @@
 
 namespace rotacasts::testing {
 
-/// Runs the message loop until the condition holds; whether it did within ten seconds.
+/// Runs the message loop until the condition holds; false if it does not within ten seconds.
 bool PumpUntil(const std::function<bool()>& condition);
-/// Handles what waits in the queue now.
+/// Handles the messages that are in the queue now.
 void PumpWaiting();
 
-/// Presses and releases a button of the mouse over the middle of a window, with real input.
+/// Presses and releases a mouse button over the middle of a window, with real input.
 void ClickMouse(HWND window, bool right = false);
-/// Presses and releases keys, with real input. `shift` holds the shift key meanwhile.
+/// Presses and releases keys, with real input; holds the shift key if `shift`.
 void PressKey(BYTE key, bool shift = false);
-/// Types a text of letters and digits, with real input.
+/// Types letters and digits, with real input.
 void TypeKeys(const std::string& text);
 
-/// Watches the thread's dialogs and menus while it lives. Answers every message box with its OK
-/// button, and every popup menu as it was told.
+/// Watches the thread's dialogs and menus while it exists. Answers every message box with its OK
+/// button and every popup menu as told.
 class AnsweringUser {
  public:
   AnsweringUser();
@@ -30,7 +30,7 @@ class AnsweringUser {
   AnsweringUser(const AnsweringUser&) = delete;
   AnsweringUser& operator=(const AnsweringUser&) = delete;
 
-  /// The next popup menu is answered with these items, one a level; with none it is cancelled.
+  /// Chooses these items, one for each level, in the next popup menu; cancels it if there are none.
   void WillChoose(std::vector<std::string> captions) { wanted_ = std::move(captions); }
 
   /// The message boxes so far: "title|text".
@@ -39,7 +39,7 @@ class AnsweringUser {
   std::function<void()> insideBox;
   /// Runs once, while a popup menu waits for input.
   std::function<void()> insideMenu;
-  /// The popup menus so far, an item each: its caption, in brackets when it is disabled.
+  /// The items of the popup menus so far: captions, in parentheses if disabled.
   std::vector<std::vector<std::string>> menus;
 
  private:
@@ -51,7 +51,7 @@ class AnsweringUser {
 
   HHOOK hook_;
   std::vector<std::string> wanted_;
-  std::vector<WPARAM> keys_;  // that answer the menu which is open
+  std::vector<WPARAM> keys_;  // that answer the open menu
   bool inSubmenu_ = false;
 };
 

@@ -1,5 +1,4 @@
-// GoogleTest for a compiler without the standard library's threads: what it uses of them serves its
-// own tests only.
+// Lets GoogleTest compile without the standard library's threads, which only its own tests need.
 #pragma once
 
 #define GTEST_HAS_NOTIFICATION_ 1
