@@ -1,4 +1,4 @@
-"""The programs: a simulated game server, the host that serves it, and the end of either."""
+"""The programs: a simulated game server, the host that serves it, and how each of them ends."""
 
 import os
 import shlex
@@ -32,7 +32,7 @@ class EndToEnd(unittest.TestCase):
         return self.start(Program, HOST, command, "--host-folder", self.folder, *minute)
 
     def expect(self, program, *texts):
-        """The program prints these texts, in this order."""
+        """Expects the program to print these texts, in this order."""
         for text in texts:
             self.assertTrue(program.prints(text), text)
 
@@ -42,7 +42,7 @@ class EndToEnd(unittest.TestCase):
         messages = message_file(texts)
         self.profile(1, "DFBHD", hawk.id, hawk.port, messages)
         self.profile(2, "JO", joint.id, joint.port, messages)
-        far = joint.id + 2**32  # cut to 32 bits, this would be the id of a process that there is
+        far = joint.id + 2**32  # truncated to 32 bits, this would be the id of an existing process
         self.profile(3, "JO", far, joint.port, messages)
         host = self.host()
         self.expect(host, f"profile 3 (srv3): the game server has ended (process {far})")
@@ -85,7 +85,7 @@ class EndToEnd(unittest.TestCase):
         server = self.server("JO")
         self.profile(1, "JO", server.id, server.port, message_file(["Hello"]))
         host = self.host()
-        for _ in range(300):  # far more than a pipe holds, and unread
+        for _ in range(300):  # far more than a pipe holds, and nobody reads it
             host.write("help\n")
         host.write("messages 1\nadd 1 x")  # the last line needs no line feed
         host.process.stdin.close()
@@ -95,7 +95,7 @@ class EndToEnd(unittest.TestCase):
         host.process.send_signal(SIGHUP)
         self.expect(host, "added: profile 2")
         host.process.stdout.close()
-        host.process.send_signal(SIGHUP)  # it prints to nobody
+        host.process.send_signal(SIGHUP)  # nobody reads what it prints
         self.expect(server, "Hello", "Hello")
         self.assertEqual(host.end(SIGTERM), 0)
 
@@ -130,7 +130,7 @@ class EndToEnd(unittest.TestCase):
         host = self.host()
         self.expect(host, "profiles started: 1")
         for version in range(1, 61):
-            end = f"end-{version}"  # no verb, and answered as none
+            end = f"end-{version}"  # not a command, and answered as such
             host.write(f"add 1 x\nenable 1 0\ndelete 1 201\ninterval 1 5\n{end}\n")
             time.sleep(version * 7919 % 9000 / 1e6)
             messages = message_file([end] * 200)
@@ -148,11 +148,11 @@ class EndToEnd(unittest.TestCase):
         messages = message_file(["{\x1B[2J}§31m\tGrüße", "{ShowNextMap}"])
         self.profile(1, "JO", 1, 4001, b"\xFF\xFE[")
         self.profile(2, "JO", 1, 4002)
-        messages = messages.replace("§".encode("cp1252"), b"\x9D")  # no letter of Windows-1252
+        messages = messages.replace("§".encode("cp1252"), b"\x9D")  # not a Windows-1252 letter
         self.profile(3, "DFX2", server.id, server.port, messages)
         self.profile(4, "JO", 1, "\x1B]")
         self.profile(5, "JO", 1, 4003)
-        (self.folder / "profiles/srv5/settings").mkdir()  # and no message file in it
+        (self.folder / "profiles/srv5/settings").mkdir()  # without a message file
         before = set(self.folder.rglob("*"))
         for command, says in (
                 ("preview", ("srv1/settings/Rotacasts.ini is a UTF-16 file",

@@ -1,6 +1,6 @@
-"""Kills the stand-alone host, over and over, while it carries out a stream of changes, and counts
-what that has cost: texts that are gone, lists that are neither as before a change nor as after it,
-commands that were refused afterwards. All three are to be none.
+"""Kills the stand-alone host again and again while it processes a stream of changes, and counts the
+damage: lost texts, lists that match the state neither before nor after a change, and refused
+commands. All three counts should be 0.
 Usage: torture.py KILLS [SEED]"""
 
 import random
@@ -21,7 +21,7 @@ class Torture:
         self.folder, self.random = folder, random.Random(seed)
         self.file = Path(folder, "profiles/srv1/settings/Rotacasts.ini")
         self.lost = self.half = self.refused = self.changes = self.logged = self.texts = 0
-        self.wait = 30000  # microseconds, at most: so that a kill comes anywhere in the stream
+        self.wait = 30000  # at most, in microseconds; adjusted so that kills hit any place in the stream
         self.list = [self.new_text() for _ in range(MESSAGES)]  # as found after the last round
         add_profile(folder, 1, "JO", "no-such-program", 4001, message_file(self.list))
 
@@ -30,7 +30,7 @@ class Torture:
         return f"text {self.texts}"
 
     def round(self):
-        self.states = [self.list]  # that it goes through in this round
+        self.states = [self.list]  # the list's states in this round
         commands = [self.change() for _ in range(COMMANDS_A_ROUND)]
         host = Program(HOST, "run", "--host-folder", self.folder)
         host.prints("profiles started")
@@ -51,7 +51,7 @@ class Torture:
         self.look(told)
 
     def change(self):
-        """A command; what is to become of the list by it is the next state."""
+        """Returns a command and adds the list's state after it to the states."""
         texts = self.states[-1].copy()
         verbs = ["add"] if len(texts) < MESSAGES / 2 else ["add", "delete", "up", "down"]
         verb, upper = self.random.choice(verbs), self.random.randrange(len(texts) - 1)
@@ -67,8 +67,8 @@ class Torture:
         return f"{verb} 1 {what}\n"
 
     def look(self, told):
-        """The list is as it was after one of the changes: one that was told of or a later one, and
-        one that is in the log or the very next."""
+        """Checks that the list is in the state after one of the changes: at least the last reported and
+        logged ones, at most the one after the last logged."""
         stored = self.file.read_bytes() if self.file.exists() else b""
         logs = Path(self.folder, "profiles/srv1/adminlogs").glob("*")
         lines = sum(log.read_bytes().count(b"\n") for log in logs)

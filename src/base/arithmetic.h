@@ -8,7 +8,7 @@
 namespace rotacasts {
 
 /// A 32-bit signed number, such as an address in a game server's process. A sum, difference or
-/// product that leaves the range raises error 6, so formulas need no checks of their own.
+/// product that leaves the range raises error 6, so formulas need no extra checks.
 class Checked {
  public:
   constexpr Checked(std::int32_t value) : value_(value) {}  // NOLINT: plain numbers mix in freely

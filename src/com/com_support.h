@@ -49,7 +49,7 @@ class ComPtr {
   Interface* object_ = nullptr;
 };
 
-/// IUnknown for an object with one interface. Whoever creates the object holds its first reference.
+/// IUnknown for an object with one interface. The creator holds its first reference.
 template <class Interface>
 class CountedObject : public Interface {
  public:

@@ -1,6 +1,6 @@
 #include "com/registry.h"
 
-#include <shlwapi.h>  // needs the types of the system's main header
+#include <shlwapi.h>  // needs the types of windows.h
 
 namespace rotacasts::win32 {
 

@@ -13,7 +13,7 @@
 
 namespace rotacasts::forms {
 
-/// A menu item; one with items of its own is a (sub)menu. The caption "-" makes a separator.
+/// A menu item; one that has items is a (sub)menu. The caption "-" makes a separator.
 class MenuItem {
  public:
   MenuItem(Form& form, std::string itemName, std::string itemCaption)

@@ -1,5 +1,5 @@
-// The plugin inside this program, without a screen. Each profile has an instance of its own, so
-// that each follows its own switch and interval.
+// The plugin inside this program, without a screen. Each profile has a separate instance, so that
+// each follows its own switch and interval.
 #pragma once
 
 #include <chrono>

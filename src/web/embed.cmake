@@ -8,7 +8,7 @@ foreach(row "/|index.html|text/html; charset=utf-8" "/page.css|page.css|text/css
   list(GET cells 1 file)
   string(REGEX REPLACE "^[^|]*\\|[^|]*\\|" "" type "${row}")
   file(READ ${FOLDER}/${file} text)
-  # A literal has a limit; neighbours become one.
+  # String literals have a maximum length; adjacent ones are joined.
   string(REGEX REPLACE "\n\n" "\n)=====\" R\"=====(\n" text "${text}")
   string(APPEND rows "    {\"${path}\", \"${type}\", R\"=====(${text})=====\"},\n")
 endforeach()

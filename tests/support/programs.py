@@ -1,4 +1,4 @@
-"""The programs that a test starts, and the profiles that it gives them."""
+"""Starts programs for tests and writes their profiles."""
 
 import os
 import select
@@ -8,12 +8,12 @@ import time
 
 PROGRAMS = os.environ["ROTACASTS_PROGRAMS"]
 HOST, SIMULATOR = PROGRAMS + "/rotacasts-host", PROGRAMS + "/game-server-sim"
-# What is started with these words ends with the test, however that ends.
+# A program started with these words ends with the test, even if the test is killed.
 WITH_TEST = ("setpriv", "--pdeathsig", "KILL")
 
 
 class Program:
-    """Its input and its output, errors included, are pipes. Nothing is read unless asked for."""
+    """A program whose input and output, including errors, are pipes. Reads only on request."""
 
     def __init__(self, *command):
         self.process = subprocess.Popen(
@@ -25,7 +25,7 @@ class Program:
         self.process.stdin.write(text.encode())
 
     def read_line(self, seconds=10):
-        """The next line; None at the end of the output or after that time without one."""
+        """The next line; None at the end of the output or if none comes in time."""
         output = self.process.stdout
         while b"\n" not in self.unread:
             more = output.read(65536) if select.select([output], [], [], seconds)[0] else b""
@@ -36,7 +36,7 @@ class Program:
         return line.decode()
 
     def prints(self, text, seconds=30):
-        """Reads on up to the line that holds the text; that line, or None if it does not come."""
+        """Reads up to the line that contains the text; returns it, or None if it does not come."""
         end = time.monotonic() + seconds
         while (left := end - time.monotonic()) > 0:
             line = self.read_line(left)
@@ -45,7 +45,7 @@ class Program:
         return None
 
     def end(self, sent=None):
-        """Sends the signal, if any; the exit status, or minus the signal that ended the program."""
+        """Sends the signal, if any, and waits. Returns the exit status, or minus the signal that ended it."""
         if sent is not None:
             self.process.send_signal(sent)
         return self.process.wait(30)
@@ -57,7 +57,7 @@ class Program:
 
 
 class Server(Program):
-    """A simulated game server, which prints what it is told."""
+    """A simulated game server, which prints the chat that it receives."""
 
     def __init__(self, code="JO", program=SIMULATOR, *options):
         super().__init__(program, "--game-code", code, "--seed", 3, *options)
@@ -71,7 +71,7 @@ def message_file(messages, interval=1):
 
 
 def add_profile(host_folder, index, code, process, target, messages=None):
-    """`messages` is what the message file holds; without it there is none."""
+    """Writes a profile. `messages` are the contents of its message file; None for no file."""
     folder = f"{host_folder}/profiles/srv{index}"
     os.makedirs(folder)
     with open(folder + "/profile.ini", "w", newline="\r\n") as file:

@@ -1,4 +1,4 @@
-"""What the host answers to whom, without a browser."""
+"""What the host answers, and to whom, without a browser."""
 
 import http.client
 import json
@@ -79,7 +79,7 @@ class Api(unittest.TestCase):
             for kind in (None, "text/plain", "application/x-www-form-urlencoded"):
                 self.expect(415, "type", method, path, body, Content_Type=kind)
             self.expect(413, "long", method, path, b'{"text":"' + b"x" * 17000 + b'"}')
-            with self.assertRaises(OSError):  # nobody reads an endless one to its end
+            with self.assertRaises(OSError):  # the host does not read an endless body to its end
                 self.ask(method, path, b"x" * 9_000_000)
             for words in (b"", b"[]", b"{", b'{"text":"\xff"}', b'{"text":"\xed\xa0\x80"}', b"[" * 9000):
                 self.expect(400, "form", method, path, words)
@@ -143,13 +143,13 @@ class Changes(unittest.TestCase):
             sockets[-1].sendall(line.encode())
         for end in [one.recv(100) for one in sockets[:100]]:
             self.assertIn(b"200", end)
-        while self.host.server.read_line(0):  # what it was told before
+        while self.host.server.read_line(0):  # earlier chat
             pass
         begin = time.time()
         for text in ("Hello", "[Next Map]", "Grüße") * 3:
             self.assertTrue(self.host.server.prints(text, 3))
         self.assertLess(time.time() - begin, 6)
-        for _ in range(100):  # more than one address may have; another one is still served
+        for _ in range(100):  # more than the limit of one address; another address is still served
             sockets.append(socket.create_connection(("127.0.0.1", self.host.port)))
         with self.assertRaises(OSError):
             self.host.ask("GET", "/api/session")
@@ -183,7 +183,7 @@ class SigningIn(unittest.TestCase):
                 status, _ = self.host.sign_in(name, "wrong", X_Forwarded_For=f"10.0.{len(name)}.{i}")
                 took.append(time.time() - begin)
                 self.assertEqual(status, 401)
-        known, unknown = (min(took) for took in times.values())  # as the machine's load lets them
+        known, unknown = (min(took) for took in times.values())  # the minimum, because the machine may be busy
         self.assertLess(abs(known - unknown), 0.4 * known, times)
         body, statuses, wait = {"name": "Anna", "password": "wrong"}, [], 0
         while wait < 4 and len(statuses) < 12:  # each slower than the last
@@ -206,7 +206,7 @@ class SigningIn(unittest.TestCase):
                                                    f"SameSite=Strict{secure}$")
         sessions = [self.host.sign_in("Anna")[1] for _ in range(2)]
         once = self.host.sign_in("Anna")[1]
-        self.host.sign_in("Anna", Cookie=once)  # takes the place of the session that there was
+        self.host.sign_in("Anna", Cookie=once)  # replaces the earlier session
         state = lambda cookie: self.host.ask("GET", "/api/session", None, cookie)[0]
         self.assertNotEqual(*sessions)
         self.host.ask("DELETE", "/api/session", {}, sessions[0])
@@ -221,13 +221,13 @@ class SigningIn(unittest.TestCase):
         file = self.host.folder + "/settings/admins.ini"
         with open(file) as admins:
             text = admins.read()
-        for line, status in ((f"Rights={CHANGE}", 403), ("Profiles=2", 404)):  # by hand, signed in
+        for line, status in ((f"Rights={CHANGE}", 403), ("Profiles=2", 404)):  # edited by hand while signed in
             with open(file, "w") as admins:
                 admins.write(text.replace(line, line.split("=")[0] + "="))
             time.sleep(1.1)
             self.assertEqual((change(), state(ben)), (status, 401))
         os.remove(file)
-        os.mkdir(file)  # it cannot be read: nobody may, and the host goes on
+        os.mkdir(file)  # unreadable: nobody may sign in, and the host goes on
         time.sleep(1.1)
         self.assertEqual((change(), self.host.sign_in("Eve")[0]), (401, 401))
 

@@ -1,4 +1,4 @@
-"""A headless Chromium with the page open, driven as a person would."""
+"""A headless Chromium with the page, driven like a user drives it."""
 
 import os
 import shutil

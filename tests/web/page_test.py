@@ -70,7 +70,7 @@ class Page(unittest.TestCase):
         page, other = self.open(), self.open()
         for one in (page, other):
             one.lists(*LIST)
-        # The other's click is on its way while the list changes.
+        # Delays the other's request until the list has changed.
         other.js("const real = fetch; window.fetch = (...request) => new Promise((go) => {"
                  " window.letGo = () => { window.fetch = real; go(real(...request)); }; })")
         other.row(0, "delete")

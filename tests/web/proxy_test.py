@@ -1,4 +1,4 @@
-"""The page over TLS, by nginx as docs/help/page.md tells."""
+"""The page over TLS, through nginx as docs/help/page.md describes it."""
 
 import http.client
 import os
@@ -74,13 +74,13 @@ class Proxy(unittest.TestCase):
         events = connection.getresponse()
         while events.readline() != b"event: ready\n":
             pass
-        for text in ("One", "Two"):  # each arrives while the answer goes on
+        for text in ("One", "Two"):  # each arrives while the answer continues
             begin = time.time()
             self.host.ask("POST", "/api/profiles/2/messages", {"text": text}, cookie)
             while text.encode() not in events.readline():
                 pass
             self.assertLess(time.time() - begin, 5)
-        self.client = "127.0.0.2"  # slowed down, whatever it says of itself
+        self.client = "127.0.0.2"  # slowed down, whatever address it claims
         answers = [self.host.sign_in("Anna", "wrong", X_Forwarded_For=f"10.9.9.{i}")[0] for i in range(5)]
         self.assertIn(429, answers)
         self.client = "127.0.0.1"

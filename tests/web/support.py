@@ -1,4 +1,4 @@
-"""A host with the page, simulated game servers and people, for the tests of both."""
+"""A host with the page, simulated game servers and administrators, for both web tests."""
 
 import http.client
 import json
@@ -16,8 +16,8 @@ ADD, CHANGE = "Add/Remove Rotacasts", "Change Rotacasts Settings"
 
 
 class Host:
-    """Profile 2 is served, profile 3 has no server. Anna may do everything, Eve only change the
-    settings of profile 2, Ben only look at profile 3."""
+    """A host whose profile 2 has a server and profile 3 none. Anna may do everything, Eve may only
+    change the settings of profile 2, and Ben may only look at profile 3."""
 
     def __init__(self, *options, messages=("Hello", "{ShowNextMap}", "Grüße"), interval=1):
         self.folder = tempfile.mkdtemp(prefix="rotacasts-")
@@ -71,7 +71,7 @@ class Host:
         return http.client.HTTPConnection("127.0.0.1", self.port, timeout=20)
 
     def ask(self, method, path, body=None, cookie=None, **headers):
-        """Status, headers and JSON of an answer; a header given as None is left out."""
+        """Sends a request; returns status, headers and JSON. A header given as None is left out."""
         sent = {"Origin": self.url.rstrip("/"), "Content-Type": "application/json",
                 "Cookie": cookie, **{name.replace("_", "-"): value for name, value in headers.items()}}
         data = body if isinstance(body, bytes) or body is None else json.dumps(body)
@@ -84,7 +84,7 @@ class Host:
         return answer.status, answer.headers, json.loads(text) if isJson and text else text
 
     def events(self, cookie, profile=2):
-        """The events that there are at once, by kind."""
+        """The events that arrive at once, by kind."""
         connection = self.connect()
         connection.request("GET", f"/api/events?profile={profile}", None, {"Cookie": cookie})
         answer, found = connection.getresponse(), {}
@@ -102,7 +102,7 @@ class Host:
 
 
 class Document:
-    """docs/web.md: the routes, and the form of each answer."""
+    """The routes and the form of each answer in docs/web.md."""
 
     def __init__(self, path):
         with open(path, encoding="utf-8") as file:

@@ -152,7 +152,7 @@ TEST_F(ComponentTest, CallsThatMakeNoSenseAreRefusedWithTheirReason) {
   EXPECT_TRUE(host.logged.empty() && user.boxes.empty());
 }
 
-/// A component whose only member fails: with a result code or with an error of its own.
+/// A component whose only member fails, with a result code or its own error.
 class FailingObject final : public win32::CountedObject<IDispatch> {
  public:
   FailingObject(HRESULT result, WORD code, HRESULT scode, const char* description)

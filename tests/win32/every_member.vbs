@@ -1,6 +1,6 @@
-' Calls every member of the plugin as a script does: by name, in any letter case, with literals,
-' variables, arrays and omitted arguments. An error that nobody handles ends a script in silence, so
-' the last line, and no other, says that all has been gone through and answered.
+' Calls every member of the plugin as scripts do: by name, in any letter case, with literals,
+' variables, arrays and omitted arguments. An unhandled error ends a script silently, so only the
+' last line shows that every call was made and answered.
 Option Explicit
 
 Dim plugin

@@ -1,4 +1,4 @@
-// The names that screen readers read for controls that have no text of their own.
+// The names that screen readers read for controls without text.
 #pragma once
 
 #include <oleacc.h>

@@ -151,7 +151,8 @@ class Replacement {
     beside_ = name;
     if (exists && ::fchown(file.Get(), status.st_uid, status.st_gid) != 0 &&
         ::fchown(file.Get(), static_cast<uid_t>(-1), status.st_gid) != 0) {
-      // This user may change neither. Whoever had access by the file's mode still has it.
+      // This user may change neither. The file's mode still gives everybody the access that they
+      // had.
     }
     const mode_t mask = ::umask(0);
     ::umask(mask);

@@ -1,23 +1,23 @@
-// The page: follows the host by server-sent events and asks it for changes. Texts of players and
-// messages go into the page as text, never as markup.
+// The page: follows the host through server-sent events and asks it for changes. Texts of players
+// and messages are inserted as text, never as markup.
 
 const $ = (id) => document.getElementById(id);
 const kAdd = "Add/Remove Rotacasts";
 const kChange = "Change Rotacasts Settings";
-const kWindowLetters = 60; // what the plugin's own window shows of a message
+const kWindowLetters = 60; // of a message, shown in the plugin's window
 const kUndoSeconds = 10;
-const kSilenceSeconds = 40; // the host says something every 15
+const kSilenceSeconds = 40; // the host sends something every 15
 const kWesternSigns = "€‚ƒ„…†‡ˆ‰Š‹ŒŽ‘’“”•–—˜™š›œžŸ";
 
-const rows = new Map(); // of the profiles, by index
+const rows = new Map(); // profiles by index
 let person = null;
-let chosen = 0; // the profile that is shown
+let chosen = 0; // the profile shown
 let list = null; // its messages
-let clockSkew = 0; // the host's clock less this one, ms
+let clockSkew = 0; // the host's clock minus this one, ms
 let source = null;
 let silence = 0;
 
-/** An element with attributes and children; a child that is a string is text. */
+/** Makes an element with attributes and children; strings become text. */
 function el(tag, attributes = {}, ...children) {
   const element = document.createElement(tag);
   for (const [name, value] of Object.entries(attributes)) {
@@ -29,7 +29,7 @@ function el(tag, attributes = {}, ...children) {
   return element;
 }
 
-/** Only what has changed is touched, so that nothing jumps and no screen reader starts again. */
+/** Changes the text only if it differs, so that nothing jumps and no screen reader starts over. */
 function setText(element, text) {
   if (element.textContent !== text) element.textContent = text;
 }
@@ -39,9 +39,9 @@ function setCurrent(element, isCurrent) {
   else element.removeAttribute("aria-current");
 }
 
-// --- Asking the host ---
+// --- Requests to the host ---
 
-/** The answer, or null when it was no: then it has been told. */
+/** Sends a request. Returns the answer, or null after showing why there is none. */
 async function ask(method, path, body) {
   let response;
   try {
@@ -62,7 +62,7 @@ async function ask(method, path, body) {
 const profilePath = (rest) => `/api/profiles/${chosen}/${rest}`;
 const sentence = (words) => words.charAt(0).toUpperCase() + words.slice(1) + (/[.!?…]$/.test(words) ? "" : ".");
 
-// --- Telling what became of it ---
+// --- Showing the outcome ---
 
 let toastTimer = 0;
 
@@ -78,7 +78,7 @@ function toast(words, { isBad = false, undo = null, seconds = 6 } = {}) {
   toastTimer = setTimeout(() => fadeToast(seconds), seconds * 1000);
 }
 
-/** Nothing goes from under a hand. */
+/** Hides the toast, but not while it is pointed at or has the focus. */
 function fadeToast(seconds) {
   if ($("toast").matches(":hover, :focus-within")) toastTimer = setTimeout(() => fadeToast(seconds), seconds * 1000);
   else hideToast();
@@ -97,7 +97,7 @@ const warn = (words) => toast(words, { isBad: true, seconds: 12 });
 addEventListener("keydown", (event) => {
   if (event.key === "Escape") return hideToast();
   const isUndo = event.key === "z" && (event.ctrlKey || event.metaKey) && !event.shiftKey;
-  if (!isUndo || event.target.value || $("toast").hidden || $("undo").hidden) return; // a field has an undo of its own
+  if (!isUndo || event.target.value || $("toast").hidden || $("undo").hidden) return; // a text field has its own undo
   event.preventDefault();
   $("undo").click();
 });
@@ -200,7 +200,7 @@ function follow() {
   mine.onerror = () => { if (mine === source) lost(); };
 }
 
-/** The connection comes back by itself; a session that is over does not. */
+/** Waits for the connection to return by itself, unless the session has ended. */
 function lost() {
   stopFollowing();
   if (!person) return;
@@ -329,7 +329,7 @@ $("switch").addEventListener("change", async () => {
   isSwitching = true;
   const row = rows.get(chosen);
   if (await ask("PUT", profilePath("switch"), { on })) {
-    row.on = on; // before the events say so
+    row.on = on; // earlier than the events report it
     tell(on ? "Switched on." : "Switched off.");
   }
   isSwitching = false;
@@ -378,7 +378,7 @@ function makeMessage(position) {
 function fillMessage(item, message, position, count) {
   const [text, says] = item.querySelector(".text").children;
   const before = text.textContent === message.text ? says.offsetHeight : 0;
-  if (says.textContent !== saysNow(message)) says.style.minHeight = `${before}px`; // the rows below stay where they are
+  if (says.textContent !== saysNow(message)) says.style.minHeight = `${before}px`; // so that the rows below stay in place
   setText(text, message.text);
   says.hidden = !message.live && message.says !== "";
   setText(says, saysNow(message));
@@ -405,14 +405,14 @@ function markNext() {
   });
 }
 
-/** Puts the focus where a person goes on who has used a row's button. */
+/** Moves the focus to where the user continues after using a row's button. */
 function focusRow(position, kind) {
   const item = $("messages").children[Math.min(position, $("messages").children.length - 1)];
   const button = item?.querySelector(`[data-kind=${kind}]`);
   (button && !button.disabled ? button : item?.querySelector("button:not(:disabled)") ?? $("text")).focus();
 }
 
-/** Shows at once what the events will say, unless they have said it already. */
+/** Shows the messages at once instead of waiting for the events. */
 async function refreshMessages() {
   const asked = chosen;
   const value = await ask("GET", profilePath("messages"));
@@ -459,7 +459,7 @@ async function loadPlaceholders() {
   for (const name of placeholders) $("placeholders").append(el("option", { value: name }, name));
 }
 
-/** What is wrong with a text, or null. */
+/** The problem with a text; null if there is none. */
 function faultOf(text) {
   const strange = [...text].find((letter) => !isWestern(letter));
   return strange ? `“${strange}” is no letter that the game servers know.` : null;
@@ -480,13 +480,13 @@ function showDraft() {
   $("add").disabled = $("say").disabled = !text || fault !== null;
   $("hint").setAttribute("aria-live", "polite");
   clearTimeout(previewTimer);
-  showHint(fault ?? (isLive ? "" // until it is read
+  showHint(fault ?? (isLive ? "" // until the preview arrives
     : placeholders.some((name) => text.includes(name)) ? "A live text works only as the whole message."
     : letters(text) > kWindowLetters ? `The plugin's own window shows the first ${kWindowLetters} letters.` : ""), fault !== null);
   if (isLive) previewTimer = setTimeout(() => preview(text), 150);
 }
 
-/** What the live text says at this moment, again and again; only the first time aloud. */
+/** Shows what the live text says now and refreshes it; screen readers read only the first one. */
 async function preview(text) {
   const answer = await ask("POST", profilePath("preview"), { text });
   if (!answer || $("text").value.trim() !== text) return;
@@ -511,7 +511,7 @@ async function send(path, words) {
 $("text").addEventListener("input", showDraft);
 $("placeholders").addEventListener("change", () => {
   if ($("placeholders").value) $("text").value = $("placeholders").value;
-  showDraft(); // the focus stays: arrow keys go through all of them
+  showDraft(); // keep the focus, so that arrow keys step through all of them
 });
 $("compose").addEventListener("submit", (event) => {
   event.preventDefault();
@@ -520,7 +520,7 @@ $("compose").addEventListener("submit", (event) => {
 $("say").addEventListener("click", () => send("say", (answer) => sentence(answer.done)));
 $("dismiss").addEventListener("click", hideToast);
 
-// --- What was sent, and by whom what was changed ---
+// --- What was sent, and who changed what ---
 
 function showLines(items, lines) {
   while (items.children.length > lines.length) items.lastChild.remove();
