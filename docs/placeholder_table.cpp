@@ -4,7 +4,7 @@
 #include <iostream>
 
 #include "broadcast/placeholders.h"
-#include "game/address_table.h"
+#include "game/game_builds.h"
 #include "game/game_reader.h"
 #include "stats/info_texts.h"
 #include "ui/layout.h"

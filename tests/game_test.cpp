@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "game/address_table.h"
+#include "game/game_builds.h"
 #include "game/game_reader.h"
 
 #include "support/fake_host.h"
@@ -54,14 +54,14 @@ TEST(MemoryMap, IsTheRowOfTheGameBuild) {
   for (const char* code : {"dfbhd", "DFBHD ", "", "JO_3", "JO_AFF"}) {
     EXPECT_TRUE(MemoryMapFor(false, false, code).IsEmpty()) << code;
   }
-  EXPECT_EQ(ErrorOf([] { MemoryMapFor(false, false, kDfbhd).Address("TotalMaps"); }), 5);
+  EXPECT_EQ(ErrorOf([] { MemoryMapFor(false, false, "DFBHD").Address("TotalMaps"); }), 5);
 }
 
 class GameReaderTest : public PluginTest {
  protected:
   GameReader& Game() { return State().game; }
   void SetUpProfile(const std::string& code) {
-    State().profiles.SetProfileData(1, Data(1, code));
+    SetProfileData(1, Data(1, code));
     host.calls.clear();
   }
   void ExpectReported(const char* text, bool withBox) {

@@ -3,7 +3,7 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "broadcast/live_texts.h"
-#include "game/address_table.h"
+#include "game/game_builds.h"
 
 namespace rotacasts {
 namespace {
@@ -32,7 +32,7 @@ bool IsDue(Pass& pass, const GameReader& game, Step& at) {
 void Send(Pass& pass, std::string text) {
   ProfileRecord& record = pass.Record();
   std::int16_t profileIndex = pass.Profile();
-  if (record.GameCode == kDfbhd) {
+  if (FamilyOf(record.GameCode) == Family::Dfbhd) {
     pass.Memory().AddMsg(profileIndex, record.MessageTarget, text, record.IsAffiliate, kChatKind,
                          kChatMode);
   } else {

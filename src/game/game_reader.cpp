@@ -1,6 +1,6 @@
 #include "game/game_reader.h"
 
-#include "game/address_table.h"
+#include "game/game_builds.h"
 #include "game/process_view.h"
 
 namespace rotacasts {

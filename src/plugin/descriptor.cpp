@@ -1,5 +1,6 @@
 #include "plugin/descriptor.h"
 
+#include "game/game_builds.h"
 #include "services/host_services.h"
 
 namespace rotacasts {
@@ -18,14 +19,7 @@ PLUGIN DescribePlugin(const ModuleVersion& version) {
       .Description =
           "This Plugin allows you to create and manage messages that get sent to the "
           "server at set intervals.",
-      .Game = HostValue::Texts({
-          "Delta Force,  V1.5.0.5",
-          "Joint Operations: Typhoon Rising V1.6.9.2",
-          "Joint Operations: Typhoon Rising V1.7.5.7",
-          "Joint Operations: Typhoon Rising, NovaWorld Affiliate Server V1.6.9.2A",
-          "Joint Operations: Typhoon Rising, NovaWorld Affiliate Server V1.7.5.7A",
-          "DeltaForce: Xtreme 2 V1.7.5.7",
-      }),
+      .Game = HostValue::Texts(GameTitles()),
       .HasInterface = true,
       .ProfileMenu = false,
       .ServerMenu = true,

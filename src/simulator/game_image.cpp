@@ -78,7 +78,7 @@ const SlotRecord& SlotOf(bool isDfbhd) {
 }  // namespace
 
 GameImage::GameImage(GameMemory& memory, std::string_view gameCode, const World& world)
-    : memory_(memory), isDfbhd_(gameCode == kDfbhd), map_(MapOfCode(gameCode)) {
+    : memory_(memory), isDfbhd_(gameCode == "DFBHD"), map_(MapOfCode(gameCode)) {
   const auto maps = static_cast<std::int32_t>(world.maps.size());
   const auto slots = static_cast<std::uint32_t>(world.slots.size());
   for (const Location& location : map_.All()) memory_.Reserve(location.address, 4);

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "game/address_table.h"
+#include "game/game_builds.h"
 #include "simulator/game_life.h"
 
 namespace rotacasts::simulator {

@@ -1,6 +1,6 @@
 #include "stats/player_scan.h"
 
-#include "game/address_table.h"
+#include "game/game_builds.h"
 
 namespace rotacasts {
 
