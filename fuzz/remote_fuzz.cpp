@@ -44,8 +44,8 @@ struct OperationRow {
 constexpr OperationRow kOperations[] = {
     {&clsPlugin::GetMessagesRem},
     {&clsPlugin::AddMessageRem, kMessagesSection},
-    {&clsPlugin::EnableRTRem, kOptionsSection, kEnableKey},
-    {&clsPlugin::ChangeIntervalRem, kOptionsSection, kIntervalKey},
+    {&clsPlugin::EnableRTRem, kOptionsSection, kEnable.key},
+    {&clsPlugin::ChangeIntervalRem, kOptionsSection, kInterval.key},
     {&clsPlugin::MoveMessageUpRem},
     {&clsPlugin::MoveMessageDownRem},
     {&clsPlugin::DeleteMessageRem}};

@@ -156,7 +156,7 @@ TEST_F(BroadcastTest, AnIntervalThatIsNoNumberIsReportedForTheCurrentWindowProfi
   Start({"A"});
   Load(5);
   host.files["C:\\Host\\settings\\config.ini"] = "[Settings]\r\nReportErrors=1\r\n";
-  State().profiles.SetProfileData(5, Data(5, "JO_AFF"));
+  SetProfileData(5, Data(5, "JO_AFF"));
   host.MessageFile(5) = MessageFileBytes({}, "1", "");
   Window().txtInterval().SetText("");
   EXPECT_EQ(Ticks(1), "-");

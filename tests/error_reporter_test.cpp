@@ -53,7 +53,7 @@ TEST_F(ErrorReporterTest, SendsAReportWhenTheConfigurationSaysOne) {
 
 TEST_F(ErrorReporterTest, TheReportNamesTheAffiliateFlagOfAKnownProfile) {
   host.files[kConfig] = "[Settings]\r\nReportErrors=1\r\n";
-  State().profiles.SetProfileData(2, Data(2, "JO_AFF"));
+  SetProfileData(2, Data(2, "JO_AFF"));
   Report();
   Report(false, 99);
   const HostValue::Array known{"13", "Type mismatch", "tvxRT.dll 1.2.9", "tmrRT", true, 0};

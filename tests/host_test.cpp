@@ -15,7 +15,7 @@
 #include "base/conversions.h"
 #include "console/console.h"
 #include "console/plain_output.h"
-#include "game/address_table.h"
+#include "game/game_builds.h"
 #include "host/headless_plugin.h"
 #include "machine/linux/program_starter.h"
 #include "siblings/host_platform.h"

@@ -31,8 +31,8 @@ class Scene : public PluginHarness {
     host.calls.clear();
   }
   std::string Options() {
-    return State().store.Open(2).ReadOption(kEnableKey) + ", " +
-           State().store.Open(2).ReadOption(kIntervalKey);
+    return State().store.Open(2).ReadOption(kEnable.key) + ", " +
+           State().store.Open(2).ReadOption(kInterval.key);
   }
 };
 

@@ -13,7 +13,7 @@ using testing::PluginTest;
 class ProfilesTest : public PluginTest {
  protected:
   void SetUpProfile(std::int32_t index, const std::string& code = "JO") {
-    State().profiles.SetProfileData(index, Data(index, code));
+    SetProfileData(index, Data(index, code));
   }
 };
 
@@ -49,7 +49,7 @@ TEST_F(ProfilesTest, FillsTheRecordAndTheAffiliateFlags) {
   }
   HostValue::Array data(8);
   for (std::size_t i = 0; i < data.size(); ++i) data[i] = static_cast<std::int32_t>(i);
-  State().profiles.SetProfileData(1, data);
+  SetProfileData(1, data);
   const ProfileRecord& r = State().tables.Profiles(1);
   EXPECT_EQ(r.Data0 + r.GameCode + r.Data3 + r.Data4 + r.Data5 + r.ProfileFolder, "013457");
   EXPECT_EQ(r.ProcessHandle, 2);
@@ -59,15 +59,15 @@ TEST_F(ProfilesTest, FillsTheRecordAndTheAffiliateFlags) {
 TEST_F(ProfilesTest, BadDataIsReportedAndKeepsWhatWasFilledBefore) {
   HostValue::Array data = *Data(1, "JO_2").AsArray();
   data[pdat::kMessageTarget] = "port";
-  State().profiles.SetProfileData(1, data);
+  SetProfileData(1, data);
   EXPECT_EQ(State().tables.Profiles(1).GameCode, "JO_2");
   EXPECT_EQ(State().tables.Profiles(1).ProfileFolder, "");
-  State().profiles.SetProfileData(1, "no array");
-  State().profiles.SetProfileData(1, HostValue::Array(7, HostValue(1)));
+  SetProfileData(1, "no array");
+  SetProfileData(1, HostValue::Array(7, HostValue(1)));
   SetUpProfile(1);
   data = *Data(1, "JO").AsArray();
   data[pdat::kProfileFolder] = "..";
-  State().profiles.SetProfileData(1, data);
+  SetProfileData(1, data);
   EXPECT_EQ(TakeErrors(), (std::vector<std::string>{"SetProfileData: 13", "SetProfileData: 13",
                                                     "SetProfileData: 9", "SetProfileData: 76"}));
   EXPECT_EQ(State().tables.MessageFiles(1), "");  // not the file of the old folder

@@ -185,7 +185,7 @@ TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
     data[pdat::kProfileFolder] = folder;
     data[pdat::kSharedLog] = false;
     Plugin().AddMessageRem(2, data, "<text>");
-    State().profiles.SetProfileData(3, data);
+    SetProfileData(3, data);
     EXPECT_EQ(TakeErrors(), (Texts{"AddMessageRem: 76", "SetProfileData: 76"})) << folder;
     EXPECT_EQ(State().tables.MessageFiles(3), "") << folder;
   }

@@ -81,7 +81,7 @@ class StatsTest : public PluginTest {
   /// are in the others.
   void SetUpServer(const std::string& code, const Players& players, int gameType = 0) {
     isDfbhd_ = code == "DFBHD";
-    State().profiles.SetProfileData(1, Data(1, code));
+    SetProfileData(1, Data(1, code));
     simulator::World world{2, gameType, {std::nullopt}, {"Öde", "Rio", "Bay"}, 1};
     for (const PlayerStats& stats : players) {
       world.slots.push_back({{"P" + std::to_string(world.slots.size() - 1), stats}});

@@ -10,7 +10,7 @@
 #include "host/profile_settings.h"
 #include "machine/native_files.h"
 #include "machine/process_reader.h"
-#include "store/profile_paths.h"
+#include "services/host_folder.h"
 
 namespace rotacasts::host {
 namespace {
@@ -19,7 +19,7 @@ namespace {
 std::vector<std::string> ProfileFolders(const std::string& hostFolder) {
   std::vector<std::string> folders;
   std::error_code problem;
-  const auto root = NativePath(hostFolder + "\\profiles");
+  const auto root = NativePath(HostFolder(hostFolder).Profiles());
   for (const auto& entry : std::filesystem::directory_iterator(root, problem)) {
     if (entry.is_directory(problem)) folders.push_back(entry.path().filename().string());
   }
@@ -28,7 +28,8 @@ std::vector<std::string> ProfileFolders(const std::string& hostFolder) {
 }
 
 void CheckConfiguration(const std::string& hostFolder, std::vector<std::string>& warnings) {
-  const std::string path = FindFile(hostFolder + "\\settings", "config.ini", warnings);
+  const std::string path =
+      FindFile(HostFolder(hostFolder).Settings(), HostFolder::kConfiguration, warnings);
   if (path.empty()) return;  // the host creates one when it starts
   CheckedFile file(path, warnings);
   file.CheckLines();
@@ -42,9 +43,9 @@ void CheckConfiguration(const std::string& hostFolder, std::vector<std::string>&
 
 void CheckProfileFolder(const std::string& hostFolder, const std::string& folder,
                         std::vector<std::string>& warnings) {
-  const std::string path = hostFolder + "\\profiles\\" + folder;
+  const std::string path = HostFolder(hostFolder).Profiles() + "\\" + folder;
   const std::size_t before = warnings.size();
-  const std::string description = FindFile(path, "profile.ini", warnings);
+  const std::string description = FindFile(path, HostFolder::kDescription, warnings);
   if (description.empty()) {
     if (warnings.size() > before) return;
     warnings.push_back(NativePath(path).string() +
@@ -58,10 +59,11 @@ void CheckProfileFolder(const std::string& hostFolder, const std::string& folder
 
 void CheckMessageFile(const std::string& hostFolder, const ProfileSettings& profile,
                       std::vector<std::string>& warnings) {
-  const std::string path = MessageFilePath(hostFolder, profile.folder);
+  const HostFolder paths(hostFolder);
+  const std::string path = paths.MessageFile(profile.folder);
   const std::size_t before = warnings.size();
-  const std::string folder = path.substr(0, path.find_last_of('\\'));
-  const std::string found = FindFile(folder, path.substr(folder.size() + 1), warnings);
+  const std::string found =
+      FindFile(paths.Settings(profile.folder), HostFolder::kMessageFile, warnings);
   if (!found.empty()) {
     CheckedFile file(found, warnings);
     if (warnings.size() == before || !file.Ini().Bytes().empty()) CheckMessages(file);
@@ -149,10 +151,11 @@ Findings CheckHostFolder(const std::string& hostFolder) {
 }
 
 std::vector<std::string> ConvertHostFolder(const std::string& hostFolder) {
-  std::vector<std::string> files = {hostFolder + "\\settings\\config.ini"};
+  const HostFolder paths(hostFolder);
+  std::vector<std::string> files = {paths.Configuration()};
   for (const std::string& folder : ProfileFolders(hostFolder)) {
-    files.push_back(hostFolder + "\\profiles\\" + folder + "\\profile.ini");
-    files.push_back(hostFolder + "\\profiles\\" + folder + "\\settings\\Rotacasts.ini");
+    files.push_back(paths.Description(folder));
+    files.push_back(paths.MessageFile(folder));
   }
   std::vector<std::string> lines;
   for (const std::string& file : files) {

@@ -74,31 +74,19 @@ std::vector<std::string> MessageWarnings(const std::string& bytes) {
   return warnings;
 }
 
-struct Option {
-  const char* key;
-  int highest;
-  const char* fallback;  // written at start-up for a number out of range
-  const char* whenMissing;
-};
-
-constexpr Option kOptions[] = {
-    {kEnableKey, 1, "0", "the profile is switched off; write Enable=1 below [Options]"},
-    {kIntervalKey, 30, "3", "a message goes out every 3 minutes; write Interval=3 below [Options]"},
-};
-
 /// Warns unless the option is a number in its range.
-void CheckOption(CheckedFile& file, const Option& option) {
+void CheckOption(CheckedFile& file, const Option& option, const char* whenMissing) {
   const std::string key = option.key;
   const std::string text = FromWindows1252(file.Ini().Value(kOptionsSection, key).value_or(""));
-  const std::string range = "0 to " + std::to_string(option.highest);
+  const std::string range = std::to_string(option.lowest) + " to " + std::to_string(option.highest);
   const auto warn = [&](const std::string& words) {
     file.WarnAt(kOptionsSection, key, key + " is " + words);
   };
   if (text.empty()) {
-    warn(std::string("missing: ") + option.whenMissing);
+    warn(std::string("missing: ") + whenMissing);
   } else if (!IsNumeric(text)) {
     warn("\"" + text + "\", which is no number; write " + range);
-  } else if (ToDouble(text) < 0 || ToDouble(text) > option.highest) {
+  } else if (ToDouble(text) < option.lowest || ToDouble(text) > option.highest) {
     warn("\"" + text + "\", outside " + range + ": starting the profile writes " + option.fallback +
          " in its place; write " + range);
   }
@@ -108,7 +96,7 @@ void CheckOption(CheckedFile& file, const Option& option) {
 
 void CheckMessages(CheckedFile& file) {
   file.CheckLines();
-  file.CheckKeys(kOptionsSection, {kEnableKey, kIntervalKey});
+  file.CheckKeys(kOptionsSection, {kEnable.key, kInterval.key});
   std::size_t position = 0;
   bool isInside = false;
   const std::vector<IniText::Row> rows = file.Ini().Rows();
@@ -132,7 +120,9 @@ void CheckMessages(CheckedFile& file) {
   if (position == 0) {
     file.WarnAt(kMessagesSection, "", "there are no messages; write 1=TEXT below [Messages]");
   }
-  for (const Option& option : kOptions) CheckOption(file, option);
+  CheckOption(file, kEnable, "the profile is switched off; write Enable=1 below [Options]");
+  CheckOption(file, kInterval,
+              "a message goes out every 3 minutes; write Interval=3 below [Options]");
 }
 
 }  // namespace rotacasts::host

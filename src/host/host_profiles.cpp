@@ -4,9 +4,10 @@
 
 #include "host/complaint.h"
 #include "machine/native_files.h"
+#include "services/host_folder.h"
+#include "services/profile_data.h"
 #include "services/profile_tables.h"
 #include "siblings/file_layer.h"
-#include "store/profile_paths.h"
 
 namespace rotacasts::host {
 namespace {
@@ -22,9 +23,8 @@ const std::string& Existing(const std::string& folder) {
   return folder;
 }
 
-void MakeSettingsFolder(const std::string& folder) {
+void MakeSettingsFolder(const std::string& settings) {
   MachineFiles files;
-  const std::string settings = folder + "\\settings";
   if (!files.FolderExists(settings)) files.CreateFolder(settings);
   RemoveLeftovers(settings);
 }
@@ -52,8 +52,8 @@ void HostProfiles::Use(ProfileSettings profile) {
 
 void HostProfiles::MakeWhatIsMissing() {
   if (profiles_.empty()) return;
-  MakeSettingsFolder(folder_);
-  const std::string config = folder_ + "\\settings\\config.ini";
+  MakeSettingsFolder(HostFolder(folder_).Settings());
+  const std::string config = HostFolder(folder_).Configuration();
   if (!MachineFiles().FileExists(config)) {
     ReplaceFile(config, "[Settings]\r\nReportErrors=0\r\n");
   }
@@ -62,7 +62,7 @@ void HostProfiles::MakeWhatIsMissing() {
 }
 
 bool HostProfiles::MakeSettingsFolderOf(const ProfileSettings& profile) try {
-  MakeSettingsFolder(ProfileFolderPath(folder_, profile.folder));
+  MakeSettingsFolder(HostFolder(folder_).Settings(profile.folder));
   return true;
 } catch (const RuntimeError& error) {
   out_ << "skipped: " << profile.Label()

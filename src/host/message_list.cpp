@@ -13,8 +13,8 @@ MessageList::MessageList(std::string messageFile) : path(std::move(messageFile))
   for (const IniText::Line& line : ini.Lines(kMessagesSection)) {
     messages.push_back({FromWindows1252(line.key), FromWindows1252(line.value)});
   }
-  enable = FromWindows1252(ini.Value(kOptionsSection, kEnableKey).value_or(""));
-  interval = FromWindows1252(ini.Value(kOptionsSection, kIntervalKey).value_or(""));
+  enable = FromWindows1252(ini.Value(kOptionsSection, kEnable.key).value_or(""));
+  interval = FromWindows1252(ini.Value(kOptionsSection, kInterval.key).value_or(""));
 }
 
 const std::string& MessageList::TextAt(std::int32_t position) const {

@@ -19,7 +19,8 @@ Preview::Preview(HostProfiles& profiles)
 void Preview::Describe(const ProfileSettings& profile) {
   problem_.clear();
   ProfileRecord& record = tables_.Profiles(kLookedAt);
-  FillRecord(record, profiles_.DataOf(profile));
+  const HostValue data(profiles_.DataOf(profile));
+  FillRecord(record, ProfileData(data));
   game_.SetMemory(kLookedAt, record.IsAffiliate);
 }
 

@@ -6,21 +6,17 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
-#include "game/address_table.h"
+#include "game/game_builds.h"
 #include "host/complaint.h"
 #include "machine/native_files.h"
+#include "services/host_folder.h"
 #include "siblings/file_layer.h"
 #include "siblings/ini_text.h"
-#include "store/profile_paths.h"
 
 namespace rotacasts::host {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string ProfileFile(const std::string& hostFolder, const std::string& folder) {
-  return hostFolder + "\\profiles\\" + folder + "\\profile.ini";
-}
 
 constexpr const char* kSection = "Profile";
 
@@ -81,12 +77,12 @@ class Reader {
 
 std::string PlaceInProfile(const std::string& hostFolder, const std::string& folder,
                            const std::string& key) {
-  const std::string file = ProfileFile(hostFolder, folder);
+  const std::string file = HostFolder(hostFolder).Description(folder);
   return Place(file, ReadIni(file), key);
 }
 
 bool HasProfileFile(const std::string& hostFolder, const std::string& folder) {
-  return MachineFiles().FileExists(ProfileFile(hostFolder, folder));
+  return MachineFiles().FileExists(HostFolder(hostFolder).Description(folder));
 }
 
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder) {
@@ -96,8 +92,8 @@ ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& fo
 
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder,
                             FileLayer& files) {
-  ProfileFolderPath(hostFolder, folder);  // refuses the names that the plugin refuses
-  const Reader reader(ProfileFile(hostFolder, folder), files);
+  HostFolder(hostFolder).Profile(folder);  // refuses the names that the plugin refuses
+  const Reader reader(HostFolder(hostFolder).Description(folder), files);
   constexpr std::int32_t kHighestIndex = 32767;  // the timers' indexes have 16 bits
   constexpr std::int32_t kHighestPort = 65535;
   ProfileSettings profile;
@@ -117,7 +113,7 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
   std::map<std::int32_t, ProfileSettings> byIndex;
   std::vector<std::string> folders;
   std::error_code problem;
-  const fs::path root = NativePath(hostFolder + "\\profiles");
+  const fs::path root = NativePath(HostFolder(hostFolder).Profiles());
   for (const fs::directory_entry& entry : fs::directory_iterator(root, problem)) {
     folders.push_back(entry.path().filename().string());
   }

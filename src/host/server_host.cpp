@@ -3,9 +3,9 @@
 #include "host/complaint.h"
 #include "machine/base64.h"
 #include "plugin/remote_operations.h"
+#include "services/host_folder.h"
 #include "services/profile_tables.h"
 #include "store/message_file.h"
-#include "store/profile_paths.h"
 
 namespace rotacasts::host {
 namespace {
@@ -22,7 +22,6 @@ const RemoteOperation& FindOperation(std::string_view name) {
 
 /// The capacity of a UDP datagram over IPv4.
 constexpr std::size_t kLongestMessage = 65507;
-constexpr std::int32_t kLongestInterval = 30;
 
 [[noreturn]] void RaiseUnchanged(const char* what, const HostedPlugin::Reply& reply,
                                  const std::string& likely) {
@@ -160,8 +159,9 @@ std::string ServerHost::SetSwitch(std::int32_t index, bool isOn, const std::stri
 std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
                                     const std::string& administrator) {
   RequireStarted(index);
-  if (minutes < 0 || minutes > kLongestInterval) {
-    throw Complaint("not changed: an interval is 0 to 30 minutes");
+  if (minutes < kInterval.lowest || minutes > kInterval.highest) {
+    throw Complaint("not changed: an interval is " + std::to_string(kInterval.lowest) + " to " +
+                    std::to_string(kInterval.highest) + " minutes");
   }
   const HostedPlugin::Reply reply =
       Remote(index, "ChangeIntervalRem", std::to_string(minutes), administrator);
@@ -189,7 +189,7 @@ std::string ServerHost::Say(std::int32_t index, const std::string& text) {
 }
 
 MessageList ServerHost::MessagesOf(std::int32_t index) const {
-  return MessageList(MessageFilePath(profiles_.Folder(), profiles_.At(index).folder));
+  return MessageList(HostFolder(profiles_.Folder()).MessageFile(profiles_.At(index).folder));
 }
 
 ProfileStatus ServerHost::StatusOf(std::int32_t index) {

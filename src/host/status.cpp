@@ -2,7 +2,7 @@
 
 #include "base/conversions.h"
 #include "host/message_list.h"
-#include "store/profile_paths.h"
+#include "services/host_folder.h"
 
 namespace rotacasts::host {
 namespace {
@@ -30,7 +30,7 @@ ProfileStatus ReadStatus(HostProfiles& profiles, Preview& preview, const Profile
   status.progress = progress;
   status.isStopped = progress && !progress->isStarted;
   try {
-    const MessageList list(MessageFilePath(profiles.Folder(), profile.folder));
+    const MessageList list(HostFolder(profiles.Folder()).MessageFile(profile.folder));
     TakeOptions(status, list);
     if (!progress || list.messages.empty()) return status;
     const auto next = static_cast<std::size_t>(progress->nextMessage);

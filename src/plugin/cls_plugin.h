@@ -26,7 +26,7 @@ class clsPlugin {
   void LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, const HostValue& PDAT,
                      const std::string& fName = {}) {
     static_cast<void>(fName);
-    state_.embedding.LoadInterface(Index, PHWND, PDAT);
+    state_.embedding.LoadInterface(Index, PHWND, ProfileData(PDAT));
   }
   /// Hides the settings window; broadcasts go on.
   void HideInterface(const std::string& fName = {}) {
@@ -46,31 +46,31 @@ class clsPlugin {
   std::string GetMessagesRem(std::int32_t Index, const HostValue& PDAT,
                              const HostValue& Data = kOmitted) {
     static_cast<void>(Data);
-    return state_.remote.GetMessagesRem(Index, PDAT);
+    return state_.remote.GetMessagesRem(Index, ProfileData(PDAT));
   }
   std::string AddMessageRem(std::int32_t Index, const HostValue& PDAT,
                             const HostValue& Data = kOmitted) {
-    return state_.remote.AddMessageRem(Index, PDAT, Data);
+    return state_.remote.AddMessageRem(Index, ProfileData(PDAT), Data);
   }
   std::string EnableRTRem(std::int32_t Index, const HostValue& PDAT,
                           const HostValue& Data = kOmitted) {
-    return state_.remote.EnableRTRem(Index, PDAT, Data);
+    return state_.remote.EnableRTRem(Index, ProfileData(PDAT), Data);
   }
   std::string ChangeIntervalRem(std::int32_t Index, const HostValue& PDAT,
                                 const HostValue& Data = kOmitted) {
-    return state_.remote.ChangeIntervalRem(Index, PDAT, Data);
+    return state_.remote.ChangeIntervalRem(Index, ProfileData(PDAT), Data);
   }
   std::string MoveMessageDownRem(std::int32_t Index, const HostValue& PDAT,
                                  const HostValue& Data = kOmitted) {
-    return state_.remote.MoveMessageDownRem(Index, PDAT, Data);
+    return state_.remote.MoveMessageDownRem(Index, ProfileData(PDAT), Data);
   }
   std::string MoveMessageUpRem(std::int32_t Index, const HostValue& PDAT,
                                const HostValue& Data = kOmitted) {
-    return state_.remote.MoveMessageUpRem(Index, PDAT, Data);
+    return state_.remote.MoveMessageUpRem(Index, ProfileData(PDAT), Data);
   }
   std::string DeleteMessageRem(std::int32_t Index, const HostValue& PDAT,
                                const HostValue& Data = kOmitted) {
-    return state_.remote.DeleteMessageRem(Index, PDAT, Data);
+    return state_.remote.DeleteMessageRem(Index, ProfileData(PDAT), Data);
   }
 
   static inline const HostValue kOmitted{HostValue::Missing{}};

@@ -13,15 +13,15 @@ constexpr std::int32_t kLeft = 2;
 constexpr std::int32_t kTop = 30;
 
 /// Whole pixels in a length of twips, by the display's real factor, which need not be whole.
-std::int32_t WholePixels(const HostValue& twips, double twipsPerPixel) {
+std::int32_t WholePixels(std::int32_t twips, double twipsPerPixel) {
   constexpr double kRoundingError = 1e-9;  // 7200 / (1440 / 168.0) is 840
-  return static_cast<std::int32_t>(ToLong(twips) / twipsPerPixel + kRoundingError);
+  return static_cast<std::int32_t>(twips / twipsPerPixel + kRoundingError);
 }
 
 }  // namespace
 
-/// A load under way. The profile can be stopped, and the window can go, inside each of its calls and
-/// boxes; that ends the load.
+/// A load under way. The profile can be stopped, and the window can go, inside each of its calls
+/// and boxes; that ends the load.
 class Embedding::Load {
  public:
   Load(ProfileTables& tables, SettingsWindow& settings, std::int32_t index)
@@ -46,7 +46,7 @@ class Embedding::Load {
 };
 
 void Embedding::LoadInterface(std::int32_t Index, forms::WindowHandle PHWND,
-                              const HostValue& PDAT) {
+                              const ProfileData& PDAT) {
   if (Index == 0) return;
   Guard(errors_, {"LoadInterface", Index}, [&](Step& at) {
     Load load(tables_, window_, Index);
@@ -59,8 +59,8 @@ void Embedding::LoadInterface(std::int32_t Index, forms::WindowHandle PHWND,
     load.MakeWindow();
     at(5);
     const forms::TwipsPerPixel screen = toolkit.ScreenTwipsPerPixel();
-    const std::int32_t width = WholePixels(PDAT.At(pdat::kAreaWidth), screen.horizontal);
-    const Checked height = WholePixels(PDAT.At(pdat::kAreaHeight), screen.vertical);
+    const std::int32_t width = WholePixels(PDAT.AreaWidth(), screen.horizontal);
+    const Checked height = WholePixels(PDAT.AreaHeight(), screen.vertical);
     toolkit.MoveWindow(load.Window().Handle(), kLeft, kTop, width,
                        (height - layout::kHeadingHeight).Value(), true);
     at(6);

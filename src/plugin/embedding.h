@@ -23,7 +23,7 @@ class Embedding {
   /// Shows the profile's settings inside the host's window and starts the profile. Index 0 is
   /// ignored. While a message box is open the window cannot be shown; the call then ends silently
   /// without starting the profile. Other errors are reported under "LoadInterface".
-  void LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, const HostValue& PDAT);
+  void LoadInterface(std::int32_t Index, forms::WindowHandle PHWND, const ProfileData& PDAT);
   /// Makes the window invisible; timers go on. Raises what fails.
   void HideInterface();
   /// Drops every profile's run-time state and the window. Reported under "UnLoadInterface".

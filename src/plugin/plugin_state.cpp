@@ -14,7 +14,7 @@ PluginState::PluginState(Platform platform)
       profiles(services, tables, reporter, game, window),
       embedding(services, tables, reporter, profiles, window),
       remote(services, tables, reporter, store, window,
-             [this](std::int32_t index, const HostValue& PDAT) {
+             [this](std::int32_t index, const ProfileData& PDAT) {
                profiles.SetProfileData(index, PDAT);
              }) {
   window.onTick = [this](std::int16_t index) { broadcast.tmrRT_Timer(index); };

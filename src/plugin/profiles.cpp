@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "base/conversions.h"
-#include "game/address_table.h"
-#include "store/profile_paths.h"
+#include "game/game_builds.h"
+#include "services/host_folder.h"
 
 namespace rotacasts {
 namespace {
@@ -17,15 +17,15 @@ void GrowToReach(Table<Element>& table, std::int32_t index) {
 
 }  // namespace
 
-void FillRecord(ProfileRecord& record, const HostValue& PDAT) {
-  record.Data0 = ToText(PDAT.At(pdat::kData0));
-  record.GameCode = ToText(PDAT.At(pdat::kGameCode));
-  record.ProcessHandle = ToLong(PDAT.At(pdat::kProcessHandle));
-  record.Data3 = ToText(PDAT.At(pdat::kData3));
-  record.Data4 = ToText(PDAT.At(pdat::kData4));
-  record.Data5 = ToText(PDAT.At(pdat::kData5));
-  record.MessageTarget = ToLong(PDAT.At(pdat::kMessageTarget));
-  record.ProfileFolder = ToText(PDAT.At(pdat::kProfileFolder));
+void FillRecord(ProfileRecord& record, const ProfileData& data) {
+  record.Data0 = data.Data0();
+  record.GameCode = data.GameCode();
+  record.ProcessHandle = data.ProcessHandle();
+  record.Data3 = data.Data3();
+  record.Data4 = data.Data4();
+  record.Data5 = data.Data5();
+  record.MessageTarget = data.MessageTarget();
+  record.ProfileFolder = data.ProfileFolder();
   record.IsAffiliate = record.GameCode.ends_with(kAffiliateEnding);
   record.IsAffiliate2 = record.GameCode.ends_with(kAffiliate2Ending);
 }
@@ -38,7 +38,7 @@ void Profiles::GrowTables(std::int32_t index) {
   GrowToReach(tables_.ElapsedTicks, index);
 }
 
-void Profiles::SetProfileData(std::int32_t Index, const HostValue& PDAT) {
+void Profiles::SetProfileData(std::int32_t Index, const ProfileData& PDAT) {
   Guard(errors_, {"SetProfileData", Index}, [&](Step& at) {
     at(1);
     GrowTables(Index);
@@ -52,7 +52,7 @@ void Profiles::SetProfileData(std::int32_t Index, const HostValue& PDAT) {
     at(4);
     std::string& path = tables_.MessageFiles(Index);
     path.clear();  // a refused folder must not leave the last one's file to the window
-    path = MessageFilePath(services_.HostFolder(), record.ProfileFolder);
+    path = HostFolder(services_.HostFolder()).MessageFile(record.ProfileFolder);
   });
 }
 

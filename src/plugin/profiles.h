@@ -6,6 +6,7 @@
 #include "game/game_reader.h"
 #include "services/guard.h"
 #include "services/host_services.h"
+#include "services/profile_data.h"
 #include "services/profile_tables.h"
 #include "ui/settings_window.h"
 
@@ -13,7 +14,7 @@ namespace rotacasts {
 
 /// Takes a profile's data into its record, element after element; what is filled before an error
 /// stays filled.
-void FillRecord(ProfileRecord& record, const HostValue& PDAT);
+void FillRecord(ProfileRecord& record, const ProfileData& data);
 
 class Profiles {
  public:
@@ -25,7 +26,7 @@ class Profiles {
   /// and the message file's path. Position and tick count of a running profile stay. Reported under
   /// "SetProfileData"; fields filled before an error keep their new values, and a profile folder
   /// that is refused leaves the path empty.
-  void SetProfileData(std::int32_t Index, const HostValue& PDAT);
+  void SetProfileData(std::int32_t Index, const ProfileData& PDAT);
 
   /// Stops a profile: no memory map, no timer, no path, counters 0; whatever of that does not exist
   /// is passed over. Reported under "DisableProfile".

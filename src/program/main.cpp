@@ -14,7 +14,7 @@
 #include "machine/program_arguments.h"
 #include "program/run_host.h"
 #include "program/web_commands.h"
-#include "store/profile_paths.h"
+#include "services/host_folder.h"
 
 namespace {
 
@@ -75,7 +75,7 @@ int PrintPreviews(const HostOptions& options) {
     try {
       const ProfileSettings& profile = profiles.At(index);
       Out() << profile.Label() << ", " << profile.gameCode << "\n";
-      const MessageList list(MessageFilePath(options.folder, profile.folder));
+      const MessageList list(HostFolder(options.folder).MessageFile(profile.folder));
       if (!PrintMessageTable(Out(), preview, profile, list)) status = 1;
     } catch (const RuntimeError& error) {
       Out() << error.description << "\n";

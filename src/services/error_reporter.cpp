@@ -1,6 +1,7 @@
 #include "services/error_reporter.h"
 
 #include "base/conversions.h"
+#include "services/host_folder.h"
 
 namespace rotacasts {
 namespace {
@@ -46,7 +47,7 @@ void ErrorReporter::Notify(Outcome outcome, const std::string& text) try {
 }
 
 void ErrorReporter::TellOf(const Failure& failure, const std::string& words) {
-  std::string path = services_.HostFolder() + "\\settings\\config.ini";
+  std::string path = HostFolder(services_.HostFolder()).Configuration();
   std::string wanted;
   ResumeNext({ErrorNumber::SubscriptOutOfRange},
              [&] { wanted = services_.Utility().GetIniKey("Settings", "ReportErrors", path); });

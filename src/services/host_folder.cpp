@@ -1,4 +1,4 @@
-#include "store/profile_paths.h"
+#include "services/host_folder.h"
 
 #include <algorithm>
 #include <string_view>
@@ -28,16 +28,12 @@ bool StaysBelow(std::string_view folder) {
 
 }  // namespace
 
-std::string ProfileFolderPath(const std::string& hostFolder, const std::string& profileFolder) {
-  if (!StaysBelow(profileFolder)) {
+std::string HostFolder::Profile(const std::string& profile) const {
+  if (!StaysBelow(profile)) {
     throw RuntimeError(ErrorNumber::PathNotFound,
-                       "\"" + profileFolder + "\" is no profile folder; give it another name");
+                       "\"" + profile + "\" is no profile folder; give it another name");
   }
-  return hostFolder + "\\profiles\\" + profileFolder;
-}
-
-std::string MessageFilePath(const std::string& hostFolder, const std::string& profileFolder) {
-  return ProfileFolderPath(hostFolder, profileFolder) + "\\settings\\Rotacasts.ini";
+  return Profiles() + "\\" + profile;
 }
 
 }  // namespace rotacasts

@@ -54,21 +54,4 @@ struct ProfileTables {
   std::int32_t currentWindowProfile = 0;
 };
 
-/// Indexes into a profile's data array.
-namespace pdat {
-inline constexpr std::size_t kData0 = 0;
-inline constexpr std::size_t kGameCode = 1;
-inline constexpr std::size_t kProcessHandle = 2;
-inline constexpr std::size_t kData3 = 3;
-inline constexpr std::size_t kData4 = 4;
-inline constexpr std::size_t kData5 = 5;
-inline constexpr std::size_t kMessageTarget = 6;
-inline constexpr std::size_t kProfileFolder = 7;
-inline constexpr std::size_t kAdministrator = 10;  // name of the remote administrator
-inline constexpr std::size_t kSharedLog = 11;      // True: log below the host folder
-inline constexpr std::size_t kAreaHeight = 12;     // of the host's plugin area, in twips
-inline constexpr std::size_t kAreaWidth = 13;
-inline constexpr std::size_t kSize = 14;
-}  // namespace pdat
-
 }  // namespace rotacasts

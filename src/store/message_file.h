@@ -17,9 +17,6 @@
 
 namespace rotacasts {
 
-/// Characters of a message that the settings window adds at most, and that its list shows.
-inline constexpr std::size_t kMessageCharacters = 60;
-
 /// A profile's message file, opened for one operation, which ends in this file whatever becomes of
 /// the profile meanwhile.
 ///

@@ -9,13 +9,12 @@
 #include <vector>
 
 #include "platform/components.h"
+#include "store/options.h"
 
 namespace rotacasts {
 
 inline constexpr const char* kMessagesSection = "Messages";
 inline constexpr const char* kOptionsSection = "Options";
-inline constexpr const char* kEnableKey = "Enable";
-inline constexpr const char* kIntervalKey = "Interval";
 
 /// A message: a line of the section "Messages".
 struct MessageEntry {

@@ -12,15 +12,6 @@ namespace {
 
 constexpr const char* kDone = "1";
 constexpr const char* kNotDone = "0";
-constexpr const char* kDefaultEnable = "0";
-
-// What the log says of each change, between the time and the value.
-constexpr const char* kAddAction = "][Rotacasts] Add Rotacast (Message: ";
-constexpr const char* kEnableAction = "][Rotacasts] Enable Rotacasts (New Value: ";
-constexpr const char* kIntervalAction = "][Rotacasts] Change Rotacasts Interval (New Interval: ";
-constexpr const char* kDownAction = "][Rotacasts] Move Rotacasts Down (Message: ";
-constexpr const char* kUpAction = "][Rotacasts] Move Rotacasts Up (Message: ";
-constexpr const char* kDeleteAction = "][Rotacasts] Delete Rotacasts (Message: ";
 
 /// The key `places` after the position that `data` names.
 std::string KeyAfter(const HostValue& data, std::int32_t places) {
@@ -57,7 +48,7 @@ std::string RemoteCommands::Run(std::string_view operation, std::int32_t index,
   return reply;
 }
 
-std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const HostValue& PDAT) {
+std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const ProfileData& PDAT) {
   Step at;
   std::string file;
   try {
@@ -71,7 +62,7 @@ std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const HostValue& 
   }
 }
 
-std::string RemoteCommands::List(std::int32_t index, const HostValue& PDAT, std::string& file,
+std::string RemoteCommands::List(std::int32_t index, const ProfileData& PDAT, std::string& file,
                                  Step& at) {
   at(1);
   setProfileData_(index, PDAT);
@@ -88,10 +79,10 @@ std::string RemoteCommands::List(std::int32_t index, const HostValue& PDAT, std:
     messages += services_.Memory().Enc64(text);
   }
   at(4);
-  std::string enable = section.ReadOption(kEnableKey);
-  if (enable.empty()) enable = kDefaultEnable;
+  std::string enable = section.ReadOption(kEnable.key);
+  if (enable.empty()) enable = kEnable.fallback;
   at(5);
-  return messages + "|" + enable + "|" + section.ReadOption(kIntervalKey);
+  return messages + "|" + enable + "|" + section.ReadOption(kInterval.key);
 }
 
 std::string RemoteCommands::QuoteFile(std::string file) {
@@ -104,7 +95,7 @@ std::string RemoteCommands::QuoteFile(std::string file) {
   return quoted + "]";
 }
 
-std::string RemoteCommands::AddMessageRem(std::int32_t Index, const HostValue& PDAT,
+std::string RemoteCommands::AddMessageRem(std::int32_t Index, const ProfileData& PDAT,
                                           const HostValue& Data) {
   return Run("AddMessageRem", Index, [&](std::string& reply, Step& at) {
     at(1);
@@ -119,51 +110,51 @@ std::string RemoteCommands::AddMessageRem(std::int32_t Index, const HostValue& P
       reply = kNotDone;
     }
     at(3);
-    log_.Write(PDAT, kAddAction, text);
+    log_.Write(PDAT, admin_action::kAdd, text);
   });
 }
 
-std::string RemoteCommands::EnableRTRem(std::int32_t Index, const HostValue& PDAT,
+std::string RemoteCommands::EnableRTRem(std::int32_t Index, const ProfileData& PDAT,
                                         const HostValue& Data) {
   return Run("EnableRTRem", Index, [&](std::string&, Step& at) {
     at(1);
     MessageFile file = store_.Open(Index);
     const auto window = window_.Showing(Index);
     const std::string value = ToText(Data);
-    file.SetOption(kEnableKey, value);
+    file.SetOption(kEnable.key, value);
     at(2);
     window->SetSwitch(ToInteger(Data));
     at(3);
-    log_.Write(PDAT, kEnableAction, value);
+    log_.Write(PDAT, admin_action::kEnable, value);
   });
 }
 
-std::string RemoteCommands::ChangeIntervalRem(std::int32_t Index, const HostValue& PDAT,
+std::string RemoteCommands::ChangeIntervalRem(std::int32_t Index, const ProfileData& PDAT,
                                               const HostValue& Data) {
   return Run("ChangeIntervalRem", Index, [&](std::string&, Step& at) {
     at(1);
     MessageFile file = store_.Open(Index);
     const auto window = window_.Showing(Index);
     const std::string value = ToText(Data);
-    file.SetOption(kIntervalKey, value);
+    file.SetOption(kInterval.key, value);
     at(2);
     window->SetInterval(value);
     at(3);
-    log_.Write(PDAT, kIntervalAction, value);
+    log_.Write(PDAT, admin_action::kInterval, value);
   });
 }
 
 /// One place down or up: the name, the log's action, and which of the two texts is moved.
 struct RemoteCommands::Move {
   const char* operation;
-  const char* action;
+  std::string_view action;
   std::string (*upperKey)(const HostValue& Data);
   std::string (*lowerKey)(const HostValue& Data);
   std::string MessageFile::Exchanged::*moved;
 };
 
 std::string RemoteCommands::MoveMessage(const Move& move, std::int32_t index,
-                                        const HostValue& PDAT, const HostValue& Data) {
+                                        const ProfileData& PDAT, const HostValue& Data) {
   return Run(move.operation, index, [&](std::string& reply, Step& at) {
     at(1);
     MessageFile file = store_.Open(index);
@@ -178,25 +169,24 @@ std::string RemoteCommands::MoveMessage(const Move& move, std::int32_t index,
   });
 }
 
-std::string RemoteCommands::MoveMessageDownRem(std::int32_t Index, const HostValue& PDAT,
+std::string RemoteCommands::MoveMessageDownRem(std::int32_t Index, const ProfileData& PDAT,
                                                const HostValue& Data) {
-  const Move down{"MoveMessageDownRem", kDownAction,
+  const Move down{"MoveMessageDownRem", admin_action::kMoveDown,
                   [](const HostValue& data) { return KeyAfter(data, 1); },
                   [](const HostValue& data) { return KeyAfter(data, 2); },
                   &MessageFile::Exchanged::first};
   return MoveMessage(down, Index, PDAT, Data);
 }
 
-std::string RemoteCommands::MoveMessageUpRem(std::int32_t Index, const HostValue& PDAT,
+std::string RemoteCommands::MoveMessageUpRem(std::int32_t Index, const ProfileData& PDAT,
                                              const HostValue& Data) {
-  const Move up{"MoveMessageUpRem", kUpAction,
-                [](const HostValue& data) { return ToText(data); },
-                [](const HostValue& data) { return KeyAfter(data, 1); },
-                &MessageFile::Exchanged::second};
+  const Move up{
+      "MoveMessageUpRem", admin_action::kMoveUp, [](const HostValue& data) { return ToText(data); },
+      [](const HostValue& data) { return KeyAfter(data, 1); }, &MessageFile::Exchanged::second};
   return MoveMessage(up, Index, PDAT, Data);
 }
 
-std::string RemoteCommands::DeleteMessageRem(std::int32_t Index, const HostValue& PDAT,
+std::string RemoteCommands::DeleteMessageRem(std::int32_t Index, const ProfileData& PDAT,
                                              const HostValue& Data) {
   return Run("DeleteMessageRem", Index, [&](std::string& reply, Step& at) {
     at(1);
@@ -210,7 +200,7 @@ std::string RemoteCommands::DeleteMessageRem(std::int32_t Index, const HostValue
     at(5);
     reply = kDone;
     at(6);
-    log_.Write(PDAT, kDeleteAction, text);
+    log_.Write(PDAT, admin_action::kDelete, text);
   });
 }
 

@@ -16,22 +16,12 @@ namespace {
 using forms::ListBox;
 using forms::MouseEvent;
 
-// The options as the window shows them where the message file has no usable value, and for a
-// profile that has no message file yet.
-constexpr const char* kDisabled = "0";
-constexpr std::int16_t kEnabledForNewProfile = 1;
-constexpr const char* kDefaultInterval = "3";  // minutes
-constexpr double kHighestEnable = 1;
-constexpr double kHighestInterval = 30;  // minutes
-
-/// The stored option as the window shows it: the default for an empty one and for one outside 0 to
-/// `highest`. Error 13 for one that is no number.
-std::string OptionToShow(MessageFile& file, const char* key, double highest,
-                         const char* defaultText) {
-  const std::string stored = file.ReadOption(key);
-  if (stored.empty()) return defaultText;
+/// The stored option as the window shows it. Error 13 for one that is no number.
+std::string OptionToShow(MessageFile& file, const Option& option) {
+  const std::string stored = file.ReadOption(option.key);
+  if (stored.empty()) return option.fallback;
   const double number = ToDouble(stored);
-  return number < 0 || number > highest ? defaultText : stored;
+  return number < option.lowest || number > option.highest ? option.fallback : stored;
 }
 
 // What is stored of the window's options; nothing for what is not to be stored.
@@ -69,8 +59,7 @@ std::int32_t ListIndexFromPoint(frmRT& window, float X, float Y) {
     return static_cast<std::intptr_t>((RoundToLong(twips) + 0.5) / factor);
   };
   const std::intptr_t point = pixel(Y, screen.vertical) * 65536 + pixel(X, screen.horizontal);
-  const std::intptr_t answer =
-      window.Send(window.lstMessages(), forms::kLbItemFromPoint, 0, point);
+  const std::intptr_t answer = window.Send(window.lstMessages(), forms::kLbItemFromPoint, 0, point);
   return (answer & forms::kLbOutsideItems) != 0 ? ListBox::kNone
                                                 : static_cast<std::int32_t>(answer);
 }
@@ -137,9 +126,9 @@ void Handlers::Form_Reload(const Handling& h) const {
   MessageFile file = context_.store.Open(h.shown.Profile());
   ShowOptions(h, file);
   h.at(4);
-  StoreOption(h, file, kEnableKey, SwitchShown);
+  StoreOption(h, file, kEnable.key, SwitchShown);
   h.at(5);
-  StoreOption(h, file, kIntervalKey, IntervalShown);
+  StoreOption(h, file, kInterval.key, IntervalShown);
 }
 
 void Handlers::LoadMessages(const ShownProfile& shown) const {
@@ -173,14 +162,13 @@ void Handlers::LoadMessages(const ShownProfile& shown) const {
 void Handlers::ShowOptions(const Handling& h, MessageFile& file) const {
   if (!context_.services.FileSystem().FileExists(file.File())) {
     h.at(3);
-    h.Window().chkAuto().SetValue(kEnabledForNewProfile);
-    h.Window().txtInterval().SetText(kDefaultInterval);
+    h.Window().chkAuto().SetValue(ToInteger(kEnable.initial));
+    h.Window().txtInterval().SetText(kInterval.initial);
     return;
   }
-  const std::string enable = OptionToShow(file, kEnableKey, kHighestEnable, kDisabled);
+  const std::string enable = OptionToShow(file, kEnable);
   h.Window().chkAuto().SetValue(ToInteger(enable));
-  const std::string interval =
-      OptionToShow(file, kIntervalKey, kHighestInterval, kDefaultInterval);
+  const std::string interval = OptionToShow(file, kInterval);
   h.Window().txtInterval().SetText(interval);
 }
 
@@ -188,15 +176,15 @@ void Handlers::chkAuto_Click(const Handling& h) const {
   h.at(1);
   if (!SwitchShown(h.Window())) return;
   MessageFile file = context_.store.Open(h.shown.Profile());
-  StoreOption(h, file, kEnableKey, SwitchShown);
+  StoreOption(h, file, kEnable.key, SwitchShown);
 }
 
 void Handlers::txtInterval_Change(const Handling& h) const {
   h.at(1);
   MessageFile file = context_.store.Open(h.shown.Profile());
-  if (StoreOption(h, file, kIntervalKey, IntervalTyped)) return;
+  if (StoreOption(h, file, kInterval.key, IntervalTyped)) return;
   h.at(2);
-  const std::string stored = file.ReadOption(kIntervalKey);
+  const std::string stored = file.ReadOption(kInterval.key);
   h.Window().txtInterval().SetText(stored);
   // Selected, so that typing goes on with a new number and not after the one that came back.
   frmRT& window = h.Window();

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "services/host_folder.h"
+
 namespace rotacasts::host::web {
 
 /// The plugin's privileges: to add, move, delete and say messages; to change switch and interval.
@@ -32,7 +34,7 @@ struct Admin {
 /// call reads the file again. Errors: those of reading and writing the file.
 class Admins {
  public:
-  explicit Admins(const std::string& hostFolder) : file_(hostFolder + "\\settings\\admins.ini") {}
+  explicit Admins(const std::string& hostFolder) : file_(HostFolder(hostFolder).Administrators()) {}
 
   /// The people with a password, in file order. Invalid indexes and rights are left out.
   std::vector<Admin> All() const;

@@ -7,7 +7,8 @@
 #include "base/text.h"
 #include "broadcast/placeholders.h"
 #include "machine/native_files.h"
-#include "store/profile_paths.h"
+#include "services/host_folder.h"
+#include "store/admin_log.h"
 
 namespace rotacasts::host::web {
 namespace {
@@ -34,20 +35,6 @@ std::int64_t Epoch(std::chrono::steady_clock::time_point time) {
 
 double Number(const std::string& text) {
   return IsNumeric(text) ? ToDouble(text) : 0;
-}
-
-/// The file's last lines, latest first.
-json LatestLines(std::string_view bytes) {
-  json lines = json::array();
-  while (!bytes.empty() && lines.size() < kMostLines) {
-    const std::size_t end = bytes.find_last_not_of("\r\n");
-    if (end == bytes.npos) break;
-    const std::size_t before = bytes.find_last_of("\r\n", end);
-    const std::size_t begin = before == bytes.npos ? 0 : before + 1;
-    lines.push_back(FromWindows1252(bytes.substr(begin, end + 1 - begin)));
-    bytes = bytes.substr(0, begin);
-  }
-  return lines;
 }
 
 }  // namespace
@@ -204,14 +191,14 @@ json Snapshots::Sent(std::int32_t index) const {
 }
 
 json Snapshots::Log(const ProfileSettings& profile) const {
-  const std::string& folder = host_.Profiles().Folder();
-  const std::string parent =
-      options_.sharedLog ? folder : ProfileFolderPath(folder, profile.folder);
+  const HostFolder paths(host_.Profiles().Folder());
+  const std::string folder =
+      options_.sharedLog ? paths.AdminLogs() : paths.AdminLogs(profile.folder);
   json log = {{"index", profile.index}, {"shared", options_.sharedLog}, {"problem", ""}};
   try {
-    const std::string date = FormatDate(host_.Profiles().Components().Clock().Now());
-    log["lines"] =
-        LatestLines(ReadWholeFile(parent + "\\adminlogs\\" + date + ".txt").value_or(""));
+    const LocalTime today = host_.Profiles().Components().Clock().Now();
+    log["lines"] = AdminLog::LatestLines(
+        ReadWholeFile(AdminLog::FileIn(folder, today)).value_or(""), kMostLines);
   } catch (const RuntimeError& error) {
     log["lines"] = json::array();
     log["problem"] = error.description;

@@ -64,6 +64,9 @@ class PluginHarness {
   static HostValue Data(std::int32_t index, const std::string& gameCode) {
     return ProfileData(index, gameCode);
   }
+  void SetProfileData(std::int32_t index, const HostValue& data) {
+    State().profiles.SetProfileData(index, rotacasts::ProfileData(data));
+  }
   void Load(std::int32_t index, const std::string& gameCode = "JO") {
     Plugin().LoadInterface(index, 77, Data(index, gameCode));
   }
