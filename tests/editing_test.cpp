@@ -4,7 +4,6 @@
 #include <array>
 
 #include "broadcast/placeholders.h"
-#include "forms/window_messages.h"
 #include "support/fake_host.h"
 #include "ui/layout.h"
 
@@ -12,7 +11,6 @@ namespace rotacasts {
 namespace {
 
 using forms::MouseEvent;
-using headless::WindowMessage;
 using testing::MessageFileBytes;
 using testing::PluginTest;
 using Texts = std::vector<std::string>;
@@ -26,10 +24,9 @@ class EditingTest : public PluginTest {
       shown.push_back(menu.name);
       return choice.empty() ? nullptr : &Window().Menu(choice);
     };
-    toolkit.onSend = [this](const forms::Control&, const WindowMessage& now) -> std::intptr_t {
-      if (now.message != forms::kLbItemFromPoint) return 0;
-      const std::intptr_t row = now.lParam / 65536 / kRowHeight;
-      return row < Window().lstMessages().Count() ? row : forms::kLbOutsideItems;
+    toolkit.onRowAt = [](const forms::ListBox& list, std::int32_t, std::int32_t y) {
+      const std::int32_t row = y / kRowHeight;
+      return row < list.Count() ? row : forms::ListBox::kNone;
     };
   }
   void Show(const Texts& listed) {

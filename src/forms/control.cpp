@@ -12,6 +12,10 @@ FormView* Control::View() const {
   return form_.view_.get();
 }
 
+std::shared_ptr<FormView> Control::SharedView() const {
+  return form_.view_;
+}
+
 void Control::Changed(Property property) {
   if (FormView* view = View()) view->Changed(*this, property);
 }
@@ -120,6 +124,11 @@ TextSelection TextBox::Selection() const {
   return view != nullptr ? view->Selection(*this) : TextSelection{};
 }
 
+void TextBox::Edit(TextEdit edit) {
+  const std::shared_ptr<Form> keepAlive = GetForm().KeepAlive();
+  if (const std::shared_ptr<FormView> view = SharedView()) view->Edit(*this, edit);
+}
+
 void CheckBox::RequireValue(std::int16_t value) {
   if (value < 0 || value > 2) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
 }
@@ -157,6 +166,20 @@ void ListBox::Select(std::int32_t row) {
   if (row != kNone) Checked(row);
   selectedRow_ = row;
   Changed(Property::Selection);
+}
+
+std::int32_t ListBox::RowAt(std::int32_t x, std::int32_t y) const {
+  const FormView* view = View();
+  return view != nullptr ? view->RowAt(*this, x, y) : kNone;
+}
+
+std::int32_t ListBox::TopRow() const {
+  const FormView* view = View();
+  return view != nullptr ? view->TopRow(*this) : 0;
+}
+
+void ListBox::ScrollTo(std::int32_t row) {
+  if (FormView* view = View()) view->ScrollTo(*this, row);
 }
 
 std::size_t ListBox::Checked(std::int32_t row) const {

@@ -99,6 +99,8 @@ class Control {
 
  protected:
   FormView* View() const;
+  /// For a call that runs a message loop, which must outlive the view's end.
+  std::shared_ptr<FormView> SharedView() const;
   bool TakesActs() const { return View() != nullptr; }
   void Changed(Property property);
   /// Calls the handler, if there is one, and keeps the form alive until it returns.
@@ -178,6 +180,13 @@ class TextBox final : public Control {
   void SetMaxLength(std::size_t characters) { maxLength_ = characters; }
   /// What the user has selected.
   TextSelection Selection() const;
+  // Editing as the user could do it, also while the box is disabled. Raises the change event if the
+  // text changes.
+  void Cut() { Edit(TextEdit::Cut); }
+  void Copy() { Edit(TextEdit::Copy); }
+  void Paste() { Edit(TextEdit::Paste); }
+  void DeleteSelection() { Edit(TextEdit::Delete); }
+  void SelectAll() { Edit(TextEdit::SelectAll); }
 
   std::function<void()> onChange;
   /// The user changed the text.
@@ -186,6 +195,8 @@ class TextBox final : public Control {
   }
 
  private:
+  void Edit(TextEdit edit);
+
   std::string text_;
   std::size_t maxLength_ = 0;
 };
@@ -238,6 +249,11 @@ class ListBox final : public Control {
   void UserSelected(std::int32_t row) {
     if (TakesActs()) selectedRow_ = row;
   }
+  /// The row at a point in pixels from the list's corner, or kNone.
+  std::int32_t RowAt(std::int32_t x, std::int32_t y) const;
+  /// The uppermost row in sight; 0 without a view.
+  std::int32_t TopRow() const;
+  void ScrollTo(std::int32_t row);
   /// The row as an index into Items(). Errors: 380 if it is out of range.
   std::size_t Checked(std::int32_t row) const;
 

@@ -142,11 +142,4 @@ void Form::SetVisible(bool visible) {
   if (view_) view_->SetVisible(visible);
 }
 
-std::intptr_t Form::Send(Control& control, std::uint32_t message, std::uintptr_t wParam,
-                         std::intptr_t lParam) {
-  const std::shared_ptr<Form> keepAlive = KeepAlive();
-  const std::shared_ptr<FormView> view = view_;
-  return view ? view->Send(control, message, wParam, lParam) : 0;
-}
-
 }  // namespace rotacasts::forms

@@ -136,9 +136,6 @@ class Form : public std::enable_shared_from_this<Form> {
   /// Keeps the form alive as long as the result exists.
   std::shared_ptr<Form> KeepAlive() { return weak_from_this().lock(); }
 
-  std::intptr_t Send(Control& control, std::uint32_t message, std::uintptr_t wParam,
-                     std::intptr_t lParam);
-
  protected:
   virtual void OnLoad() {}
   /// Adds the menus. Called when a menu is first used, because most windows never open one.

@@ -36,6 +36,9 @@ struct TextSelection {
   std::size_t length = 0;
 };
 
+/// What can be done with the text in a text box. All but SelectAll work on the selection.
+enum class TextEdit { Cut, Copy, Paste, Delete, SelectAll };
+
 /// What changed in a control, so that a view redraws only that.
 enum class Property {
   Bounds,
@@ -58,7 +61,7 @@ class FormView {
   virtual ~FormView() = default;
 
   /// Destroys the windows and stops the timers; the second call does nothing. The form calls
-  /// nothing else afterwards, but a call that runs a message loop (PopUp, Send) may still be in
+  /// nothing else afterwards, but a call that runs a message loop (PopUp, Edit) may still be in
   /// progress.
   virtual void Close() = 0;
 
@@ -86,9 +89,14 @@ class FormView {
   virtual void PopUp(MenuItem& menu) = 0;
 
   virtual TextSelection Selection(const TextBox& box) const = 0;
-  /// Sends a window message to the control's window and returns its answer.
-  virtual std::intptr_t Send(Control& control, std::uint32_t message, std::uintptr_t wParam,
-                             std::intptr_t lParam) = 0;
+  /// Edits the text box, also while it is disabled.
+  virtual void Edit(TextBox& box, TextEdit edit) = 0;
+
+  /// The row of the list at a point in pixels from its corner; -1 outside the rows.
+  virtual std::int32_t RowAt(const ListBox& list, std::int32_t x, std::int32_t y) const = 0;
+  /// The uppermost row in sight, and scrolling another one there.
+  virtual std::int32_t TopRow(const ListBox& list) const = 0;
+  virtual void ScrollTo(ListBox& list, std::int32_t row) = 0;
 };
 
 /// A backend: creates views, moves windows, shows message boxes.

@@ -7,7 +7,6 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
-#include "forms/window_messages.h"
 #include "ui/shown_profile.h"
 
 namespace rotacasts {
@@ -56,12 +55,9 @@ std::int32_t ListIndexFromPoint(frmRT& window, float X, float Y) {
   // The pixel that the whole number of twips lies in, also where a pixel is no whole number of
   // them.
   const auto pixel = [](float twips, double factor) {
-    return static_cast<std::intptr_t>((RoundToLong(twips) + 0.5) / factor);
+    return static_cast<std::int32_t>((RoundToLong(twips) + 0.5) / factor);
   };
-  const std::intptr_t point = pixel(Y, screen.vertical) * 65536 + pixel(X, screen.horizontal);
-  const std::intptr_t answer = window.Send(window.lstMessages(), forms::kLbItemFromPoint, 0, point);
-  return (answer & forms::kLbOutsideItems) != 0 ? ListBox::kNone
-                                                : static_cast<std::int32_t>(answer);
+  return window.lstMessages().RowAt(pixel(X, screen.horizontal), pixel(Y, screen.vertical));
 }
 
 void EnableListMenu(frmRT& window) {
@@ -98,11 +94,11 @@ bool Remove(MessageFile& file, MessageRow row) {
 }  // namespace
 
 const EditingItem kEditingItems[5] = {
-    {"mnuCut", true, forms::kWmCut, 0, 0},
-    {"mnuCopy", true, forms::kWmCopy, 0, 0},
-    {"mnuPaste", false, forms::kWmPaste, 0, 0},
-    {"mnuDelete2", false, forms::kEmReplaceSel, 0, reinterpret_cast<std::intptr_t>("")},
-    {"mnuSelectAll", false, forms::kEmSetSel, 0, -1},
+    {"mnuCut", true, &forms::TextBox::Cut},
+    {"mnuCopy", true, &forms::TextBox::Copy},
+    {"mnuPaste", false, &forms::TextBox::Paste},
+    {"mnuDelete2", false, &forms::TextBox::DeleteSelection},
+    {"mnuSelectAll", false, &forms::TextBox::SelectAll},
 };
 
 frmRT& Handling::Window() const {
@@ -187,8 +183,7 @@ void Handlers::txtInterval_Change(const Handling& h) const {
   const std::string stored = file.ReadOption(kInterval.key);
   h.Window().txtInterval().SetText(stored);
   // Selected, so that typing goes on with a new number and not after the one that came back.
-  frmRT& window = h.Window();
-  window.Send(window.txtInterval(), forms::kEmSetSel, 0, -1);
+  h.Window().txtInterval().SelectAll();
 }
 
 void Handlers::cmdAdd_MouseDown(const Handling& h, const MouseEvent& event) const {
@@ -298,9 +293,9 @@ void Handlers::InsertToken(const Handling& h, std::string_view token) const {
 }
 
 void Handlers::Edit(const Handling& h, const EditingItem& item) const {
-  frmRT& window = h.Window();
-  if (item.needsSelection && window.txtMessage().Selection().length == 0) return;
-  window.Send(window.txtMessage(), item.message, item.wParam, item.lParam);
+  forms::TextBox& box = h.Window().txtMessage();
+  if (item.needsSelection && box.Selection().length == 0) return;
+  (box.*item.edit)();
 }
 
 }  // namespace rotacasts

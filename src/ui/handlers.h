@@ -35,13 +35,11 @@ struct Handling {
   frmRT& Window() const;
 };
 
-/// An item of the entry box's menu that is carried out by a window message to the box.
+/// An item of the entry box's menu that edits its text.
 struct EditingItem {
   std::string_view item;
   bool needsSelection;
-  std::uint32_t message;
-  std::uintptr_t wParam;
-  std::intptr_t lParam;
+  void (forms::TextBox::*edit)();
 };
 extern const EditingItem kEditingItems[5];
 

@@ -8,7 +8,6 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
-#include "forms/window_messages.h"
 #include "services/guard.h"
 #include "store/message_file.h"
 
@@ -28,8 +27,7 @@ std::optional<MessageRow> RowOf(MessageSection& section, std::string& line) {
 void MessageRows::Fill(std::vector<MessageRow> rows) {
   ++fillings_;
   rows_ = std::move(rows);
-  forms::Form& form = list_.GetForm();
-  const std::intptr_t top = form.Send(list_, forms::kLbGetTopIndex, 0, 0);
+  const std::int32_t top = list_.TopRow();
   list_.Clear();
   if (rows_.empty()) return;
   struct Hidden {
@@ -41,12 +39,11 @@ void MessageRows::Fill(std::vector<MessageRow> rows) {
     list_.Add(row.text);
     list_.SetItemData(list_.Count() - 1, row.key);
   }
-  form.Send(list_, forms::kLbSetTopIndex,
-            static_cast<std::uintptr_t>(std::max<std::intptr_t>(top, 0)), 0);
+  list_.ScrollTo(top);
 }
 
 void MessageRows::BeginAtTheTop() {
-  list_.GetForm().Send(list_, forms::kLbSetTopIndex, 0, 0);
+  list_.ScrollTo(0);
 }
 
 void MessageRows::Exchange(std::int32_t first, std::int32_t second) {

@@ -50,10 +50,12 @@ class HeadlessView final : public FormView {
 
   TextSelection Selection(const TextBox&) const override { return {}; }
 
-  std::intptr_t Send(Control& control, std::uint32_t message, std::uintptr_t wParam,
-                     std::intptr_t lParam) override {
-    return toolkit_.onSend ? toolkit_.onSend(control, {message, wParam, lParam}) : 0;
+  void Edit(TextBox&, TextEdit) override {}
+  std::int32_t RowAt(const ListBox& list, std::int32_t x, std::int32_t y) const override {
+    return toolkit_.onRowAt ? toolkit_.onRowAt(list, x, y) : ListBox::kNone;
   }
+  std::int32_t TopRow(const ListBox&) const override { return 0; }
+  void ScrollTo(ListBox&, std::int32_t) override {}
 
  private:
   /// Several forms share a loop, so the identifier combines the form's handle and the element.

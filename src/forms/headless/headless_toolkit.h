@@ -1,7 +1,7 @@
 // The form toolkit without a screen: forms work, nothing is drawn.
 //
-// Message boxes, popup menus and messages to the controls' windows go to functions that the owner
-// sets; timers run in a TimerLoop.
+// Message boxes, popup menus and hit tests go to functions that the owner sets; timers run in a
+// TimerLoop.
 #pragma once
 
 #include <cstdint>
@@ -24,14 +24,6 @@ struct Placement {
   forms::WindowHandle parent = 0;
 };
 
-/// A message to the window that a control would have, as in forms/window_messages.h.
-struct WindowMessage {
-  std::uint32_t message = 0;
-  std::uintptr_t wParam = 0;
-  std::intptr_t lParam = 0;
-  bool operator==(const WindowMessage&) const = default;
-};
-
 class HeadlessToolkit final : public forms::Toolkit {
  public:
   /// `timers` must outlive the toolkit.
@@ -43,8 +35,8 @@ class HeadlessToolkit final : public forms::Toolkit {
   std::function<forms::MenuItem*(forms::MenuItem& menu)> onPopUp;
   /// Checks a picture file. Errors: 53, 481. If unset, every picture is accepted.
   std::function<void(const std::string& path)> onLoadPicture;
-  /// Handles a message to a control's window and answers it. If unset, the answer is 0.
-  std::function<std::intptr_t(forms::Control& control, const WindowMessage& message)> onSend;
+  /// Finds the row of a list at a point in pixels. If unset, there is none.
+  std::function<std::int32_t(const forms::ListBox& list, std::int32_t x, std::int32_t y)> onRowAt;
 
   /// The resolution of the screen that the forms believe in.
   forms::TwipsPerPixel screen;

@@ -206,10 +206,42 @@ TextSelection Win32FormView::Selection(const TextBox& box) const {
   return {start, end - start};
 }
 
-std::intptr_t Win32FormView::Send(Control& control, std::uint32_t message, std::uintptr_t wParam,
-                                  std::intptr_t lParam) {
-  const ControlWindow* window = Of(control);
-  return window != nullptr ? ::SendMessageA(window->Window(), message, wParam, lParam) : 0;
+void Win32FormView::Edit(TextBox& box, TextEdit edit) {
+  struct Row {
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+  };
+  static const Row kMessages[] = {
+      {WM_CUT, 0, 0},     {WM_COPY, 0, 0},
+      {WM_PASTE, 0, 0},   {EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>("")},  // cannot be undone
+      {EM_SETSEL, 0, -1},
+  };
+  const ControlWindow* window = Of(box);
+  if (window == nullptr) return;
+  const Row& row = kMessages[static_cast<int>(edit)];
+  ::SendMessageA(window->Window(), row.message, row.wParam, row.lParam);
+}
+
+std::int32_t Win32FormView::RowAt(const ListBox& list, std::int32_t x, std::int32_t y) const {
+  constexpr LRESULT kOutsideItems = 0x10000;  // bit 16 of the answer
+  const ControlWindow* window = Of(list);
+  if (window == nullptr) return ListBox::kNone;
+  const LRESULT answer =
+      ::SendMessageA(window->Window(), LB_ITEMFROMPOINT, 0, LPARAM{y} * 65536 + x);
+  return (answer & kOutsideItems) != 0 ? ListBox::kNone : static_cast<std::int32_t>(answer);
+}
+
+std::int32_t Win32FormView::TopRow(const ListBox& list) const {
+  const ControlWindow* window = Of(list);
+  if (window == nullptr) return 0;
+  return std::max(0, static_cast<int>(::SendMessageW(window->Window(), LB_GETTOPINDEX, 0, 0)));
+}
+
+void Win32FormView::ScrollTo(ListBox& list, std::int32_t row) {
+  const ControlWindow* window = Of(list);
+  if (window == nullptr) return;
+  ::SendMessageW(window->Window(), LB_SETTOPINDEX, static_cast<WPARAM>(row), 0);
 }
 
 void Win32FormView::FocusNext(const ControlWindow& from, bool backwards) {

@@ -46,8 +46,10 @@ class Win32FormView final : public forms::FormView,
   void SetTimer(std::int16_t index, std::int32_t milliseconds) override;
   void PopUp(forms::MenuItem& menu) override;
   forms::TextSelection Selection(const forms::TextBox& box) const override;
-  std::intptr_t Send(forms::Control& control, std::uint32_t message, std::uintptr_t wParam,
-                     std::intptr_t lParam) override;
+  void Edit(forms::TextBox& box, forms::TextEdit edit) override;
+  std::int32_t RowAt(const forms::ListBox& list, std::int32_t x, std::int32_t y) const override;
+  std::int32_t TopRow(const forms::ListBox& list) const override;
+  void ScrollTo(forms::ListBox& list, std::int32_t row) override;
 
   // For the control windows.
   Win32Toolkit& Toolkit() const { return toolkit_; }
