@@ -31,6 +31,9 @@ bool ReplaceFile(const std::string& path, std::string_view bytes, const FileByte
 /// Appends `line` as a line to an existing file, completely or not at all. Errors: 53 if the file
 /// does not exist.
 void AppendLine(const std::string& path, const std::string& line);
+/// Gives the file to the owner and group of its folder. Does nothing where this user may not, and
+/// on Windows, where a new file has its folder's rights.
+void GiveToFoldersOwner(const std::string& path) noexcept;
 /// Removes what interrupted replacements have left in the folder. Ignores errors.
 void RemoveLeftovers(const std::string& folder) noexcept;
 

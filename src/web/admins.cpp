@@ -1,8 +1,5 @@
 #include "web/admins.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <charconv>
 
@@ -124,14 +121,6 @@ void Admins::Make() const {
       NativePath(file_), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
-void Admins::GiveToFoldersOwner() const {
-  const std::filesystem::path file = NativePath(file_);
-  struct stat folder {};
-  if (::stat(file.parent_path().c_str(), &folder) != 0) return;
-  // Only root can give files away. Anybody else is assumed to be the host's user.
-  (void)!::chown(file.c_str(), folder.st_uid, folder.st_gid);
-}
-
 void Admins::Set(const Admin& admin) const {
   RefuseName(admin.name);
   const bool isNew = !MachineFiles().FileExists(file_);
@@ -142,7 +131,7 @@ void Admins::Set(const Admin& admin) const {
   ini.SetValue(section, kProfiles, ProfilesText(admin));
   ini.SetValue(section, kRightsKey, RightsText(admin));
   ReplaceFile(file_, ini.Bytes());
-  if (isNew) GiveToFoldersOwner();
+  if (isNew) GiveToFoldersOwner(file_);  // the host may run as another user than the caller
 }
 
 void Admins::Remove(const std::string& name) const {

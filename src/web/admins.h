@@ -47,8 +47,6 @@ class Admins {
  private:
   /// Creates an empty file that only its owner can read.
   void Make() const;
-  /// Gives a new file the folder's owner, because the host may run as another user than the caller.
-  void GiveToFoldersOwner() const;
 
   const std::string file_;
 };

@@ -1,14 +1,7 @@
 #include "web/passwords.h"
 
-#include <fcntl.h>
-#include <poll.h>
 #include <sodium.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <new>
 #include <utility>
 
@@ -18,16 +11,6 @@ namespace {
 constexpr std::size_t kMostWaiting = 8;
 constexpr auto kOperations = crypto_pwhash_OPSLIMIT_INTERACTIVE;
 constexpr auto kMemory = crypto_pwhash_MEMLIMIT_INTERACTIVE;
-
-/// The work of the child process; never returns.
-[[noreturn]] void CheckInChild(const std::string& hash, const std::string& password, int answer) {
-  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-  ::setpriority(PRIO_PROCESS, 0, 10);
-  if (crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0) {
-    (void)!::write(answer, "y", 1);
-  }
-  ::_exit(0);
-}
 
 }  // namespace
 
@@ -47,14 +30,6 @@ std::string HashOfNobody() {
   return HashPassword({reinterpret_cast<const char*>(bytes), sizeof bytes});
 }
 
-PasswordChecks::~PasswordChecks() {
-  if (process_ < 0) return;
-  ::kill(process_, SIGKILL);
-  loop_.Unwatch(answer_);
-  ::close(answer_);
-  ::waitpid(process_, nullptr, 0);
-}
-
 bool PasswordChecks::Check(std::string hash, std::string password,
                            std::function<void(bool)> onAnswer) {
   if (waiting_.size() >= kMostWaiting) return false;
@@ -64,22 +39,17 @@ bool PasswordChecks::Check(std::string hash, std::string password,
 }
 
 void PasswordChecks::StartFirst() {
-  int ends[2] = {-1, -1};
-  if (::pipe2(ends, O_CLOEXEC) != 0) throw std::bad_alloc();
-  process_ = ::fork();
-  if (process_ == 0) CheckInChild(waiting_.front().hash, waiting_.front().password, ends[1]);
-  ::close(ends[1]);  // if the fork failed, the answer is no
-  answer_ = ends[0];
-  loop_.Watch(answer_, POLLIN, [this](short) { Finish(); });
+  const Waiting& first = waiting_.front();
+  current_.emplace(
+      loop_,
+      [&first] {
+        return crypto_pwhash_str_verify(first.hash.c_str(), first.password.data(),
+                                        first.password.size()) == 0;
+      },
+      [this](bool isRight) { Finish(isRight); });
 }
 
-void PasswordChecks::Finish() {
-  char byte = 0;
-  const bool isRight = ::read(answer_, &byte, 1) == 1;
-  loop_.Unwatch(answer_);
-  ::close(answer_);
-  if (process_ > 0) ::waitpid(process_, nullptr, 0);
-  process_ = -1;
+void PasswordChecks::Finish(bool isRight) {
   const Waiting done = std::move(waiting_.front());
   waiting_.pop_front();
   if (!waiting_.empty()) StartFirst();

@@ -4,9 +4,10 @@
 #include <cstddef>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
 
-#include "machine/linux/event_loop.h"
+#include "machine/linux/background_check.h"
 
 namespace rotacasts::host::web {
 
@@ -18,15 +19,12 @@ std::string HashPassword(const std::string& password);
 /// The hash of a random password; checking it costs as much as any other.
 std::string HashOfNobody();
 
-/// Checks passwords one after the other, each in a child process, because the memory and time that
+/// Checks passwords one after the other, each in the background, because the memory and time that
 /// make guessing expensive would otherwise delay the ticks.
 class PasswordChecks {
  public:
+  /// `loop` must outlive this. The end of this object ends the current check without an answer.
   explicit PasswordChecks(EventLoop& loop) : loop_(loop) {}
-  /// Ends the current check; no answer follows.
-  ~PasswordChecks();
-  PasswordChecks(const PasswordChecks&) = delete;
-  PasswordChecks& operator=(const PasswordChecks&) = delete;
 
   /// Calls `onAnswer` in a later turn. Returns false, without a call, if too many checks are
   /// waiting.
@@ -39,12 +37,11 @@ class PasswordChecks {
     std::function<void(bool)> onAnswer;
   };
   void StartFirst();
-  void Finish();
+  void Finish(bool isRight);
 
   EventLoop& loop_;
   std::deque<Waiting> waiting_;  // the first one is being checked
-  int process_ = -1;
-  int answer_ = -1;  // a pipe's end: one byte if the password is right, none if it is wrong
+  std::optional<BackgroundCheck> current_;
 };
 
 }  // namespace rotacasts::host::web

@@ -246,6 +246,13 @@ void AppendLine(const std::string& path, const std::string& line) {
   }
 }
 
+void GiveToFoldersOwner(const std::string& path) noexcept {
+  const std::filesystem::path file = NativePath(path);
+  struct stat folder {};
+  if (::stat(file.parent_path().c_str(), &folder) != 0) return;
+  (void)!::chown(file.c_str(), folder.st_uid, folder.st_gid);
+}
+
 void RemoveLeftovers(const std::string& folder) noexcept try {
   for (const auto& entry : std::filesystem::directory_iterator(NativePath(folder))) {
     const std::string name = entry.path().filename().string();
