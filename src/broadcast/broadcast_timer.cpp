@@ -1,8 +1,7 @@
 #include "broadcast/broadcast_timer.h"
 
-#include "base/conversions.h"
-#include "base/text.h"
 #include "broadcast/live_texts.h"
+#include "broadcast/schedule.h"
 #include "game/game_builds.h"
 
 namespace rotacasts {
@@ -22,9 +21,8 @@ bool IsDue(Pass& pass, const GameReader& game, Step& at) {
   at(3);
   if (pass.Settings().Switch() != 1) return false;
   at(4);
-  const std::int32_t interval = ToLong(TrimSpaces(pass.Settings().Interval()));
   std::int32_t& elapsed = pass.ElapsedTicks();
-  if (interval <= 1 || elapsed >= interval - 1) return true;
+  if (TicksUntilDue(pass.Settings().Interval(), elapsed) == 1) return true;
   ++elapsed;
   return false;
 }
@@ -54,9 +52,8 @@ bool TryMessage(Pass& pass, MessageStore& store, GameReader& game, LiveTexts& li
     return true;
   }
   at(6);
-  if (pass.NextMessage() > count - 1) pass.NextMessage() = 0;
-  at(7);
-  const std::int32_t position = pass.NextMessage();
+  const std::int32_t position = NextPosition(pass.NextMessage(), count);
+  pass.NextMessage() = position;
   at(8);
   const std::string message = section.TextOf(lines.at(static_cast<std::size_t>(position)));
   at(9);

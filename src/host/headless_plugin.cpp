@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "broadcast/schedule.h"
 #include "plugin/remote_operations.h"
 #include "siblings/host_file_system.h"
 #include "ui/layout.h"
@@ -162,12 +163,18 @@ HostedPlugin::Progress HeadlessPlugin::Instance::GetProgress() const {
   const auto window = state_.window.IfLoaded();
   const auto next = timers_.NextDue();
   if (!window || !next) return {};
-  return {true,
-          window->chkAuto().Value() == 1,
-          window->txtInterval().Text(),
-          state_.tables.ElapsedTicks(index_),
-          state_.tables.NextMessage(index_),
-          *next};
+  Progress progress;
+  progress.isStarted = true;
+  progress.isSwitchedOn = window->Switch() == 1;
+  progress.interval = window->Interval();
+  progress.elapsedTicks = state_.tables.ElapsedTicks(index_);
+  progress.nextMessage = state_.tables.NextMessage(index_);
+  progress.nextTick = *next;
+  try {
+    progress.ticksLeft = TicksUntilDue(progress.interval, progress.elapsedTicks);
+  } catch (const RuntimeError&) {  // no number: every tick fails
+  }
+  return progress;
 }
 
 HeadlessPlugin::HeadlessPlugin(HostProfiles& profiles, Troubles& troubles,

@@ -1,6 +1,7 @@
 #include "host/status.h"
 
 #include "base/conversions.h"
+#include "broadcast/schedule.h"
 #include "host/message_list.h"
 #include "services/host_folder.h"
 
@@ -33,8 +34,8 @@ ProfileStatus ReadStatus(HostProfiles& profiles, Preview& preview, const Profile
     const MessageList list(HostFolder(profiles.Folder()).MessageFile(profile.folder));
     TakeOptions(status, list);
     if (!progress || list.messages.empty()) return status;
-    const auto next = static_cast<std::size_t>(progress->nextMessage);
-    status.position = next < list.messages.size() ? next : 0;
+    status.position = static_cast<std::size_t>(
+        NextPosition(progress->nextMessage, static_cast<std::int32_t>(list.messages.size())));
     status.message = list.messages[*status.position].text;
     // Problems of the game are printed below the table.
     const Preview::Text text = preview.TextOf(profile, status.game, status.message);

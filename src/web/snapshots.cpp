@@ -6,6 +6,7 @@
 #include "base/conversions.h"
 #include "base/text.h"
 #include "broadcast/placeholders.h"
+#include "broadcast/schedule.h"
 #include "machine/native_files.h"
 #include "services/host_folder.h"
 #include "store/admin_log.h"
@@ -64,12 +65,11 @@ const Preview::Game& Snapshots::GameOf(const ProfileSettings& profile) {
 json Snapshots::Next(const HostedPlugin::Progress& progress, const MessageList& list,
                      bool isCasting) const {
   if (list.messages.empty()) return nullptr;
-  const auto wanted = static_cast<std::size_t>(std::max(progress.nextMessage, 0));
-  const std::size_t position = wanted < list.messages.size() ? wanted : 0;
+  const auto position = static_cast<std::size_t>(
+      NextPosition(progress.nextMessage, static_cast<std::int32_t>(list.messages.size())));
   json at = nullptr;
-  if (isCasting) {
-    const double ticks = std::max(0.0, Number(progress.interval) - 1 - progress.elapsedTicks);
-    at = Epoch(progress.nextTick + static_cast<std::int64_t>(ticks) * options_.minute);
+  if (isCasting && progress.ticksLeft > 0) {
+    at = Epoch(progress.nextTick + (progress.ticksLeft - 1) * options_.minute);
   }
   return {{"position", position}, {"text", list.messages[position].text}, {"at", at}};
 }
