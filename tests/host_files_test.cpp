@@ -70,21 +70,29 @@ TEST_F(HostFilesTest, AFileThatCannotBeUsedIsNamedAndStaysAsItIs) {
   EXPECT_NE(ErrorOf([&] { Set("S", "1", "x"); }), 0);
 }
 
-TEST_F(HostFilesTest, AnOperationIsOneChangeThatTheLogTellsOfAfterwards) {
-  folder.Write("a.ini", "[S]\r\n");
+TEST_F(HostFilesTest, AnOperationIsOneChangeUntilItIsSettledOrAnotherBeginsWithinIt) {
   folder.Write("log", "begun");
-  EXPECT_EQ(ini.Run([&] {
-    Set("S", "1", "x");
-    Set("S", "2", "y");
-    EXPECT_EQ(utility.GetIniKey("S", "2", file), "y");
-    EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n");
-    utility.AppendFile(log, "told");
-    EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=x\r\n2=y\r\n");
-    Set("S", "3", "z");
-  }),
-            std::nullopt);
-  EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=x\r\n2=y\r\n3=z\r\n");
-  EXPECT_EQ(folder.Read("log"), "begun\r\ntold\r\n");
+  for (const std::function<void()>& end :
+       std::vector<std::function<void()>>{[&] { ini.Settle(); }, [&] { ini.Run([] {}); }}) {
+    folder.Write("a.ini", "[S]\r\n");
+    EXPECT_EQ(ini.Run([&] {
+      Set("S", "1", "x");
+      Set("S", "2", "y");
+      EXPECT_EQ(utility.GetIniKey("S", "1", file), "x");
+      EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n");
+      utility.AppendFile(log, "told");
+      Set("S", "3", "z");
+      EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=x\r\n2=y\r\n");
+      end();
+      EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=x\r\n2=y\r\n3=z\r\n");
+      folder.Write("a.ini", "[S]\r\n1=hand\r\n");
+      EXPECT_EQ(utility.GetIniKey("S", "1", file), "hand");
+      Set("S", "4", "d");
+      EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n1=hand\r\n4=d\r\n");
+    }),
+              std::nullopt);
+  }
+  EXPECT_EQ(folder.Read("log"), "begun\r\ntold\r\ntold\r\n");
 }
 
 TEST_F(HostFilesTest, AnOperationIsDoneAnewOnWhatAnotherProgramHasSaved) {
@@ -101,7 +109,7 @@ TEST_F(HostFilesTest, AnOperationIsDoneAnewOnWhatAnotherProgramHasSaved) {
         if (*how == 'g') std::filesystem::remove(folder.File("a.ini"));
         if (*how == 'r') std::filesystem::rename(folder.File("b.ini"), folder.File("a.ini"));
       }
-      utility.AppendFile(log, how);
+      ini.Run([&] { utility.AppendFile(log, how); });  // once, too
     }),
               std::nullopt);
     EXPECT_EQ(runs, 2);
@@ -111,6 +119,35 @@ TEST_F(HostFilesTest, AnOperationIsDoneAnewOnWhatAnotherProgramHasSaved) {
   const std::ofstream writer(folder.File("a.ini"), std::ios::app);  // stays open
   EXPECT_EQ(ErrorOf([&] { Set("S", "2", "x"); }), 70);
   EXPECT_EQ(folder.Read("a.ini"), "[S]\r\n2=b\r\n");
+}
+
+TEST_F(HostFilesTest, AnOperationKnowsWhatCannotBeStoredAndEndsWhereItCannot) {
+  folder.Write("a.ini", "[S]\r\n1=a\r\n");
+  folder.Write("log", "");
+  std::filesystem::permissions(folder.File("a.ini"), std::filesystem::perms::owner_read);
+  const auto set = [&] { Set("S", "1", "x"); };
+  const auto read = [&] { return utility.GetIniKey("S", "1", file); };
+  const auto tell = [&] { utility.AppendFile(log, "told"); };
+  const auto refuse = [](const auto& act) { EXPECT_EQ(ErrorOf(act), 70); };
+  const auto report = [&] {
+    std::string procedure = "P";
+    RuntimeError error(13, "");
+    std::int32_t line = 0;
+    utility.LogError("M", procedure, error, line);
+    refuse(set);
+    EXPECT_EQ(read(), "a");
+    refuse(tell);
+  };
+  using Row = std::tuple<const char*, std::function<void()>, int>;
+  for (const auto& [name, operation, number] :
+       {Row{"asks and goes on", [&] { set(), refuse(read), tell(); }, 0},
+        Row{"asks and fails", [&] { set(), refuse(read), report(); }, 70},
+        Row{"tells", [&] { set(), refuse(tell), report(); }, 70},
+        Row{"reports", [&] { set(), report(); }, 70}, Row{"ends", set, 70}}) {
+    const auto failure = ini.Run(operation);
+    EXPECT_EQ(failure ? failure->number : 0, number) << name;
+  }
+  EXPECT_EQ(folder.Read("a.ini") + folder.Read("log"), "[S]\r\n1=a\r\ntold\r\n");
 }
 
 TEST_F(HostFilesTest, ErrorsAreLoggedALineEachAndReportsAFileEach) {

@@ -419,21 +419,25 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
 TEST_F(ConsoleTest, WhatCannotBeStoredIsNotDoneAndTheReasonSaid) {
   folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"a", "b"}, "1", "3"));
   Execute("");
-  const FullDisk full(10);
-  const std::string why =
-      "profile 2 (srv2): Disk full: " + folder.File(kFile) + " (File too large)\n";
-  for (const auto& [line, says] : {std::pair("add 2 c", "not added: " + why),
-                                   {"delete 2 0", "not deleted: " + why},
+  std::filesystem::permissions(folder.File(kFile), std::filesystem::perms::owner_read);
+  const std::string why = "profile 2 (srv2): Permission denied: " + folder.File(kFile) +
+                          " is read-only; make it writable and try again\n";
+  for (const auto& [line, says] : {std::pair("delete 2 0", "not deleted: " + why),
                                    {"up 2 1", "not moved: " + why},
                                    {"enable 2 0", "not switched: " + why},
                                    {"interval 2 9", "not changed: " + why},
-                                   {"remote 2 DeleteMessageRem 0", why + "\"\"\n"}}) {
+                                   {"remote 2 ChangeIntervalRem abc", why + "\"\"\n"},
+                                   {"remote 2 DeleteMessageRem 0", why + "\"\"\n"},
+                                   {"add 2 c", "not added: " + why},
+                                   {"remote 2 AddMessageRem Yw==", why + "\"0\"\n"}}) {
     EXPECT_EQ(Execute(line), says);
     EXPECT_EQ(Contents(), "a;b;1;3;") << line;
     ExpectAll(Execute("status"), "on      3 min");
-    EXPECT_EQ(folder.ReadAll("profiles/srv2/adminlogs"), "") << line;
   }
-  EXPECT_EQ(folder.ReadAll("profiles/srv2/settings"), folder.Read(kFile));  // and no other file
+  const std::string log = folder.ReadAll("profiles/srv2/adminlogs");
+  EXPECT_EQ(std::ranges::count(log, '\n'), 2) << log;  // of both adds
+  ExpectAll(log, "Add Rotacast (Message: c)");
+  EXPECT_EQ(folder.ReadAll("profiles/srv2/settings"), folder.Read(kFile));  // and nothing beside
 }
 
 TEST_F(ConsoleTest, APositionThatCouldMeanAnotherMessageIsRefused) {

@@ -1,5 +1,6 @@
 #include "host/headless_plugin.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "broadcast/schedule.h"
@@ -19,8 +20,8 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
 
   void RunDue();
   void Load(forms::WindowHandle parent, const HostValue& data);
-  /// Calls a remote operation. If its changes cannot be stored, resets the window to the file's
-  /// contents.
+  /// Calls a remote operation. If it has not found out itself that something could not be stored,
+  /// the reply is empty and the window is loaded again from the file.
   Reply Answer(const std::function<std::string()>& operation, const HostValue& data);
   Progress GetProgress() const;
 
@@ -111,7 +112,7 @@ std::string HeadlessPlugin::Instance::Label() const {
 void HeadlessPlugin::Instance::Tell(const std::string& words) {
   const std::string named = Named(Label(), words);
   if (problems_ != nullptr) {
-    problems_->push_back(named);
+    if (std::ranges::find(*problems_, named) == problems_->end()) problems_->push_back(named);
   } else if (isInTick_) {
     troubles_.Met(index_, named);
   } else {
@@ -139,11 +140,10 @@ HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::st
   };
   Reply reply;
   const Listening listening(problems_, reply);
-  const auto failure = files_.Run([&] { reply.text = operation(); });
-  if (failure) {
+  const IniFiles::Listener unstored(files_,
+                                    [this](const RuntimeError& error) { Tell(error.description); });
+  if (files_.Run([&] { reply.text = operation(); })) {
     reply.text.clear();
-    reply.isStored = false;
-    if (reply.problems.empty()) Tell(failure->description);
     const std::vector<std::string> problems = reply.problems;
     if (GetProgress().isStarted) plugin_.LoadInterface(index_, parent_, data);
     reply.problems = problems;

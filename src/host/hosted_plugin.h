@@ -46,9 +46,8 @@ class HostedPlugin {
   /// Calls a remote operation. Returns its raw reply and the problems that the plugin reported.
   /// `value` is the last argument; HostValue::Missing leaves it out.
   struct Reply {
-    std::string text;  // empty if nothing could be stored
-    std::vector<std::string> problems;
-    bool isStored = true;  // false: nothing was changed; `problems` says why
+    std::string text;
+    std::vector<std::string> problems;  // with the reason if something could not be stored
   };
   virtual Reply Remote(const RemoteOperation& operation, std::int32_t index, const HostValue& data,
                        const HostValue& value) = 0;

@@ -12,6 +12,7 @@ struct MessageList {
   struct Message {
     std::string key;
     std::string text;
+    bool operator==(const Message&) const = default;
   };
   /// Empty if the file is missing. Errors: those of reading it.
   explicit MessageList(std::string messageFile);

@@ -23,6 +23,8 @@ const RemoteOperation& FindOperation(std::string_view name) {
 /// The capacity of a UDP datagram over IPv4.
 constexpr std::size_t kLongestMessage = 65507;
 
+constexpr const char* kCannotBeWritten = "the file cannot be written";
+
 [[noreturn]] void RaiseUnchanged(const char* what, const HostedPlugin::Reply& reply,
                                  const std::string& likely) {
   std::string reasons;
@@ -130,9 +132,13 @@ std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
 std::string ServerHost::DeleteMessage(std::int32_t index, std::int32_t position,
                                       const std::string& administrator) {
   RequireStarted(index);
-  const std::string text = MessagesOf(index).TextAt(position);
+  const MessageList before = MessagesOf(index);
+  const std::string text = before.TextAt(position);
   const HostedPlugin::Reply reply = Remote(index, "DeleteMessageRem", position, administrator);
-  if (reply.text != "1") RaiseUnchanged("not deleted", reply, "the file cannot be written");
+  // The plugin answers "1" also when the message could not be removed.
+  if (reply.text != "1" || MessagesOf(index).messages == before.messages) {
+    RaiseUnchanged("not deleted", reply, kCannotBeWritten);
+  }
   return Done("deleted: " + text, reply);
 }
 
@@ -152,7 +158,9 @@ std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, b
 std::string ServerHost::SetSwitch(std::int32_t index, bool isOn, const std::string& administrator) {
   RequireStarted(index);
   const HostedPlugin::Reply reply = Remote(index, "EnableRTRem", isOn ? "1" : "0", administrator);
-  if (MessagesOf(index).enable != (isOn ? "1" : "0")) RaiseUnchanged("not switched", reply, {});
+  if (MessagesOf(index).enable != (isOn ? "1" : "0")) {
+    RaiseUnchanged("not switched", reply, kCannotBeWritten);
+  }
   return Done(profiles_.At(index).Label() + " is switched " + (isOn ? "on" : "off"), reply);
 }
 
@@ -166,7 +174,7 @@ std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
   const HostedPlugin::Reply reply =
       Remote(index, "ChangeIntervalRem", std::to_string(minutes), administrator);
   if (MessagesOf(index).interval != std::to_string(minutes)) {
-    RaiseUnchanged("not changed", reply, {});
+    RaiseUnchanged("not changed", reply, kCannotBeWritten);
   }
   return Done(profiles_.At(index).Label() + " says a message every " + std::to_string(minutes) +
                   (minutes == 1 ? " minute" : " minutes"),

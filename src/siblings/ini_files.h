@@ -1,79 +1,76 @@
-// The plugin's INI files. What one operation changes reaches the disk as one change.
+// The INI files of a plugin: what one operation changes reaches the disk as one change.
 #pragma once
 
 #include <functional>
-#include <map>
 #include <string>
 
-#include "base/runtime_error.h"
-#include "siblings/file_layer.h"
-#include "siblings/ini_text.h"
+#include "siblings/ini_operation.h"
 
 namespace rotacasts::host {
 
-/// Within an operation, each file is read once, later reads see earlier writes, and all changes are
-/// written together. Outside an operation, every change is written at once. Errors: those of the
-/// layer, and 321 for a file that is not Windows-1252 text.
+/// Within an operation a file is read once, later reads see what has been written since, and all
+/// of it is put on the disk together. Outside of one, every call reads and writes the disk.
+/// Errors are those of ReadImage and the layer.
 class IniFiles {
  public:
-  /// `layer` must outlive it.
+  /// `layer` outlives this.
   explicit IniFiles(FileLayer& layer) : layer_(layer) {}
 
-  /// Runs an operation and writes its changes to the disk. A nested operation joins the outer one.
-  /// If another program has changed a file since it was read, leaves the file alone and runs the
-  /// operation again on its new contents. The operation must therefore call Flush before it does
-  /// anything that must not happen twice.
-  /// Returns the error that prevented writing; nullopt if there was none. Errors: those of the
-  /// operation. After either, changes that are not on the disk are dropped.
+  /// Runs an operation and puts what it has changed on the disk. Where another program has changed
+  /// a file since it was read, the file is left as it is and the operation run again on what it
+  /// holds now; so before it does what must not be done twice it asks Flush. Returns the error that
+  /// has kept changes from the disk, where they are dropped; what the operation itself throws
+  /// passes, and the changes that are not on the disk by then are dropped too.
+  ///
+  /// An operation within another settles that one and is its own; but within a run that will be
+  /// repeated it counts for nothing either, because it will be run again with it.
   std::optional<RuntimeError> Run(const std::function<void()>& operation);
-  /// Writes the changes so far, so that they can be reported. Returns false if the operation will
-  /// run again, so that nothing may be reported yet. Errors: those that Run will return.
-  bool Flush();
-  /// Like Flush, but never throws; called before an error is reported. Afterwards every change is
-  /// written at once, because somebody may take long to answer the error.
-  bool Settle();
 
-  /// Calls `read` with the file's text, which is empty if there is no such file.
+  // What an operation does between its changes; without one there is nothing to do. False when it
+  // is to be run again: then nothing is to be told of yet.
+  /// Puts what has been changed so far on the disk, before it is told of. Raises what prevents it.
+  bool Flush();
+  /// The same before an error is told of, raising nothing. It ends the operation for good: from
+  /// then on each call reads and writes the disk, because someone may take his time over an error.
+  bool Settle();
+  /// Puts what has been changed so far on the disk, for an operation that asks whether it is
+  /// stored. Raises what prevents it; that is no failure of the operation, unless it tells of an
+  /// error next.
+  void Confirm();
+
+  /// Calls `read` with the file's text, empty when there is no such file.
   void Read(const std::string& path, const std::function<void(const IniText&)>& read);
-  /// Calls `change` with the file's text, to change it. Errors, outside an operation: those of Run.
-  template <class Function>
-  void Change(const std::string& path, const Function& change) {
-    if (!isRunning_) {
-      const auto failure = Run([&] { Change(path, change); });
-      if (failure) throw RuntimeError(*failure);
-    } else {
-      change(ToChange(path));
-      if (isSettled_) Flush();
-    }
-  }
-  /// Whether the file exists, or will once the operation has ended.
+  /// Has `change` change it.
+  void Change(const std::string& path, const std::function<void(IniText&)>& change);
+  /// Whether there is such a file, or will be once the operation has ended.
   bool Exists(const std::string& path);
 
-  /// The layer below, for other kinds of files.
+  /// While it lives, `tell` gets the error of each change that cannot be put on the disk, before it
+  /// is raised. An inner listener takes its place.
+  class Listener {
+   public:
+    Listener(IniFiles& files, std::function<void(const RuntimeError&)> tell);
+    ~Listener() { files_.listener_ = outer_; }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+   private:
+    friend class IniFiles;
+    IniFiles& files_;
+    const std::function<void(const RuntimeError&)> tell_;
+    Listener* const outer_;
+  };
+
+  /// What lies beneath, for files of other kinds.
   FileLayer& Layer() { return layer_; }
 
  private:
-  struct Image {
-    IniText text;
-    bool exists = false;
-    FileBytes seen = {};  // as it was before the first change
-  };
-  class Running;
-
-  Image ReadImage(const std::string& path);
-  Image& ImageOf(const std::string& path);
-  IniText& ToChange(const std::string& path);
-  void DropImages();
-  void Store(const std::string& path, Image& image);
+  bool RunOnce(const std::function<void()>& operation, bool isLast,
+               std::optional<RuntimeError>& failure);
 
   FileLayer& layer_;
-  // Of the current operation:
-  bool isRunning_ = false;
-  bool isSettled_ = false;
-  std::optional<std::string> changedByOther_;  // the file because of which it runs again
-  std::optional<RuntimeError> failure_;
-  std::map<std::string, Image> images_;              // by path
-  decltype(images_)::value_type* latest_ = nullptr;  // used last and probably next
+  IniOperation* operation_ = nullptr;  // the innermost one
+  Listener* listener_ = nullptr;
 };
 
 }  // namespace rotacasts::host

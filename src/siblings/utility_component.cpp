@@ -42,6 +42,7 @@ std::string KeyBytes(const UtilityComponent::Key& key) {
 
 std::string HostUtilityComponent::GetIniKey(const std::string& section, const std::string& key,
                                             std::string& file) {
+  if (written_ == WrittenKey{file, section, key}) files_.Confirm();
   std::string value;
   files_.Read(file, [&](const IniText& ini) {
     value = FromWindows1252(ini.Value(section, ToWindows1252(key)).value_or(""));
@@ -59,6 +60,7 @@ void HostUtilityComponent::WriteIniKey(const std::string& section, const Key& ke
     const std::string keyBytes = KeyBytes(key);
     const std::string valueBytes = LineBytes(*value, "a value");
     files_.Change(file, [&](IniText& ini) { ini.SetValue(sectionBytes, keyBytes, valueBytes); });
+    written_ = {file, section, KeyText(key)};
   } else {
     const std::string keyBytes = ToWindows1252(KeyText(key));  // any key that the file may have
     files_.Change(file, [&](IniText& ini) { ini.RemoveKey(sectionBytes, keyBytes); });

@@ -16,6 +16,8 @@ class HostUtilityComponent : public UtilityComponent {
   HostUtilityComponent(std::string hostFolder, const LocalClock& clock, IniFiles& files)
       : hostFolder_(std::move(hostFolder)), clock_(clock), files_(files) {}
 
+  /// A read of the key that was written last asks whether it is stored: it raises what keeps the
+  /// value from the disk.
   std::string GetIniKey(const std::string& section, const std::string& key,
                         std::string& file) override;
   void WriteIniKey(const std::string& section, const Key& key,
@@ -37,9 +39,17 @@ class HostUtilityComponent : public UtilityComponent {
   /// Creates the folder if it is missing.
   void NeedFolder(const std::string& folder) const;
 
+  struct WrittenKey {
+    std::string file;
+    std::string section;
+    std::string key;
+    bool operator==(const WrittenKey&) const = default;
+  };
+
   const std::string hostFolder_;
   const LocalClock& clock_;
   IniFiles& files_;
+  WrittenKey written_;  // the latest one
 };
 
 }  // namespace rotacasts::host

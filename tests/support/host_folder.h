@@ -1,4 +1,4 @@
-// A temporary host folder for a test.
+// A host folder for a test, temporary or one that stays.
 #pragma once
 
 #include <filesystem>
@@ -16,7 +16,10 @@ class HostFolder {
     path_ = std::filesystem::temp_directory_path() / ("rotacasts-" + std::to_string(random()));
     std::filesystem::create_directory(path_);
   }
-  ~HostFolder() { std::filesystem::remove_all(path_); }
+  explicit HostFolder(std::filesystem::path toStay) : path_(std::move(toStay)), stays_(true) {}
+  ~HostFolder() {
+    if (!stays_) std::filesystem::remove_all(path_);
+  }
 
   std::string Path() const { return path_.string(); }
   std::string File(const std::string& name) const {
@@ -51,6 +54,7 @@ class HostFolder {
 
  private:
   std::filesystem::path path_;
+  const bool stays_ = false;
 };
 
 }  // namespace rotacasts::testing

@@ -1,10 +1,13 @@
 // The parts of the stand-alone host that exist only on Windows.
 
-#include <gtest/gtest.h>
+#include <sstream>
 
+#include "console/console.h"
 #include "machine/win32/console_input.h"
+#include "program/win32/late_bound_plugin.h"
 #include "siblings/game_processes.h"
-#include "support/fake_host.h"
+#include "support/component_test.h"
+#include "support/host_folder.h"
 
 namespace rotacasts::host {
 namespace {
@@ -51,6 +54,84 @@ TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {
   ::DestroyWindow(window);
   ::SetStdHandle(STD_INPUT_HANDLE, before);
   ::CloseHandle(input);
+}
+
+/// The host as `run` puts it together, with the DLL, its window and real files. The game is a fake.
+class HostedPluginTest : public testing::ComponentTest, public PluginSite {
+ protected:
+  HostedPluginTest() {
+    profiles.MakeWhatIsMissing();
+    server.LoadEveryProfile();
+  }
+  ~HostedPluginTest() override { server.Unload(); }
+  /// Releases the fake components and makes a profile. Returns the host folder.
+  std::string Prepare() {
+    plugin.reset();
+    installed.CallEntry("DllCanUnloadNow");
+    siblings.reset();
+    folder.AddProfile(4, "JO", "1", "4004", testing::MessageFileBytes({"a", "b"}, "0", "3"));
+    return folder.Path();
+  }
+  PluginArea Area() const override {
+    return {reinterpret_cast<forms::WindowHandle>(frame->Get()), 9000, 7000};
+  }
+  HostedPlugin::Reply Remote(const char* operation, const char* value) {
+    return server.Remote(4, operation, value);
+  }
+
+  static constexpr const char* kFile = "profiles/srv4/settings/Rotacasts.ini";
+  const testing::HostFolder folder{"C:\\Host"};
+  std::ostringstream out;
+  HostProfiles profiles{Prepare(), out};
+  const std::unique_ptr<UtilityComponent> real = profiles.Components().CreateUtility();
+  const SiblingRegistration registered{*memory, *real};
+  LateBoundPlugin hosted{folder.Path(), profiles.Components().Files()};
+  ServerHost server{profiles, hosted, *this, {}};
+};
+
+TEST_F(HostedPluginTest, WhatCannotBeStoredChangesNeitherFileNorWindowAndTheReasonIsSaid) {
+  host.longs[0x00C87598] = 2;  // a game is running
+  const std::string before = folder.Read(kFile);
+  std::filesystem::permissions(folder.File(kFile), std::filesystem::perms::owner_read);
+  const std::string why = "Permission denied: " + folder.File(kFile) +
+                          " is read-only; make it writable and try again\n";
+  Console console(server, out);
+  for (const auto& [line, says] : {std::pair("enable 4 1", "not switched: " + why),
+                                   {"interval 4 0", "not changed: " + why},
+                                   {"down 4 0", "not moved: " + why},
+                                   {"delete 4 0", "not deleted: " + why},
+                                   {"remote 4 AddMessageRem <x>", why + "\"0\"\n"}}) {
+    out.str("");
+    console.Execute(line);
+    EXPECT_EQ(out.str(), says);
+    EXPECT_EQ(::SendMessageW(Control("chkAuto"), BM_GETCHECK, 0, 0), BST_UNCHECKED) << line;
+    EXPECT_EQ(TextOf("txtInterval"), "3") << line;
+    EXPECT_EQ(Rows(), (std::vector<std::string>{"a", "b"})) << line;
+  }
+  EXPECT_NE(folder.ReadAll("profiles/srv4/adminlogs").find("Add Rotacast (Message: x)"),
+            before.npos);
+  ::SendMessageW(Form(), WM_TIMER, 4, 0);
+  EXPECT_EQ(host.sent, std::vector<std::string>{});
+  EXPECT_EQ(folder.Read(kFile), before);
+  std::filesystem::permissions(folder.File(kFile), std::filesystem::perms::owner_all);
+}
+
+TEST_F(HostedPluginTest, AFirstMessageInAMissingFileIsListed) {
+  std::filesystem::remove(folder.File(kFile));
+  EXPECT_EQ(Remote("AddMessageRem", "<x>").text, "1");
+  EXPECT_EQ(Rows(), std::vector<std::string>{"x"});
+}
+
+TEST_F(HostedPluginTest, WhileAnErrorIsShownEveryCallReadsAndWritesTheFile) {
+  user.insideBox = [&] {
+    folder.Write(kFile, testing::MessageFileBytes({"hand"}, "0", "3"));
+    EXPECT_EQ(Remote("GetMessagesRem", "").text, "<hand>|0|3");
+    EXPECT_EQ(Remote("AddMessageRem", "<x>").text, "1");
+    EXPECT_EQ(folder.Read(kFile), testing::MessageFileBytes({"hand", "x"}, "0", "3"));
+  };
+  Remote("EnableRTRem", "2");  // written, then refused by the check box
+  EXPECT_EQ(user.boxes.size(), 1U);
+  EXPECT_EQ(folder.Read(kFile), testing::MessageFileBytes({"hand", "x"}, "0", "3"));
 }
 
 }  // namespace

@@ -86,13 +86,13 @@ void LateBoundPlugin::DisableProfile(std::int32_t index) {
 HostedPlugin::Reply LateBoundPlugin::Remote(const RemoteOperation& operation, std::int32_t index,
                                             const HostValue& data, const HostValue& value) {
   Reply reply;
-  const auto failure = files_.Run([&] {
-    Member member(object_, operation.name);
-    const win32::ComVariant answer =
-        member(NumberArgument(index), ValueArgument(data), ValueArgument(value));
-    reply.text = ToText(win32::ToHostValue(answer.Get()));
+  const IniFiles::Listener unstored(files_, [&reply](const RuntimeError& error) {
+    if (reply.problems.empty()) reply.problems.push_back(error.description);
   });
-  if (failure) reply = {{}, {failure->description}, false};
+  Member member(object_, operation.name);
+  const win32::ComVariant answer =
+      member(NumberArgument(index), ValueArgument(data), ValueArgument(value));
+  reply.text = ToText(win32::ToHostValue(answer.Get()));
   return reply;
 }
 

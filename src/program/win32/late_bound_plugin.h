@@ -9,6 +9,9 @@
 
 namespace rotacasts::host {
 
+/// Each component call of the plugin reads and writes the disk at once. An error box runs a message
+/// loop in which anything can be called, and the system's file-system object sees only the disk.
+/// The order of the plugin's writes keeps every text.
 class LateBoundPlugin final : public HostedPlugin {
  public:
   /// Creates the plugin. Requires: the siblings are registered. Errors: 5, with what to do, if the
