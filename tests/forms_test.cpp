@@ -37,8 +37,10 @@ TEST_F(FormsTest, TimersRunWhileEnabledAndHaveAnInterval) {
   array.SetInterval(1, 1000);  // the same value does not restart the period
   EXPECT_EQ(timers.NextDue(), first);
   EXPECT_EQ(timers.RunDue(*first - Clock::duration(1)), 0);
-  timers.RunDue(*first + milliseconds(10));  // ten periods late: one tick, not ten
-  timers.RunDue(*first + milliseconds(10));
+  const auto late = *first + std::chrono::microseconds(10500);  // ten periods and a half
+  EXPECT_EQ(timers.RunDue(late), 1);  // one tick, not eleven, and the next one in its turn
+  EXPECT_EQ(timers.RunDue(late + Clock::duration(1)), 0);
+  EXPECT_EQ(timers.NextDue(), *first + milliseconds(11));
   EXPECT_EQ(ticks, 1);
   array.SetEnabled(1, false);
   EXPECT_FALSE(timers.NextDue());

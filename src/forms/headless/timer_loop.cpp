@@ -34,8 +34,8 @@ int TimerLoop::RunDue(Clock::time_point now) {
     const auto found = timers_.find(id);
     if (found == timers_.end() || found->second.due != when) continue;  // stopped or restarted
     Entry& entry = found->second;
-    entry.due = std::max(entry.due + entry.interval, now + Clock::duration(1));
-    const std::function<void()> callback = entry.callback;  // survives a Stop by the callback
+    entry.due += ((now - entry.due) / entry.interval + 1) * entry.interval;  // the first after now
+    const std::function<void()> callback = entry.callback;  // outlives a Stop from within
     callback();
     ++ran;
   }

@@ -25,8 +25,9 @@ class TimerLoop {
 
   /// When the next timer is due; nullopt if none is running.
   std::optional<Clock::time_point> NextDue() const;
-  /// Runs every timer that is due, the longest overdue first; returns how many ran. Missed periods
-  /// are dropped. A callback may start and stop any timer.
+  /// Runs every timer that is due, the longest due first; returns how many ran. Whole
+  /// periods missed meanwhile are dropped, and the next one ends when it would have. A callback may
+  /// start and stop any timer.
   int RunDue(Clock::time_point now = Clock::now());
 
  private:
