@@ -42,6 +42,18 @@ TEST(Text, CountsAndCutsCharactersNotBytes) {
   EXPECT_EQ(ReplaceAll("aaa", "aa", "b"), "ba");
 }
 
+TEST(Text, ControlCharactersAreReplacedAndNothingElseIs) {
+  for (const auto& [text, shown] : std::vector<std::pair<std::string, std::string>>{
+           {"Grüße €\u00A0\u00BF~", "Grüße €\u00A0\u00BF~"},
+           {std::string("\0\x1F\x7F", 3), "???"},
+           {"a\r\n\tb", "a???b"},
+           {"\u0080\u0085x\u009F", "??x?"},
+           {"\xC2\xC2\x9B-\xC2", "\xC2?-\xC2"}}) {
+    EXPECT_EQ(ReplaceControls(text, '?'), shown);
+    EXPECT_EQ(HasControl(text), shown != text) << shown;
+  }
+}
+
 TEST(Conversions, TextsToWholeNumbers) {
   using Row = std::pair<const char*, int>;
   for (const auto& [text, value] :

@@ -35,6 +35,14 @@ bool IsContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
+/// The length in bytes of the control character that begins at `at`; 0 if none does.
+std::size_t ControlLength(std::string_view text, std::size_t at) {
+  if (IsControl(text[at])) return 1;
+  const bool isHigh = text[at] == '\xC2' && at + 1 < text.size() &&
+                      (static_cast<unsigned char>(text[at + 1]) & 0xE0) == 0x80;
+  return isHigh ? 2 : 0;
+}
+
 char LowerAscii(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
@@ -91,6 +99,23 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
 
 bool HasLineBreak(std::string_view text) {
   return text.find('\n') != text.npos || text.find('\r') != text.npos;
+}
+
+bool HasControl(std::string_view text) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (ControlLength(text, at) != 0) return true;
+  }
+  return false;
+}
+
+std::string ReplaceControls(std::string_view text, char substitute) {
+  std::string result;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t length = ControlLength(text, at);
+    result += length != 0 ? substitute : text[at];
+    at += std::max<std::size_t>(length, 1);
+  }
+  return result;
 }
 
 std::string ReplaceAll(std::string_view text, std::string_view part, std::string_view replacement) {

@@ -12,7 +12,17 @@ namespace rotacasts {
 std::string_view TrimSpaces(std::string_view text);
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);  // ASCII letters only
 bool HasLineBreak(std::string_view text);
-/// Replaces every occurrence of `part`, in one pass from left to right.
+
+/// Whether the byte is a control character by itself: U+0000 to U+001F or U+007F.
+constexpr bool IsControl(char byte) {
+  return (byte >= 0 && byte < ' ') || byte == 0x7F;
+}
+/// Whether a UTF-8 text holds a control character: one of those, or U+0080 to U+009F.
+bool HasControl(std::string_view text);
+/// The UTF-8 text with `substitute` in place of each control character.
+std::string ReplaceControls(std::string_view text, char substitute);
+
+/// `text` with every occurrence of `part` replaced, searched from the left, once over.
 std::string ReplaceAll(std::string_view text, std::string_view part, std::string_view replacement);
 
 /// Characters (code points, not bytes) of a UTF-8 text.

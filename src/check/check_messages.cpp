@@ -13,8 +13,7 @@ namespace {
 /// A byte that a game's chat cannot show: a control code or one that the code page leaves
 /// undefined.
 bool IsUnshowable(char letter) {
-  const auto byte = static_cast<unsigned char>(letter);
-  return byte < 0x20 || byte == 0x7F ||
+  return IsControl(letter) ||
          std::string_view("\x81\x8D\x8F\x90\x9D").find(letter) != std::string_view::npos;
 }
 

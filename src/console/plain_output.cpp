@@ -2,13 +2,15 @@
 
 #include <cstdio>
 
+#include "base/text.h"
+
 namespace rotacasts::host {
 namespace {
 
 constexpr int kLead = 0xC2;  // of U+0080 to U+00BF in UTF-8
 
-bool IsControl(int byte) {
-  return (byte < 0x20 && byte != '\n') || byte == 0x7F;
+char Shown(char byte) {
+  return IsControl(byte) && byte != '\n' ? '?' : byte;
 }
 
 }  // namespace
@@ -23,7 +25,7 @@ int PlainOutput::overflow(int character) {
   }
   if (holdsLead_) target_.put(static_cast<char>(kLead));
   holdsLead_ = byte == kLead;
-  if (!holdsLead_) target_.put(IsControl(byte) ? '?' : static_cast<char>(byte));
+  if (!holdsLead_) target_.put(Shown(static_cast<char>(byte)));
   return target_ ? character : EOF;
 }
 

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 
 namespace rotacasts {
 namespace {
@@ -15,9 +16,7 @@ bool Climbs(std::string_view component) {
 }
 
 bool StaysBelow(std::string_view folder) {
-  if (std::any_of(folder.begin(), folder.end(), [](char c) { return c >= 0 && c < ' '; })) {
-    return false;
-  }
+  if (HasControl(folder)) return false;
   while (!folder.empty()) {
     const auto end = std::min(folder.find_first_of("\\/"), folder.size());
     if (Climbs(folder.substr(0, end))) return false;

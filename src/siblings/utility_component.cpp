@@ -129,11 +129,8 @@ void HostUtilityComponent::LogError(const std::string& module, std::string& proc
   std::string entry = FormatDate(now) + " " + FormatTime(now) + " " + module + " " + procedure +
                       " line " + std::to_string(line) + ": error " + std::to_string(error.number) +
                       ": " + error.description;
-  // One line for each error, even if its description has line breaks. In UTF-8, because people read
-  // it.
-  std::replace_if(
-      entry.begin(), entry.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
-  files_.Layer().Append(file, entry);
+  // One error, one line, whatever its description quotes; the log is read by people: UTF-8.
+  files_.Layer().Append(file, ReplaceControls(entry, ' '));
 }
 
 bool HostUtilityComponent::SendErrorReport(HostValue& report) {

@@ -9,6 +9,7 @@
 #include <iostream>
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 #include "machine/program_arguments.h"
 #include "simulator/chat_listener.h"
 #include "simulator/game_image.h"
@@ -40,14 +41,12 @@ void WriteReadyFile(const std::string& file, std::uint16_t port) {
   std::filesystem::rename(beside, target);
 }
 
-void PrintMessage(const Options& options, std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; }, '?');
+void PrintMessage(const Options& options, std::string_view text) {
   std::string line = options.label;
   line.resize(std::max<std::size_t>(line.size(), 14), ' ');
   line += " " + options.gameCode;
   line.resize(std::max<std::size_t>(line.size(), 25), ' ');
-  std::cout << line + " " + text + "\n" << std::flush;
+  std::cout << line + " " + ReplaceControls(text, '?') + "\n" << std::flush;
 }
 
 void Run(const Options& options) {

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "base/conversions.h"
 #include "base/text.h"
-#include "services/host_folder.h"
+#include "services/profile_tables.h"
+#include "store/profile_paths.h"
 
 namespace rotacasts {
 
@@ -16,9 +18,9 @@ void AdminLog::Write(const ProfileData& PDAT, std::string_view action, const std
   FileSystemObject& files = services_.FileSystem();
   if (!files.FolderExists(folder)) files.CreateFolder(folder);
   if (!files.FileExists(file)) files.CreateTextFile(file);
-  std::string line = "[" + FormatTime(now) + "][Rotacasts] ";
-  line.append(action).append(value).append(") from ").append(PDAT.Administrator());
-  const auto breaksALine = [](char c) { return (c >= 0 && c < ' ' && c != '\t') || c == 0x7F; };
+  std::string line =
+      "[" + FormatTime(now) + action + value + ") from " + ToText(PDAT.At(pdat::kAdministrator));
+  const auto breaksALine = [](char c) { return IsControl(c) && c != '\t'; };
   std::replace_if(line.begin(), line.end(), breaksALine, ' ');
   services_.Utility().AppendFile(file, line);
 }

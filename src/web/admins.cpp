@@ -45,11 +45,8 @@ bool ReadIndexes(const std::string& text, Admin& admin) {
 }
 
 void RefuseName(const std::string& name) {
-  const auto isUnfit = [](char c) {
-    return (c >= 0 && c < ' ') || c == '[' || c == ']' || c == 127;
-  };
   if (!name.empty() && CountCharacters(name) <= kLongestName && TrimSpaces(name) == name &&
-      std::none_of(name.begin(), name.end(), isUnfit)) {
+      !HasControl(name) && name.find_first_of("[]") == name.npos) {
     return;
   }
   throw Complaint("\"" + name + "\" is no name for an administrator; give 1 to " +

@@ -1,7 +1,6 @@
 // A request with its route: its contents, and how it is refused.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -66,10 +65,7 @@ struct Call {
   std::string Message() const {
     std::string text(TrimSpaces(Text("text")));
     if (text.empty()) throw Refusal{422, "refused", "there is no text"};
-    const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == 127; };
-    if (std::any_of(text.begin(), text.end(), isControl)) {
-      throw Refusal{422, "refused", "a message is one line"};
-    }
+    if (HasControl(text)) throw Refusal{422, "refused", "a message is one line"};
     ToWindows1252(text);
     return text;
   }
