@@ -206,10 +206,11 @@ TEST(ChatTest, ProgramsSayTheTextsInOrderAndNoneHoldsTheOthersUp) {
     if (order.size() == 6) loop.Stop();
   };
   chat.Post(3, 0, "x");
-  chat.Post(1, 0, "$HOME `id` 'ü'");
+  chat.Post(1, 0, "$HOME\n`id`\u0085'ü'");
   for (const int profile : {1, 2, 4, 5}) chat.Post(profile, 0, "second");
   loop.Run();
   EXPECT_EQ(folder.Read("1.said"), "-p|7|$HOME `id` 'ü'|-p|7|second|");
+  EXPECT_EQ(chat.Latest()[4].text, "$HOME `id` 'ü'");
   EXPECT_EQ(order.back(), '3') << order;
   chat.onEnd = nullptr;
   for (int i = 0; i < 9; ++i) chat.Post(3, 0, "x");

@@ -37,7 +37,7 @@ Preview::Text Preview::TextOf(const ProfileSettings& profile, const Game& game,
   if (IsPlaceholder(message) && game.state == Game::State::Unreachable) return {{}, game.problem};
   Describe(profile);
   Text text;
-  text.says = liveTexts_.TextOf(kLookedAt, profile.gameCode, message);
+  text.says = AsPosted(liveTexts_.TextOf(kLookedAt, profile.gameCode, message));
   text.problem = problem_;
   return text;
 }

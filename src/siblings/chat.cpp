@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 
 namespace rotacasts::host {
 namespace {
@@ -18,6 +19,10 @@ RuntimeError NotSent(std::string words) {
 }
 
 }  // namespace
+
+std::string AsPosted(std::string_view text) {
+  return ReplaceControls(text, ' ');
+}
 
 void Chat::SetProgram(std::int32_t profile, const std::string& program) {
   std::istringstream words(program);
@@ -45,7 +50,8 @@ void Chat::Finish(std::int64_t number, const std::string& problem) {
   if (onEnd) onEnd(*found);
 }
 
-void Chat::Post(std::int32_t profile, std::int32_t port, const std::string& text) {
+void Chat::Post(std::int32_t profile, std::int32_t port, const std::string& words) {
+  const std::string text = AsPosted(words);
   const std::int64_t number = Remember(profile, text).number;
   const auto found = programs_.find(profile);
   if (found == programs_.end() || found->second.program.empty()) {

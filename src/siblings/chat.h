@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/local_time.h"
@@ -15,12 +16,16 @@
 
 namespace rotacasts::host {
 
-/// A text that was posted or should have been.
+/// A text as it leaves the host: a blank in place of each control character, which would be a line
+/// of its own to a program that says it, or a command to whatever shows it.
+std::string AsPosted(std::string_view text);
+
+/// One text that was posted, or was to be.
 struct SentText {
   std::int64_t number = 0;  // counts up
   LocalTime time;           // when it was posted
   std::int32_t profile = 0;
-  std::string text;
+  std::string text;  // as posted
   enum class Outcome { UnderWay, Sent, Failed };
   Outcome outcome = Outcome::UnderWay;
   std::string reason;  // why it failed
@@ -38,9 +43,9 @@ class Chat {
   /// separated by blanks; the text is added as the last argument. If empty, uses datagrams.
   void SetProgram(std::int32_t profile, const std::string& program);
 
-  /// Posts a text. Errors: 5 if the port is invalid, 57 with the reason if the text cannot be
-  /// posted. Later failures are reported to onEnd.
-  void Post(std::int32_t profile, std::int32_t port, const std::string& text);
+  /// Error 5 for a port that is none, 57 with the reason when the text cannot be posted. What fails
+  /// only later is told by onEnd.
+  void Post(std::int32_t profile, std::int32_t port, const std::string& words);
 
   /// The latest texts, the newest at the end.
   const std::deque<SentText>& Latest() const { return latest_; }

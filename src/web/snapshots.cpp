@@ -157,7 +157,7 @@ json Snapshots::List(const ProfileSettings& profile, Messages& known) {
     for (const MessageList::Message& message : list.messages) {
       const auto live = known.live.find(message.text);
       json row = {{"text", message.text},
-                  {"says", TrimSpaces(message.text)},
+                  {"says", AsPosted(TrimSpaces(message.text))},
                   {"problem", ""},
                   {"live", live != known.live.end()}};
       if (live != known.live.end()) {
