@@ -73,13 +73,20 @@ class EndToEnd(unittest.TestCase):
         self.expect(first, "Hello")
         self.expect(other, "Other")
         first.stop()
-        self.expect(host, "profile 1 (srv1): the game server has ended",
+        self.expect(host, "profile 1 (srv1): the game server has ended")
+        self.expect(other, *["Other"] * 9)  # ticks go by, and nothing more is said
+        host.write("status\n")
+        self.assertIn("Next message", host.read_line())
+        self.expect(host, "1        srv1    JO_2  unreachable",
                     f"profile 1 (srv1): a program {name} is running, but none receives at the "
                     f"Target port {first.port}")
         second = self.server("JO_2", program, first.port)
         self.expect(second, "Hello")
-        self.expect(host, "profile 1 (srv1): all is well again after ")
-        self.assertEqual(host.end(SIGTERM), 0)
+        host.write("quit\n")
+        self.assertEqual(list(iter(host.read_line, None)),
+                         [f"profile 1 (srv1): the game server is back (process {second.id})"])
+        self.assertEqual(host.end(), 0)
+        self.assertEqual((self.folder / "logs/errors.log").read_text().count("\n"), 2)
 
     def test_nothing_that_is_printed_or_asked_holds_the_host_up(self):
         server = self.server("JO")

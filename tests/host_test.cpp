@@ -1,9 +1,12 @@
 // The stand-alone host: reading processes, the simulator's memory, the console.
 
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -99,6 +102,73 @@ TEST_F(GameProcessesTest, ATurnAnswersFromItsPagesAndNoLaterOneDoes) {
   pages.clear();
   processes.BeginTurn();
   EXPECT_EQ(ErrorOf([&] { Long(kLow + 8); }), 57);
+}
+
+/// A server of this very program: it shares the memory, and takes over the socket.
+class ServerProcess {
+ public:
+  explicit ServerProcess(std::uint16_t& port) {
+    const int socket = ::socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    socklen_t size = sizeof address;
+    EXPECT_EQ(::bind(socket, reinterpret_cast<sockaddr*>(&address), size), 0);
+    ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
+    port = ntohs(address.sin_port);
+    id_ = ::fork();
+    while (id_ == 0) ::pause();
+    ::close(socket);
+  }
+  ~ServerProcess() {
+    ::kill(id_, SIGKILL);
+    ::waitpid(id_, nullptr, 0);
+  }
+  ServerProcess(const ServerProcess&) = delete;
+  ServerProcess& operator=(const ServerProcess&) = delete;
+  std::string Name() const { return "process " + std::to_string(id_); }
+
+ private:
+  pid_t id_ = 0;
+};
+
+TEST_F(GameProcessesTest, AServerThatIsAwayReadsAsZeroAndIsToldOfOnce) {
+  std::uint16_t port = 0;
+  std::optional<ServerProcess> server(std::in_place, port);
+  server.reset();
+  first.bytes[0] = 'x';
+  const std::string own = std::filesystem::read_symlink("/proc/self/exe").filename().string();
+  const std::int32_t handle = processes.Register({own, port, "A"});
+  std::vector<std::string> told;
+  processes.onNews = [&](ServerNews, const std::string& words) { told.push_back(words); };
+  const auto expect = [&](const std::string& text, std::int32_t error, std::size_t news) {
+    processes.BeginTurn();
+    std::string read;
+    const auto watch = [&] { read = processes.ReadBytes(handle, kLow, WhenAway::ReadsAsZero); };
+    EXPECT_EQ(ErrorOf(watch), error);
+    EXPECT_EQ(read, text);
+    EXPECT_EQ(ErrorOf([&] { processes.ReadLong(handle, kLow); }), text.empty() ? 57 : 0);
+    EXPECT_EQ(told.size(), news);
+    processes.EndTurn();
+  };
+  for (int i = 0; i < 2; ++i) expect("", 0, 1);  // it was never there
+  EXPECT_NE(told[0].find(", but none receives at the Target port " + std::to_string(port)),
+            std::string::npos);
+  for (std::size_t round = 0; round < 2; ++round) {
+    server.emplace(port);
+    for (int i = 0; i < 2; ++i) {
+      EXPECT_EQ(ErrorOf([&] { processes.ReadLong(handle, kEnd, WhenAway::ReadsAsZero); }), 57);
+      expect("x", 0, 2 + 2 * round);
+    }
+    EXPECT_EQ(told.back(), "A: the game server is back (" + server->Name() + ")");
+    const std::string ended = "A: the game server has ended (" + server->Name() + "); start it";
+    server.reset();
+    expect("", 57, 3 + 2 * round);
+    for (int i = 0; i < 2; ++i) expect("", 0, 3 + 2 * round);
+    EXPECT_EQ(told.back(), ended);
+    EXPECT_EQ(processes.ReadLong(handle, kLow, WhenAway::ReadsAsZero), 0);
+    processes.Change(handle, {own, port, "A"});  // its profile was read again
+  }
 }
 
 TEST_F(HostFilesTest, ReplacingKeepsPermissionsLinksAndReadersAndLeavesNothingBeside) {
@@ -241,6 +311,7 @@ TEST(TroublesTest, SaysWhatComesBackOnceAndThatItIsOver) {
     out << '|';
     for (const std::string& words : problems) troubles.Met(1, words, now);
     troubles.TickEnded(1, "A", now);
+    troubles.TickTriedNothing(1);
     now += std::chrono::seconds(30);
   }
   troubles.Met(2, "A: gone", now);

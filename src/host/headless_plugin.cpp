@@ -68,7 +68,7 @@ class HeadlessPlugin::Instance::Utility final : public HostUtilityComponent {
     if (!instance_.files_.Settle()) return;  // the operation will run again
     const std::string words = Named(instance_.Label(), WordsOf(error, procedure));
     goesOn_ = instance_.troubles_.IsOld(instance_.index_, words);
-    instance_.Tell(words);
+    if (words != instance_.profiles_.WhyServerIsAway(instance_.index_)) instance_.Tell(words);
     if (!goesOn_) HostUtilityComponent::LogError(module, procedure, error, line);
   }
   bool SendErrorReport(HostValue& report) override {
@@ -156,6 +156,7 @@ void HeadlessPlugin::Instance::RunDue() {
   const int ran = timers_.RunDue();
   isInTick_ = false;
   if (ran == 0) return;
+  if (!profiles_.WhyServerIsAway(index_).empty()) return troubles_.TickTriedNothing(index_);
   if (const auto ended = troubles_.TickEnded(index_, Label())) profiles_.Record("tmrRT", *ended);
 }
 

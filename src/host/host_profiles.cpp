@@ -33,9 +33,17 @@ void MakeSettingsFolder(const std::string& settings) {
 
 HostProfiles::HostProfiles(const std::string& hostFolder, std::ostream& out)
     : out_(out), folder_(Existing(hostFolder)), platform_(folder_) {
+  platform_.Processes().onNews = [this](ServerNews news, const std::string& words) {
+    TellOfServer(news, words);
+  };
   LoadedProfiles loaded = LoadProfiles(folder_);
   for (const std::string& problem : loaded.problems) out_ << "skipped: " << problem << "\n";
   for (ProfileSettings& profile : loaded.profiles) Use(std::move(profile));
+}
+
+void HostProfiles::TellOfServer(ServerNews news, const std::string& words) const {
+  out_ << words << "\n" << std::flush;
+  if (news != ServerNews::Gone) Record("Server", words);  // the plugin records the failed read
 }
 
 void HostProfiles::Use(ProfileSettings profile) {

@@ -17,8 +17,9 @@ namespace rotacasts::host {
 /// Errors: 5 for an index that no profile has.
 class HostProfiles {
  public:
-  /// Reads the profiles; prints to `out` why some cannot be used. `hostFolder` is absolute, in the
-  /// system's form. Errors: 76 if it is missing. `out` must outlive it.
+  /// Reads the profiles and says on `out` what is wrong with those that cannot be used; later, that
+  /// a server is away, and that it is back.
+  /// `hostFolder` is absolute, in the machine's spelling. Error 76 without the folder.
   HostProfiles(const std::string& hostFolder, std::ostream& out);
 
   /// Creates what the plugin needs and the host folder lacks: settings\config.ini and the profiles'
@@ -32,7 +33,11 @@ class HostProfiles {
   /// By index.
   const std::map<std::int32_t, ProfileSettings>& All() const { return profiles_; }
   const ProfileSettings& At(std::int32_t index) const;
-  /// The profile data array with the elements that describe the profile.
+  /// Why the profile's server is away, as the plugin's reads have found it; empty while it is not.
+  const std::string& WhyServerIsAway(std::int32_t index) {
+    return platform_.Processes().WhyAway(handles_.at(index));
+  }
+  /// The elements of the profile data array that describe the profile.
   HostValue::Array DataOf(const ProfileSettings& profile) const;
 
   /// Rereads one profile.ini.
@@ -53,6 +58,7 @@ class HostProfiles {
   bool MakeSettingsFolderOf(const ProfileSettings& profile);
   void Use(ProfileSettings profile);
   bool IsStillDescribed(const ProfileSettings& profile) const;
+  void TellOfServer(ServerNews news, const std::string& words) const;
 
   std::ostream& out_;
   const std::string folder_;

@@ -11,7 +11,7 @@ constexpr std::int32_t kLookedAt = 0;  // the profile's index in the tables
 }  // namespace
 
 Preview::Preview(HostProfiles& profiles)
-    : profiles_(profiles), memory_(profiles.Components().CreateMemory()) {
+    : profiles_(profiles), memory_(profiles.Components().CreateMemory(WhenAway::IsError)) {
   tables_.Profiles.Resize(kLookedAt);
   tables_.MemoryMaps.Resize(kLookedAt);
 }

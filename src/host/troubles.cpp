@@ -39,6 +39,11 @@ bool Troubles::IsOld(std::int32_t profile, const std::string& words) const {
   return found != open_.end() && found->second.told.contains(words);
 }
 
+void Troubles::TickTriedNothing(std::int32_t profile) {
+  const auto found = open_.find(profile);
+  if (found != open_.end()) found->second.isInThisTick = false;
+}
+
 std::optional<std::string> Troubles::TickEnded(std::int32_t profile, const std::string& label,
                                                Clock::time_point now) {
   const auto found = open_.find(profile);

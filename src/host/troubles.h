@@ -37,7 +37,9 @@ class Troubles {
   /// otherwise.
   std::optional<std::string> TickEnded(std::int32_t profile, const std::string& label,
                                        Clock::time_point now = Clock::now());
-  /// Whether the error was already reported, so that it need not be logged again.
+  /// A tick of the profile is over that tried nothing, so whatever was wrong may still be.
+  void TickTriedNothing(std::int32_t profile);
+  /// Whether the error has been told, so that there is nothing new to record.
   bool IsOld(std::int32_t profile, const std::string& words) const;
 
  private:

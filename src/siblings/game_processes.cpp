@@ -37,8 +37,15 @@ std::vector<ProcessId> Receiving(const std::vector<ProcessId>& processes, std::u
   return certain.empty() ? possible : certain;
 }
 
+constexpr auto kNumber = static_cast<std::int32_t>(ErrorNumber::DeviceIoError);
+
+/// The server is away; every other error stays the read's.
+struct ServerAway : RuntimeError {
+  explicit ServerAway(std::string why) : RuntimeError(kNumber, std::move(why)) {}
+};
+
 [[noreturn]] void Raise(const std::string& what) {
-  throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError), what);
+  throw RuntimeError(kNumber, what);
 }
 
 }  // namespace
@@ -49,7 +56,12 @@ std::int32_t GameProcesses::Register(GameProcess process) {
 }
 
 void GameProcesses::Change(std::int32_t handle, GameProcess process) {
-  At(handle) = {std::move(process)};
+  Entry& entry = At(handle);
+  if (entry == process) {
+    entry.found = 0;
+  } else {
+    entry = {std::move(process)};
+  }
 }
 
 GameProcesses::Entry& GameProcesses::At(std::int32_t handle) {
@@ -64,7 +76,9 @@ ProcessId GameProcesses::Find(Entry& entry) {
   const std::string& name = entry.process;
   if (const ProcessId number = AsNumber(name); number != 0) return entry.found = number;
   std::vector<ProcessId> processes = reader_.Find(name);
-  if (processes.empty()) Raise(entry.label + ": no program " + name + " is running; start it");
+  if (processes.empty()) {
+    throw ServerAway(entry.label + ": no program " + name + " is running; start it");
+  }
   const std::size_t running = processes.size();
   ProcessId secret = 0;
   if (entry.port != 0) processes = Receiving(processes, entry.port, secret);
@@ -76,9 +90,13 @@ ProcessId GameProcesses::Find(Entry& entry) {
                                    ? "a program " + name + " is running"
                                    : std::to_string(running) + " programs " + name + " are running";
   if (entry.port == 0) Raise(entry.label + ": " + programs + "; name one by its process id");
-  Raise(entry.label + ": " + programs + ", but " + (processes.empty() ? "none" : "more than one") +
-        " receives at the Target port " + std::to_string(entry.port) +
-        "; start this profile's server, correct Target, or name the process by its id");
+  const bool isAway = processes.empty();
+  const std::string words =
+      entry.label + ": " + programs + ", but " + (isAway ? "none" : "more than one") +
+      " receives at the Target port " + std::to_string(entry.port) +
+      "; start this profile's server, correct Target, or name the process by its id";
+  if (isAway) throw ServerAway(words);
+  Raise(words);
 }
 
 void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t address) {
@@ -88,8 +106,8 @@ void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t
   std::snprintf(place, sizeof place, "0x%08X", static_cast<unsigned>(address));
   switch (outcome) {
     case ReadOutcome::ProcessGone:
-      Raise(entry.label + ": the game server has ended (" + process + "); start it" +
-            (isNumber ? " and give its process id in profile.ini" : ""));
+      throw ServerAway(entry.label + ": the game server has ended (" + process + "); start it" +
+                       (isNumber ? " and give its process id in profile.ini" : ""));
     case ReadOutcome::NotAllowed:
       Raise(entry.label + ": " + process + kNotAllowed);
     default:
@@ -98,8 +116,48 @@ void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t
   }
 }
 
-std::int32_t GameProcesses::ReadLong(std::int32_t handle, std::int32_t address) {
+void GameProcesses::NoteThere(Entry& entry) {
+  entry.isKnown = true;
+  if (entry.whyAway.empty()) return;
+  entry.whyAway.clear();
+  if (onNews) {
+    onNews(ServerNews::Back,
+           entry.label + ": the game server is back (process " + std::to_string(entry.found) + ")");
+  }
+}
+
+bool GameProcesses::NoteAway(Entry& entry, const std::string& why) {
+  if (!entry.whyAway.empty()) return false;
+  entry.whyAway = why;
+  const bool wasThere = std::exchange(entry.isKnown, false);
+  if (onNews) onNews(wasThere ? ServerNews::Gone : ServerNews::NeverThere, why);
+  return wasThere;
+}
+
+template <class Read>
+auto GameProcesses::Answer(Entry& entry, WhenAway whenAway, Read read) -> decltype(read()) {
+  if (whenAway == WhenAway::IsError) return read();
+  try {
+    auto value = read();
+    NoteThere(entry);
+    return value;
+  } catch (const ServerAway& away) {
+    if (NoteAway(entry, away.description)) throw;
+    return {};
+  }
+}
+
+std::int32_t GameProcesses::ReadLong(std::int32_t handle, std::int32_t address, WhenAway whenAway) {
   Entry& entry = At(handle);
+  return Answer(entry, whenAway, [&] { return ReadLong(entry, address); });
+}
+
+std::string GameProcesses::ReadBytes(std::int32_t handle, std::int32_t address, WhenAway whenAway) {
+  Entry& entry = At(handle);
+  return Answer(entry, whenAway, [&] { return ReadBytes(entry, address); });
+}
+
+std::int32_t GameProcesses::ReadLong(Entry& entry, std::int32_t address) {
   std::int32_t value = 0;
   const ReadOutcome outcome =
       reader_.Read(Find(entry), static_cast<std::uint32_t>(address), &value, sizeof value);
@@ -107,8 +165,7 @@ std::int32_t GameProcesses::ReadLong(std::int32_t handle, std::int32_t address) 
   return value;
 }
 
-std::string GameProcesses::ReadBytes(std::int32_t handle, std::int32_t address) {
-  Entry& entry = At(handle);
+std::string GameProcesses::ReadBytes(Entry& entry, std::int32_t address) {
   char buffer[kLongestText];
   std::size_t count = 0;
   const ReadOutcome outcome = reader_.ReadText(Find(entry), static_cast<std::uint32_t>(address),

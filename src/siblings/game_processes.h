@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,23 +15,42 @@ struct GameProcess {
   std::string process;     // a process id or a program name
   std::uint16_t port = 0;  // the UDP port that the server receives at; 0 if unknown
   std::string label;       // names the profile in errors
+
+  bool operator==(const GameProcess&) const = default;
 };
 
-/// Finds and reads each profile's process. A handle stands for the profile, not for the process, so
-/// a server that restarts under the same program name is found again. If several programs have the
-/// name, the one that receives at the port is meant; if none does, that is an error, because any
-/// other would be another profile's server. Without a port there must be only one.
+/// How a read answers while its server is away: no process has its id, the process has ended, no
+/// program of its name is running, or none of them receives at its port.
+enum class WhenAway {
+  IsError,     // every read is
+  ReadsAsZero  // only the first one that misses a server that was there
+};
+
+/// What becomes of a server between the reads.
+enum class ServerNews { NeverThere, Gone, Back };
+
+/// The process of each profile. A handle stands for the profile's entry, not for the process: a
+/// server that was started again under the same program name is found again by itself. Of the
+/// programs of a name it is the one that receives at the port; if none does, the server is away,
+/// because another one would be another profile's. Without a port there must be one only.
 class GameProcesses {
  public:
   std::int32_t Register(GameProcess process);
-  /// Changes the process that the handle stands for.
+  /// Gives the handle another process; the same one again is looked up again.
   void Change(std::int32_t handle, GameProcess process);
 
-  /// Reads a value. Errors, also of ReadBytes: 57, with the profile and what to do, if the read
-  /// fails.
-  std::int32_t ReadLong(std::int32_t handle, std::int32_t address);
-  /// Reads the bytes up to the first NUL, at most 255, fewer where the mapped memory ends.
-  std::string ReadBytes(std::int32_t handle, std::int32_t address);
+  /// Errors 57, with the profile and the way out, unless the read is complete; but see WhenAway.
+  std::int32_t ReadLong(std::int32_t handle, std::int32_t address,
+                        WhenAway whenAway = WhenAway::IsError);
+  /// The bytes up to the first NUL, at most 255, fewer where the mapped memory ends.
+  std::string ReadBytes(std::int32_t handle, std::int32_t address,
+                        WhenAway whenAway = WhenAway::IsError);
+
+  /// Called with words for the person once when a server is away and once when it is back, as the
+  /// reads with ReadsAsZero find it. For Gone the read raises these words right after.
+  std::function<void(ServerNews news, const std::string& words)> onNews;
+  /// The words of onNews while the server is away; else empty.
+  const std::string& WhyAway(std::int32_t handle) { return At(handle).whyAway; }
 
   /// Between these two calls, reads fetch whole pages and may be answered from them.
   void BeginTurn() { reader_.BeginTurn(); }
@@ -38,11 +58,20 @@ class GameProcesses {
 
  private:
   struct Entry : GameProcess {
-    ProcessId found = 0;  // 0 until it is found
+    ProcessId found = 0;   // 0 until it is looked up
+    bool isKnown = false;  // a read has been complete since it was last away
+    std::string whyAway = {};
   };
 
   Entry& At(std::int32_t handle);
   ProcessId Find(Entry& entry);
+  std::int32_t ReadLong(Entry& entry, std::int32_t address);
+  std::string ReadBytes(Entry& entry, std::int32_t address);
+  template <class Read>
+  auto Answer(Entry& entry, WhenAway whenAway, Read read) -> decltype(read());
+  void NoteThere(Entry& entry);
+  /// True if it was there, so that the read is to raise.
+  bool NoteAway(Entry& entry, const std::string& why);
   [[noreturn]] static void RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t address);
 
   std::vector<Entry> entries_;

@@ -18,8 +18,8 @@ std::unique_ptr<UtilityComponent> HostPlatform::CreateUtility() {
   return std::make_unique<HostUtilityComponent>(hostFolder_, clock_, files_);
 }
 
-std::unique_ptr<MemoryComponent> HostPlatform::CreateMemory() {
-  return std::make_unique<HostMemoryComponent>(processes_, chat_);
+std::unique_ptr<MemoryComponent> HostPlatform::CreateMemory(WhenAway whenAway) {
+  return std::make_unique<HostMemoryComponent>(processes_, chat_, whenAway);
 }
 
 std::unique_ptr<FileSystemObject> HostPlatform::CreateFileSystem() {

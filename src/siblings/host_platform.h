@@ -26,7 +26,11 @@ class HostPlatform final : public ComponentFactory, public Module {
       : hostFolder_(std::move(hostFolder)), files_(files) {}
 
   std::unique_ptr<UtilityComponent> CreateUtility() override;
-  std::unique_ptr<MemoryComponent> CreateMemory() override;
+  std::unique_ptr<MemoryComponent> CreateMemory() override {
+    return CreateMemory(WhenAway::ReadsAsZero);
+  }
+  /// For whoever shows how the servers are, IsError.
+  std::unique_ptr<MemoryComponent> CreateMemory(WhenAway whenAway);
   std::unique_ptr<FileSystemObject> CreateFileSystem() override;
   std::string Folder() const override { return hostFolder_ + "\\Plugins"; }
   ModuleVersion Version() const override;

@@ -6,11 +6,11 @@
 namespace rotacasts::host {
 
 std::int32_t HostMemoryComponent::ReadLong(std::int32_t& processHandle, std::int32_t address) {
-  return processes_.ReadLong(processHandle, address);
+  return processes_.ReadLong(processHandle, address, whenAway_);
 }
 
 std::string HostMemoryComponent::ReadStr(std::int32_t& processHandle, std::int32_t address) {
-  return FromWindows1252(processes_.ReadBytes(processHandle, address));
+  return FromWindows1252(processes_.ReadBytes(processHandle, address, whenAway_));
 }
 
 void HostMemoryComponent::AddMsg(std::int16_t& profileIndex, std::int32_t& messageTarget,

@@ -7,11 +7,13 @@
 
 namespace rotacasts::host {
 
-/// Process handles are those of `processes`; message targets are those of `chat`. Texts in a game's
-/// memory are Windows-1252; Base64 encodes UTF-8. `processes` and `chat` must outlive it.
+/// Process handles are those of `processes`, whose servers answer as `whenAway` says while they are
+/// away; what a message target is, `chat` knows. Texts in a game's memory are Windows-1252, Base64
+/// packs UTF-8. Both outlive the component.
 class HostMemoryComponent final : public MemoryComponent {
  public:
-  HostMemoryComponent(GameProcesses& processes, Chat& chat) : processes_(processes), chat_(chat) {}
+  HostMemoryComponent(GameProcesses& processes, Chat& chat, WhenAway whenAway)
+      : processes_(processes), chat_(chat), whenAway_(whenAway) {}
 
   std::int32_t ReadLong(std::int32_t& processHandle, std::int32_t address) override;
   std::string ReadStr(std::int32_t& processHandle, std::int32_t address) override;
@@ -27,6 +29,7 @@ class HostMemoryComponent final : public MemoryComponent {
  private:
   GameProcesses& processes_;
   Chat& chat_;
+  const WhenAway whenAway_;
 };
 
 }  // namespace rotacasts::host

@@ -26,6 +26,7 @@ TEST(GameProcesses, ANumberTooLargeForAProcessIsNotCutToAnothersNumber) {
       processes.Register({std::to_string(own + (ProcessId{1} << 32)), 0, "beyond"});
   EXPECT_EQ(processes.ReadLong(self, address), value);
   EXPECT_EQ(testing::ErrorOf([&] { processes.ReadLong(beyond, address); }), 57);
+  EXPECT_EQ(processes.ReadLong(beyond, address, WhenAway::ReadsAsZero), 0);
   ::VirtualFree(place, 0, MEM_RELEASE);
 }
 
