@@ -127,7 +127,7 @@ class LateFileSystem final : public FileSystemObject {
   }
   void CreateFolder(const std::string& path) override { createFolder_(TextArgument(path)); }
   void CreateTextFile(const std::string& path) override {
-    const ComVariant stream = createTextFile_(TextArgument(path));
+    const ComVariant stream = createTextFile_(TextArgument(path), ValueArgument(false));
     if (stream.Get().vt != VT_DISPATCH || stream.Get().pdispVal == nullptr) return;
     stream.Get().pdispVal->AddRef();
     const LateBound text(ComPtr<IDispatch>::Take(stream.Get().pdispVal));

@@ -89,8 +89,8 @@ class FileSystemObject {
   /// Creates one folder. Errors: 76 if its parent is missing, 58 if it exists, 70 if access is
   /// denied.
   virtual void CreateFolder(const std::string& path) = 0;
-  /// Creates an empty text file in the system's single-byte character set and closes it; an
-  /// existing file is emptied. Errors: 76 if its folder is missing, 70 if access is denied.
+  /// Creates an empty text file in the system's single-byte character set and closes it. Errors: 76
+  /// if its folder is missing, 58 if it exists (it stays as it was), 70 if access is denied.
   virtual void CreateTextFile(const std::string& path) = 0;
 };
 

@@ -15,6 +15,7 @@ void HostFileSystem::CreateFolder(const std::string& path) {
 }
 
 void HostFileSystem::CreateTextFile(const std::string& path) {
+  if (files_.Exists(path)) throw RuntimeError(ErrorNumber::FileAlreadyExists, path);
   files_.Layer().Replace(path, "", nullptr);
 }
 

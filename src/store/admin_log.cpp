@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
-#include "base/conversions.h"
 #include "base/text.h"
-#include "services/profile_tables.h"
-#include "store/profile_paths.h"
+#include "services/guard.h"
+#include "services/host_folder.h"
 
 namespace rotacasts {
 
@@ -16,10 +15,12 @@ void AdminLog::Write(const ProfileData& PDAT, std::string_view action, const std
       PDAT.UsesSharedLog() ? paths.AdminLogs() : paths.AdminLogs(PDAT.ProfileFolder());
   const std::string file = FileIn(folder, now);
   FileSystemObject& files = services_.FileSystem();
-  if (!files.FolderExists(folder)) files.CreateFolder(folder);
-  if (!files.FileExists(file)) files.CreateTextFile(file);
-  std::string line =
-      "[" + FormatTime(now) + action + value + ") from " + ToText(PDAT.At(pdat::kAdministrator));
+  // Another command's line can make either between the question and the answer.
+  const auto create = [](auto&& made) { ResumeNext({ErrorNumber::FileAlreadyExists}, made); };
+  if (!files.FolderExists(folder)) create([&] { files.CreateFolder(folder); });
+  if (!files.FileExists(file)) create([&] { files.CreateTextFile(file); });
+  std::string line = "[" + FormatTime(now) + "][Rotacasts] ";
+  line.append(action).append(value).append(") from ").append(PDAT.Administrator());
   const auto breaksALine = [](char c) { return IsControl(c) && c != '\t'; };
   std::replace_if(line.begin(), line.end(), breaksALine, ' ');
   services_.Utility().AppendFile(file, line);
