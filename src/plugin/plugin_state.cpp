@@ -9,7 +9,7 @@ PluginState::PluginState(Platform platform)
       reporter(services, tables),
       game(services, tables, reporter),
       store(services, tables, reporter),
-      window({services, tables, reporter, store}),
+      window(services, tables, reporter, store),
       broadcast(services, tables, reporter, store, window),
       profiles(services, tables, reporter, game, window),
       embedding(services, tables, reporter, profiles, window),

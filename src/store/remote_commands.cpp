@@ -158,12 +158,14 @@ std::string RemoteCommands::MoveMessage(const Move& move, std::int32_t index,
   return Run(move.operation, index, [&](std::string& reply, Step& at) {
     at(1);
     MessageFile file = store_.Open(index);
+    const auto window = window_.Showing(index);
     const std::string upperKey = move.upperKey(Data);
     const std::string lowerKey = move.lowerKey(Data);
     at(2);
     const auto texts = ExchangeIfBothAreThere(file, upperKey, lowerKey);
     at(3);
     reply = texts ? kDone : kNotDone;
+    window->LoadMessagesAgain();
     at(4);
     if (texts) log_.Write(PDAT, move.action, (*texts).*move.moved);
   });

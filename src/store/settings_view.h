@@ -19,14 +19,17 @@ class BroadcastSettings {
   virtual std::string Interval() const = 0;
 };
 
-/// The window for one operation on a profile's message file. A change reaches the window only while
-/// it is there, shows that profile, and the profile has the message file that it had when the
-/// operation began; otherwise it does nothing, and no window is made for it.
+/// The window for one operation on a profile's message file. A change reaches the window that is
+/// there at that moment, while it shows that profile and the profile has the message file that it
+/// had when the operation began; otherwise it does nothing, and no window is made for it.
 class ShownSettings {
  public:
   virtual ~ShownSettings() = default;
   /// Fills the list from the file. Reported under "LoadMessages".
   virtual void LoadMessages() = 0;
+  /// The same, if the list has been filled since the operation began, for an operation that leaves
+  /// the list alone: what was listed in its midst can have been neither the old nor the new.
+  virtual void LoadMessagesAgain() = 0;
   /// Error 380 for a value that the switch does not accept, whatever the window shows.
   virtual void SetSwitch(std::int16_t value) = 0;
   virtual void SetInterval(const std::string& text) = 0;

@@ -49,14 +49,14 @@ void frmRT::BeginAtTheTopOf(std::int32_t profile) {
 
 std::function<void()> frmRT::Handled(std::string_view procedure, Handler handler) {
   return [this, procedure, handler] {
-    handlers_.Run(*this, procedure, [&](const Handling& h) { (handlers_.*handler)(h); });
+    handlers_.Run(procedure, [&](const Handling& h) { (handlers_.*handler)(h); });
   };
 }
 
 std::function<void(const MouseEvent&)> frmRT::Handled(std::string_view procedure,
                                                       MouseHandler handler) {
   return [this, procedure, handler](const MouseEvent& event) {
-    handlers_.Run(*this, procedure, [&](const Handling& h) { (handlers_.*handler)(h, event); });
+    handlers_.Run(procedure, [&](const Handling& h) { (handlers_.*handler)(h, event); });
   };
 }
 
@@ -84,7 +84,7 @@ void frmRT::MakeMenus() {
   Menu("mnuDown").onClick = Handled("mnuDown", &Handlers::mnuDown_Click);
   Menu("mnuDelete").onClick = Handled("mnuDelete_Click", &Handlers::mnuDelete_Click);
   const auto run = [this](std::string_view item, const auto& body) {
-    handlers_.Run(*this, std::string(item) + "_Click", body);
+    handlers_.Run(std::string(item) + "_Click", body);
   };
   for (const layout::MenuRow& row : layout::Menus()) {
     if (row.token.empty()) continue;

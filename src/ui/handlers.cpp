@@ -105,11 +105,10 @@ frmRT& Handling::Window() const {
   return shown.Window();
 }
 
-void Handlers::Run(frmRT& window, std::string_view procedure,
+void Handlers::Run(std::string_view procedure,
                    const std::function<void(const Handling&)>& body) const {
   const std::int32_t profile = context_.tables.currentWindowProfile;
-  const ShownProfile shown(std::static_pointer_cast<frmRT>(window.KeepAlive()), context_.tables,
-                           profile);
+  const ShownProfile shown(context_.window, context_.tables, profile);
   Guard(context_.reporter, {procedure, profile}, [&](Step& at) { body({at, shown}); });
 }
 
@@ -131,7 +130,8 @@ void Handlers::LoadMessages(const ShownProfile& shown) const {
   Guard(context_.reporter, {"LoadMessages", shown.Profile()}, [&](Step& at) {
     at(1);
     const std::string file = context_.tables.MessageFiles(shown.Profile());
-    const int fillings = shown.Window().Messages().Fillings();
+    shown.Window();  // or the operation ends here
+    const ShownProfile now(context_.window, context_.tables, shown.Profile());
     MessageSection section(context_.services.Utility(), file);
     std::vector<std::string> lines;  // of a missing file, none
     at(2);
@@ -147,10 +147,8 @@ void Handlers::LoadMessages(const ShownProfile& shown) const {
     } catch (...) {
       error = std::current_exception();
     }
-    shown.If([&](frmRT& window) {
-      // A filling that came in between has read the file later than this one.
-      if (window.Messages().Fillings() == fillings) window.Messages().Fill(std::move(rows));
-    });
+    // A filling that came in between has read the file later than this one.
+    if (!now.WasFilled()) now.If([&](frmRT& window) { window.Messages().Fill(std::move(rows)); });
     if (error) std::rethrow_exception(error);
   });
 }

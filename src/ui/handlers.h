@@ -16,6 +16,7 @@
 namespace rotacasts {
 
 class frmRT;
+class SettingsWindow;
 class ShownProfile;
 
 /// What the settings window works with.
@@ -24,6 +25,7 @@ struct SettingsWindowContext {
   ProfileTables& tables;
   ErrorReporter& reporter;
   MessageStore& store;
+  const SettingsWindow& window;
 };
 
 /// One run of a handler: the step it is at, and the window as it shows the profile worked for. That
@@ -51,9 +53,8 @@ class Handlers {
   explicit Handlers(const SettingsWindowContext& context)
       : context_(context), buttons_(context.services.HostFolder()) {}
 
-  /// Runs a handler under its name for the current window profile, in which `window` is shown.
-  void Run(frmRT& window, std::string_view procedure,
-           const std::function<void(const Handling&)>& body) const;
+  /// Runs a handler under its name for the current window profile.
+  void Run(std::string_view procedure, const std::function<void(const Handling&)>& body) const;
   const ImageButtons& Buttons() const { return buttons_; }
 
   /// Refills the window and writes both options back. A profile whose folder was refused has none.

@@ -20,8 +20,8 @@ struct MessageRow {
 };
 
 /// The row for a line of the message section, which is used up; nothing for a line that is not
-/// listed. Raises what the line's splitting raises, with the line quoted, and error 13 for a key that
-/// is no number.
+/// listed. Raises what the line's splitting raises, with the line quoted, and error 13 for a key
+/// that is no number.
 std::optional<MessageRow> RowOf(MessageSection& section, std::string& line);
 
 /// The list box of the settings window, with the keys of its rows. The list's item data is the key

@@ -10,10 +10,14 @@ namespace {
 /// The window as a remote command on a profile reaches it.
 class RemoteView final : public ShownSettings {
  public:
-  explicit RemoteView(ShownProfile shown) : shown_(std::move(shown)) {}
+  template <class... Arguments>
+  explicit RemoteView(const Arguments&... arguments) : shown_(arguments...) {}
 
   void LoadMessages() override {
     shown_.If([&](frmRT& window) { window.GetHandlers().LoadMessages(shown_); });
+  }
+  void LoadMessagesAgain() override {
+    if (shown_.WasFilled()) LoadMessages();
   }
   void SetSwitch(std::int16_t value) override {
     forms::CheckBox::RequireValue(value);
@@ -45,7 +49,7 @@ std::shared_ptr<frmRT> SettingsWindow::Get() {
 }
 
 std::unique_ptr<ShownSettings> SettingsWindow::Showing(std::int32_t profile) {
-  return std::make_unique<RemoteView>(ShownProfile(IfLoaded(), context_.tables, profile));
+  return std::make_unique<RemoteView>(*this, context_.tables, profile);
 }
 
 void SettingsWindow::Unload() {

@@ -10,7 +10,9 @@ namespace rotacasts {
 
 class SettingsWindow final : public SettingsView {
  public:
-  explicit SettingsWindow(const SettingsWindowContext& context) : context_(context) {}
+  SettingsWindow(HostServices& services, ProfileTables& tables, ErrorReporter& reporter,
+                 MessageStore& store)
+      : context_{services, tables, reporter, store, *this} {}
 
   /// The tick of a profile's timer element.
   std::function<void(std::int16_t)> onTick;

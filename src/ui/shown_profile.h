@@ -6,37 +6,43 @@
 #include <string>
 
 #include "services/profile_tables.h"
-#include "ui/frm_rt.h"
+#include "ui/settings_window.h"
 
 namespace rotacasts {
 
-/// A component call and a box run a message loop, in which the host can show another profile, unload
-/// the window or stop the profile. So an operation reaches the window only through this, which gives
-/// it out only while it is loaded, shows the profile that it showed at the beginning, and the
-/// profile's message file is still the same (a stopped profile has none).
+/// A component call and a box run a message loop, in which the host can show another profile, stop
+/// the profile, and unload the window and show it again. So an operation reaches the window only
+/// through this, which gives out the one that is loaded now, while it shows the operation's profile
+/// and that has the message file which it had at the beginning (a stopped profile has none).
 class ShownProfile {
  public:
-  /// The operation begins now. `window` may be null.
-  ShownProfile(std::shared_ptr<frmRT> window, const ProfileTables& tables, std::int32_t profile);
+  /// The operation begins now.
+  ShownProfile(const SettingsWindow& settings, const ProfileTables& tables, std::int32_t profile);
 
   std::int32_t Profile() const { return profile_; }
   /// Calls `act(window)`, or does nothing.
   template <class Act>
   void If(Act&& act) const {
-    if (IsCurrent()) act(*window_);
+    if (const std::shared_ptr<frmRT> window = Current()) act(*window);
   }
-  /// Throws Overtaken, which ends the handler.
+  /// Throws Overtaken, which ends the handler. The window lives until this is asked again.
   frmRT& Window() const;
+  /// Whether the list has been filled, or the window made, since the operation began.
+  bool WasFilled() const;
 
  private:
-  bool IsCurrent() const;
+  /// The window, or null.
+  std::shared_ptr<frmRT> Current() const;
   /// Empty for a profile that is not set up.
   std::string PathOfFile() const;
 
-  const std::shared_ptr<frmRT> window_;
+  const SettingsWindow& settings_;
   const ProfileTables& tables_;
   const std::int32_t profile_;
   const std::string file_;
+  mutable std::shared_ptr<frmRT> last_;
+  const std::shared_ptr<frmRT> first_;
+  const int fillings_;
 };
 
 }  // namespace rotacasts
