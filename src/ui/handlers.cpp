@@ -237,6 +237,7 @@ void Handlers::MoveSelected(const Handling& h, std::int16_t by) const {
   h.at(1);
   const ListBox& list = h.Window().lstMessages();
   const std::int32_t row = ToInteger(list.SelectedRow());
+  if (row < 0) return;  // the list was filled again while the menu was open
   const std::int32_t neighbour = row + by;
   const std::vector<MessageRow> before = h.Window().Messages().All();
   std::vector<MessageRow> rows = before;
