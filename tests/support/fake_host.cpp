@@ -26,14 +26,16 @@ class FakeMemory final : public MemoryComponent {
  public:
   explicit FakeMemory(FakeHost& host) : host_(host) {}
   std::int32_t ReadLong(std::int32_t& handle, std::int32_t address) override {
-    host_.Called("ReadLong(" + std::to_string(handle) + ", " + Hex(address) + ")");
+    const FakeHost::Call call(host_,
+                              "ReadLong(" + std::to_string(handle) + ", " + Hex(address) + ")");
     if (host_.writesBack) handle = 999;
     const auto found = host_.longs.find(address);
     if (found == host_.longs.end()) throw RuntimeError(57, "not mapped " + Hex(address));
     return found->second;
   }
   std::string ReadStr(std::int32_t& handle, std::int32_t address) override {
-    host_.Called("ReadStr(" + std::to_string(handle) + ", " + Hex(address) + ")");
+    const FakeHost::Call call(host_,
+                              "ReadStr(" + std::to_string(handle) + ", " + Hex(address) + ")");
     return host_.texts[address];
   }
   void AddMsg(std::int16_t& index, std::int32_t& target, std::string& text, bool& affiliate,
@@ -46,11 +48,11 @@ class FakeMemory final : public MemoryComponent {
     if (host_.writesBack) gameCode = "JO_2";
   }
   std::string Enc64(const std::string& text) override {
-    host_.Called("Enc64(" + text + ")");
+    const FakeHost::Call call(host_, "Enc64(" + text + ")");
     return "<" + text + ">";
   }
   std::string Dec64(const std::string& text) override {
-    host_.Called("Dec64(" + text + ")");
+    const FakeHost::Call call(host_, "Dec64(" + text + ")");
     if (text.size() < 2 || text.front() != '<') throw RuntimeError(5, "not encoded");
     return text.substr(1, text.size() - 2);
   }
@@ -58,9 +60,10 @@ class FakeMemory final : public MemoryComponent {
  private:
   void Add(const char* name, std::int16_t& index, std::int32_t& target, std::string& text,
            bool& affiliate, const std::string& kind, std::int16_t mode, const std::string& more) {
-    host_.Called(std::string(name) + "(" + std::to_string(index) + ", " + std::to_string(target) +
-                 ", " + text + ", " + (affiliate ? "True" : "False") + ", " + kind + ", " +
-                 std::to_string(mode) + more + ")");
+    const FakeHost::Call call(host_, std::string(name) + "(" + std::to_string(index) + ", " +
+                                         std::to_string(target) + ", " + text + ", " +
+                                         (affiliate ? "True" : "False") + ", " + kind + ", " +
+                                         std::to_string(mode) + more + ")");
     host_.sent.push_back(text);
     if (host_.writesBack) target = 888;
   }
@@ -72,13 +75,13 @@ class FakeUtility final : public UtilityComponent {
   explicit FakeUtility(FakeHost& host) : host_(host) {}
   std::string GetIniKey(const std::string& section, const std::string& key,
                         std::string& file) override {
-    host_.Called("GetIniKey(" + section + ", " + key + ", " + file + ")");
+    const FakeHost::Call call(host_, "GetIniKey(" + section + ", " + key + ", " + file + ")");
     return FromWindows1252(Ini(file).Value(section, key).value_or(""));
   }
   void WriteIniKey(const std::string& section, const Key& key,
                    const std::optional<std::string>& value, std::string& file) override {
-    host_.Called("WriteIniKey(" + section + ", " + Text(key) + ", " + value.value_or("null") +
-                 ", " + file + ")");
+    const FakeHost::Call call(host_, "WriteIniKey(" + section + ", " + Text(key) + ", " +
+                                         value.value_or("null") + ", " + file + ")");
     if (file.empty()) throw RuntimeError(ErrorNumber::PathNotFound);
     IniText ini = Ini(file);
     std::string keyText = Text(key);
@@ -93,7 +96,7 @@ class FakeUtility final : public UtilityComponent {
     host_.files[file] = ini.Bytes();
   }
   std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override {
-    host_.Called("GetIniSection(" + section + ", " + file + ")");
+    const FakeHost::Call call(host_, "GetIniSection(" + section + ", " + file + ")");
     std::vector<std::string> lines;
     const IniText ini = Ini(file);
     for (const auto& line : ini.Lines(section)) {
@@ -103,7 +106,7 @@ class FakeUtility final : public UtilityComponent {
     return lines;
   }
   HostValue ParseIniKey(std::string&& line, bool asPair) override {
-    host_.Called("ParseIniKey(" + line + (asPair ? ", True)" : ", False)"));
+    const FakeHost::Call call(host_, "ParseIniKey(" + line + (asPair ? ", True)" : ", False)"));
     const auto equals = line.find('=');
     if (equals == line.npos || line.find("unsplittable") != line.npos) {
       throw RuntimeError(ErrorNumber::TypeMismatch);
@@ -112,7 +115,7 @@ class FakeUtility final : public UtilityComponent {
     return HostValue::Array{line.substr(0, equals), line.substr(equals + 1)};
   }
   std::vector<std::string> ReadFile(std::string& file) override {
-    host_.Called("ReadFile(" + file + ")");
+    const FakeHost::Call call(host_, "ReadFile(" + file + ")");
     if (!host_.files.contains(file)) throw RuntimeError(ErrorNumber::FileNotFound, file);
     std::istringstream bytes(ReplaceAll(host_.files[file], "\r\n", "\n"));
     std::vector<std::string> lines;
@@ -120,18 +123,19 @@ class FakeUtility final : public UtilityComponent {
     return lines;
   }
   void AppendFile(const std::string& file, const std::string& text) override {
-    host_.Called("AppendFile(" + file + ", " + text + ")");
+    const FakeHost::Call call(host_, "AppendFile(" + file + ", " + text + ")");
     host_.files[file] += text + "\r\n";
   }
   void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                 std::int32_t& line) override {
-    host_.Called("LogError(" + module + ", " + procedure + ", " + std::to_string(error.number) +
-                 ", " + std::to_string(line) + ")");
+    const FakeHost::Call call(host_, "LogError(" + module + ", " + procedure + ", " +
+                                         std::to_string(error.number) + ", " +
+                                         std::to_string(line) + ")");
     host_.logged.push_back(procedure + ": " + std::to_string(error.number) + " " +
                            error.description);
   }
   bool SendErrorReport(HostValue& report) override {
-    host_.Called("SendErrorReport");
+    const FakeHost::Call call(host_, "SendErrorReport");
     host_.reports.push_back(report);
     return host_.delivers;
   }
@@ -144,21 +148,44 @@ class FakeUtility final : public UtilityComponent {
   FakeHost& host_;
 };
 
+/// A question to the file system, which stands not among the calls.
+class Question {
+ public:
+  explicit Question(FakeHost& host) : host_(host) { Visit(); }
+  ~Question() { Visit(); }
+
+ private:
+  void Visit() const {
+    if (host_.insideFileCall) host_.insideFileCall();
+  }
+  FakeHost& host_;
+};
+
 class FakeFileSystem final : public FileSystemObject {
  public:
   explicit FakeFileSystem(FakeHost& host) : host_(host) {}
-  bool FileExists(const std::string& path) override { return host_.files.contains(path); }
-  bool FolderExists(const std::string& path) override { return host_.folders.contains(path); }
+  bool FileExists(const std::string& path) override {
+    const Question question(host_);
+    return host_.files.contains(path);
+  }
+  bool FolderExists(const std::string& path) override {
+    const Question question(host_);
+    return host_.folders.contains(path);
+  }
   void CreateFolder(const std::string& path) override {
-    host_.Called("CreateFolder(" + path + ")");
+    const FakeHost::Call call(host_, "CreateFolder(" + path + ")");
     if (!host_.folders.contains(path.substr(0, path.rfind('\\')))) {
       throw RuntimeError(ErrorNumber::PathNotFound, path);
     }
-    host_.folders.insert(path);
+    if (!host_.folders.insert(path).second) {
+      throw RuntimeError(ErrorNumber::FileAlreadyExists, path);
+    }
   }
   void CreateTextFile(const std::string& path) override {
-    host_.Called("CreateTextFile(" + path + ")");
-    host_.files[path] = "";
+    const FakeHost::Call call(host_, "CreateTextFile(" + path + ")");
+    if (!host_.files.try_emplace(path).second) {
+      throw RuntimeError(ErrorNumber::FileAlreadyExists, path);
+    }
   }
 
  private:
@@ -167,12 +194,16 @@ class FakeFileSystem final : public FileSystemObject {
 
 }  // namespace
 
-void FakeHost::Called(const std::string& call) {
-  calls.push_back(call);
-  if (insideCall) insideCall();
-  if (failAtCall == 0 || --failAtCall > 0) return;
-  fired = true;
+FakeHost::Call::Call(FakeHost& host, const std::string& call) : host_(host) {
+  host_.calls.push_back(call);
+  if (host_.insideCall) host_.insideCall();
+  if (host_.failAtCall == 0 || --host_.failAtCall > 0) return;
+  host_.fired = true;
   throw RuntimeError(ErrorNumber::DeviceIoError, "injected into " + call);
+}
+
+FakeHost::Call::~Call() {
+  if (host_.afterCall) host_.afterCall();
 }
 
 std::string& FakeHost::MessageFile(int index) {

@@ -23,6 +23,10 @@ struct FakeHost {
   bool fired = false;
   /// Runs at the start of every component call, because a component may run a message loop.
   std::function<void()> insideCall;
+  /// Runs inside every component call that began, when it has acted or failed.
+  std::function<void()> afterCall;
+  /// Runs before and after each question to the file-system object, which is not among the calls.
+  std::function<void()> insideFileCall;
 
   std::map<std::int32_t, std::int32_t> longs;  // by address; reading a missing one fails
   std::map<std::int32_t, std::string> texts;
@@ -41,7 +45,17 @@ struct FakeHost {
   std::vector<HostValue> reports;
   std::vector<std::string> boxes;  // "title|text"
 
-  void Called(const std::string& call);
+  /// A component call, from its arrival to its return.
+  class Call {
+   public:
+    Call(FakeHost& host, const std::string& call);
+    ~Call();
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+   private:
+    FakeHost& host_;
+  };
   std::string& MessageFile(int index);
 };
 
