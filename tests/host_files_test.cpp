@@ -147,6 +147,7 @@ TEST_F(HostFilesTest, AnOperationKnowsWhatCannotBeStoredAndEndsWhereItCannot) {
     const auto failure = ini.Run(operation);
     EXPECT_EQ(failure ? failure->number : 0, number) << name;
   }
+  std::filesystem::permissions(folder.File("a.ini"), std::filesystem::perms::owner_all);
   EXPECT_EQ(folder.Read("a.ini") + folder.Read("log"), "[S]\r\n1=a\r\ntold\r\n");
 }
 
