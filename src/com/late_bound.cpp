@@ -79,6 +79,11 @@ HRESULT ResultOf(std::int32_t errorNumber) {
   return errorNumber > 0 && errorNumber <= 0xFFFF ? kControlFacility | errorNumber : errorNumber;
 }
 
+void RaiseRefused(const char* progId, HRESULT result) {
+  throw RuntimeError(ErrorNumber::CannotCreateComponent,
+                     std::string(progId) + " (" + DescribeResult(result) + ")");
+}
+
 LateBound LateBound::Create(const char* progId) {
   CLSID classId;
   HRESULT result = ::CLSIDFromProgID(ToWide(progId).c_str(), &classId);
@@ -87,7 +92,7 @@ LateBound LateBound::Create(const char* progId) {
     result =
         ::CoCreateInstance(classId, nullptr, CLSCTX_SERVER, IID_IDispatch, object.ReceiveVoid());
   }
-  if (FAILED(result)) throw RuntimeError(ErrorNumber::CannotCreateComponent, progId);
+  if (FAILED(result)) RaiseRefused(progId, result);
   return LateBound(std::move(object));
 }
 

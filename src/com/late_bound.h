@@ -9,11 +9,14 @@
 
 namespace rotacasts::win32 {
 
-/// A COM object that is called through IDispatch. Errors: the object's own number and description;
-/// 438 for a member that it lacks.
+/// Raises error 429, naming the component and why COM refuses it.
+[[noreturn]] void RaiseRefused(const char* progId, HRESULT result);
+
+/// A COM object behind its dispatch interface. Raises the object's own errors as run-time errors:
+/// the number and description that it gives, 438 for a member that it does not have.
 class LateBound {
  public:
-  /// Creates the object by its programmatic identifier. Errors: 429 if that fails.
+  /// Creates the object by its programmatic identifier. Error 429 with the reason when that fails.
   static LateBound Create(const char* progId);
   explicit LateBound(ComPtr<IDispatch> object) : object_(std::move(object)) {}
 

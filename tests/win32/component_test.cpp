@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <fstream>
 #include <random>
 
 #include "base/conversions.h"
@@ -12,6 +13,7 @@
 #include "com/variant_conversion.h"
 #include "component/identities.h"
 #include "component/plugin_interface.h"
+#include "program/win32/late_bound_plugin.h"
 
 namespace rotacasts {
 namespace {
@@ -320,7 +322,7 @@ TEST_F(ComponentTest, WhatTheComponentsLackIsReportedWithItsNumber) {
   };
   siblings.reset();  // no component can be created, so the error cannot be logged either
   startAnew();
-  expectBox("Error 429: ");
+  expectBox("Error 429: ActiveX component can't create object: tvxZDL.clsZDF (");
 
   // The memory component has other members than expected.
   const auto utilities = host::MakeUtilityObject(*utility);
@@ -342,8 +344,37 @@ TEST_F(ComponentTest, WhatTheComponentsLackIsReportedWithItsNumber) {
   EXPECT_EQ(host.logged[0].find("EnableRTRem: 76 "), 0U) << host.logged[0];
 }
 
-/// Makes VARIANTs of every kind, by reference and nested, valid and barely valid. They live as long
-/// as this object.
+TEST_F(ComponentTest, AHostIsToldWhyThePluginCannotBeCreated) {
+  host::MachineFiles machine;
+  host::IniFiles files(machine);
+  const auto expect = [&](const std::string& why) {
+    std::string said;
+    try {
+      const host::LateBoundPlugin created("C:\\Host", files);
+    } catch (const RuntimeError& error) {
+      said = error.description;
+    }
+    EXPECT_EQ(said.find(why), 0U) << said;
+  };
+  const auto registerFile = [&](const char* file) {
+    const std::wstring key = std::wstring(L"CLSID\\") + win32::kClassIdText + L"\\InprocServer32";
+    const std::wstring path = win32::ToWide(file);
+    ::RegSetKeyValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, REG_SZ, path.c_str(),
+                      static_cast<DWORD>((path.size() + 1) * sizeof(wchar_t)));
+  };
+  expect("");  // it is created
+  registerFile("C:\\Host\\none.dll");
+  expect("tvxRT.clsPlugin cannot be created: C:\\Host\\none.dll is missing; register C:\\Host");
+  std::ofstream("C:\\Host\\text.dll") << "no program";
+  registerFile("C:\\Host\\text.dll");
+  expect("tvxRT.clsPlugin cannot be created: C:\\Host\\text.dll cannot be loaded (");
+  EXPECT_EQ(installed.CallEntry("DllUnregisterServer"), S_OK);
+  expect("tvxRT.clsPlugin cannot be created: it is not registered; register C:\\Host");
+  EXPECT_EQ(installed.CallEntry("DllRegisterServer"), S_OK);
+}
+
+/// Makes VARIANTs of every kind, by reference and nested, valid or hardly so. They live as long as
+/// it does.
 class Zoo {
  public:
   explicit Zoo(std::mt19937& random) : random_(random) {}

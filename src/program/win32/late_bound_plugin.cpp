@@ -21,12 +21,46 @@ using win32::ValueArgument;
 constexpr const char* kProgId = "tvxRT.clsPlugin";
 constexpr const wchar_t* kModule = L"tvxRT.dll";
 
+/// The file that is registered as the plugin, for programs as wide as this one; empty for none.
+std::wstring RegisteredFile() {
+  CLSID id;
+  wchar_t text[40];
+  if (FAILED(::CLSIDFromProgID(win32::ToWide(kProgId).c_str(), &id))) return {};
+  ::StringFromGUID2(id, text, 40);
+  const std::wstring key = std::wstring(L"CLSID\\") + text + L"\\InprocServer32";
+  wchar_t file[MAX_PATH];
+  DWORD size = sizeof file;
+  const LSTATUS status =
+      ::RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, file, &size);
+  return status == ERROR_SUCCESS ? file : L"";
+}
+
+/// Why the plugin cannot be created. COM's own answer, `said`, may blame the registration for a
+/// file that cannot be loaded.
+std::string Reason(const std::string& said) {
+  const std::wstring path = RegisteredFile();
+  const std::string file = win32::FromWide(path);
+  if (file.empty()) return "it is not registered";
+  if (::GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) return file + " is missing";
+  const HMODULE module = ::LoadLibraryW(path.c_str());
+  const DWORD error = ::GetLastError();
+  if (module == nullptr) {
+    return file + " cannot be loaded (" + win32::DescribeResult(HRESULT_FROM_WIN32(error)) + ")";
+  }
+  ::FreeLibrary(module);
+  return said;
+}
+
+std::string WayOut(const std::string& hostFolder) {
+  return "; register " + hostFolder + "\\Plugins\\tvxRT.dll with regsvr32";
+}
+
 LateBound CreatePlugin(const std::string& hostFolder) {
   try {
     return LateBound::Create(kProgId);
-  } catch (const RuntimeError&) {
-    throw Complaint(std::string(kProgId) + " cannot be created; register " + hostFolder +
-                    "\\Plugins\\tvxRT.dll with regsvr32");
+  } catch (const RuntimeError& error) {
+    throw Complaint(std::string(kProgId) + " cannot be created: " + Reason(error.description) +
+                    WayOut(hostFolder));
   }
 }
 
@@ -38,8 +72,8 @@ void RefuseOtherFolder(const std::string& hostFolder) {
   const std::string own = HostFolderOf(win32::LoadedModule(module).Folder());
   std::error_code ignored;
   if (std::filesystem::equivalent(NativePath(own), NativePath(hostFolder), ignored)) return;
-  throw Complaint("the registered plugin works in " + own + "; register " + hostFolder +
-                  "\\Plugins\\tvxRT.dll with regsvr32, or name that folder");
+  throw Complaint("the registered plugin works in " + own + WayOut(hostFolder) +
+                  ", or name that folder");
 }
 
 }  // namespace

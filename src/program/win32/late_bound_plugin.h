@@ -14,9 +14,9 @@ namespace rotacasts::host {
 /// The order of the plugin's writes keeps every text.
 class LateBoundPlugin final : public HostedPlugin {
  public:
-  /// Creates the plugin. Requires: the siblings are registered. Errors: 5, with what to do, if the
-  /// component is not registered or belongs to another folder than `hostFolder`. `files`, which the
-  /// siblings use too, must outlive the plugin.
+  /// Error 5, with the reason and the way out, when the component cannot be created or when it
+  /// belongs to another host folder than `hostFolder`. The siblings can be created by now.
+  /// `files` are those that the siblings work on; they outlive the plugin.
   LateBoundPlugin(const std::string& hostFolder, IniFiles& files);
   ~LateBoundPlugin() override;
 

@@ -121,13 +121,8 @@ class SingleObjectFactory final : public win32::CountedObject<IClassFactory> {
   const ComPtr<IDispatch> object_;
 };
 
-[[noreturn]] void RaiseRefused(const char* progId, HRESULT result) {
-  throw RuntimeError(ErrorNumber::CannotCreateComponent,
-                     std::string(progId) + " (" + win32::DescribeResult(result) + ")");
-}
-
-/// Registers the class for the programmatic identifier: for all users, or for this user if that
-/// needs more rights.
+/// Records the class for the programmatic identifier, for everyone or, where that takes more
+/// rights, for this user.
 void RecordClass(const char* progId, const wchar_t* classId) {
   const std::wstring name = win32::ToWide(progId) + L"\\CLSID";
   const std::pair<HKEY, std::wstring> places[] = {
@@ -138,7 +133,7 @@ void RecordClass(const char* progId, const wchar_t* classId) {
                                static_cast<DWORD>((std::wcslen(classId) + 1) * sizeof(wchar_t)));
     if (status == ERROR_SUCCESS) return;
   }
-  RaiseRefused(progId, HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
+  win32::RaiseRefused(progId, HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
 }
 
 }  // namespace
@@ -170,7 +165,7 @@ ObjectRegistration::ObjectRegistration(const char* progId, const wchar_t* classI
     result = ::CoRegisterClassObject(id, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
                                      &cookie_);
   }
-  if (FAILED(result)) RaiseRefused(progId, result);
+  if (FAILED(result)) win32::RaiseRefused(progId, result);
 }
 
 ObjectRegistration::~ObjectRegistration() {
