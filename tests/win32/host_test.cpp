@@ -2,12 +2,19 @@
 
 #include <sstream>
 
+#include <filesystem>
+#include <fstream>
+
 #include "console/console.h"
 #include "machine/win32/console_input.h"
+#include "machine/win32/unique_handle.h"
+#include "program/win32/frame_window.h"
 #include "program/win32/late_bound_plugin.h"
 #include "siblings/game_processes.h"
 #include "support/component_test.h"
+#include "support/fake_host.h"
 #include "support/host_folder.h"
+#include "support/installed_plugin.h"
 
 namespace rotacasts::host {
 namespace {
@@ -28,6 +35,59 @@ TEST(GameProcesses, ANumberTooLargeForAProcessIsNotCutToAnothersNumber) {
   EXPECT_EQ(testing::ErrorOf([&] { processes.ReadLong(beyond, address); }), 57);
   EXPECT_EQ(processes.ReadLong(beyond, address, WhenAway::ReadsAsZero), 0);
   ::VirtualFree(place, 0, MEM_RELEASE);
+}
+
+TEST(FrameWindow, TheHostEndsInOrderBeforeTheSessionDoes) {
+  FrameWindow frame({});
+  int ends = 0;
+  frame.onSessionEnd = [&] { ++ends; };
+  EXPECT_NE(::SendMessageW(frame.Window(), WM_QUERYENDSESSION, 0, 0), FALSE);
+  ::SendMessageW(frame.Window(), WM_ENDSESSION, FALSE, 0);  // another program has refused
+  EXPECT_EQ(ends, 0);
+  ::SendMessageW(frame.Window(), WM_ENDSESSION, TRUE, 0);
+  EXPECT_EQ(ends, 1);
+}
+
+/// Does to a process what the system does when its console is closed: a thread calls the process's
+/// handlers, and when they have returned the process is ended. Answers how it ended.
+DWORD StatusAfterItsConsoleIsClosed(HANDLE process) {
+  constexpr DWORD kEndedBySystem = 77;
+  const FARPROC routine = ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "CtrlRoutine");
+  const win32::UniqueHandle thread(::CreateRemoteThread(
+      process, nullptr, 0,
+      reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(routine)),
+      reinterpret_cast<void*>(DWORD_PTR{CTRL_CLOSE_EVENT}), 0, nullptr));
+  ::WaitForSingleObject(thread.Get(), INFINITE);
+  DWORD answer = 0;  // the routine's; a thread that ends with its process has that one's status
+  ::GetExitCodeThread(thread.Get(), &answer);
+  if (answer != 0) ::TerminateProcess(process, kEndedBySystem);
+  ::WaitForSingleObject(process, INFINITE);
+  DWORD status = 0;
+  ::GetExitCodeProcess(process, &status);
+  return status;
+}
+
+TEST(RunHost, EndsInOrderWhenItsConsoleIsClosed) {
+  testing::Installed();
+  const char* const profile = "C:\\Host\\profiles\\srv1\\profile.ini";
+  std::ofstream(profile) << "[Profile]\nIndex=1\nGameCode=JO\nProcess=none.exe\nTarget=4001\n";
+  const auto program = testing::OwnFolder() / "..\\..\\bin\\rotacasts-host.exe";
+  std::wstring command = L"\"" + program.wstring() + L"\" run --host-folder C:\\Host";
+  STARTUPINFOW start{};
+  start.cb = sizeof start;
+  PROCESS_INFORMATION started{};
+  ASSERT_NE(::CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
+                             nullptr, nullptr, &start, &started),
+            FALSE);
+  const win32::UniqueHandle process(started.hProcess);
+  const win32::UniqueHandle thread(started.hThread);
+  HWND frame = nullptr;
+  while (frame == nullptr && ::WaitForSingleObject(process.Get(), 10) == WAIT_TIMEOUT) {
+    frame = ::FindWindowW(L"rotacasts.host", nullptr);
+  }
+  ::SendMessageW(frame, WM_NULL, 0, 0);  // answered once its message loop runs
+  EXPECT_EQ(StatusAfterItsConsoleIsClosed(process.Get()), 0U);
+  std::filesystem::remove(profile);
 }
 
 TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {

@@ -237,6 +237,9 @@ LRESULT FrameWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     case kConsoleLine:
       HandleLine(lParam);
       return 0;
+    case WM_ENDSESSION:
+      if (wParam != FALSE && onSessionEnd) onSessionEnd();
+      return 0;
     case WM_CLOSE:
       ::PostQuitMessage(0);
       return 0;

@@ -29,6 +29,8 @@ class FrameWindow final : public PluginSite {
   std::function<void(std::int32_t profile)> onChoose;
   /// A line of the console arrived (kConsoleLine); returning false ends the message loop.
   std::function<bool(const std::string& line)> onConsoleLine;
+  /// The person logs off or the machine is shut down: the process may end once this has returned.
+  std::function<void()> onSessionEnd;
   static constexpr UINT kConsoleLine = WM_APP + 1;
 
   HWND Window() const { return window_; }

@@ -20,11 +20,17 @@ class Apartment {
   Apartment& operator=(const Apartment&) = delete;
 };
 
-/// The frame that Ctrl-C closes. The system calls CloseFrame on a separate thread.
+constexpr DWORD kLongestEnd = 10000;  // milliseconds; the system itself may wait for less
+
 std::atomic<HWND> frameToClose = nullptr;
 
-BOOL WINAPI CloseFrame(DWORD) {
-  return ::PostMessageW(frameToClose, WM_CLOSE, 0, 0);
+/// Closes the frame for Ctrl-C, and when the console is closed. Called on a thread of its own. Once
+/// it has returned the system ends the process, so it waits for that to come about in due order,
+/// which ends this thread too.
+BOOL WINAPI CloseFrame(DWORD event) {
+  const BOOL isPosted = ::PostMessageW(frameToClose, WM_CLOSE, 0, 0);
+  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) ::Sleep(kLongestEnd);
+  return isPosted;
 }
 
 std::vector<FrameWindow::Row> RowsOf(const HostProfiles& profiles) {
@@ -50,13 +56,14 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   Console console(host, out);
   frame.onChoose = [&](std::int32_t profile) { host.Show(profile); };
   frame.onConsoleLine = [&](const std::string& line) { return console.Execute(line); };
+  frame.onSessionEnd = [&] { host.Unload(); };
   console.Start();
   PostConsoleLines(frame.Window(), FrameWindow::kConsoleLine);
   frameToClose = frame.Window();
   ::SetConsoleCtrlHandler(CloseFrame, TRUE);
-  RunMessageLoop(frame);
-  ::SetConsoleCtrlHandler(CloseFrame, FALSE);
+  RunMessageLoop(frame);  // the handler stays: taking it away would wait for it, if it is at work
   frame.onConsoleLine = nullptr;
+  frame.onSessionEnd = nullptr;
   host.Unload();
 }
 
