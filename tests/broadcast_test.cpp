@@ -45,9 +45,11 @@ TEST_F(BroadcastTest, EveryNthTickSendsTheNextMessageThereIs) {
   using Row = std::tuple<std::vector<std::string>, const char*, int, const char*>;
   for (const auto& [messages, interval, next, sent] :
        {Row{{"A", "B", "C"}, "1", 0, "ABCAB"}, Row{{"A", "B"}, "1", 2, "AB"},
+        Row{{"A", "B", "C"}, "1", 5, "AB"},  // the list has become shorter
         Row{{"A"}, "3", 0, "--A--A"}, Row{{"A"}, "0", 0, "AA"}, Row{{"A"}, "-5", 0, "AA"},
         Row{{"A"}, "-2147483648", 0, "AA"}, Row{{"A"}, " 2 ", 0, "-A-A"},
         Row{{"A"}, "1.5", 0, "-A-A"}, Row{{"", "B"}, "1", 0, "-B-B-"},
+        Row{{"", "B"}, "3", 0, "-----B"},
         Row{{"A", "", "C"}, "1", 1, "CAC"}, Row{{"  ", "", " "}, "1", 1, "--"}}) {
     Start(messages);
     Window().txtInterval().SetText(interval);
