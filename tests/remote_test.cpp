@@ -106,6 +106,19 @@ TEST_F(RemoteTest, WhatTheControlsRefuseIsReportedForEveryProfile) {
   }
 }
 
+TEST_F(RemoteTest, TheWindowShowsTheOptionsOfItsOwnProfileOnly) {
+  for (const bool inWindow : {true, false}) {
+    const std::string other = host.MessageFile(1) = MessageFileBytes({}, "0", "5");
+    Start({}, inWindow);
+    Remote(&clsPlugin::EnableRTRem, "1");
+    Remote(&clsPlugin::ChangeIntervalRem, "7");
+    EXPECT_EQ(host.MessageFile(2), MessageFileBytes({}, "1", "7"));
+    EXPECT_EQ(Window().chkAuto().Value(), inWindow ? 1 : 0);
+    EXPECT_EQ(Window().txtInterval().Text(), inWindow ? "7" : "5");
+    EXPECT_EQ(host.MessageFile(1), other);
+  }
+}
+
 TEST_F(RemoteTest, ErrorsEndAnOperationUnderItsNameWithTheReplyAsItStood) {
   Start({"a", "b"});
   const std::string file = host.MessageFile(2);
