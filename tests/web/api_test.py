@@ -110,18 +110,21 @@ class Changes(unittest.TestCase):
 
     def test_changes_reach_file_log_and_players(self):
         _, cookie = self.host.sign_in("ANNA")
+        new = '<b>\\ü€"</b>'
         for method, path, body, messages in (
-                ("POST", "messages", {"text": " <b>Zoë</b> "}, "Hello {ShowNextMap} Grüße <b>Zoë</b>"),
-                ("POST", "moves", {"position": 3, "text": "<b>Zoë</b>", "up": True},
-                 "Hello {ShowNextMap} <b>Zoë</b> Grüße"),
-                ("DELETE", "messages", {"position": 0, "text": "Hello"}, "{ShowNextMap} <b>Zoë</b> Grüße"),
+                ("POST", "messages", {"text": f" {new} "}, f"Hello {{ShowNextMap}} Grüße {new}"),
+                ("POST", "moves", {"position": 3, "text": new, "up": True},
+                 f"Hello {{ShowNextMap}} {new} Grüße"),
+                ("DELETE", "messages", {"position": 0, "text": "Hello"}, f"{{ShowNextMap}} {new} Grüße"),
                 ("POST", "restored", {"position": 1, "text": "Hello"},
-                 "{ShowNextMap} Hello <b>Zoë</b> Grüße"),
+                 f"{{ShowNextMap}} Hello {new} Grüße"),
                 ("POST", "moves", {"position": 0, "text": "{ShowNextMap}", "up": False},
-                 "Hello {ShowNextMap} <b>Zoë</b> Grüße")):
+                 f"Hello {{ShowNextMap}} {new} Grüße")):
             answer = self.host.ask(method, f"/api/profiles/2/{path}", body, cookie)
             self.assertEqual((answer[0], " ".join(self.host.messages())), (200, messages), answer)
-        self.assertTrue(self.host.server.prints("<b>Zoë</b>"))
+            _, _, listed = self.host.ask("GET", "/api/profiles/2/messages", None, cookie)
+            self.assertEqual(" ".join(row["text"] for row in listed["messages"]), messages)
+        self.assertTrue(self.host.server.prints(new))
         self.host.ask("PUT", "/api/profiles/2/switch", {"on": False}, cookie)
         self.host.ask("PUT", "/api/profiles/2/interval", {"minutes": 7}, cookie)
         self.host.ask("POST", "/api/profiles/2/say", {"text": "{ShowMostKills}"}, cookie)
@@ -131,7 +134,7 @@ class Changes(unittest.TestCase):
         self.assertEqual((row["on"], row["interval"], row["next"]["at"]), (False, "7", None))
         told = [line[10:].replace("Rotacasts] ", "") for line in self.host.log()]
         self.assertEqual(len(told), 9, told)
-        self.assertEqual(told[0], "[Add Rotacast (Message: <b>Zoë</b>) from Anna")
+        self.assertEqual(told[0], f"[Add Rotacast (Message: {new}) from Anna")
         self.assertEqual(told[-1], "[Change Rotacasts Interval (New Interval: 7) from Anna")
 
     def test_neither_a_slow_client_nor_a_hundred_pages_hold_up_a_tick(self):
