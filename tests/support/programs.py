@@ -8,6 +8,9 @@ import time
 
 PROGRAMS = os.environ["ROTACASTS_PROGRAMS"]
 HOST, SIMULATOR = PROGRAMS + "/rotacasts-host", PROGRAMS + "/game-server-sim"
+# A zone in which the hour is never that of UTC, and often the day is another, for all the programs.
+os.environ["TZ"] = "FAR-13:30"
+time.tzset()
 # A program started with these words ends with the test, even if the test is killed.
 WITH_TEST = ("setpriv", "--pdeathsig", "KILL")
 

@@ -132,6 +132,7 @@ class Changes(unittest.TestCase):
         _, _, profiles = self.host.ask("GET", "/api/profiles", None, cookie)
         row = profiles["profiles"][0]
         self.assertEqual((row["on"], row["interval"], row["next"]["at"]), (False, "7", None))
+        self.assertLess(abs(time.time() - self.host.log_time()), 600)  # in the local time of the host
         told = [line[10:].replace("Rotacasts] ", "") for line in self.host.log()]
         self.assertEqual(len(told), 9, told)
         self.assertEqual(told[0], f"[Add Rotacast (Message: {new}) from Anna")

@@ -8,6 +8,7 @@ import shutil
 import signal
 import subprocess
 import tempfile
+import time
 
 from programs import HOST, Program, Server, add_profile, message_file
 
@@ -66,6 +67,12 @@ class Host:
         [name] = os.listdir(folder)
         with open(f"{folder}/{name}", encoding="cp1252") as file:
             return file.read().splitlines()
+
+    def log_time(self, index=2):
+        """When the last line was written, in seconds since 1970, by the name and the line."""
+        [name] = os.listdir(f"{self.folder}/profiles/srv{index}/adminlogs")
+        written = name + self.log(index)[-1][:10]
+        return time.mktime(time.strptime(written, "%Y-%m-%d.txt[%H:%M:%S]"))
 
     def connect(self):
         return http.client.HTTPConnection("127.0.0.1", self.port, timeout=20)
