@@ -1,6 +1,5 @@
 // What a power cut leaves of a file that is replaced: the old contents or all of the new ones.
 
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -14,11 +13,9 @@ thread_local std::vector<std::string> calls;  // of the system, in order
 
 // These take the place of the C library's functions in the whole program.
 extern "C" int fsync(int descriptor) {
-  struct stat status {};
-  ::fstat(descriptor, &status);
-  std::string what = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor));
-  if (S_ISREG(status.st_mode)) what += ", " + std::to_string(status.st_size) + " bytes";
-  calls.push_back("flush " + what);
+  const auto path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor));
+  calls.push_back("flush " + path.string());
+  if (!is_directory(path)) calls.back() += ", " + std::to_string(file_size(path)) + " bytes";
   return static_cast<int>(::syscall(SYS_fsync, descriptor));
 }
 
