@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "program/win32/late_bound_plugin.h"
-#include "services/profile_tables.h"
+#include "services/profile_data.h"
 #include "siblings/host_platform.h"
 #include "siblings/win32/sibling_objects.h"
 #include "ui/layout.h"
@@ -218,7 +218,8 @@ std::vector<Result> MeasureWindow(const std::string& hostFolder) {
         bareShown.push_back(showing.shown);
         return showing.time;
       })};
-  results.push_back(MeasureLaterShowings(Scene(hostFolder), hostFolder));
+  Scene scene(hostFolder);
+  results.push_back(MeasureLaterShowings(scene, hostFolder));
   results.push_back(CompareKilobytes("private memory, plugin created", created,
                                      "the process before that", before));
   results.push_back(CompareKilobytes("private memory, settings window shown", shown,

@@ -28,6 +28,7 @@ class InstalledPlugin {
   InstalledPlugin(const InstalledPlugin&) = delete;
   InstalledPlugin& operator=(const InstalledPlugin&) = delete;
 
+  const std::string& HostFolder() const { return hostFolder_; }
   std::string File() const { return hostFolder_ + "\\Plugins\\tvxRT.dll"; }
   /// Calls an entry point; E_NOTIMPL if there is none of that name.
   template <class... Arguments>
