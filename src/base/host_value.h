@@ -41,8 +41,8 @@ class HostValue {
   requires(std::same_as<T, Missing> || std::same_as<T, Null> || std::same_as<T, bool> ||
            std::same_as<T, std::int16_t> || std::same_as<T, std::int32_t> ||
            std::same_as<T, float> || std::same_as<T, double> || std::same_as<T, std::string> ||
-           std::same_as<T, Array> || std::same_as<T, Foreign> ||
-           std::same_as<T, OutOfBounds>) HostValue(T value)
+           std::same_as<T, Array> || std::same_as<T, Foreign> || std::same_as<T, OutOfBounds>)
+      HostValue(T value)
       : value_(std::in_place_type<T>, std::move(value)) {}         // NOLINT: implicit on purpose
   HostValue(const char* text) : value_(std::string(text)) {}       // NOLINT
   HostValue(std::string_view text) : value_(std::string(text)) {}  // NOLINT

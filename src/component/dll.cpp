@@ -91,8 +91,8 @@ STDAPI DllCanUnloadNow() {
 }
 
 /// Shortens the minute for timers set from now on, so that a run can be watched. Not part of the
-/// component: only the stand-alone host calls it, by name. An environment variable would reach every
-/// host that has it.
+/// component: only the stand-alone host calls it, by name. An environment variable would reach
+/// every host that has it.
 STDAPI RotacastsShortenMinute(LONG milliseconds) {
   Server::Get().ShortenMinute(milliseconds);
   return S_OK;
