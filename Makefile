@@ -28,8 +28,8 @@ demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves pi
 	scripts/under-wine build/$$preset/tests/win32/keeper.exe \
 	  scripts/demo-windows build/$$preset build/demo-windows
 
-test: ## build and run every test
-	@scripts/bootstrap build help test
+test: ## compile all that is in the tree, and run every test
+	@scripts/bootstrap build help test bench
 	@scripts/bootstrap browser || { echo "NOT TESTED: the page; no browser can be had" >&2; [ -z "$$CI" ]; }
 	cmake --preset sanitized
 	cmake --build --preset sanitized
@@ -88,7 +88,7 @@ bench: ## measure, each thing against a named opponent
 	@scripts/bench-windows
 
 docs: ## bring what the documents take from the code up to date
-	@scripts/bootstrap build help test
+	@scripts/bootstrap build help test bench
 	@scripts/quietly cmake --preset sanitized
 	@scripts/quietly cmake --build --preset sanitized --target placeholder-table console-table
 	@scripts/made-table build/sanitized/docs/placeholder-table docs/help/placeholders.md
@@ -107,7 +107,7 @@ format: ## bring every source file into shape
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 lint: ## check the shape and let clang-tidy read the code
-	@scripts/bootstrap build test lint
+	@scripts/bootstrap build test bench lint
 	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 	cmake --preset sanitized
 	git ls-files 'src/*.cpp' | grep -vE '^src/(component|com)/|/win32/' | \
