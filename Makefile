@@ -1,6 +1,9 @@
 # The front door: every target installs what it needs and sets itself up.
 
-.PHONY: help deps demo web demo-windows test test-windows torture windows package reproduce fuzz bench docs pictures format lint clean
+# `make test` and `make lint-changed` let clang-tidy read what has changed since this commit.
+SINCE ?= HEAD~1
+
+.PHONY: help deps demo web demo-windows test test-windows torture windows package reproduce fuzz bench docs pictures format lint lint-changed clean
 
 help: ## this list
 	@grep -hE '^[a-z-]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z-]+):.*## /  make \1\t/' | expand -t 22
@@ -29,10 +32,11 @@ demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves pi
 	  scripts/demo-windows build/$$preset build/demo-windows
 
 test: ## compile all that is in the tree, and run every test
-	@scripts/bootstrap build help test bench
+	@scripts/bootstrap build help test bench lint
 	@scripts/bootstrap browser || { echo "NOT TESTED: the page; no browser can be had" >&2; [ -z "$$CI" ]; }
 	cmake --preset sanitized
 	cmake --build --preset sanitized
+	scripts/lint $(SINCE)
 	ctest --preset sanitized
 	cmake --preset fuzz
 	cmake --build --preset fuzz
@@ -108,10 +112,13 @@ format: ## bring every source file into shape
 
 lint: ## check the shape and let clang-tidy read the code
 	@scripts/bootstrap build test bench lint
-	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
-	cmake --preset sanitized
-	git ls-files 'src/*.cpp' | grep -vE '^src/(component|com)/|/win32/' | \
-	  xargs -P 2 -n 8 clang-tidy --quiet -p build/sanitized
+	@scripts/quietly cmake --preset sanitized
+	@scripts/lint
+
+lint-changed: ## the same, where clang-tidy reads only what has changed since the commit SINCE
+	@scripts/bootstrap build test bench lint
+	@scripts/quietly cmake --preset sanitized
+	@scripts/lint $(SINCE)
 
 clean: ## remove what was built
 	rm -rf build
