@@ -49,8 +49,8 @@ TEST_F(BroadcastTest, EveryNthTickSendsTheNextMessageThereIs) {
         Row{{"A"}, "3", 0, "--A--A"}, Row{{"A"}, "0", 0, "AA"}, Row{{"A"}, "-5", 0, "AA"},
         Row{{"A"}, "-2147483648", 0, "AA"}, Row{{"A"}, " 2 ", 0, "-A-A"},
         Row{{"A"}, "1.5", 0, "-A-A"}, Row{{"", "B"}, "1", 0, "-B-B-"},
-        Row{{"", "B"}, "3", 0, "-----B"},
-        Row{{"A", "", "C"}, "1", 1, "CAC"}, Row{{"  ", "", " "}, "1", 1, "--"}}) {
+        Row{{"", "B"}, "3", 0, "-----B"}, Row{{"A", "", "C"}, "1", 1, "CAC"},
+        Row{{"  ", "", " "}, "1", 1, "--"}}) {
     Start(messages);
     Window().txtInterval().SetText(interval);
     State().tables.NextMessage(2) = next;

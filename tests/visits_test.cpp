@@ -2,7 +2,6 @@
 
 #include "support/visits.h"
 
-#include "forms/window_messages.h"
 #include "plugin/remote_operations.h"
 
 namespace rotacasts {
@@ -26,9 +25,7 @@ class HeadlessPlugin final : public testing::VisitedPlugin {
       at("menu");
       return item;
     };
-    harness_.toolkit.onSend = [](const forms::Control&, const headless::WindowMessage& sent) {
-      return std::intptr_t{sent.message == forms::kLbItemFromPoint};
-    };
+    harness_.toolkit.onRowAt = [](const forms::ListBox&, std::int32_t, std::int32_t) { return 1; };
   }
 
   void Load(std::int32_t index) override { harness_.Load(index); }
