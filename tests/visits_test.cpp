@@ -1,4 +1,4 @@
-// Every visit at every call, and random ones up to three deep, in this process.
+// Every visit at every call, and random ones inside each other, in this process.
 
 #include "support/visits.h"
 
@@ -8,29 +8,27 @@ namespace rotacasts {
 namespace {
 
 using forms::MouseEvent;
-using testing::Change;
 
-class HeadlessPlugin final : public testing::VisitedPlugin {
- public:
-  HeadlessPlugin() : VisitedPlugin(harness_.host) {
-    const auto at = [this](const std::string& place) {
-      if (onPlace) onPlace(place);
+class HeadlessVisits : public testing::PluginTest, public testing::VisitedPlugin {
+ protected:
+  HeadlessVisits() : VisitedPlugin(host) {
+    toolkit.onMessageBox = [this](const std::string& text, const std::string& title) {
+      onPlace(title + "|" + text);
     };
-    harness_.toolkit.onMessageBox = [at](const std::string& text, const std::string& title) {
-      at(title + "|" + text);
-    };
-    harness_.toolkit.onLoadPicture = [at](const std::string&) { at("picture"); };
-    harness_.toolkit.onPopUp = [this, at](forms::MenuItem&) {
-      forms::MenuItem* const item = &harness_.Window().Menu(choice_);
-      at("menu");
+    toolkit.onLoadPicture = [this](const std::string&) { onPlace("picture"); };
+    toolkit.onPopUp = [this](forms::MenuItem&) {
+      forms::MenuItem* const item = &Window().Menu(choice_);
+      onPlace("menu");
       return item;
     };
-    harness_.toolkit.onRowAt = [](const forms::ListBox&, std::int32_t, std::int32_t) { return 1; };
+    toolkit.onRowAt = [](const forms::ListBox& list, std::int32_t, std::int32_t) {
+      return list.Count() > 1 ? 1 : forms::ListBox::kNone;
+    };
   }
 
-  void Load(std::int32_t index) override { harness_.Load(index); }
+  void Load(std::int32_t index) override { PluginTest::Load(index); }
   std::string Call(const char* member, std::vector<HostValue> arguments) override {
-    clsPlugin& plugin = harness_.Plugin();
+    clsPlugin& plugin = Plugin();
     for (const RemoteOperation& operation : kRemoteOperations) {
       if (operation.name != std::string_view(member)) continue;
       return (plugin.*operation.call)(2, arguments[1], arguments.back());
@@ -41,75 +39,56 @@ class HeadlessPlugin final : public testing::VisitedPlugin {
     return {};
   }
   void Tick(std::int16_t index) override {
-    if (const auto window = harness_.State().window.IfLoaded()) window->Timers().Tick(index);
+    if (const auto window = IfLoaded()) window->Timers().Tick(index);
   }
-  void Make(Change change, const std::string& text) override {
-    const auto window = harness_.State().window.IfLoaded();
+  void Act(const std::string& control, const std::string& text) override {
+    const auto window = IfLoaded();
     if (!window) return;
-    switch (change) {
-      case Change::Press:
-        harness_.TypeOver(window->txtMessage(), text);
-        return harness_.Press("cmdAdd", MouseEvent::kLeft);
-      case Change::Release:
-        return window->Find("cmdAdd")->UserReleased({MouseEvent::kLeft, 0, 0});
-      case Change::Up:
-        return Choose("lstMessages", "mnuUp");
-      case Change::Down:
-        return Choose("lstMessages", "mnuDown");
-      case Change::Delete:
-        return Choose("lstMessages", "mnuDelete");
-      case Change::Token:
-        return Choose("txtMessage", "mnuNextMap");
-      case Change::Switch:
-        return window->chkAuto().UserClicked();
-      case Change::Interval:
-        return harness_.TypeOver(window->txtInterval(), "5");
-      case Change::NoInterval:
-        return harness_.TypeOver(window->txtInterval(), "x");
+    if (control.starts_with("mnu")) {
+      choice_ = control;
+      return Press(control == "mnuNextMap" ? "txtMessage" : "lstMessages", MouseEvent::kRight);
     }
+    if (control == "chkAuto") return window->chkAuto().UserClicked();
+    if (control == "txtInterval") return TypeOver(window->txtInterval(), text);
+    if (text.empty()) return window->Find("cmdAdd")->UserReleased({MouseEvent::kLeft, 0, 0});
+    TypeOver(window->txtMessage(), text);
+    Press("cmdAdd", MouseEvent::kLeft);
   }
-  std::optional<Shown> Window() override {
-    const auto window = harness_.State().window.IfLoaded();
-    if (!window) return std::nullopt;
-    return Shown{harness_.Rows(), std::to_string(window->chkAuto().Value()),
-                 window->txtInterval().Text()};
+  std::vector<std::string> Shown() override {
+    const auto window = IfLoaded();
+    if (!window) return {};
+    std::vector<std::string> shown = Rows();
+    shown.push_back(std::to_string(window->chkAuto().Value()));
+    shown.push_back(window->txtInterval().Text());
+    return shown;
   }
-  std::string State() override {
-    ProfileTables& tables = harness_.State().tables;
-    std::string state;
-    if (testing::ErrorOf([&] {
-          state =
-              std::to_string(tables.NextMessage(2)) + " " + std::to_string(tables.ElapsedTicks(2));
-        }) != 0) {
-      state = "0 0";
+  std::string Counters() override {
+    const auto window = IfLoaded();
+    const bool ticks = window && window->Timers().Elements().contains(2);
+    ProfileTables& tables = State().tables;
+    std::string counters = "0 0";  // of tables that do not reach the profile
+    if (ArrayInit(tables.NextMessage) && tables.NextMessage.UpperBound() >= 2) {
+      counters =
+          std::to_string(tables.NextMessage(2)) + " " + std::to_string(tables.ElapsedTicks(2));
     }
-    const auto window = harness_.State().window.IfLoaded();
-    const bool runs = window && window->Timers().Elements().contains(2);
-    return state + (runs ? "" : " no timer");
+    return counters + (ticks ? "" : " no timer");
   }
   bool IsGone() override {
-    return harness_.State().window.IfLoaded() == nullptr && !harness_.timers.NextDue() &&
-           harness_.toolkit.OpenMessageBoxes() == 0;
+    return !IfLoaded() && !timers.NextDue() && toolkit.OpenMessageBoxes() == 0;
   }
 
  private:
-  void Choose(const char* control, const char* item) {
-    choice_ = item;
-    harness_.Press(control, MouseEvent::kRight);
-  }
+  std::shared_ptr<frmRT> IfLoaded() { return State().window.IfLoaded(); }
 
-  testing::PluginHarness harness_;
   std::string choice_;
 };
 
-TEST(Visits, OfEachKindAtEveryPlaceOfEveryOperationDoNoHarm) {
-  HeadlessPlugin plugin;
-  std::printf("%d visits, each at its place\n", testing::VisitEveryPlace(plugin));
+TEST_F(HeadlessVisits, AtEveryPlaceOfEveryOperationDoNoHarm) {
+  std::printf("%d visits, each at its place\n", testing::VisitEveryPlace(*this));
 }
 
-TEST(Visits, InsideEachOtherDoNoHarm) {
-  HeadlessPlugin plugin;
-  std::printf("%d visits at random places\n", testing::VisitAtRandom(plugin, 3000, 1));
+TEST_F(HeadlessVisits, InsideEachOtherDoNoHarm) {
+  std::printf("%d visits at random places\n", testing::VisitAtRandom(*this, 1500, 1));
 }
 
 }  // namespace
