@@ -37,16 +37,18 @@ Shown IntervalTyped(const frmRT& window) {
   return IsNumeric(text) ? Shown(std::move(text)) : std::nullopt;
 }
 
-/// Writes an option as the window shows it, and once more if that has changed inside the call, so
-/// that window and file agree. False when it is not to be stored.
+/// Writes an option as the window shows it, and once more if that has changed inside the call or a
+/// window was made there, so that window and file agree. False when it is not to be stored.
 bool StoreOption(const Handling& h, MessageFile& file, const char* key,
                  Shown (*shown)(const frmRT& window)) {
-  for (;;) {
-    const Shown value = shown(h.Window());
-    if (!value) return false;
+  Shown value = shown(h.Window());
+  while (value) {
     file.SetOption(key, *value);
-    if (shown(h.Window()) == value) return true;
+    const auto now = h.shown.Now();
+    if (!now) throw Overtaken();
+    if (std::exchange(value, shown(*now)) == value) return true;
   }
+  return false;
 }
 
 /// The row of the list under a point in twips, or -1.
@@ -129,8 +131,8 @@ void Handlers::Form_Reload(const Handling& h) const {
 void Handlers::LoadMessages(const ShownProfile& shown) const {
   Guard(context_.reporter, {"LoadMessages", shown.Profile()}, [&](Step& at) {
     at(1);
+    if (!shown.Now()) throw Overtaken();
     const std::string file = context_.tables.MessageFiles(shown.Profile());
-    shown.Window();  // or the operation ends here
     const ShownProfile now(context_.window, context_.tables, shown.Profile());
     MessageSection section(context_.services.Utility(), file);
     std::vector<std::string> lines;  // of a missing file, none
@@ -203,7 +205,8 @@ void Handlers::cmdAdd_PressLost(const Handling& h) const {
 
 void Handlers::Add(const Handling& h) const {
   h.at(2);
-  const std::string text = h.Window().txtMessage().Text();
+  frmRT& window = h.Window();
+  const std::string text = window.txtMessage().Text();
   if (TrimSpaces(text).empty()) {
     return context_.reporter.Notify(Outcome::Failure, "Message Box is empty!");
   }
@@ -215,7 +218,7 @@ void Handlers::Add(const Handling& h) const {
   }
   h.at(4);
   context_.reporter.Notify(Outcome::Success, "Message added successfully!");
-  h.Window().txtMessage().SetText("");
+  if (const auto now = h.shown.Now(); now.get() == &window) window.txtMessage().SetText("");
   LoadMessages(h.shown);
 }
 
@@ -255,9 +258,10 @@ void Handlers::MoveSelected(const Handling& h, std::int16_t by) const {
     return isFound(row) && isFound(neighbour) ? std::optional(InOrder(places, entries))
                                               : std::nullopt;
   });
-  MessageRows& messages = h.Window().Messages();
-  if (!isUpToDate || messages.All() != before) return LoadMessages(h.shown);
-  messages.Exchange(row, neighbour);
+  h.shown.If([&](frmRT& now) {
+    if (!isUpToDate || now.Messages().All() != before) return LoadMessages(h.shown);
+    now.Messages().Exchange(row, neighbour);
+  });
 }
 
 void Handlers::mnuDelete_Click(const Handling& h) const {
@@ -268,7 +272,7 @@ void Handlers::mnuDelete_Click(const Handling& h) const {
   MessageFile file = context_.store.Open(h.shown.Profile());
   const bool removed = Remove(file, h.Window().Messages().All().at(list.Checked(selected)));
   h.at(2);
-  h.shown.If([&](frmRT&) { LoadMessages(h.shown); });
+  LoadMessages(h.shown);
   if (!removed) context_.reporter.Notify(Outcome::Failure, "Could not delete message!");
 }
 

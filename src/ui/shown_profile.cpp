@@ -10,23 +10,22 @@ ShownProfile::ShownProfile(const SettingsWindow& settings, const ProfileTables& 
       tables_(tables),
       profile_(profile),
       file_(PathOfFile()),
-      first_(settings.IfLoaded()),
-      fillings_(first_ ? first_->Messages().Fillings() : 0) {}
+      window_(settings.IfLoaded()),
+      fillings_(window_ ? window_->Messages().Fillings() : 0) {}
 
 frmRT& ShownProfile::Window() const {
-  last_ = Current();
-  if (!last_) throw Overtaken();
-  return *last_;
+  if (!window_ || Now() != window_) throw Overtaken();
+  return *window_;
+}
+
+std::shared_ptr<frmRT> ShownProfile::Now() const {
+  const bool isShown = tables_.currentWindowProfile == profile_ && PathOfFile() == file_;
+  return isShown ? settings_.IfLoaded() : nullptr;
 }
 
 bool ShownProfile::WasFilled() const {
-  const std::shared_ptr<frmRT> window = Current();
-  return window && (window != first_ || window->Messages().Fillings() != fillings_);
-}
-
-std::shared_ptr<frmRT> ShownProfile::Current() const {
-  const bool isShown = tables_.currentWindowProfile == profile_ && PathOfFile() == file_;
-  return isShown ? settings_.IfLoaded() : nullptr;
+  const std::shared_ptr<frmRT> now = Now();
+  return now && (now != window_ || now->Messages().Fillings() != fillings_);
 }
 
 std::string ShownProfile::PathOfFile() const try {
