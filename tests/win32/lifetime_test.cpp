@@ -48,31 +48,6 @@ TEST_F(LifetimeTest, StaysWhileACallOfItsIsOnTheStack) {
   }
 }
 
-TEST_F(LifetimeTest, AWindowWhoseThreadHasEndedIsMadeAgain) {
-  Show({"a"});
-  Call("UnLoadInterface", {""});
-  const auto showElsewhere = [](void*) -> DWORD {
-    ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    {
-      const win32::LateBound plugin = InstalledPlugin::Create();
-      const win32::ComVariant data = win32::ToComVariant(testing::ProfileData(2, "JO"));
-      VARIANT values[4];
-      const win32::TextArgument name("");
-      name.Put(values[0]);
-      values[1] = data.Get();
-      win32::NumberArgument(0).Put(values[2]);  // directly on the screen: no parent destroys it
-      win32::NumberArgument(2).Put(values[3]);
-      plugin.Invoke(plugin.Identify("LoadInterface"), values, 4);
-    }
-    return 0;
-  };
-  const HANDLE thread = ::CreateThread(nullptr, 0, showElsewhere, nullptr, 0, nullptr);
-  ::WaitForSingleObject(thread, INFINITE);
-  ::CloseHandle(thread);
-  Load(2);
-  EXPECT_EQ(Rows(), std::vector<std::string>{"a"});
-}
-
 TEST_F(LifetimeTest, StartsOnceAlsoWhereAnObjectIsCreatedInsideTheBoxOfItsStart) {
   letGo();
   EXPECT_EQ(mayGo, S_OK);
