@@ -21,9 +21,11 @@ struct Act {
   Leaves leaves = Leaves::Nothing;
 };
 
+const Texts kMessages = {"a", std::string(70, 'b'), "c"};  // the second is too long for a row
+
 struct Operation {
   Act act;
-  Texts messages = {"a", "b", "c"};
+  Texts messages = kMessages;
   bool hasWindow = true;
 };
 
@@ -52,6 +54,7 @@ class Explorer {
       sentNow_.clear();
       host_.calls = {"no call"};
       choose_ = choose;
+      places = 0;
       operation->act.run(*this);
       choose_ = nullptr;
       CheckTexts();
@@ -71,8 +74,11 @@ class Explorer {
     ++failures;
     ADD_FAILURE() << trail_ << ": " << what << "\n" << host_.MessageFile(2);
   }
-  std::string result;  // what the last operation came to
-  Texts sent;          // by it, for profile 2
+  // What the last operation came to: how many places it has, what it left, what it sent for
+  // profile 2.
+  int places = 0;
+  std::string result;
+  Texts sent;
   int failures = 0;
   std::mt19937* random = nullptr;  // chooses positions; without it each command has its own
 
@@ -229,7 +235,7 @@ class Explorer {
     trail_ = entry_ = "";
     unsure_.clear();
     lastSent_ = {};
-    places_ = visits_ = deletes_ = 0;
+    visits_ = deletes_ = 0;
     texts_ = 0;
     hasMoved_ = hasFailed_ = isNoticed_ = canFail_ = false;
     if (operation.hasWindow) Load(3), Load(2), Tick(2);
@@ -335,10 +341,10 @@ class Explorer {
     if (place == "menu") running_.back().file = files_[shown_];  // what is chosen begins then
   }
   void Arrive(const char* where, const std::string& place) {
-    const Act* const visit = choose_ ? choose_(++places_) : nullptr;
+    const Act* const visit = choose_ ? choose_(++places) : nullptr;
     if (visit == nullptr) return;
     ++visits_;
-    trail_ += "; " + (where + place) + " (place " + std::to_string(places_) + "), " + visit->name;
+    trail_ += "; " + (where + place) + " (place " + std::to_string(places) + "), " + visit->name;
     visit->run(*this);
   }
 
@@ -378,7 +384,6 @@ class Explorer {
   VisitedPlugin& plugin_;
   FakeHost& host_;
   Choose choose_;
-  int places_ = 0;
   int visits_ = 0;
   std::string trail_;
 
@@ -431,7 +436,7 @@ const Act kVisits[] = {
 
 const Operation kOperations[] = {
     {kTick}, {kTick, {"a", "{ShowMostKills}", "c"}}, {kTick, {"a", "{ShowNextMap}", "c"}}, {kTick, {"a", "", "c"}},
-    {kLoad2}, {kLoad2, {"a", "b", "c"}, false}, {kHide}, {kHide, {"a", "b", "c"}, false},
+    {kLoad2}, {kLoad2, kMessages, false}, {kHide}, {kHide, kMessages, false},
     {kUnload}, {kDisable}, {kList}, {kAdd}, {kDelete}, {kDown}, {kUp}, {kSwitch}, {kInterval},
     {{"press", [](Explorer& e) { e.Press(); }}},
     {{"press and add", [](Explorer& e) { e.Press(), e.InList("cmdAdd"); }}},
@@ -451,14 +456,17 @@ constexpr int kEnoughFailures = 8;
 int VisitEveryPlace(VisitedPlugin& plugin, int step) {
   Explorer explorer(plugin);
   int runs = 0;
+  int combinations = 0;
   for (const Operation& operation : kOperations) {
-    explorer.Live({&operation}, nullptr);
+    explorer.Live({&operation}, [](int) { return nullptr; });
+    const int places = explorer.places;
     const std::string alone = explorer.result;
     const Texts sentAlone = explorer.sent;
     for (const Act& visit : kVisits) {
-      for (int place = 1 + runs % step;; place += step, ++runs) {
-        const auto choose = [&](int now) { return now == place ? &visit : nullptr; };
-        if (explorer.Live({&operation}, choose) == 0) break;
+      for (int place = 1; place <= places; ++place) {
+        if (combinations++ % step != 0) continue;
+        runs +=
+            explorer.Live({&operation}, [&](int now) { return now == place ? &visit : nullptr; });
         explorer.Expect(visit.leaves != Leaves::Everything || explorer.result == alone,
                         "comes to\n" + explorer.result + "and alone to\n" + alone);
         const bool isTick = operation.act.run == kTick.run;

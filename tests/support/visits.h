@@ -39,8 +39,8 @@ class VisitedPlugin {
   std::function<void(const std::string& place)> onPlace;
 };
 
-/// Runs every operation once for each visit and each place inside it, or each of every `step`
-/// places, other ones for each visit. Returns how many times.
+/// Runs every operation once for each visit at each place inside it, or one in `step` of all these.
+/// Returns how many were run.
 int VisitEveryPlace(VisitedPlugin& plugin, int step = 1);
 
 /// Runs operations, a few after each other, with random visits up to three deep. Returns how many
