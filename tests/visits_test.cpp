@@ -54,6 +54,9 @@ class HeadlessVisits : public testing::PluginTest, public testing::VisitedPlugin
     TypeOver(window->txtMessage(), text);
     Press("cmdAdd", MouseEvent::kLeft);
   }
+  void FreeParent() override {
+    if (const auto window = IfLoaded()) window->ViewDestroyed();
+  }
   std::vector<std::string> Shown() override {
     const auto window = IfLoaded();
     if (!window) return {};

@@ -134,6 +134,11 @@ class Explorer {
     ini.SetValue("Messages", std::to_string(1000 * texts_), expected_[file].back());
     host_.files[file] = ini.Bytes();
   }
+  void FreeParent() {
+    for (auto& [profile, turn] : turns_) ++turn;
+    agrees_ = false;
+    Do(Kind::Other, shown_, [&] { plugin_.FreeParent(); });
+  }
   void FailNextCall() {
     host_.failAtCall = 1;
     canFail_ = hasFailed_ = true;
@@ -432,6 +437,7 @@ const Act kVisits[] = {
     {"unload and load 2", [](Explorer& e) { e.Unload(), e.Load(2); }},
     {"list 2 with other data", [](Explorer& e) { e.List(1); }},
     {"edit from outside", [](Explorer& e) { e.Edit(); }, Leaves::WhatIsSent},
+    {"end of the window's parent", [](Explorer& e) { e.FreeParent(); }},
     {"failure of the next call", [](Explorer& e) { e.FailNextCall(); }}};
 
 const Operation kOperations[] = {

@@ -26,6 +26,8 @@ class VisitedPlugin {
   /// clicks the box, types the interval, or types a message and presses the Add button, which
   /// without a text is released. Nothing happens without the window.
   virtual void Act(const std::string& control, const std::string& text) = 0;
+  /// The host frees the window that the plugin's lies in.
+  virtual void FreeParent() = 0;
   /// The list's rows, the switch and the interval; empty while there is no window.
   virtual std::vector<std::string> Shown() = 0;
   /// Position, tick count and timer of profile 2; empty where that is not seen.

@@ -331,30 +331,5 @@ TEST_F(RealWindowTest, TheTimerBroadcastsAlsoWhileTheWindowIsHiddenUntilTheProfi
   EXPECT_TRUE(user.boxes.empty());
 }
 
-TEST_F(RealWindowTest, WhateverTheHostDoesWhileABoxOrAMenuIsOpenDoesNoHarm) {
-  const auto unload = [&] { Call("UnLoadInterface", {""}); };
-  const std::function<void()> wrecks[] = {unload, [&] { unload(), Load(3); }, [&] { Load(3); },
-                                          [&] { Call("DisableProfile", {2}); },
-                                          [&] { frame.reset(), frame.emplace(); }};
-  const std::string others = MessageFileBytes({"x", "y", "z"});
-  for (std::size_t i = 0; i < std::size(wrecks); ++i) {
-    host.MessageFile(3) = others;
-    Show({"a", "b"});
-    user.boxes.clear();
-    user.insideBox = wrecks[i];
-    ::SetWindowTextW(Control("txtMessage"), L"c");
-    ClickMouse(AddButton());
-    EXPECT_EQ(user.boxes.at(0), kAdded) << i;
-    EXPECT_EQ(host.MessageFile(2), MessageFileBytes({"a", "b", "c"})) << i;
-
-    Show({"a", "b"});
-    user.insideMenu = wrecks[i];
-    ChooseFromList(1, "Delete");
-    EXPECT_EQ(host.MessageFile(3), others) << i;
-    Show({"a"});
-    EXPECT_EQ(Rows(), Texts{"a"}) << i;
-  }
-}
-
 }  // namespace
 }  // namespace rotacasts

@@ -46,6 +46,7 @@ class DllVisitsTest : public ComponentTest, public testing::VisitedPlugin {
       ::SendMessageW(AddButton(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 1));
     }
   }
+  void FreeParent() override { frame.reset(), frame.emplace(); }
   std::vector<std::string> Shown() override {
     if (Form() == nullptr) return {};
     std::vector<std::string> shown = Rows();
