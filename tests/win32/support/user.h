@@ -31,7 +31,10 @@ class AnsweringUser {
   AnsweringUser& operator=(const AnsweringUser&) = delete;
 
   /// Chooses these items, one for each level, in the next popup menu; cancels it if there are none.
-  void WillChoose(std::vector<std::string> captions) { wanted_ = std::move(captions); }
+  void WillChoose(std::vector<std::string> captions) {
+    wanted_ = std::move(captions);
+    inSubmenu_ = false;  // where the last menu was ended
+  }
 
   /// The message boxes so far: "title|text".
   std::vector<std::string> boxes;
