@@ -148,10 +148,10 @@ const Console::Command Console::kCommands[] = {
     {"remote PROFILE OPERATION [DATA]", "pass DATA as it stands; print the raw reply",
      [](Console& console, Arguments& arguments) { console.PrintRemote(arguments); }},
     {"help", "this list", [](Console& console, Arguments&) { console.PrintHelp(); }},
-    {"quit", "end the host",
+    {"quit", "leave the console; at the host's own one this ends the host",
      [](Console& console, Arguments& arguments) {
        arguments.End();
-       console.goesOn_ = false;
+       console.hasQuit_ = true;
      }},
 };
 
@@ -160,25 +160,28 @@ void Console::Start() {
   out_ << "profiles started: " << started << "; \"help\" lists the commands\n" << std::flush;
 }
 
-bool Console::Execute(const std::string& line) {
+Console::Outcome Console::Execute(const std::string& line) {
+  Outcome outcome = Outcome::Refused;
   try {
     Run(std::string_view(line).substr(std::min(line.find_first_not_of(' '), line.size())));
+    outcome = hasQuit_ ? Outcome::Quit : Outcome::Done;
   } catch (...) {
     out_ << CurrentRuntimeError().description << "\n";
   }
   out_ << std::flush;
-  return goesOn_;
+  return outcome;
 }
 
 void Console::Run(std::string_view line) {
-  const std::string_view name = line.substr(0, line.find(' '));
-  if (name.empty()) return;
+  const std::string_view word = line.substr(0, line.find(' '));
+  if (word.empty()) return;
+  const std::string_view name = word == "exit" ? "quit" : word == "?" ? "help" : word;
   for (const Command& command : kCommands) {
     if (command.Name() != name) continue;
-    Arguments arguments(command.usage, line.substr(name.size()));
+    Arguments arguments(command.usage, line.substr(word.size()));
     return command.run(*this, arguments);
   }
-  out_ << "\"" << name << "\" is no command; \"help\" lists them\n";
+  throw Complaint("\"" + std::string(word) + "\" is no command; \"help\" lists them");
 }
 
 void Console::PrintHelp() const {
@@ -191,12 +194,6 @@ std::vector<std::pair<std::string, std::string>> Console::Commands() {
   std::vector<std::pair<std::string, std::string>> all;
   for (const Command& command : kCommands) all.emplace_back(command.usage, command.help);
   return all;
-}
-
-std::vector<std::string> Console::CommandNames() {
-  std::vector<std::string> names;
-  for (const Command& command : kCommands) names.emplace_back(command.Name());
-  return names;
 }
 
 void Console::PrintMessages(std::int32_t index) {

@@ -17,16 +17,14 @@ class Console {
 
   /// Starts every profile and prints how to get help.
   void Start();
-  /// Runs the command on a line; returns false once the user quits. An error is printed, with what
-  /// to do about it.
-  bool Execute(const std::string& line);
+  /// What a command came to; Refused once an error was printed, with what to do about it.
+  enum class Outcome { Done, Refused, Quit };
+  Outcome Execute(const std::string& line);
   /// Called when a signal asks the host to reload.
   void Reload() { Execute("reload"); }
 
   /// Every command's usage and help.
   static std::vector<std::pair<std::string, std::string>> Commands();
-  /// The commands' names, for completion.
-  static std::vector<std::string> CommandNames();
 
  private:
   class Arguments;
@@ -47,7 +45,7 @@ class Console {
 
   ServerHost& host_;
   std::ostream& out_;
-  bool goesOn_ = true;
+  bool hasQuit_ = false;
 };
 
 /// Prints a profile's messages with their positions and what each says now. Returns false if its

@@ -23,7 +23,8 @@ using FileBytes = std::optional<std::string>;
 /// Replaces the file with a new one that holds these bytes, or creates it. Readers, a kill and a
 /// power failure find either the old bytes or the new ones; on return the new ones are on the disk
 /// (Windows: all but the renaming). The mode stays, the owner as far as the system allows, and so
-/// does a symbolic link.
+/// does a symbolic link. A new file gets the owner and the access rights of its folder, because
+/// whoever serves the folder may be another user than this one.
 ///
 /// If `seen` is given and the file holds other bytes, or another program has it open for writing,
 /// leaves it alone, waits a moment and returns false. Errors: 70 if the file is read-only.
@@ -31,9 +32,9 @@ bool ReplaceFile(const std::string& path, std::string_view bytes, const FileByte
 /// Appends `line` as a line to an existing file, completely or not at all. Errors: 53 if the file
 /// does not exist.
 void AppendLine(const std::string& path, const std::string& line);
-/// Gives the file to the owner and group of its folder. Does nothing where this user may not, and
-/// on Windows, where a new file has its folder's rights.
-void GiveToFoldersOwner(const std::string& path) noexcept;
+/// Gives a new folder the owner and the access rights of the folder that it is in, as far as this
+/// user may. On Windows it has them already.
+void ShareAsParent(const std::string& folder) noexcept;
 /// Removes what interrupted replacements have left in the folder. Ignores errors.
 void RemoveLeftovers(const std::string& folder) noexcept;
 

@@ -12,6 +12,8 @@
 #include "machine/host_lock.h"
 #include "machine/native_files.h"
 #include "machine/program_arguments.h"
+#include "program/console_command.h"
+#include "program/new_command.h"
 #include "program/run_host.h"
 #include "program/web_commands.h"
 #include "services/host_folder.h"
@@ -102,8 +104,9 @@ int Check(const HostOptions& options) {
 int RefuseCall(const CLI::App& app, const CLI::ParseError& error) {
   std::string words = error.what();
   const std::vector<std::string> unknown = app.remaining(true);
-  if (!unknown.empty()) words = "\"" + unknown.front() + "\" is not known here";
   const auto chosen = app.get_subcommands();
+  const bool takesAny = !chosen.empty() && chosen.front()->get_prefix_command();
+  if (!unknown.empty() && !takesAny) words = "\"" + unknown.front() + "\" is not known here";
   const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
   Errors() << "rotacasts-host" << command << ": " << words << "; \"rotacasts-host" << command
            << " --help\" tells more\n";
@@ -155,11 +158,13 @@ int main(int argc, char** argv) {
       ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
       ->check(CLI::PositiveNumber)
       ->default_str("60s");
+  AddNewCommand(app, options, Out(), addFolder);
   add("preview", "Print what every message would say at this moment", PrintPreviews)
       ->add_option("--profile", options.profiles, "only these profiles");
   add("check", "Look the whole folder over and warn of what would surprise", Check)
       ->add_flag("--fix", options.fix,
                  "first convert files saved as UTF-8, keeping a copy of each");
+  AddConsoleCommand(app, options, status, addFolder);
   AddWebCommands(app, *run, options, Out(), addFolder);
   try {
     app.parse(ProgramArguments(argc, argv));

@@ -31,7 +31,7 @@ bool MachineFiles::FolderExists(const std::string& path) {
 void MachineFiles::CreateFolder(const std::string& path) {
   const fs::path folder = NativePath(path);
   std::error_code problem;
-  if (fs::create_directory(folder, problem)) return;
+  if (fs::create_directory(folder, problem)) return ShareAsParent(path);
   if (!problem) throw RuntimeError(ErrorNumber::FileAlreadyExists, folder.string());
   const auto number = problem == std::errc::no_such_file_or_directory ? ErrorNumber::PathNotFound
                       : problem == std::errc::file_exists        ? ErrorNumber::FileAlreadyExists

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -33,6 +34,10 @@ HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
   };
   file_ = std::make_unique<File>(path);
   if (file_->descriptor < 0) raise();
+  struct stat folder {};  // a host that root starts by hand leaves the file to the folder's owner
+  if (::stat(hostFolder.c_str(), &folder) == 0) {
+    (void)!::fchown(file_->descriptor, folder.st_uid, folder.st_gid);
+  }
   if (::flock(file_->descriptor, LOCK_EX | LOCK_NB) == 0) {
     const std::string words = "process " + std::to_string(::getpid()) + " since " + time + "\n";
     if (::ftruncate(file_->descriptor, 0) != 0 ||

@@ -16,6 +16,7 @@ namespace rotacasts::host {
 namespace {
 
 constexpr const char* kPrompt = "rotacasts> ";
+char kBlank[] = " ";  // readline wants it writable
 
 LineEditor* editor = nullptr;  // readline's callbacks take no object
 
@@ -31,9 +32,9 @@ LineEditor::LineEditor(EventLoop& loop, ConsoleOutput& output, Person person)
   editor = this;
   ::rl_catch_signals = 0;  // the event loop handles signals
   ::rl_outstream = ::fopencookie(&output_, "w", {nullptr, WriteToOutput, nullptr, nullptr});
+  ::rl_completer_word_break_characters = kBlank;
   ::rl_attempted_completion_function = [](const char* text, int start, int) {
-    ::rl_attempted_completion_over = 1;  // no file names
-    return start == 0 ? ::rl_completion_matches(text, Complete) : nullptr;
+    return editor->Complete(text, start);
   };
   ::rl_callback_handler_install(kPrompt, [](char* line) { editor->Take(line); });
   output_.onBefore = [this] {
@@ -85,15 +86,17 @@ void LineEditor::Take(char* line) {
   if (!goesOn) End();
 }
 
-char* LineEditor::Complete(const char* start, int state) {
-  static std::size_t next = 0;
-  if (state == 0) next = 0;
-  const std::vector<std::string>& words = editor->person_.firstWords;
-  while (next < words.size()) {
-    const std::string& word = words[next++];
-    if (word.starts_with(start)) return ::strdup(word.c_str());
-  }
-  return nullptr;
+char** LineEditor::Complete(const char* text, int start) {
+  ::rl_attempted_completion_over = 1;  // no file names
+  ::rl_completion_append_character = '\0';
+  const std::string before(::rl_line_buffer, static_cast<std::size_t>(start));
+  completions_ = person_.words(before);
+  std::erase_if(completions_, [&](const std::string& word) { return !word.starts_with(text); });
+  return ::rl_completion_matches(text, [](const char*, int state) -> char* {
+    const auto next = static_cast<std::size_t>(state);
+    const std::vector<std::string>& words = editor->completions_;
+    return next < words.size() ? ::strdup(words[next].c_str()) : nullptr;
+  });
 }
 
 }  // namespace rotacasts::host

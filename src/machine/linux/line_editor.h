@@ -19,8 +19,9 @@ class LineEditor {
     std::function<bool(const std::string&)> onLine;
     /// The input has ended (Ctrl-D on an empty line).
     std::function<void()> onEnd;
-    /// The completions of a line's first word.
-    std::vector<std::string> firstWords;
+    /// What can stand on a line behind `before`, which ends where a word begins; with the blank
+    /// that follows it, if one does.
+    std::function<std::vector<std::string>(const std::string& before)> words;
   };
   /// `loop` and `output` must outlive it.
   LineEditor(EventLoop& loop, ConsoleOutput& output, Person person);
@@ -31,11 +32,12 @@ class LineEditor {
  private:
   void Take(char* line);
   void End();
-  static char* Complete(const char* start, int state);
+  char** Complete(const char* text, int start);
 
   EventLoop& loop_;
   ConsoleOutput& output_;
   Person person_;
+  std::vector<std::string> completions_;
   bool isPrompting_ = true;  // not while a line is handled
   bool hasEnded_ = false;
 };

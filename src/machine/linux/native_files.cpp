@@ -116,6 +116,13 @@ bool IsStill(const std::filesystem::path& path, const FileBytes& seen) {
   return seen && !IsBeingWritten(file) && ReadAll(file, path) == *seen;
 }
 
+/// Gives a file or folder the owner and group that `status` has, as far as this user may.
+void Give(const Descriptor& made, const struct stat& status) {
+  if (::fchown(made.Get(), status.st_uid, status.st_gid) != 0) {
+    (void)!::fchown(made.Get(), static_cast<uid_t>(-1), status.st_gid);
+  }
+}
+
 /// Replaces one file with another.
 class Replacement {
  public:
@@ -149,15 +156,10 @@ class Replacement {
     Descriptor file(::mkostemp(name.data(), O_CLOEXEC));
     if (!file.IsOpen()) Raise(errno, folder_);
     beside_ = name;
-    if (exists && ::fchown(file.Get(), status.st_uid, status.st_gid) != 0 &&
-        ::fchown(file.Get(), static_cast<uid_t>(-1), status.st_gid) != 0) {
-      // This user may change neither. The file's mode still gives everybody the access that they
-      // had.
-    }
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    const mode_t mode = exists ? status.st_mode & 07777 : 0644 & ~mask;
-    if (::fchmod(file.Get(), mode) != 0) Raise(errno, target_);
+    if (!exists && ::stat(folder_.c_str(), &status) != 0) Raise(errno, folder_);
+    // Where neither owner nor group may be changed, the mode still gives everybody their access.
+    Give(file, status);
+    if (::fchmod(file.Get(), status.st_mode & (exists ? 07777 : 0666)) != 0) Raise(errno, target_);
     WriteAll(file, bytes, target_);
     if (::fsync(file.Get()) != 0 || file.Close() != 0) Raise(errno, target_);
   }
@@ -246,11 +248,12 @@ void AppendLine(const std::string& path, const std::string& line) {
   }
 }
 
-void GiveToFoldersOwner(const std::string& path) noexcept {
-  const std::filesystem::path file = NativePath(path);
-  struct stat folder {};
-  if (::stat(file.parent_path().c_str(), &folder) != 0) return;
-  (void)!::chown(file.c_str(), folder.st_uid, folder.st_gid);
+void ShareAsParent(const std::string& folder) noexcept {
+  const Descriptor made(NativePath(folder), O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+  struct stat parent {};
+  if (::stat(NativePath(folder).parent_path().c_str(), &parent) != 0) return;
+  Give(made, parent);
+  (void)!::fchmod(made.Get(), parent.st_mode & 07777);
 }
 
 void RemoveLeftovers(const std::string& folder) noexcept try {

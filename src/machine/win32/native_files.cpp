@@ -207,7 +207,7 @@ void AppendLine(const std::string& path, const std::string& line) {
   }
 }
 
-void GiveToFoldersOwner(const std::string&) noexcept {}
+void ShareAsParent(const std::string&) noexcept {}
 
 void RemoveLeftovers(const std::string& folder) noexcept try {
   for (const auto& entry : std::filesystem::directory_iterator(NativePath(folder))) {

@@ -5,7 +5,9 @@
 #include <iostream>
 #include <optional>
 
+#include "console/completion.h"
 #include "console/console.h"
+#include "console/console_server.h"
 #include "host/headless_plugin.h"
 #include "machine/linux/console_input.h"
 #include "machine/linux/line_editor.h"
@@ -29,6 +31,12 @@ void TellOfChat(const HostProfiles& profiles, Troubles& troubles, const SentText
     if (isNew) profiles.Record("Say", words);
   }
   if (const auto ended = troubles.TickEnded(key, label)) profiles.Record("Say", *ended);
+}
+
+std::vector<std::int32_t> IndexesOf(const HostProfiles& profiles) {
+  std::vector<std::int32_t> indexes;
+  for (const auto& [index, profile] : profiles.All()) indexes.push_back(index);
+  return indexes;
 }
 
 /// Redirects a stream to another buffer while this object exists.
@@ -71,14 +79,21 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   loop.AtTurnBegin([&servers] { servers.BeginTurn(); });
   loop.AtTurnEnd([&servers] { servers.EndTurn(); });
   loop.onReload = [&console] { console.Reload(); };
+  std::optional<ConsoleServer> others;
+  try {
+    others.emplace(loop, host);
+  } catch (const RuntimeError& error) {
+    out << "\"rotacasts-host console\" cannot be used: " << error.description << "\n";
+  }
   console.Start();
-  const LineEditor::Person person{[&](const std::string& line) {
-                                    const bool goesOn = console.Execute(line);
-                                    if (!goesOn) loop.Stop();
-                                    return goesOn;
-                                  },
-                                  [&out] { out << kGoesOnAlone << std::flush; },
-                                  Console::CommandNames()};
+  const LineEditor::Person person{
+      [&](const std::string& line) {
+        const bool goesOn = console.Execute(line) != Console::Outcome::Quit;
+        if (!goesOn) loop.Stop();
+        return goesOn;
+      },
+      [&out] { out << kGoesOnAlone << std::flush; },
+      [&profiles](const std::string& before) { return Completions(before, IndexesOf(profiles)); }};
   std::optional<LineEditor> editor;
   std::optional<ConsoleInput> input;
   if (::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0) {

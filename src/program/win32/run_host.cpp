@@ -55,7 +55,9 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   ServerHost host(profiles, plugin, frame, options);
   Console console(host, out);
   frame.onChoose = [&](std::int32_t profile) { host.Show(profile); };
-  frame.onConsoleLine = [&](const std::string& line) { return console.Execute(line); };
+  frame.onConsoleLine = [&](const std::string& line) {
+    return console.Execute(line) != Console::Outcome::Quit;
+  };
   frame.onSessionEnd = [&] { host.Unload(); };
   console.Start();
   PostConsoleLines(frame.Window(), FrameWindow::kConsoleLine);

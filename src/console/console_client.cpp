@@ -1,0 +1,85 @@
+#include "console/console_client.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "base/runtime_error.h"
+#include "console/console_protocol.h"
+#include "host/complaint.h"
+
+namespace rotacasts::host {
+namespace {
+
+SocketDescriptor Connect(const std::string& hostFolder) try {
+  return ConnectInFolder(hostFolder, kConsoleSocket);
+} catch (const RuntimeError& error) {
+  if (error.number == static_cast<std::int32_t>(ErrorNumber::FileNotFound)) {
+    throw Complaint("no host runs in " + hostFolder + "; \"rotacasts-host run --host-folder " +
+                    hostFolder + "\" starts one, or its service does");
+  }
+  if (error.number == static_cast<std::int32_t>(ErrorNumber::PermissionDenied)) {
+    throw Complaint("only the user of the host in " + hostFolder +
+                    ", and root, may use its console; try it with sudo");
+  }
+  throw;
+}
+
+}  // namespace
+
+ConsoleClient::ConsoleClient(EventLoop& loop, const std::string& hostFolder, std::ostream& out)
+    : loop_(loop), out_(out), socket_(Connect(hostFolder)) {
+  loop_.Watch(socket_.Get(), POLLIN, [this](short ready) { Handle(ready); });
+}
+
+void ConsoleClient::Ask(std::string line) {
+  waiting_.push_back(std::move(line));
+  if (!isAsking_) AskNext();
+}
+
+void ConsoleClient::EndWhenAnswered() {
+  endsWhenAnswered_ = true;
+  if (!isAsking_) loop_.Stop();
+}
+
+void ConsoleClient::AskNext() {
+  isAsking_ = !waiting_.empty();
+  if (!isAsking_) {
+    if (endsWhenAnswered_) loop_.Stop();
+    return;
+  }
+  sending_ = std::move(waiting_.front()) + "\n";
+  waiting_.pop_front();
+  loop_.Watch(socket_.Get(), POLLIN | POLLOUT, [this](short ready) { Handle(ready); });
+}
+
+void ConsoleClient::Handle(short ready) {
+  if (!sending_.empty() && (ready & POLLOUT) != 0) {
+    const ssize_t sent = ::send(socket_.Get(), sending_.data(), sending_.size(), 0);
+    if (sent > 0) sending_.erase(0, static_cast<std::size_t>(sent));
+    if (sending_.empty()) {
+      loop_.Watch(socket_.Get(), POLLIN, [this](short now) { Handle(now); });
+    }
+  }
+  if ((ready & (POLLIN | POLLHUP | POLLERR)) == 0) return;
+  char bytes[4096];
+  const ssize_t count = ::recv(socket_.Get(), bytes, sizeof bytes, 0);
+  if (count > 0) return Print({bytes, static_cast<std::size_t>(count)});
+  if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
+  isLost_ = true;
+  out_ << "the host has ended\n" << std::flush;
+  loop_.Stop();
+}
+
+void ConsoleClient::Print(std::string_view answer) {
+  const char end[] = {kDone, kRefused};
+  const std::size_t size = std::min(answer.find_first_of(end, 0, sizeof end), answer.size());
+  out_ << answer.substr(0, size) << std::flush;
+  if (size == answer.size()) return;  // more is to come
+  wasRefused_ = wasRefused_ || answer[size] == kRefused;
+  AskNext();
+}
+
+}  // namespace rotacasts::host

@@ -1,0 +1,49 @@
+// The shell's way to the console of a running host.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <ostream>
+#include <string>
+
+#include "machine/linux/event_loop.h"
+#include "machine/linux/local_socket.h"
+
+namespace rotacasts::host {
+
+/// Asks the host that runs in a folder, one command after the other, and prints its answers. The
+/// references must outlive it.
+class ConsoleClient {
+ public:
+  /// Connects. Errors: 5, with what to do, if no host runs there or it is another user's.
+  ConsoleClient(EventLoop& loop, const std::string& hostFolder, std::ostream& out);
+  ~ConsoleClient() { loop_.Unwatch(socket_.Get()); }
+  ConsoleClient(const ConsoleClient&) = delete;
+  ConsoleClient& operator=(const ConsoleClient&) = delete;
+
+  /// Asks when every earlier command is answered.
+  void Ask(std::string line);
+  /// Stops the loop when everything is answered.
+  void EndWhenAnswered();
+
+  bool WasRefused() const { return wasRefused_; }
+  /// Whether the host has gone before it answered everything.
+  bool IsLost() const { return isLost_; }
+
+ private:
+  void AskNext();
+  void Handle(short ready);
+  void Print(std::string_view answer);
+
+  EventLoop& loop_;
+  std::ostream& out_;
+  SocketDescriptor socket_;
+  std::deque<std::string> waiting_;
+  std::string sending_;
+  bool isAsking_ = false;
+  bool endsWhenAnswered_ = false;
+  bool wasRefused_ = false;
+  bool isLost_ = false;
+};
+
+}  // namespace rotacasts::host
