@@ -37,6 +37,7 @@ HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
   struct stat folder {};  // a host that root starts by hand leaves the file to the folder's owner
   if (::stat(hostFolder.c_str(), &folder) == 0) {
     (void)!::fchown(file_->descriptor, folder.st_uid, folder.st_gid);
+    (void)!::fchmod(file_->descriptor, folder.st_mode & 0666);
   }
   if (::flock(file_->descriptor, LOCK_EX | LOCK_NB) == 0) {
     const std::string words = "process " + std::to_string(::getpid()) + " since " + time + "\n";

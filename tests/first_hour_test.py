@@ -1,0 +1,111 @@
+"""What a newcomer does: sets a profile up, makes mistakes, and talks to the host that runs."""
+
+import os
+import shutil
+import socket
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+from signal import SIGKILL, SIGTERM
+
+from programs import HOST, Program, Server, message_file
+
+NOBODY = 65534
+
+
+class FirstHour(unittest.TestCase):
+    def setUp(self):
+        top = Path(self.enterContext(tempfile.TemporaryDirectory(prefix="rotacasts-")))
+        self.folder = top / ("a-folder-with-a-name-" * 6) / "host"  # too long for a socket's name
+        self.folder.parent.mkdir()
+        top.chmod(0o755)
+        self.server = self.start(Server, "JO")
+
+    def start(self, kind, *words):
+        program = kind(*words)
+        self.addCleanup(program.stop)
+        return program
+
+    def call(self, *words, status=0, as_user=None, said=""):
+        """Runs the host's program and returns what it prints."""
+        command = [HOST, words[0], "--host-folder", self.folder, *map(str, words[1:])]
+        done = subprocess.run(command, input=said, capture_output=True, text=True, user=as_user,
+                              timeout=30)
+        self.assertEqual(done.returncode, status, done.stdout + done.stderr)
+        return done.stdout + done.stderr
+
+    def new(self, name="alpha", **changes):
+        wanted = {"game-code": "JO", "process": self.server.id, "target": self.server.port}
+        wanted.update({key.replace("_", "-"): value for key, value in changes.items()})
+        options = [word for key, value in wanted.items() for word in ("--" + key, value)]
+        return ["new", name, *options]
+
+    def host(self):
+        host = self.start(Program, HOST, "run", "--host-folder", self.folder, "--minute", "50ms")
+        self.assertTrue(host.prints("profiles started: 1"))
+        return host
+
+    def test_what_new_makes_is_sent_and_belongs_to_the_folders_owner(self):
+        self.folder.mkdir()
+        os.chmod(self.folder, 0o2770)
+        if os.getuid() == 0:
+            os.chown(self.folder, NOBODY, NOBODY)
+        self.assertIn("It is profile 1.", self.call(*self.new()))
+        self.assertIn("warnings: 0", self.call("check"))
+        self.host()
+        self.assertTrue(self.server.prints("[Next Map] "))
+        folder = self.folder.stat()
+        for path in self.folder.rglob("*"):
+            if path.is_socket():
+                continue
+            status = path.stat()
+            self.assertEqual((status.st_uid, status.st_gid), (folder.st_uid, folder.st_gid), path)
+            self.assertEqual(status.st_mode & 0o7777, 0o2770 if path.is_dir() else 0o660, path)
+
+    def test_new_refuses_what_would_not_run(self):
+        for changes, says in (
+                ({"name": "../x"}, 'cannot be the name of the profile\'s folder'),
+                ({"game_code": "XX"}, '--game-code is "XX"; give one of DFBHD, '),
+                ({"process": " "}, "--process is missing"),
+                ({"target": 65536}, "--target is 65536; give the port")):
+            self.assertIn(says, self.call(*self.new(**changes), status=2))
+        self.assertFalse(self.folder.exists())
+        self.call(*self.new())
+        self.assertIn("is there already", self.call(*self.new(), status=2))
+        self.assertIn("It is profile 2.", self.call(*self.new("beta")))
+
+    def test_a_running_host_answers_whoever_may_use_its_folder(self):
+        self.call(*self.new())
+        self.assertIn("no host runs in", self.call("console", "status", status=2))
+        self.host().end(SIGKILL)  # leaves its socket
+        host = self.host()
+        self.assertIn("added", self.call("console", "add", 1, "Grüße  -x"))
+        self.assertTrue(self.server.prints("Grüße  -x"))
+        self.assertIn('"fly" is no command', self.call("console", "fly", status=1))
+        many = self.call("console", status=1, said="fly\n" + "help\n" * 300 + "messages 1\nexit\n")
+        self.assertEqual(many.count("this list"), 300)
+        self.assertIn("every 3 min", many)
+        if os.getuid() == 0:
+            program = shutil.copy(HOST, self.folder.parent / "host-of-nobody")
+            words = [program, "console", "--host-folder", self.folder, "status"]
+            refused = subprocess.run(words, capture_output=True, text=True, user=NOBODY)
+            self.assertIn("may use its console; try it with sudo", refused.stderr)
+        deaf = socket.socket(socket.AF_UNIX)
+        self.addCleanup(deaf.close)
+        os.chdir(self.folder)
+        deaf.connect("host.console")
+        deaf.setblocking(False)
+        for nonsense in (b"help\n" * 10000, b"\0\xFF" * 100000):  # nobody reads the answers
+            try:
+                deaf.send(nonsense)
+            except BlockingIOError:
+                pass
+        self.assertTrue(self.server.prints("Grüße  -x"))
+        self.assertIn("running", self.call("console", "status"))
+        self.assertEqual(host.end(SIGTERM), 0)
+        self.assertFalse((self.folder / "host.console").exists())
+
+
+if __name__ == "__main__":
+    unittest.main()
