@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 
 #include "base/runtime_error.h"
@@ -48,21 +49,30 @@ struct AddressInfo {
   }
 };
 
-/// Errors: 5 unless the address is a numeric ADDRESS:PORT.
+/// Whether it is a port's number. The resolver takes 65536 for 0.
+bool IsPort(const std::string& text) {
+  std::uint16_t port = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
+/// Errors: 5 unless the address is ADDRESS:PORT, with a numeric address or "localhost".
 void Resolve(const std::string& address, AddressInfo& info) {
   const std::size_t colon = address.rfind(':');
   std::string host = address.substr(0, std::min(colon, address.size()));
   const std::string port = colon == address.npos ? "" : address.substr(colon + 1);
+  if (host == "localhost") host = "127.0.0.1";
   if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
   addrinfo hints{};
   hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
   hints.ai_socktype = SOCK_STREAM;
-  if (!host.empty() && !port.empty() &&
+  if (!host.empty() && IsPort(port) &&
       ::getaddrinfo(host.c_str(), port.c_str(), &hints, &info.list) == 0) {
     return;
   }
   throw Complaint("\"" + address +
-                  "\" is no address to listen at; give one such as 127.0.0.1:8480");
+                  "\" is no address to listen at; give one such as 127.0.0.1:8480, with a port of "
+                  "at most 65535");
 }
 
 std::string AddressOf(MHD_Connection* connection) {
