@@ -138,7 +138,9 @@ Findings CheckHostFolder(const std::string& hostFolder) {
   found.profiles = loaded.profiles.size();
   for (const ProfileSettings& profile : loaded.profiles) {
     CheckMessageFile(hostFolder, profile, found.warnings);
+    CheckProfile(hostFolder, profile, found.warnings);
   }
+  CheckAccess(hostFolder, ProfileFolders(hostFolder), found.warnings);
   CheckClashes(hostFolder, loaded.profiles, found.warnings);
   if (found.profiles != 0) {
     CheckServers(hostFolder, found.warnings);

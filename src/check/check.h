@@ -26,4 +26,13 @@ std::vector<std::string> ConvertHostFolder(const std::string& hostFolder);
 /// Checks a profile's message file.
 void CheckMessages(CheckedFile& file);
 
+/// Checks what a usable profile names: its programs.
+void CheckProfile(const std::string& hostFolder, const ProfileSettings& profile,
+                  std::vector<std::string>& warnings);
+
+/// Warns about everything that the host folder's owner could not use if the host ran as them.
+/// `profiles` are the names of the profiles' folders.
+void CheckAccess(const std::string& hostFolder, const std::vector<std::string>& profiles,
+                 std::vector<std::string>& warnings);
+
 }  // namespace rotacasts::host
