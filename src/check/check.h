@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "check/checked_file.h"
+#include "host/profile_settings.h"
 
 namespace rotacasts::host {
 
