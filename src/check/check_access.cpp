@@ -9,8 +9,10 @@ void CheckAccess(const std::string& hostFolder, const std::vector<std::string>& 
                  std::vector<std::string>& warnings) {
   const HostFolder paths(hostFolder);
   const FolderOwner owner(hostFolder);
+  std::string last;  // its contents go with it
   const auto check = [&](const std::string& path, bool toWrite) {
-    if (owner.MayUse(path, toWrite)) return;
+    if (owner.MayUse(path, toWrite) || (!last.empty() && path.starts_with(last + "\\"))) return;
+    last = path;
     warnings.push_back(
         NativePath(path).string() + ": " + owner.Name() + ", who owns " +
         NativePath(hostFolder).string() + ", cannot " + (toWrite ? "write" : "read") +
