@@ -37,13 +37,13 @@ CheckedFile::CheckedFile(std::string path, std::vector<std::string>& warnings)
     : path_(std::move(path)), warnings_(warnings) {
   try {
     const auto bytes = ReadWholeFile(path_);
-    exists_ = bytes.has_value();
-    if (exists_ && IsUtf8(*bytes)) {
+    if (bytes && IsUtf8(*bytes)) {
       TakeUtf8(*bytes);
     } else {
       ini_ = ReadIni(path_);
     }
   } catch (const RuntimeError& error) {
+    isReadable_ = false;
     Warn(1, error.description);
   }
 }

@@ -18,7 +18,8 @@ class CheckedFile {
   /// `warnings` must outlive it.
   CheckedFile(std::string path, std::vector<std::string>& warnings);
 
-  bool Exists() const { return exists_; }
+  /// Whether the host can read it; if not, there is a warning.
+  bool IsReadable() const { return isReadable_; }
   /// The contents, converted to Windows-1252 if necessary.
   const IniText& Ini() const { return ini_; }
 
@@ -37,7 +38,7 @@ class CheckedFile {
 
   const std::string path_;
   std::vector<std::string>& warnings_;
-  bool exists_ = false;
+  bool isReadable_ = true;
   IniText ini_;
 };
 

@@ -3,7 +3,6 @@
 #include <string>
 
 #include "console/text_table.h"
-#include "host/troubles.h"
 
 namespace rotacasts::host {
 namespace {
@@ -39,9 +38,8 @@ void PrintStatus(std::ostream& out, const std::vector<ProfileStatus>& all) {
   for (const ProfileStatus& status : all) table.Add(Row(status));
   table.Print(out);
   for (const ProfileStatus& status : all) {
-    for (const std::string& problem : {status.game.problem, status.problem}) {
-      if (!problem.empty()) out << Named(status.profile.Label(), problem) << "\n";
-    }
+    if (!status.game.problem.empty()) out << status.game.problem << "\n";
+    if (!status.problem.empty()) out << status.profile.Label() << ": " << status.problem << "\n";
     if (status.isFileAhead) {
       out << status.profile.Label()
           << ": its message file has another switch or interval; \"reload\" takes them over\n";

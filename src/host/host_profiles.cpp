@@ -37,7 +37,7 @@ HostProfiles::HostProfiles(const std::string& hostFolder, std::ostream& out)
     TellOfServer(news, words);
   };
   LoadedProfiles loaded = LoadProfiles(folder_);
-  for (const std::string& problem : loaded.problems) out_ << "skipped: " << problem << "\n";
+  for (const auto& problem : loaded.problems) out_ << "skipped: " << problem.words << "\n";
   for (ProfileSettings& profile : loaded.profiles) Use(std::move(profile));
 }
 
@@ -105,7 +105,7 @@ bool HostProfiles::IsStillDescribed(const ProfileSettings& profile) const try {
 HostProfiles::Changes HostProfiles::ReadAllAnew() {
   Changes changes;
   LoadedProfiles loaded = LoadProfiles(folder_);
-  for (const std::string& problem : loaded.problems) out_ << "not used: " << problem << "\n";
+  for (const auto& problem : loaded.problems) out_ << "not used: " << problem.words << "\n";
   for (ProfileSettings& profile : loaded.profiles) {
     const auto known = profiles_.find(profile.index);
     if (known != profiles_.end() && known->second == profile) continue;

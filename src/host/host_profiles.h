@@ -33,10 +33,8 @@ class HostProfiles {
   /// By index.
   const std::map<std::int32_t, ProfileSettings>& All() const { return profiles_; }
   const ProfileSettings& At(std::int32_t index) const;
-  /// Why the profile's server is away, as the plugin's reads have found it; empty while it is not.
-  const std::string& WhyServerIsAway(std::int32_t index) {
-    return platform_.Processes().WhyAway(handles_.at(index));
-  }
+  /// Whether the profile's server is away, as the plugin's reads have found it.
+  bool IsServerAway(std::int32_t index) { return platform_.Processes().IsAway(handles_.at(index)); }
   /// The elements of the profile data array that describe the profile.
   HostValue::Array DataOf(const ProfileSettings& profile) const;
 

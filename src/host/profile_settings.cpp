@@ -118,8 +118,9 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
     folders.push_back(entry.path().filename().string());
   }
   if (problem) {
-    loaded.problems.push_back(root.string() + ": " + problem.message() +
-                              "; make it a folder with a folder for each profile");
+    loaded.problems.push_back({{},
+                               root.string() + ": " + problem.message() +
+                                   "; make it a folder with a folder for each profile"});
   }
   std::sort(folders.begin(), folders.end());
   for (const std::string& folder : folders) {
@@ -128,12 +129,12 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
       const ProfileSettings profile = ReadProfile(hostFolder, folder);
       const auto [other, added] = byIndex.try_emplace(profile.index, profile);
       if (!added) {
-        loaded.problems.push_back(PlaceInProfile(hostFolder, folder, "Index") +
-                                  ": the index is taken by " + other->second.Label() +
-                                  "; give it another one");
+        loaded.problems.push_back({folder, PlaceInProfile(hostFolder, folder, "Index") +
+                                               ": the index is taken by " + other->second.Label() +
+                                               "; give it another one"});
       }
     } catch (const RuntimeError& error) {
-      loaded.problems.push_back(error.description);
+      loaded.problems.push_back({folder, error.description});
     }
   }
   for (auto& [index, profile] : byIndex) loaded.profiles.push_back(std::move(profile));

@@ -37,11 +37,7 @@ ProfileStatus ReadStatus(HostProfiles& profiles, Preview& preview, const Profile
     status.position = static_cast<std::size_t>(
         NextPosition(progress->nextMessage, static_cast<std::int32_t>(list.messages.size())));
     status.message = list.messages[*status.position].text;
-    // Problems of the game are printed below the table.
-    const Preview::Text text = preview.TextOf(profile, status.game, status.message);
-    status.text = text.problem == status.game.problem && text.says.empty()
-                      ? Preview::Text{{}, "no game server"}
-                      : text;
+    status.text = preview.TextOf(profile, status.game, status.message);
   } catch (const RuntimeError& error) {
     status.problem = error.description;
   }
