@@ -50,7 +50,7 @@ TEST(Check, WarnsOfWhatWouldSurpriseInAMessageFile) {
   const auto warnings = [&](const std::string& bytes) {
     folder.Write("a.ini", "[Messages]\r\n" + bytes + "\r\n");
     std::vector<std::string> found;
-    CheckedFile file(folder.Path() + "\\a.ini", found);
+    FileCheck file(folder.Path() + "\\a.ini", found);
     CheckMessages(file);
     return found;
   };

@@ -32,7 +32,7 @@ void CheckConfiguration(const std::string& hostFolder, std::vector<std::string>&
   const std::string path =
       FindFile(HostFolder(hostFolder).Settings(), HostFolder::kConfiguration, warnings);
   if (path.empty()) return;  // the host creates one when it starts
-  CheckedFile file(path, warnings);
+  FileCheck file(path, warnings);
   file.CheckLines();
   const std::string value =
       FromWindows1252(file.Ini().Value("Settings", "ReportErrors").value_or(""));
@@ -55,7 +55,7 @@ bool CheckProfileFolder(const std::string& hostFolder, const std::string& folder
     }
     return true;
   }
-  CheckedFile file(description, warnings);
+  FileCheck file(description, warnings);
   file.CheckLines();
   file.CheckKeys("Profile", {"Index", "GameCode", "Process", "Target", "Say"});
   return file.IsReadable();
@@ -69,7 +69,7 @@ void CheckMessageFile(const std::string& hostFolder, const ProfileSettings& prof
   const std::string found =
       FindFile(paths.Settings(profile.folder), HostFolder::kMessageFile, warnings);
   if (!found.empty()) {
-    CheckedFile file(found, warnings);
+    FileCheck file(found, warnings);
     if (file.IsReadable() || !file.Ini().Bytes().empty()) CheckMessages(file);
   } else if (warnings.size() == before) {
     warnings.push_back(NativePath(path).string() +
@@ -108,7 +108,7 @@ void CheckClashes(const std::string& hostFolder, const std::vector<ProfileSettin
 }
 
 void CheckServers(const std::string& hostFolder, std::vector<std::string>& warnings) {
-  std::ostream none(nullptr);  // problems of files are already in the warnings
+  std::ostream none(nullptr);  // nothing that prints is called
   HostProfiles profiles(hostFolder, none);
   Preview preview(profiles);
   for (const auto& [index, profile] : profiles.All()) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "check/checked_file.h"
+#include "check/file_check.h"
 
 namespace rotacasts::host {
 
@@ -24,6 +24,6 @@ Findings CheckHostFolder(const std::string& hostFolder);
 std::vector<std::string> ConvertHostFolder(const std::string& hostFolder);
 
 /// Checks a profile's message file.
-void CheckMessages(CheckedFile& file);
+void CheckMessages(FileCheck& file);
 
 }  // namespace rotacasts::host

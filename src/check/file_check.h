@@ -11,12 +11,12 @@
 namespace rotacasts::host {
 
 /// Reads a file once. Each warning names the file, the line and what to do.
-class CheckedFile {
+class FileCheck {
  public:
   /// Reads the file; a missing one counts as empty. `path` has the host suite's form. If the file
   /// cannot be used, or players would read another text than intended, that is the first warning.
   /// `warnings` must outlive it.
-  CheckedFile(std::string path, std::vector<std::string>& warnings);
+  FileCheck(std::string path, std::vector<std::string>& warnings);
 
   /// Whether the host can read it; if not, there is a warning.
   bool IsReadable() const { return isReadable_; }
@@ -34,7 +34,7 @@ class CheckedFile {
   void CheckKeys(std::string_view section, const std::vector<std::string>& known);
 
  private:
-  void TakeUtf8(std::string bytes);
+  void ReadUtf8(std::string bytes);
 
   const std::string path_;
   std::vector<std::string>& warnings_;
