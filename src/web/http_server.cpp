@@ -117,7 +117,7 @@ class HttpServer::Conversation final : public Exchange,
   void Answer(Response response) override;
   void AnswerBitByBit(std::unique_ptr<EventSource> source) override;
 
-  void Take(const char* bytes, std::size_t size);
+  void AddToBody(const char* bytes, std::size_t size);
   bool IsEndless() const { return dropped_ > kMostBytesDropped; }
   /// Has a complete request handled; queues the answer if there is one.
   MHD_Result Proceed();
@@ -141,7 +141,7 @@ class HttpServer::Conversation final : public Exchange,
   std::size_t sent_ = 0;
 };
 
-void HttpServer::Conversation::Take(const char* bytes, std::size_t size) {
+void HttpServer::Conversation::AddToBody(const char* bytes, std::size_t size) {
   if (request_.isTooLong || request_.body.size() + size > kLongestBody) {
     request_.isTooLong = true;
     request_.body.clear();
@@ -189,8 +189,7 @@ void HttpServer::Conversation::AnswerBitByBit(std::unique_ptr<EventSource> sourc
   };
   response_ = Mhd().create_response_from_callback(MHD_SIZE_UNKNOWN, kBlock, read, this, nullptr);
   SetHeaders({200, "text/event-stream", {}, {{"X-Accel-Buffering", "no"}}});
-  server_.since_.erase(request_.connection);
-  server_.sources_[request_.connection] = this;
+  server_.connections_[request_.connection].sendsEvents = true;
   Resume();
 }
 
@@ -236,29 +235,27 @@ struct HttpServer::Callbacks {
     if (*state == nullptr) {
       auto conversation = std::make_shared<Conversation>(server, connection, method, url);
       *state = conversation.get();
-      server.conversations_[connection] = std::move(conversation);
+      server.connections_[connection].conversation = std::move(conversation);
       return MHD_YES;
     }
     auto& conversation = *static_cast<Conversation*>(*state);
     if (*size == 0) return conversation.Proceed();
-    conversation.Take(bytes, *size);
+    conversation.AddToBody(bytes, *size);
     *size = 0;
     return conversation.IsEndless() ? MHD_NO : MHD_YES;
   }
   static void Completed(void* self, MHD_Connection* connection, void**,
                         MHD_RequestTerminationCode) {
     auto& server = *static_cast<HttpServer*>(self);
-    server.sources_.erase(connection);
-    server.conversations_.erase(connection);
-    server.since_[connection] = Clock::now();  // the start of the connection's next request
+    server.connections_[connection] = {Clock::now()};  // the start of its next request
   }
   static void Connected(void* self, MHD_Connection* connection, void**,
                         MHD_ConnectionNotificationCode what) {
     auto& server = *static_cast<HttpServer*>(self);
     if (what == MHD_CONNECTION_NOTIFY_STARTED) {
-      server.since_[connection] = Clock::now();
+      server.connections_[connection] = {Clock::now()};
     } else {
-      server.since_.erase(connection);
+      server.connections_.erase(connection);
     }
   }
   static void Log(void*, const char*, va_list) {}  // errors of clients are not worth logging
@@ -298,7 +295,9 @@ void HttpServer::Start(const std::string& address) {
 
 HttpServer::~HttpServer() {
   loop_.Unwatch(Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd);
-  for (const auto& [connection, conversation] : conversations_) conversation->Resume();
+  for (const auto& [handle, connection] : connections_) {
+    if (connection.conversation) connection.conversation->Resume();
+  }
   Mhd().stop_daemon(daemon_);
 }
 
@@ -324,16 +323,23 @@ void HttpServer::CutOff() {
   if (now < nextCut_) return;
   nextCut_ = now + longest_ / 30;
   const Clock::time_point limit = now - longest_;
-  for (auto& [connection, since] : since_) {
-    if (since > limit) continue;
-    ::shutdown(Mhd().get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd,
+  for (auto& [handle, connection] : connections_) {
+    if (connection.sendsEvents || connection.since > limit) continue;
+    ::shutdown(Mhd().get_connection_info(handle, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd,
                SHUT_RDWR);
-    since = now;
+    connection.since = now;
   }
 }
 
 void HttpServer::Pump() {
-  for (const auto& [connection, conversation] : sources_) conversation->WakeUp();
+  for (const auto& [handle, connection] : connections_) {
+    if (connection.sendsEvents) connection.conversation->WakeUp();
+  }
+}
+
+std::size_t HttpServer::EventSources() const {
+  return static_cast<std::size_t>(std::ranges::count_if(
+      connections_, [](const auto& entry) { return entry.second.sendsEvents; }));
 }
 
 }  // namespace rotacasts::host::web
