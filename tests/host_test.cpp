@@ -330,6 +330,7 @@ class ConsoleTest : public ::testing::Test {
   }
   void Restart(const HostOptions& options) {
     running_.reset(new Running{options, out_});
+    running_->profiles.PrintSkipped();
     running_->profiles.MakeWhatIsMissing();
     running_->host.LoadEveryProfile();
   }

@@ -210,7 +210,7 @@ void Console::PrintMessages(std::int32_t index) {
 void Console::PrintAllStatus() {
   std::vector<ProfileStatus> all;
   for (const auto& [index, profile] : host_.Profiles().All()) all.push_back(host_.StatusOf(index));
-  PrintStatus(out_, all);
+  PrintStatus(out_, host_.Previews(), all);
 }
 
 void Console::PrintSent(std::int32_t profile) {
@@ -268,7 +268,7 @@ void Console::PrintRemote(Arguments& arguments) {
   const std::string operation = arguments.Word();
   const std::optional<std::string> data = arguments.Rest();
   const HostValue value = data ? HostValue(*data) : HostValue(HostValue::Missing{});
-  const HostedPlugin::Reply reply = host_.Remote(profile, operation, value);
+  const HostedPlugin::Reply reply = host_.Remote(profile, RemoteOperationOf(operation), value);
   for (const std::string& problem : reply.problems) out_ << problem << "\n";
   out_ << '"' << reply.text << "\"\n";
 }

@@ -45,6 +45,7 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   HostProfiles& profiles_;
   Troubles& troubles_;
   const std::int32_t index_;
+  const std::chrono::nanoseconds minute_;
   MachineFiles machineFiles_;
   IniFiles files_{machineFiles_};
   forms::WindowHandle parent_ = 0;  // of the window, once loaded
@@ -65,7 +66,7 @@ class HeadlessPlugin::Instance::Errors final : public ErrorReporter {
 
   void ReportError(const Failure& failure) override try {
     if (!instance_.files_.Settle()) return;  // the operation will run again
-    const std::string words = WordsOf(instance_.Label(), failure.error, failure.procedure);
+    const std::string words = DescribeError(instance_.Label(), failure.error, failure.procedure);
     const bool isReported = instance_.troubles_.IsReported({instance_.index_}, words);
     if (!IsServerAway(failure.error)) instance_.Tell(words);  // HostProfiles tells of that
     if (isReported) return;
@@ -90,6 +91,7 @@ HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, s
     : profiles_(profiles),
       troubles_(troubles),
       index_(index),
+      minute_(minute),
       timers_(minute),
       toolkit_(timers_),
       state_({profiles.Components(), *this, profiles.Components().Clock(), toolkit_},
@@ -123,7 +125,7 @@ void HeadlessPlugin::Instance::Load(forms::WindowHandle parent, const HostValue&
   parent_ = parent;
   const auto failure = files_.Run([&] { plugin_.LoadInterface(index_, parent, data); });
   if (!failure) return;
-  const std::string words = WordsOf(Label(), *failure, "LoadInterface");
+  const std::string words = DescribeError(Label(), *failure, "LoadInterface");
   Tell(words);
   profiles_.Record("LoadInterface", words);
 }
@@ -171,9 +173,9 @@ HostedPlugin::Progress HeadlessPlugin::Instance::GetProgress() const {
   progress.interval = window->Interval();
   progress.elapsedTicks = state_.tables.ElapsedTicks(index_);
   progress.nextMessage = state_.tables.NextMessage(index_);
-  progress.nextTick = *next;
   try {
-    progress.ticksLeft = TicksUntilDue(progress.interval, progress.elapsedTicks);
+    const std::int32_t ticks = TicksUntilDue(progress.interval, progress.elapsedTicks);
+    if (ticks > 0) progress.due = *next + (ticks - 1) * minute_;
   } catch (const RuntimeError&) {  // no number: every tick fails
   }
   return progress;

@@ -30,7 +30,7 @@ Preview::Game Preview::GameOf(const ProfileSettings& profile) try {
   const bool isRunning = game_.IsGameRunning(kLookedAt);
   return {isRunning ? Game::State::Running : Game::State::Idle, {}};
 } catch (const RuntimeError& error) {
-  return {Game::State::Unreachable, WordsOf(profile.Label(), error, "GameOf")};
+  return {Game::State::Unreachable, DescribeError(profile.Label(), error, "GameOf")};
 }
 
 Preview::Text Preview::TextOf(const ProfileSettings& profile, const Game& game,

@@ -19,8 +19,8 @@ std::string Length(Troubles::Clock::duration length) {
 
 }  // namespace
 
-std::string WordsOf(const std::string& label, const RuntimeError& error,
-                    const std::string& procedure) {
+std::string DescribeError(const std::string& label, const RuntimeError& error,
+                          const std::string& procedure) {
   if (IsServerError(error)) return error.description;  // it names the profile
   std::string words = label + ": " + error.description;
   if (error.isGeneric)

@@ -16,8 +16,8 @@ namespace rotacasts::host {
 
 /// An error of a profile in words for people, which begin with the profile's label. A description
 /// that says no more than the error's number is extended by that and the plugin's procedure.
-std::string WordsOf(const std::string& label, const RuntimeError& error,
-                    const std::string& procedure);
+std::string DescribeError(const std::string& label, const RuntimeError& error,
+                          const std::string& procedure);
 
 /// What a profile does again and again, and what can therefore fail again and again.
 struct Work {

@@ -12,9 +12,9 @@ std::string UrlOf(const std::string& address, std::uint16_t port) {
 
 }  // namespace
 
-WebSite::WebSite(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out)
-    : api_(loop, host, options, sessions_, out),
-      server_(loop, options.web,
+WebSite::WebSite(EventLoop& loop, ServerHost& host, const std::string& address, std::ostream& out)
+    : api_(loop, host, sessions_, out),
+      server_(loop, address,
               [this](const std::shared_ptr<Exchange>& exchange) { api_.Handle(exchange); }) {
   api_.onChange = [this] { server_.Pump(); };
   loop.AddDeadline(
@@ -27,7 +27,7 @@ WebSite::WebSite(EventLoop& loop, ServerHost& host, const HostOptions& options, 
         api_.Refresh();
         server_.Pump();
       });
-  out << "the page: " << UrlOf(options.web, server_.Port()) << "\n";
+  out << "the page: " << UrlOf(address, server_.Port()) << "\n";
   if (Admins(host.Profiles().Folder()).All().empty()) {
     out << "nobody may sign in yet; \"rotacasts-host admin set NAME --host-folder DIR\" lets "
            "somebody\n";
