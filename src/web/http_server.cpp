@@ -1,16 +1,11 @@
 #include "web/http_server.h"
 
-#include <arpa/inet.h>
-#include <netdb.h>
-#include <poll.h>
-#include <sys/socket.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 
 #include "base/runtime_error.h"
-#include "host/complaint.h"
+#include "machine/linux/tcp.h"
 #include "web/microhttpd.h"
 
 namespace rotacasts::host::web {
@@ -41,46 +36,9 @@ constexpr std::pair<const char*, const char*> kHeadersOfAll[] = {
     {"Cache-Control", "no-store"},
 };
 
-struct AddressInfo {
-  addrinfo* list = nullptr;
-  ~AddressInfo() {
-    if (list != nullptr) ::freeaddrinfo(list);
-  }
-};
-
-/// Errors: 5 unless the address is a numeric ADDRESS:PORT.
-void Resolve(const std::string& address, AddressInfo& info) {
-  const std::size_t colon = address.rfind(':');
-  std::string host = address.substr(0, std::min(colon, address.size()));
-  const std::string port = colon == address.npos ? "" : address.substr(colon + 1);
-  if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
-  addrinfo hints{};
-  hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
-  hints.ai_socktype = SOCK_STREAM;
-  if (!host.empty() && !port.empty() &&
-      ::getaddrinfo(host.c_str(), port.c_str(), &hints, &info.list) == 0) {
-    return;
-  }
-  throw Complaint("\"" + address +
-                  "\" is no address to listen at; give one such as 127.0.0.1:8480");
-}
-
 std::string AddressOf(MHD_Connection* connection) {
   const auto* info = Mhd().get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
-  char text[INET6_ADDRSTRLEN] = "";
-  if (info->client_addr->sa_family == AF_INET) {
-    const auto* address = reinterpret_cast<const sockaddr_in*>(info->client_addr);
-    ::inet_ntop(AF_INET, &address->sin_addr, text, sizeof text);
-  } else {
-    sockaddr_in6 address = *reinterpret_cast<const sockaddr_in6*>(info->client_addr);
-    std::fill(address.sin6_addr.s6_addr + 8, address.sin6_addr.s6_addr + 16, std::uint8_t{0});
-    if (IN6_IS_ADDR_LOOPBACK(
-            &reinterpret_cast<const sockaddr_in6*>(info->client_addr)->sin6_addr)) {
-      return "::1";
-    }
-    ::inet_ntop(AF_INET6, &address.sin6_addr, text, sizeof text);  // a network counts as one client
-  }
-  return text;
+  return ClientAddressOf(*info->client_addr);
 }
 
 class ReceivedRequest final : public Request {
@@ -266,19 +224,18 @@ HttpServer::HttpServer(EventLoop& loop, const std::string& address, Handler hand
     : loop_(loop), handler_(std::move(handler)), longest_(longest) {
   Start(address);
   const auto* events = Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD);
-  loop_.Watch(events->epoll_fd, POLLIN, [this](short) { Run(); });
+  loop_.Watch(events->epoll_fd, EventLoop::kReadable, [this](short) { Run(); });
   loop_.AddDeadline([this] { return NextRun(); }, [this] { Run(); });
 }
 
 void HttpServer::Start(const std::string& address) {
-  AddressInfo info;
-  Resolve(address, info);
-  const unsigned v6 = info.list->ai_family == AF_INET6 ? unsigned{MHD_USE_IPv6} : 0U;
+  const ListenAddress listen(address);
+  const unsigned v6 = listen.IsIPv6() ? unsigned{MHD_USE_IPv6} : 0U;
   errno = 0;
   daemon_ = Mhd().start_daemon(MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG | v6, 0,
                                nullptr, nullptr, &Callbacks::Access, this,                 //
                                MHD_OPTION_EXTERNAL_LOGGER, &Callbacks::Log, nullptr,       //
-                               MHD_OPTION_SOCK_ADDR, info.list->ai_addr,                   //
+                               MHD_OPTION_SOCK_ADDR, listen.Get(),                         //
                                MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::Completed, this,   //
                                MHD_OPTION_NOTIFY_CONNECTION, &Callbacks::Connected, this,  //
                                MHD_OPTION_CONNECTION_LIMIT, kMostConnections,              //
@@ -325,8 +282,7 @@ void HttpServer::CutOff() {
   const Clock::time_point limit = now - longest_;
   for (auto& [handle, connection] : connections_) {
     if (connection.sendsEvents || connection.since > limit) continue;
-    ::shutdown(Mhd().get_connection_info(handle, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd,
-               SHUT_RDWR);
+    host::CutOff(Mhd().get_connection_info(handle, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd);
     connection.since = now;
   }
 }
