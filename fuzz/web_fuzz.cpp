@@ -130,7 +130,7 @@ class Arena {
   EventLoop loop_;
   Admins admins_{profiles_.Folder()};
   Sessions sessions_;
-  Api api_{loop_, host_, options_, sessions_, out_};
+  Api api_{loop_, host_, sessions_, out_};
   std::vector<std::string> tokens_;
 };
 

@@ -38,9 +38,9 @@ TEST(ProfileSettings, NonsenseIsSkippedAndSaysWhatToDo) {
   EXPECT_EQ(loaded.profiles[1].process, "1234");
   EXPECT_EQ(loaded.profiles[2].gameCode, "DFX2_AFF2");
   ASSERT_EQ(loaded.problems.size(), 11U);
-  EXPECT_TRUE(loaded.problems[3].starts_with(folder.File("profiles/srv10/profile.ini") +
-                                             ":3: GameCode is \"jo\"; give one of DFBHD, "));
-  for (const std::string& problem : loaded.problems) {
+  EXPECT_TRUE(loaded.problems[3].words.starts_with(folder.File("profiles/srv10/profile.ini") +
+                                                   ":3: GameCode is \"jo\"; give one of DFBHD, "));
+  for (const auto& [profile, problem] : loaded.problems) {
     EXPECT_NE(problem.find("give"), problem.find("save")) << problem;  // each says what to do
   }
 }
@@ -50,7 +50,7 @@ TEST(Check, WarnsOfWhatWouldSurpriseInAMessageFile) {
   const auto warnings = [&](const std::string& bytes) {
     folder.Write("a.ini", "[Messages]\r\n" + bytes + "\r\n");
     std::vector<std::string> found;
-    CheckedFile file(folder.Path() + "\\a.ini", found);
+    FileCheck file(folder.Path() + "\\a.ini", found);
     CheckMessages(file);
     return found;
   };

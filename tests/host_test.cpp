@@ -307,12 +307,12 @@ TEST(TroublesTest, SaysWhatComesBackOnceAndThatItIsOver) {
   for (const auto& problems :
        {none, {"A: gone", "A: odd", "A: odd"}, gone, gone, gone, none, none, gone}) {
     out << '|';
-    for (const std::string& words : problems) troubles.Met(1, words, now);
-    troubles.TickEnded(1, "A", now);
-    troubles.TickTriedNothing(1);
+    for (const std::string& words : problems) troubles.ReportStarted({1}, words, now);
+    troubles.ReportEnded({1}, "A", now);
+    troubles.EndUntried({1});
     now += std::chrono::seconds(30);
   }
-  troubles.Met(2, "A: gone", now);
+  troubles.ReportStarted({1, Work::Kind::Chat}, "A: gone", now);
   EXPECT_EQ(out.str(),
             "||A: gone\nA: odd\n||||A: all is well again after 2 min 0 s; ticks that failed: "
             "4\n||A: gone\nA: gone\n");
@@ -330,6 +330,7 @@ class ConsoleTest : public ::testing::Test {
   }
   void Restart(const HostOptions& options) {
     running_.reset(new Running{options, out_});
+    running_->profiles.PrintSkipped();
     running_->profiles.MakeWhatIsMissing();
     running_->host.LoadEveryProfile();
   }

@@ -50,7 +50,9 @@ std::string Describe(ErrorNumber number, std::string_view detail) {
 }  // namespace
 
 RuntimeError::RuntimeError(ErrorNumber errorNumber, std::string_view detail)
-    : RuntimeError(static_cast<std::int32_t>(errorNumber), Describe(errorNumber, detail)) {}
+    : RuntimeError(static_cast<std::int32_t>(errorNumber), Describe(errorNumber, detail)) {
+  isGeneric = detail.empty();
+}
 
 std::string_view DescriptionOf(std::int32_t errorNumber) {
   for (const Description& row : kDescriptions) {

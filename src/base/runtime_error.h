@@ -52,9 +52,15 @@ class RuntimeError : public std::exception {
     return number == static_cast<std::int32_t>(errorNumber);
   }
   const char* what() const noexcept override { return description.c_str(); }
+  /// Adds what the description leaves open.
+  void Extend(std::string_view detail) {
+    description += detail;
+    isGeneric = false;
+  }
 
   std::int32_t number;
   std::string description;
+  bool isGeneric = false;  // the description says no more than the number
   // Details that a component adds to its error; empty for the plugin's own errors.
   std::string source;
   std::string helpFile;

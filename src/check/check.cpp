@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <ostream>
+#include <set>
 
 #include "base/conversions.h"
 #include "base/text.h"
@@ -31,7 +32,7 @@ void CheckConfiguration(const std::string& hostFolder, std::vector<std::string>&
   const std::string path =
       FindFile(HostFolder(hostFolder).Settings(), HostFolder::kConfiguration, warnings);
   if (path.empty()) return;  // the host creates one when it starts
-  CheckedFile file(path, warnings);
+  FileCheck file(path, warnings);
   file.CheckLines();
   const std::string value =
       FromWindows1252(file.Ini().Value("Settings", "ReportErrors").value_or(""));
@@ -41,20 +42,23 @@ void CheckConfiguration(const std::string& hostFolder, std::vector<std::string>&
                   "\"; write 0, or 1 for a report of each error, below [Settings]");
 }
 
-void CheckProfileFolder(const std::string& hostFolder, const std::string& folder,
+/// Returns false if the profile's description is there but cannot be read.
+bool CheckProfileFolder(const std::string& hostFolder, const std::string& folder,
                         std::vector<std::string>& warnings) {
   const std::string path = HostFolder(hostFolder).Profiles() + "\\" + folder;
   const std::size_t before = warnings.size();
   const std::string description = FindFile(path, HostFolder::kDescription, warnings);
   if (description.empty()) {
-    if (warnings.size() > before) return;
-    warnings.push_back(NativePath(path).string() +
-                       ": is ignored, for it has no profile.ini; write one, or move it away");
-    return;
+    if (warnings.size() == before) {
+      warnings.push_back(NativePath(path).string() +
+                         ": is ignored, for it has no profile.ini; write one, or move it away");
+    }
+    return true;
   }
-  CheckedFile file(description, warnings);
+  FileCheck file(description, warnings);
   file.CheckLines();
   file.CheckKeys("Profile", {"Index", "GameCode", "Process", "Target", "Say"});
+  return file.IsReadable();
 }
 
 void CheckMessageFile(const std::string& hostFolder, const ProfileSettings& profile,
@@ -65,8 +69,8 @@ void CheckMessageFile(const std::string& hostFolder, const ProfileSettings& prof
   const std::string found =
       FindFile(paths.Settings(profile.folder), HostFolder::kMessageFile, warnings);
   if (!found.empty()) {
-    CheckedFile file(found, warnings);
-    if (warnings.size() == before || !file.Ini().Bytes().empty()) CheckMessages(file);
+    FileCheck file(found, warnings);
+    if (file.IsReadable() || !file.Ini().Bytes().empty()) CheckMessages(file);
   } else if (warnings.size() == before) {
     warnings.push_back(NativePath(path).string() +
                        ": there is no such file, so there are no messages; write one, or \"add\" "
@@ -104,7 +108,7 @@ void CheckClashes(const std::string& hostFolder, const std::vector<ProfileSettin
 }
 
 void CheckServers(const std::string& hostFolder, std::vector<std::string>& warnings) {
-  std::ostream none(nullptr);  // problems of files are already in the warnings
+  std::ostream none(nullptr);  // nothing that prints is called
   HostProfiles profiles(hostFolder, none);
   Preview preview(profiles);
   for (const auto& [index, profile] : profiles.All()) {
@@ -125,15 +129,13 @@ void CheckServers(const std::string& hostFolder, std::vector<std::string>& warni
 Findings CheckHostFolder(const std::string& hostFolder) {
   Findings found;
   CheckConfiguration(hostFolder, found.warnings);
+  std::set<std::string> unreadable;  // folders whose problem is already in the warnings
   for (const std::string& folder : ProfileFolders(hostFolder)) {
-    CheckProfileFolder(hostFolder, folder, found.warnings);
+    if (!CheckProfileFolder(hostFolder, folder, found.warnings)) unreadable.insert(folder);
   }
   const LoadedProfiles loaded = LoadProfiles(hostFolder);
-  for (const std::string& problem : loaded.problems) {
-    const bool isKnown =  // such as a file that cannot be read
-        std::any_of(found.warnings.begin(), found.warnings.end(),
-                    [&](const std::string& warning) { return warning.ends_with(problem); });
-    if (!isKnown) found.warnings.push_back(problem);
+  for (const LoadedProfiles::Problem& problem : loaded.problems) {
+    if (!unreadable.contains(problem.folder)) found.warnings.push_back(problem.words);
   }
   found.profiles = loaded.profiles.size();
   for (const ProfileSettings& profile : loaded.profiles) {

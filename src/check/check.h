@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "check/checked_file.h"
+#include "check/file_check.h"
 #include "host/profile_settings.h"
 
 namespace rotacasts::host {
@@ -25,7 +25,7 @@ Findings CheckHostFolder(const std::string& hostFolder);
 std::vector<std::string> ConvertHostFolder(const std::string& hostFolder);
 
 /// Checks a profile's message file.
-void CheckMessages(CheckedFile& file);
+void CheckMessages(FileCheck& file);
 
 /// Checks what a usable profile names: its programs.
 void CheckProfile(const std::string& hostFolder, const ProfileSettings& profile,

@@ -74,7 +74,7 @@ std::vector<std::string> MessageWarnings(const std::string& bytes) {
 }
 
 /// Warns unless the option is a number in its range.
-void CheckOption(CheckedFile& file, const Option& option, const char* whenMissing) {
+void CheckOption(FileCheck& file, const Option& option, const char* whenMissing) {
   const std::string key = option.key;
   const std::string text = FromWindows1252(file.Ini().Value(kOptionsSection, key).value_or(""));
   const std::string range = std::to_string(option.lowest) + " to " + std::to_string(option.highest);
@@ -93,7 +93,7 @@ void CheckOption(CheckedFile& file, const Option& option, const char* whenMissin
 
 }  // namespace
 
-void CheckMessages(CheckedFile& file) {
+void CheckMessages(FileCheck& file) {
   file.CheckLines();
   file.CheckKeys(kOptionsSection, {kEnable.key, kInterval.key});
   std::size_t position = 0;

@@ -9,7 +9,6 @@
 #include "console/status_table.h"
 #include "console/text_table.h"
 #include "host/complaint.h"
-#include "host/troubles.h"
 #include "machine/native_files.h"
 
 namespace rotacasts::host {
@@ -208,7 +207,7 @@ void Console::PrintMessages(std::int32_t index) {
 void Console::PrintAllStatus() {
   std::vector<ProfileStatus> all;
   for (const auto& [index, profile] : host_.Profiles().All()) all.push_back(host_.StatusOf(index));
-  PrintStatus(out_, all);
+  PrintStatus(out_, host_.Previews(), all);
 }
 
 void Console::PrintSent(std::int32_t profile) {
@@ -242,12 +241,10 @@ void Console::PrintPlaceholders(std::int32_t index) {
   if (index == 0) index = FirstRunning();
   const ProfileSettings& profile = host_.Profiles().At(index);
   const Preview::Game game = host_.Previews().GameOf(profile);
-  if (!game.problem.empty()) out_ << Named(profile.Label(), game.problem) << "\n";
+  if (!game.problem.empty()) out_ << game.problem << "\n";
   TextTable table({"Placeholder", "Says now for " + profile.Label()});
   for (const std::string& placeholder : AllPlaceholders()) {
-    Preview::Text text = host_.Previews().TextOf(profile, game, placeholder);
-    if (!game.problem.empty()) text.problem = "no game server";
-    table.Add({placeholder, text.Shown()});
+    table.Add({placeholder, host_.Previews().TextOf(profile, game, placeholder).Shown()});
   }
   table.Print(out_);
 }
@@ -268,7 +265,7 @@ void Console::PrintRemote(Arguments& arguments) {
   const std::string operation = arguments.Word();
   const std::optional<std::string> data = arguments.Rest();
   const HostValue value = data ? HostValue(*data) : HostValue(HostValue::Missing{});
-  const HostedPlugin::Reply reply = host_.Remote(profile, operation, value);
+  const HostedPlugin::Reply reply = host_.Remote(profile, RemoteOperationOf(operation), value);
   for (const std::string& problem : reply.problems) out_ << problem << "\n";
   out_ << '"' << reply.text << "\"\n";
 }
@@ -277,7 +274,7 @@ bool PrintMessageTable(std::ostream& out, Preview& preview, const ProfileSetting
                        const MessageList& list) {
   const Preview::Game game = preview.GameOf(profile);
   const bool isReached = game.state != Preview::Game::State::Unreachable;
-  if (!isReached) out << Named(profile.Label(), game.problem) << "\n";
+  if (!isReached) out << game.problem << "\n";
   if (list.messages.empty()) {
     out << profile.Label() << " has no messages in " << NativePath(list.path).string() << "\n";
     return isReached;
@@ -285,9 +282,7 @@ bool PrintMessageTable(std::ostream& out, Preview& preview, const ProfileSetting
   TextTable table({"Position", "Message", "Says now"});
   for (std::size_t i = 0; i < list.messages.size(); ++i) {
     const std::string& message = list.messages[i].text;
-    Preview::Text text = preview.TextOf(profile, game, message);
-    if (!isReached && !text.problem.empty()) text.problem = "no game server";
-    table.Add({std::to_string(i), message, text.Shown()});
+    table.Add({std::to_string(i), message, preview.TextOf(profile, game, message).Shown()});
   }
   table.Print(out);
   return isReached;

@@ -3,22 +3,21 @@
 #include <string>
 
 #include "console/text_table.h"
-#include "host/troubles.h"
 
 namespace rotacasts::host {
 namespace {
 
 constexpr const char* kNotKnown = "-";
 
-std::string NextMessage(const ProfileStatus& status) {
+std::string NextMessage(Preview& preview, const ProfileStatus& status) {
   if (!status.progress) return kNotKnown;
   if (!status.position) return "(no messages)";
-  const std::string says = status.text.Shown();
+  const std::string says = preview.TextOf(status.profile, status.game, status.message).Shown();
   return std::to_string(*status.position) + ": " +
          (says == status.message ? says : status.message + " -> " + says);
 }
 
-std::vector<std::string> Row(const ProfileStatus& status) {
+std::vector<std::string> Row(Preview& preview, const ProfileStatus& status) {
   constexpr const char* kGames[] = {"unreachable", "idle", "running"};
   const std::string game = kGames[static_cast<int>(status.game.state)];
   return {std::to_string(status.profile.index),
@@ -28,20 +27,19 @@ std::vector<std::string> Row(const ProfileStatus& status) {
           status.isSwitchedOn ? "on" : "off",
           status.interval + " min",
           status.progress ? std::to_string(status.progress->elapsedTicks) : kNotKnown,
-          status.problem.empty() ? NextMessage(status) : "(cannot be read)"};
+          status.problem.empty() ? NextMessage(preview, status) : "(cannot be read)"};
 }
 
 }  // namespace
 
-void PrintStatus(std::ostream& out, const std::vector<ProfileStatus>& all) {
+void PrintStatus(std::ostream& out, Preview& preview, const std::vector<ProfileStatus>& all) {
   TextTable table(
       {"Profile", "Folder", "Code", "Game", "Switch", "Every", "Ticks", "Next message"});
-  for (const ProfileStatus& status : all) table.Add(Row(status));
+  for (const ProfileStatus& status : all) table.Add(Row(preview, status));
   table.Print(out);
   for (const ProfileStatus& status : all) {
-    for (const std::string& problem : {status.game.problem, status.problem}) {
-      if (!problem.empty()) out << Named(status.profile.Label(), problem) << "\n";
-    }
+    if (!status.game.problem.empty()) out << status.game.problem << "\n";
+    if (!status.problem.empty()) out << status.profile.Label() << ": " << status.problem << "\n";
     if (status.isFileAhead) {
       out << status.profile.Label()
           << ": its message file has another switch or interval; \"reload\" takes them over\n";

@@ -8,7 +8,7 @@
 
 namespace rotacasts::host {
 
-/// Prints a line for each profile, and their problems below.
-void PrintStatus(std::ostream& out, const std::vector<ProfileStatus>& all);
+/// Prints a line for each profile, with what its next message says now, and their problems below.
+void PrintStatus(std::ostream& out, Preview& preview, const std::vector<ProfileStatus>& all);
 
 }  // namespace rotacasts::host

@@ -37,14 +37,15 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   const TimerLoop& Timers() const { return timers_; }
 
  private:
-  /// Reports an error before it is logged. One that recurs on every tick is logged once.
-  class Utility;
+  class Errors;
+  /// Reports a problem, in words that begin with the profile's label.
   void Tell(const std::string& words);
   std::string Label() const;
 
   HostProfiles& profiles_;
   Troubles& troubles_;
   const std::int32_t index_;
+  const std::chrono::nanoseconds minute_;
   MachineFiles machineFiles_;
   IniFiles files_{machineFiles_};
   forms::WindowHandle parent_ = 0;  // of the window, once loaded
@@ -56,28 +57,33 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   std::vector<std::string>* problems_ = nullptr;  // of the current call
 };
 
-class HeadlessPlugin::Instance::Utility final : public HostUtilityComponent {
+/// Prints an error instead of showing a box. One that recurs on every tick is printed, logged and
+/// sent as a report once.
+class HeadlessPlugin::Instance::Errors final : public ErrorReporter {
  public:
-  explicit Utility(Instance& instance)
-      : HostUtilityComponent(instance.profiles_.Folder(), instance.profiles_.Components().Clock(),
-                             instance.files_),
-        instance_(instance) {}
-  void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
-                std::int32_t& line) override {
-    goesOn_ = true;
+  Errors(Instance& instance, const HostServices& services, const ProfileTables& tables)
+      : ErrorReporter(services, tables), instance_(instance) {}
+
+  void ReportError(const Failure& failure) override try {
     if (!instance_.files_.Settle()) return;  // the operation will run again
-    const std::string words = Named(instance_.Label(), WordsOf(error, procedure));
-    goesOn_ = instance_.troubles_.IsOld(instance_.index_, words);
-    if (words != instance_.profiles_.WhyServerIsAway(instance_.index_)) instance_.Tell(words);
-    if (!goesOn_) HostUtilityComponent::LogError(module, procedure, error, line);
+    const std::string words = DescribeError(instance_.Label(), failure.error, failure.procedure);
+    const bool isReported = instance_.troubles_.IsReported({instance_.index_}, words);
+    if (!IsServerAway(failure.error)) instance_.Tell(words);  // HostProfiles tells of that
+    if (isReported) return;
+    Failure recorded = failure;
+    recorded.quiet = true;
+    ErrorReporter::ReportError(recorded);
+  } catch (...) {  // out of memory; the host must go on
   }
-  bool SendErrorReport(HostValue& report) override {
-    return goesOn_ || HostUtilityComponent::SendErrorReport(report);
+
+ protected:
+  void TellOfNoReport(const RuntimeError& why) override {
+    instance_.Tell(instance_.Label() + ": no report was sent (" + std::to_string(why.number) +
+                   ": " + why.description + "); is ReportErrors in settings/config.ini 0 or 1?");
   }
 
  private:
   Instance& instance_;
-  bool goesOn_ = false;  // whether the last error is a recurring one
 };
 
 HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, std::int32_t index,
@@ -85,22 +91,18 @@ HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, s
     : profiles_(profiles),
       troubles_(troubles),
       index_(index),
+      minute_(minute),
       timers_(minute),
       toolkit_(timers_),
-      state_({profiles.Components(), *this, profiles.Components().Clock(), toolkit_}),
-      plugin_(state_) {
-  toolkit_.onMessageBox = [this](const std::string& text, const std::string& title) {
-    if (title == "DLL Error!") return;  // already reported
-    // Reporting an error has failed; the error itself was shown and logged.
-    const bool isSecond = title == "tvxRT.dll Error";
-    Tell(isSecond
-             ? "no report was sent (" + text + "); is ReportErrors in settings/config.ini 0 or 1?"
-             : title + ": " + text);
-  };
-}
+      state_({profiles.Components(), *this, profiles.Components().Clock(), toolkit_},
+             [this](const HostServices& services, const ProfileTables& tables) {
+               return std::make_unique<Errors>(*this, services, tables);
+             }),
+      plugin_(state_) {}
 
 std::unique_ptr<UtilityComponent> HeadlessPlugin::Instance::CreateUtility() {
-  return std::make_unique<Utility>(*this);
+  return std::make_unique<HostUtilityComponent>(profiles_.Folder(), profiles_.Components().Clock(),
+                                                files_);
 }
 
 std::string HeadlessPlugin::Instance::Label() const {
@@ -110,13 +112,12 @@ std::string HeadlessPlugin::Instance::Label() const {
 }
 
 void HeadlessPlugin::Instance::Tell(const std::string& words) {
-  const std::string named = Named(Label(), words);
   if (problems_ != nullptr) {
-    if (std::ranges::find(*problems_, named) == problems_->end()) problems_->push_back(named);
+    if (std::ranges::find(*problems_, words) == problems_->end()) problems_->push_back(words);
   } else if (isInTick_) {
-    troubles_.Met(index_, named);
+    troubles_.ReportStarted({index_}, words);
   } else {
-    troubles_.Once(named);
+    troubles_.Print(words);
   }
 }
 
@@ -124,9 +125,9 @@ void HeadlessPlugin::Instance::Load(forms::WindowHandle parent, const HostValue&
   parent_ = parent;
   const auto failure = files_.Run([&] { plugin_.LoadInterface(index_, parent, data); });
   if (!failure) return;
-  const std::string words = WordsOf(*failure, "LoadInterface");
+  const std::string words = DescribeError(Label(), *failure, "LoadInterface");
   Tell(words);
-  profiles_.Record("LoadInterface", Named(Label(), words));
+  profiles_.Record("LoadInterface", words);
 }
 
 HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::string()>& operation,
@@ -140,8 +141,8 @@ HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::st
   };
   Reply reply;
   const Listening listening(problems_, reply);
-  const IniFiles::Listener unstored(files_,
-                                    [this](const RuntimeError& error) { Tell(error.description); });
+  const IniFiles::Listener unstored(
+      files_, [this](const RuntimeError& error) { Tell(Label() + ": " + error.description); });
   if (files_.Run([&] { reply.text = operation(); })) {
     reply.text.clear();
     const std::vector<std::string> problems = reply.problems;
@@ -156,8 +157,10 @@ void HeadlessPlugin::Instance::RunDue() {
   const int ran = timers_.RunDue();
   isInTick_ = false;
   if (ran == 0) return;
-  if (!profiles_.WhyServerIsAway(index_).empty()) return troubles_.TickTriedNothing(index_);
-  if (const auto ended = troubles_.TickEnded(index_, Label())) profiles_.Record("tmrRT", *ended);
+  if (profiles_.IsServerAway(index_)) return troubles_.EndUntried({index_});
+  if (const auto ended = troubles_.ReportEnded({index_}, Label())) {
+    profiles_.Record("tmrRT", *ended);
+  }
 }
 
 HostedPlugin::Progress HeadlessPlugin::Instance::GetProgress() const {
@@ -170,9 +173,9 @@ HostedPlugin::Progress HeadlessPlugin::Instance::GetProgress() const {
   progress.interval = window->Interval();
   progress.elapsedTicks = state_.tables.ElapsedTicks(index_);
   progress.nextMessage = state_.tables.NextMessage(index_);
-  progress.nextTick = *next;
   try {
-    progress.ticksLeft = TicksUntilDue(progress.interval, progress.elapsedTicks);
+    const std::int32_t ticks = TicksUntilDue(progress.interval, progress.elapsedTicks);
+    if (ticks > 0) progress.due = *next + (ticks - 1) * minute_;
   } catch (const RuntimeError&) {  // no number: every tick fails
   }
   return progress;

@@ -37,8 +37,12 @@ HostProfiles::HostProfiles(const std::string& hostFolder, std::ostream& out)
     TellOfServer(news, words);
   };
   LoadedProfiles loaded = LoadProfiles(folder_);
-  for (const std::string& problem : loaded.problems) out_ << "skipped: " << problem << "\n";
+  skipped_ = std::move(loaded.problems);
   for (ProfileSettings& profile : loaded.profiles) Use(std::move(profile));
+}
+
+void HostProfiles::PrintSkipped() const {
+  for (const auto& problem : skipped_) out_ << "skipped: " << problem.words << "\n";
 }
 
 void HostProfiles::TellOfServer(ServerNews news, const std::string& words) const {
@@ -85,7 +89,7 @@ const ProfileSettings& HostProfiles::At(std::int32_t index) const {
                   "; \"status\" lists those there are, \"reload\" looks for new ones");
 }
 
-const ProfileSettings& HostProfiles::ReadAnew(std::int32_t index) {
+const ProfileSettings& HostProfiles::Reread(std::int32_t index) {
   const ProfileSettings known = At(index);
   ProfileSettings fresh = ReadProfile(folder_, known.folder);
   if (fresh.index != index) {
@@ -102,10 +106,10 @@ bool HostProfiles::IsStillDescribed(const ProfileSettings& profile) const try {
   return HasProfileFile(folder_, profile.folder);
 }
 
-HostProfiles::Changes HostProfiles::ReadAllAnew() {
+HostProfiles::Changes HostProfiles::RereadAll() {
   Changes changes;
   LoadedProfiles loaded = LoadProfiles(folder_);
-  for (const std::string& problem : loaded.problems) out_ << "not used: " << problem << "\n";
+  for (const auto& problem : loaded.problems) out_ << "not used: " << problem.words << "\n";
   for (ProfileSettings& profile : loaded.profiles) {
     const auto known = profiles_.find(profile.index);
     if (known != profiles_.end() && known->second == profile) continue;

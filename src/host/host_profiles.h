@@ -17,10 +17,13 @@ namespace rotacasts::host {
 /// Errors: 5 for an index that no profile has.
 class HostProfiles {
  public:
-  /// Reads the profiles and says on `out` what is wrong with those that cannot be used; later, that
-  /// a server is away, and that it is back.
-  /// `hostFolder` is absolute, in the machine's spelling. Error 76 without the folder.
+  /// Reads the profiles; later says on `out` what is wrong with profiles, that a server is away,
+  /// and that it is back. `hostFolder` is absolute, in the machine's spelling. Error 76 without the
+  /// folder.
   HostProfiles(const std::string& hostFolder, std::ostream& out);
+
+  /// Says what is wrong with the profiles that could not be used when they were first read.
+  void PrintSkipped() const;
 
   /// Creates what the plugin needs and the host folder lacks: settings\config.ini and the profiles'
   /// settings folders. A profile whose folder cannot be created is dropped, with a message.
@@ -33,22 +36,20 @@ class HostProfiles {
   /// By index.
   const std::map<std::int32_t, ProfileSettings>& All() const { return profiles_; }
   const ProfileSettings& At(std::int32_t index) const;
-  /// Why the profile's server is away, as the plugin's reads have found it; empty while it is not.
-  const std::string& WhyServerIsAway(std::int32_t index) {
-    return platform_.Processes().WhyAway(handles_.at(index));
-  }
+  /// Whether the profile's server is away, as the plugin's reads have found it.
+  bool IsServerAway(std::int32_t index) { return platform_.Processes().IsAway(handles_.at(index)); }
   /// The elements of the profile data array that describe the profile.
   HostValue::Array DataOf(const ProfileSettings& profile) const;
 
   /// Rereads one profile.ini.
-  const ProfileSettings& ReadAnew(std::int32_t index);
+  const ProfileSettings& Reread(std::int32_t index);
   /// Rereads every profile. One that can no longer be used is reported and keeps its old settings.
   struct Changes {
     std::vector<std::int32_t> added;
     std::vector<std::int32_t> changed;
     std::vector<std::int32_t> removed;
   };
-  Changes ReadAllAnew();
+  Changes RereadAll();
 
   /// Writes a line to the error log for the host itself. Ignores errors.
   void Record(std::string procedure, const std::string& words) const;
@@ -64,6 +65,7 @@ class HostProfiles {
   const std::string folder_;
   HostPlatform platform_;
   std::map<std::int32_t, ProfileSettings> profiles_;
+  std::vector<LoadedProfiles::Problem> skipped_;
   std::map<std::int32_t, std::int32_t> handles_;  // process handle of each profile index
 };
 

@@ -59,9 +59,10 @@ class HostedPlugin {
     bool isSwitchedOn = false;
     std::string interval;  // minutes, as in the settings window
     std::int32_t elapsedTicks = 0;
-    std::int32_t ticksLeft = 0;  // until a message is due; 0 if the interval is no number
     std::int32_t nextMessage = 0;
-    std::chrono::steady_clock::time_point nextTick = {};
+    /// When the next message is due if the switch is on and a game is running; nullopt if the
+    /// interval is no number.
+    std::optional<std::chrono::steady_clock::time_point> due;
   };
   virtual std::optional<Progress> ProgressOf(std::int32_t) const { return std::nullopt; }
 };

@@ -1,6 +1,7 @@
 #include "host/preview.h"
 
 #include "broadcast/placeholders.h"
+#include "host/troubles.h"
 #include "plugin/profiles.h"
 
 namespace rotacasts::host {
@@ -29,12 +30,14 @@ Preview::Game Preview::GameOf(const ProfileSettings& profile) try {
   const bool isRunning = game_.IsGameRunning(kLookedAt);
   return {isRunning ? Game::State::Running : Game::State::Idle, {}};
 } catch (const RuntimeError& error) {
-  return {Game::State::Unreachable, error.description};
+  return {Game::State::Unreachable, DescribeError(profile.Label(), error, "GameOf")};
 }
 
 Preview::Text Preview::TextOf(const ProfileSettings& profile, const Game& game,
                               const std::string& message) {
-  if (IsPlaceholder(message) && game.state == Game::State::Unreachable) return {{}, game.problem};
+  if (IsPlaceholder(message) && game.state == Game::State::Unreachable) {
+    return {{}, game.problem, true};
+  }
   Describe(profile);
   Text text;
   text.says = AsPosted(liveTexts_.TextOf(kLookedAt, profile.gameCode, message));
@@ -43,6 +46,7 @@ Preview::Text Preview::TextOf(const ProfileSettings& profile, const Game& game,
 }
 
 std::string Preview::Text::Shown() const {
+  if (isForNoServer) return "(cannot tell: no game server)";
   if (problem.empty()) return says.empty() ? "(nothing: it is skipped)" : says;
   return says.empty() ? "(cannot tell: " + problem + ")" : says + " (" + problem + ")";
 }

@@ -18,7 +18,7 @@ class Preview final : MemorySource, ErrorHandler {
   struct Game {
     enum class State { Unreachable, Idle, Running };
     State state = State::Unreachable;
-    std::string problem;  // why it is unreachable
+    std::string problem;  // why it is unreachable; names the profile
   };
   Game GameOf(const ProfileSettings& profile);
 
@@ -26,7 +26,9 @@ class Preview final : MemorySource, ErrorHandler {
   struct Text {
     std::string says;     // empty if the message would be skipped
     std::string problem;  // why a placeholder cannot be read; `says` may still hold a fallback
-    /// For a table: the text, and the problem in parentheses.
+    bool isForNoServer = false;  // the problem is that of the game server
+    /// For a table below or above which the game server's problem stands: the text, and another
+    /// problem in parentheses.
     std::string Shown() const;
   };
   Text TextOf(const ProfileSettings& profile, const Game& game, const std::string& message);

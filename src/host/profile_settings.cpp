@@ -25,9 +25,9 @@ std::string Place(const std::string& file, const IniText& ini, const std::string
 }
 
 /// Reads the keys of a file; every complaint names the file and the line.
-class Reader {
+class ProfileFile {
  public:
-  Reader(const std::string& file, FileLayer& files)
+  ProfileFile(const std::string& file, FileLayer& files)
       : file_(file), ini_(IniOf(file, files.Read(file).value_or(""))) {}
 
   /// Empty if the key is missing.
@@ -93,18 +93,18 @@ ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& fo
 ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& folder,
                             FileLayer& files) {
   HostFolder(hostFolder).Profile(folder);  // refuses the names that the plugin refuses
-  const Reader reader(HostFolder(hostFolder).Description(folder), files);
+  const ProfileFile file(HostFolder(hostFolder).Description(folder), files);
   constexpr std::int32_t kHighestIndex = 32767;  // the timers' indexes have 16 bits
   constexpr std::int32_t kHighestPort = 65535;
   ProfileSettings profile;
   profile.folder = folder;
-  profile.index = reader.Number("Index", kHighestIndex, "a whole number from 1 to 32767");
-  profile.gameCode = reader.OneOf("GameCode", GameCodes());
-  profile.process = reader.Text("Process", "the game server's process id or program name");
-  profile.say = reader.Optional("Say");
-  if (!profile.say.empty() && reader.Optional("Target").empty()) return profile;
-  profile.target = reader.Number(
-      "Target", kHighestPort, "its chat port, from 1 to 65535, or in its place Say and a program");
+  profile.index = file.Number("Index", kHighestIndex, "a whole number from 1 to 32767");
+  profile.gameCode = file.OneOf("GameCode", GameCodes());
+  profile.process = file.Text("Process", "the game server's process id or program name");
+  profile.say = file.Optional("Say");
+  if (!profile.say.empty() && file.Optional("Target").empty()) return profile;
+  profile.target = file.Number("Target", kHighestPort,
+                               "its chat port, from 1 to 65535, or in its place Say and a program");
   return profile;
 }
 
@@ -118,8 +118,9 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
     folders.push_back(entry.path().filename().string());
   }
   if (problem) {
-    loaded.problems.push_back(root.string() + ": " + problem.message() +
-                              "; make it a folder with a folder for each profile");
+    loaded.problems.push_back({{},
+                               root.string() + ": " + problem.message() +
+                                   "; make it a folder with a folder for each profile"});
   }
   std::sort(folders.begin(), folders.end());
   for (const std::string& folder : folders) {
@@ -128,12 +129,12 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
       const ProfileSettings profile = ReadProfile(hostFolder, folder);
       const auto [other, added] = byIndex.try_emplace(profile.index, profile);
       if (!added) {
-        loaded.problems.push_back(PlaceInProfile(hostFolder, folder, "Index") +
-                                  ": the index is taken by " + other->second.Label() +
-                                  "; give it another one");
+        loaded.problems.push_back({folder, PlaceInProfile(hostFolder, folder, "Index") +
+                                               ": the index is taken by " + other->second.Label() +
+                                               "; give it another one"});
       }
     } catch (const RuntimeError& error) {
-      loaded.problems.push_back(error.description);
+      loaded.problems.push_back({folder, error.description});
     }
   }
   for (auto& [index, profile] : byIndex) loaded.profiles.push_back(std::move(profile));

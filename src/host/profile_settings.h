@@ -23,11 +23,14 @@ struct ProfileSettings {
   std::string Label() const { return "profile " + std::to_string(index) + " (" + folder + ")"; }
 };
 
-/// The usable profiles by index, and a line for each problem of the others or of their folder,
-/// which names the file and what to do.
+/// The usable profiles by index, and the problem of each other one or of their folder.
 struct LoadedProfiles {
+  struct Problem {
+    std::string folder;  // the profile's, empty for the one of all profiles
+    std::string words;   // a line that names the file and what to do
+  };
   std::vector<ProfileSettings> profiles;
-  std::vector<std::string> problems;
+  std::vector<Problem> problems;
 };
 
 LoadedProfiles LoadProfiles(const std::string& hostFolder);

@@ -10,16 +10,6 @@
 namespace rotacasts::host {
 namespace {
 
-/// Errors: 5, listing the operations, if there is none of that name.
-const RemoteOperation& FindOperation(std::string_view name) {
-  std::string names;
-  for (const RemoteOperation& operation : kRemoteOperations) {
-    if (operation.name == name) return operation;
-    names.append(" ").append(operation.name);
-  }
-  throw Complaint(std::string(name) + " is no remote operation; there are" + names);
-}
-
 /// The capacity of a UDP datagram over IPv4.
 constexpr std::size_t kLongestMessage = 65507;
 
@@ -48,6 +38,15 @@ void RefuseLong(const std::string& text) {
 
 }  // namespace
 
+const RemoteOperation& RemoteOperationOf(std::string_view name) {
+  std::string names;
+  for (const RemoteOperation& operation : kRemoteOperations) {
+    if (operation.name == name) return operation;
+    names.append(" ").append(operation.name);
+  }
+  throw Complaint(std::string(name) + " is no remote operation; there are" + names);
+}
+
 HostValue ServerHost::DataOf(const ProfileSettings& profile,
                              const std::string& administrator) const {
   HostValue::Array data = profiles_.DataOf(profile);
@@ -71,7 +70,7 @@ std::size_t ServerHost::LoadEveryProfile() {
 }
 
 void ServerHost::Show(std::int32_t index) {
-  Load(profiles_.ReadAnew(index));
+  Load(profiles_.Reread(index));
 }
 
 void ServerHost::Hide() {
@@ -92,7 +91,7 @@ void ServerHost::Disable(std::int32_t index) {
 }
 
 HostProfiles::Changes ServerHost::Reload() {
-  HostProfiles::Changes changes = profiles_.ReadAllAnew();
+  HostProfiles::Changes changes = profiles_.RereadAll();
   for (const std::int32_t index : changes.removed) {
     plugin_.DisableProfile(index);
     started_.erase(index);
@@ -103,10 +102,9 @@ HostProfiles::Changes ServerHost::Reload() {
   return changes;
 }
 
-HostedPlugin::Reply ServerHost::Remote(std::int32_t index, std::string_view operation,
+HostedPlugin::Reply ServerHost::Remote(std::int32_t index, const RemoteOperation& operation,
                                        const HostValue& value, const std::string& administrator) {
-  return plugin_.Remote(FindOperation(operation), index, DataOf(profiles_.At(index), administrator),
-                        value);
+  return plugin_.Remote(operation, index, DataOf(profiles_.At(index), administrator), value);
 }
 
 void ServerHost::RequireStarted(std::int32_t index) const {
@@ -120,8 +118,7 @@ std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
                                    const std::string& administrator) {
   RequireStarted(index);
   RefuseLong(text);
-  const HostedPlugin::Reply reply =
-      Remote(index, "AddMessageRem", EncodeBase64(text), administrator);
+  const HostedPlugin::Reply reply = Remote(index, remote::kAdd, EncodeBase64(text), administrator);
   if (reply.text != "1") {
     RaiseUnchanged("not added", reply,
                    "a message is one line of Windows-1252 letters, in a file that can be written");
@@ -134,7 +131,7 @@ std::string ServerHost::DeleteMessage(std::int32_t index, std::int32_t position,
   RequireStarted(index);
   const MessageList before = MessagesOf(index);
   const std::string text = before.TextAt(position);
-  const HostedPlugin::Reply reply = Remote(index, "DeleteMessageRem", position, administrator);
+  const HostedPlugin::Reply reply = Remote(index, remote::kDelete, position, administrator);
   // The plugin answers "1" also when the message could not be removed.
   if (reply.text != "1" || MessagesOf(index).messages == before.messages) {
     RaiseUnchanged("not deleted", reply, kCannotBeWritten);
@@ -146,7 +143,7 @@ std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, b
                                     const std::string& administrator) {
   RequireStarted(index);
   const std::string text = MessagesOf(index).TextAt(position);
-  const std::string_view operation = up ? "MoveMessageUpRem" : "MoveMessageDownRem";
+  const RemoteOperation& operation = up ? remote::kMoveUp : remote::kMoveDown;
   const HostedPlugin::Reply reply = Remote(index, operation, position, administrator);
   if (reply.text != "1") {
     RaiseUnchanged("not moved", reply,
@@ -157,7 +154,7 @@ std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, b
 
 std::string ServerHost::SetSwitch(std::int32_t index, bool isOn, const std::string& administrator) {
   RequireStarted(index);
-  const HostedPlugin::Reply reply = Remote(index, "EnableRTRem", isOn ? "1" : "0", administrator);
+  const HostedPlugin::Reply reply = Remote(index, remote::kEnable, isOn ? "1" : "0", administrator);
   if (MessagesOf(index).enable != (isOn ? "1" : "0")) {
     RaiseUnchanged("not switched", reply, kCannotBeWritten);
   }
@@ -172,7 +169,7 @@ std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
                     std::to_string(kInterval.highest) + " minutes");
   }
   const HostedPlugin::Reply reply =
-      Remote(index, "ChangeIntervalRem", std::to_string(minutes), administrator);
+      Remote(index, remote::kChangeInterval, std::to_string(minutes), administrator);
   if (MessagesOf(index).interval != std::to_string(minutes)) {
     RaiseUnchanged("not changed", reply, kCannotBeWritten);
   }
@@ -201,7 +198,17 @@ MessageList ServerHost::MessagesOf(std::int32_t index) const {
 }
 
 ProfileStatus ServerHost::StatusOf(std::int32_t index) {
-  return ReadStatus(profiles_, preview_, profiles_.At(index), ProgressOf(index));
+  return StatusOf(index, preview_.GameOf(profiles_.At(index)));
+}
+
+ProfileStatus ServerHost::StatusOf(std::int32_t index, const Preview::Game& game) const {
+  return ReadStatus(profiles_, profiles_.At(index), game, ProgressOf(index));
+}
+
+std::string ServerHost::LogFolderOf(std::int32_t index) const {
+  const HostFolder paths(profiles_.Folder());
+  const ProfileSettings& profile = profiles_.At(index);
+  return IsLogShared() ? paths.AdminLogs() : paths.AdminLogs(profile.folder);
 }
 
 std::optional<HostedPlugin::Progress> ServerHost::ProgressOf(std::int32_t index) const {

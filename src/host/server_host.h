@@ -5,6 +5,7 @@
 #include <ostream>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,6 +15,9 @@
 #include "host/status.h"
 
 namespace rotacasts::host {
+
+/// Errors: 5, listing the operations, if there is none of that name.
+const RemoteOperation& RemoteOperationOf(std::string_view name);
 
 /// Acts as the administration host for the plugin. Errors: 5 for an index that no profile has.
 class ServerHost {
@@ -42,9 +46,9 @@ class ServerHost {
   HostProfiles::Changes Reload();
 
   /// Passes a remote operation and `value`, unchanged, to the plugin, in the name of an
-  /// administrator (the console's if empty). Errors: 5 if there is no such operation.
-  HostedPlugin::Reply Remote(std::int32_t index, std::string_view operation, const HostValue& value,
-                             const std::string& administrator = {});
+  /// administrator (the console's if empty).
+  HostedPlugin::Reply Remote(std::int32_t index, const RemoteOperation& operation,
+                             const HostValue& value, const std::string& administrator = {});
   // Remote operations for people: these check the values before anything is written, and return the
   // outcome in words. Errors: 5, with the reason, if nothing was changed.
   std::string AddMessage(std::int32_t index, const std::string& text,
@@ -64,10 +68,17 @@ class ServerHost {
 
   MessageList MessagesOf(std::int32_t index) const;
   ProfileStatus StatusOf(std::int32_t index);
-  /// The progress of its broadcasts; nullopt if the plugin's state is not accessible.
-  std::optional<HostedPlugin::Progress> ProgressOf(std::int32_t index) const;
+  /// Like StatusOf, with the game's state as the caller read it.
+  ProfileStatus StatusOf(std::int32_t index, const Preview::Game& game) const;
+
+  /// Whether all profiles share one administration log, so that it tells of every profile.
+  bool IsLogShared() const { return options_.sharedLog; }
+  /// The folder of the profile's administration log.
+  std::string LogFolderOf(std::int32_t index) const;
 
  private:
+  /// The progress of its broadcasts; nullopt if the plugin's state is not accessible.
+  std::optional<HostedPlugin::Progress> ProgressOf(std::int32_t index) const;
   /// The profile data array for the plugin.
   HostValue DataOf(const ProfileSettings& profile, const std::string& administrator) const;
   void Load(const ProfileSettings& profile);

@@ -12,36 +12,46 @@ bool IsOn(const std::string& enable) {
   return IsNumeric(enable) && ToDouble(enable) == 1;
 }
 
-void TakeOptions(ProfileStatus& status, const MessageList& list) {
-  status.isSwitchedOn = IsOn(list.enable);
-  status.interval = list.interval;
-  if (!status.progress || status.isStopped) return;
-  status.isSwitchedOn = status.progress->isSwitchedOn;
-  status.interval = status.progress->interval;
-  status.isFileAhead = status.isSwitchedOn != IsOn(list.enable) || status.interval != list.interval;
+/// The settings that the broadcasts follow, and how the file's differ from them.
+void SetSettings(ProfileStatus& status, const MessageList& list) {
+  if (!status.progress || status.isStopped) {
+    status.isSwitchedOn = IsOn(list.enable);
+    status.interval = list.interval;
+  } else {
+    status.isFileAhead =
+        status.isSwitchedOn != IsOn(list.enable) || status.interval != list.interval;
+  }
+}
+
+void SetNextMessage(ProfileStatus& status, const MessageList& list) {
+  status.messages = list.messages.size();
+  if (!status.progress || list.messages.empty()) return;
+  status.position = static_cast<std::size_t>(
+      NextPosition(status.progress->nextMessage, static_cast<std::int32_t>(status.messages)));
+  status.message = list.messages[*status.position].text;
+  const bool isSaying = !status.isStopped && status.isSwitchedOn &&
+                        status.game.state == Preview::Game::State::Running;
+  if (isSaying) status.due = status.progress->due;
 }
 
 }  // namespace
 
-ProfileStatus ReadStatus(HostProfiles& profiles, Preview& preview, const ProfileSettings& profile,
+ProfileStatus ReadStatus(const HostProfiles& profiles, const ProfileSettings& profile,
+                         const Preview::Game& game,
                          const std::optional<HostedPlugin::Progress>& progress) {
   ProfileStatus status;
   status.profile = profile;
-  status.game = preview.GameOf(profile);
+  status.game = game;
   status.progress = progress;
-  status.isStopped = progress && !progress->isStarted;
+  if (progress) {
+    status.isStopped = !progress->isStarted;
+    status.isSwitchedOn = progress->isSwitchedOn;
+    status.interval = progress->interval;
+  }
   try {
     const MessageList list(HostFolder(profiles.Folder()).MessageFile(profile.folder));
-    TakeOptions(status, list);
-    if (!progress || list.messages.empty()) return status;
-    status.position = static_cast<std::size_t>(
-        NextPosition(progress->nextMessage, static_cast<std::int32_t>(list.messages.size())));
-    status.message = list.messages[*status.position].text;
-    // Problems of the game are printed below the table.
-    const Preview::Text text = preview.TextOf(profile, status.game, status.message);
-    status.text = text.problem == status.game.problem && text.says.empty()
-                      ? Preview::Text{{}, "no game server"}
-                      : text;
+    SetSettings(status, list);
+    SetNextMessage(status, list);
   } catch (const RuntimeError& error) {
     status.problem = error.description;
   }

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "siblings/game_processes.h"
+
 namespace rotacasts::host {
 namespace {
 
@@ -17,42 +19,40 @@ std::string Length(Troubles::Clock::duration length) {
 
 }  // namespace
 
-std::string WordsOf(const RuntimeError& error, const std::string& procedure) {
-  const bool isBare =
-      error.description == RuntimeError(static_cast<ErrorNumber>(error.number)).description;
-  if (!isBare) return error.description;
-  return error.description + " (error " + std::to_string(error.number) + " in " + procedure + ")";
+std::string DescribeError(const std::string& label, const RuntimeError& error,
+                          const std::string& procedure) {
+  if (IsServerError(error)) return error.description;  // it names the profile
+  std::string words = label + ": " + error.description;
+  if (error.isGeneric)
+    words += " (error " + std::to_string(error.number) + " in " + procedure + ")";
+  return words;
 }
 
-std::string Named(const std::string& label, const std::string& words) {
-  return words.find(label) == words.npos ? label + ": " + words : words;
+void Troubles::ReportStarted(const Work& work, const std::string& words, Clock::time_point now) {
+  Trouble& trouble = open_.try_emplace(work, Trouble{now, 0, {}, false}).first->second;
+  if (!std::exchange(trouble.isInThisRun, true)) ++trouble.runs;
+  if (trouble.printed.insert(words).second) Print(words);
 }
 
-void Troubles::Met(std::int32_t profile, const std::string& words, Clock::time_point now) {
-  Trouble& trouble = open_.try_emplace(profile, Trouble{now, 0, {}, false}).first->second;
-  if (!std::exchange(trouble.isInThisTick, true)) ++trouble.ticks;
-  if (trouble.told.insert(words).second) Once(words);
+bool Troubles::IsReported(const Work& work, const std::string& words) const {
+  const auto found = open_.find(work);
+  return found != open_.end() && found->second.printed.contains(words);
 }
 
-bool Troubles::IsOld(std::int32_t profile, const std::string& words) const {
-  const auto found = open_.find(profile);
-  return found != open_.end() && found->second.told.contains(words);
+void Troubles::EndUntried(const Work& work) {
+  const auto found = open_.find(work);
+  if (found != open_.end()) found->second.isInThisRun = false;
 }
 
-void Troubles::TickTriedNothing(std::int32_t profile) {
-  const auto found = open_.find(profile);
-  if (found != open_.end()) found->second.isInThisTick = false;
-}
-
-std::optional<std::string> Troubles::TickEnded(std::int32_t profile, const std::string& label,
-                                               Clock::time_point now) {
-  const auto found = open_.find(profile);
-  if (found == open_.end() || std::exchange(found->second.isInThisTick, false)) return std::nullopt;
+std::optional<std::string> Troubles::ReportEnded(const Work& work, const std::string& label,
+                                                 Clock::time_point now) {
+  const auto found = open_.find(work);
+  if (found == open_.end() || std::exchange(found->second.isInThisRun, false)) return std::nullopt;
   const Trouble trouble = found->second;
   open_.erase(found);
   const std::string words = label + ": all is well again after " + Length(now - trouble.since) +
-                            "; ticks that failed: " + std::to_string(trouble.ticks);
-  Once(words);
+                            "; ticks that failed: " + std::to_string(trouble.runs);
+  Print(words);
   return words;
 }
 

@@ -4,9 +4,10 @@
 
 namespace rotacasts {
 
-PluginState::PluginState(Platform platform)
+PluginState::PluginState(Platform platform, const MakeReporter& makeReporter)
     : services(platform),
-      reporter(services, tables),
+      ownedReporter(makeReporter ? makeReporter(services, tables)
+                                 : std::make_unique<ErrorReporter>(services, tables)),
       game(services, tables, reporter),
       store(services, tables, reporter),
       window(services, tables, reporter, store),

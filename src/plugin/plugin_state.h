@@ -1,6 +1,9 @@
 // The composition root: the process-wide state that every clsPlugin object shares.
 #pragma once
 
+#include <functional>
+#include <memory>
+
 #include "broadcast/broadcast_timer.h"
 #include "plugin/embedding.h"
 #include "store/remote_commands.h"
@@ -12,7 +15,12 @@ namespace rotacasts {
 /// to outlives it.
 class PluginState {
  public:
-  explicit PluginState(Platform platform);
+  /// Makes what the errors are reported to, for a host that has its own way of telling of them.
+  using MakeReporter = std::function<std::unique_ptr<ErrorReporter>(const HostServices& services,
+                                                                    const ProfileTables& tables)>;
+
+  /// Without `makeReporter` the plugin's own reporter is used.
+  explicit PluginState(Platform platform, const MakeReporter& makeReporter = {});
   ~PluginState();
   PluginState(const PluginState&) = delete;
   PluginState& operator=(const PluginState&) = delete;
@@ -24,7 +32,8 @@ class PluginState {
 
   ProfileTables tables;
   HostServices services;
-  ErrorReporter reporter;
+  const std::unique_ptr<ErrorReporter> ownedReporter;
+  ErrorReporter& reporter = *ownedReporter;
   GameReader game;
   MessageStore store;
   SettingsWindow window;

@@ -36,8 +36,9 @@ std::ostream& Errors() {
   return errors;
 }
 
-int Run(const HostOptions& options) {
+int RunProfiles(const HostOptions& options) {
   HostProfiles profiles(options.folder, Out());
+  profiles.PrintSkipped();
   std::optional<HostLock> lock;
   if (!profiles.All().empty()) {
     const LocalTime now = SystemClock().Now();
@@ -71,6 +72,7 @@ std::vector<std::int32_t> Chosen(const HostOptions& options, const HostProfiles&
 /// reached.
 int PrintPreviews(const HostOptions& options) {
   HostProfiles profiles(options.folder, Out());
+  profiles.PrintSkipped();
   Preview preview(profiles);
   int status = 0;
   for (const std::int32_t index : Chosen(options, profiles)) {
@@ -99,12 +101,85 @@ int Check(const HostOptions& options) {
   return found.warnings.empty() ? 0 : 1;
 }
 
-/// Reports a wrong call and names the mistake. CLI11 itself complains about missing arguments
-/// before it notices unknown ones.
-int RefuseCall(const CLI::App& app, const CLI::ParseError& error) {
+constexpr const char* kExitStatus =
+    "Exit status: 0 done; 1 check has a warning, or preview misses a profile or its game server;\n"
+    "2 the call is wrong, or the host cannot work there; 3 another host works in the folder.";
+
+class CommandLine {
+ public:
+  CommandLine();
+  /// Runs the command that the arguments name; returns the exit status.
+  int Run(int argc, char** argv);
+
+ private:
+  CLI::App& Add(const char* name, const char* help, int (*command)(const HostOptions&));
+  void AddRun();
+  void AddFolder(CLI::App& command);
+  /// Reports a wrong call and names the mistake.
+  int Refuse(const CLI::ParseError& error) const;
+
+  CLI::App app_{"Posts chat messages to game servers, round and round.", "rotacasts-host"};
+  HostOptions options_;
+  int status_ = 0;
+};
+
+CommandLine::CommandLine() {
+  app_.footer(kExitStatus);
+  app_.set_version_flag("--version", std::to_string(ROTACASTS_VERSION_MAJOR) + "." +
+                                         std::to_string(ROTACASTS_VERSION_MINOR) + "." +
+                                         std::to_string(ROTACASTS_VERSION_PATCH));
+  app_.require_subcommand(1);
+  const auto addFolder = [this](CLI::App& command) { AddFolder(command); };
+  AddNewCommand(app_, options_, Out(), addFolder);
+  AddRun();
+  Add("preview", "Print what every message would say at this moment", PrintPreviews)
+      .add_option("--profile", options_.profiles, "only these profiles");
+  Add("check", "Look the whole folder over and warn of what would surprise", Check)
+      .add_flag("--fix", options_.fix,
+                "first convert files saved as UTF-8, keeping a copy of each");
+  AddConsoleCommand(app_, options_, status_, addFolder);
+  AddWebCommands(app_, *app_.get_subcommand("run"), options_, Out(), addFolder);
+}
+
+CLI::App& CommandLine::Add(const char* name, const char* help, int (*command)(const HostOptions&)) {
+  CLI::App* const added = app_.add_subcommand(name, help);
+  added->footer(kExitStatus);
+  AddFolder(*added);
+  added->callback([this, command] { status_ = command(options_); });
+  return *added;
+}
+
+void CommandLine::AddRun() {
+  const std::map<std::string, std::int64_t> units = {{"ms", 1}, {"s", 1000}, {"m", 60000}};
+  CLI::App& run = Add("run", "Start every profile and listen to the console", RunProfiles);
+  run.add_option("--admin", options_.administrator, "who the console's changes are logged under")
+      ->capture_default_str();
+  run.add_flag("--shared-log", options_.sharedLog, "log changes for the whole host");
+  run.add_option_function<std::int64_t>(
+         "--minute",
+         [this](std::int64_t length) { options_.minute = std::chrono::milliseconds(length); },
+         "how long a minute lasts, such as 1s or 300ms")
+      ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
+      ->check(CLI::PositiveNumber)
+      ->default_str("60s");
+}
+
+void CommandLine::AddFolder(CLI::App& command) {
+  command
+      .add_option_function<std::string>(
+          "--host-folder",
+          [this](const std::string& folder) {
+            options_.folder = std::filesystem::absolute(PathOf(folder)).lexically_normal().string();
+          },
+          "folder with profiles/ and settings/")
+      ->required();
+}
+
+int CommandLine::Refuse(const CLI::ParseError& error) const {
   std::string words = error.what();
-  const std::vector<std::string> unknown = app.remaining(true);
-  const auto chosen = app.get_subcommands();
+  // CLI11 itself complains about missing arguments before it notices unknown ones.
+  const std::vector<std::string> unknown = app_.remaining(true);
+  const auto chosen = app_.get_subcommands();
   const bool takesAny = !chosen.empty() && chosen.front()->get_prefix_command();
   if (!unknown.empty() && !takesAny) words = "\"" + unknown.front() + "\" is not known here";
   const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
@@ -113,68 +188,20 @@ int RefuseCall(const CLI::App& app, const CLI::ParseError& error) {
   return kCannotWork;
 }
 
-constexpr const char* kExitStatus =
-    "Exit status: 0 done; 1 check has a warning, or preview misses a profile or its game server;\n"
-    "2 the call is wrong, or the host cannot work there; 3 another host works in the folder.";
+int CommandLine::Run(int argc, char** argv) try {
+  app_.parse(ProgramArguments(argc, argv));
+  return status_;
+} catch (const CLI::Success& asked) {  // for help or the version
+  return app_.exit(asked);
+} catch (const CLI::ParseError& error) {
+  return Refuse(error);
+} catch (...) {
+  Errors() << "rotacasts-host: " << CurrentRuntimeError().description << "\n";
+  return kCannotWork;
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("Posts chat messages to game servers, round and round.", "rotacasts-host");
-  app.footer(kExitStatus);
-  app.set_version_flag("--version", std::to_string(ROTACASTS_VERSION_MAJOR) + "." +
-                                        std::to_string(ROTACASTS_VERSION_MINOR) + "." +
-                                        std::to_string(ROTACASTS_VERSION_PATCH));
-  app.require_subcommand(1);
-  const std::map<std::string, std::int64_t> units = {{"ms", 1}, {"s", 1000}, {"m", 60000}};
-  HostOptions options;
-  int status = 0;
-  const auto addFolder = [&options](CLI::App& command) {
-    command
-        .add_option_function<std::string>(
-            "--host-folder",
-            [&options](const std::string& folder) {
-              options.folder =
-                  std::filesystem::absolute(PathOf(folder)).lexically_normal().string();
-            },
-            "folder with profiles/ and settings/")
-        ->required();
-  };
-  const auto add = [&](const char* name, const char* help, int (*command)(const HostOptions&)) {
-    CLI::App* added = app.add_subcommand(name, help);
-    added->footer(kExitStatus);
-    addFolder(*added);
-    added->callback([&options, &status, command] { status = command(options); });
-    return added;
-  };
-  CLI::App* run = add("run", "Start every profile and listen to the console", Run);
-  run->add_option("--admin", options.administrator, "who the console's changes are logged under")
-      ->capture_default_str();
-  run->add_flag("--shared-log", options.sharedLog, "log changes for the whole host");
-  run->add_option_function<std::int64_t>(
-         "--minute",
-         [&options](std::int64_t length) { options.minute = std::chrono::milliseconds(length); },
-         "how long a minute lasts, such as 1s or 300ms")
-      ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
-      ->check(CLI::PositiveNumber)
-      ->default_str("60s");
-  AddNewCommand(app, options, Out(), addFolder);
-  add("preview", "Print what every message would say at this moment", PrintPreviews)
-      ->add_option("--profile", options.profiles, "only these profiles");
-  add("check", "Look the whole folder over and warn of what would surprise", Check)
-      ->add_flag("--fix", options.fix,
-                 "first convert files saved as UTF-8, keeping a copy of each");
-  AddConsoleCommand(app, options, status, addFolder);
-  AddWebCommands(app, *run, options, Out(), addFolder);
-  try {
-    app.parse(ProgramArguments(argc, argv));
-    return status;
-  } catch (const CLI::Success& asked) {  // for help or the version
-    return app.exit(asked);
-  } catch (const CLI::ParseError& error) {
-    return RefuseCall(app, error);
-  } catch (...) {
-    Errors() << "rotacasts-host: " << CurrentRuntimeError().description << "\n";
-    return kCannotWork;
-  }
+  return CommandLine().Run(argc, argv);
 }

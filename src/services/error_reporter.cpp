@@ -35,8 +35,7 @@ void ErrorReporter::ReportError(const Failure& failure) try {
   try {
     TellOf(failure, WordsOf(failure));
   } catch (...) {
-    const RuntimeError second = CurrentRuntimeError();
-    Show(std::to_string(second.number) + ": " + second.description, "tvxRT.dll Error");
+    TellOfNoReport(CurrentRuntimeError());
   }
 } catch (...) {  // not even a box could be shown; the host must go on
 }
@@ -44,6 +43,10 @@ void ErrorReporter::ReportError(const Failure& failure) try {
 void ErrorReporter::Notify(Outcome outcome, const std::string& text) try {
   Show(text, outcome == Outcome::Success ? "Success" : "Failed!");
 } catch (...) {  // no box could be shown; the host must go on
+}
+
+void ErrorReporter::TellOfNoReport(const RuntimeError& why) {
+  Show(std::to_string(why.number) + ": " + why.description, "tvxRT.dll Error");
 }
 
 void ErrorReporter::TellOf(const Failure& failure, const std::string& words) {

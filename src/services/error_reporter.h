@@ -14,7 +14,7 @@ enum class Outcome { Success, Failure };
 
 /// Logs an error, sends a report if the host's configuration asks for one, and shows the
 /// administrator a message box. Never throws.
-class ErrorReporter final : public ErrorHandler {
+class ErrorReporter : public ErrorHandler {
  public:
   ErrorReporter(const HostServices& services, const ProfileTables& tables)
       : services_(services), tables_(tables) {}
@@ -22,6 +22,10 @@ class ErrorReporter final : public ErrorHandler {
   void ReportError(const Failure& failure) override;
   /// Shows the administrator a notice in a box titled "Success" or "Failed!".
   void Notify(Outcome outcome, const std::string& text);
+
+ protected:
+  /// Called when an error was logged, but then reporting it failed: shows why in a box.
+  virtual void TellOfNoReport(const RuntimeError& why);
 
  private:
   /// Sends a report if the configuration asks for one, then shows `words` and the outcome.

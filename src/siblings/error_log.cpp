@@ -6,7 +6,7 @@
 
 namespace rotacasts::host {
 
-void BeginAnewIfLong(const std::string& path) noexcept try {
+void RotateIfLong(const std::string& path) noexcept try {
   std::error_code problem;
   const std::filesystem::path log = NativePath(path);
   const auto size = std::filesystem::file_size(log, problem);

@@ -12,6 +12,6 @@ inline constexpr std::size_t kLongestErrorLog = std::size_t{1} << 20;  // bytes
 
 /// Starts a new log if the old one has grown long: renames it to "errors.old.log", replacing an
 /// earlier one. If that fails, the log keeps growing.
-void BeginAnewIfLong(const std::string& path) noexcept;
+void RotateIfLong(const std::string& path) noexcept;
 
 }  // namespace rotacasts::host

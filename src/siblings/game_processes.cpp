@@ -5,8 +5,6 @@
 #include <cstring>
 #include <utility>
 
-#include "base/runtime_error.h"
-
 namespace rotacasts::host {
 namespace {
 
@@ -37,18 +35,30 @@ std::vector<ProcessId> Receiving(const std::vector<ProcessId>& processes, std::u
   return certain.empty() ? possible : certain;
 }
 
-constexpr auto kNumber = static_cast<std::int32_t>(ErrorNumber::DeviceIoError);
+// The sources of the errors of reads.
+constexpr const char* kServer = "game server";
+constexpr const char* kAwayServer = "game server that is away";
 
-/// The server is away; every other error stays the read's.
-struct ServerAway : RuntimeError {
-  explicit ServerAway(std::string why) : RuntimeError(kNumber, std::move(why)) {}
+struct ServerError : RuntimeError {
+  explicit ServerError(std::string why, const char* from = kServer)
+      : RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError), std::move(why)) {
+    source = from;
+  }
 };
 
-[[noreturn]] void Raise(const std::string& what) {
-  throw RuntimeError(kNumber, what);
-}
+struct ServerAway : ServerError {
+  explicit ServerAway(std::string why) : ServerError(std::move(why), kAwayServer) {}
+};
 
 }  // namespace
+
+bool IsServerError(const RuntimeError& error) {
+  return error.source == kServer || IsServerAway(error);
+}
+
+bool IsServerAway(const RuntimeError& error) {
+  return error.source == kAwayServer;
+}
 
 std::int32_t GameProcesses::Register(GameProcess process) {
   entries_.push_back({std::move(process)});
@@ -66,7 +76,8 @@ void GameProcesses::Change(std::int32_t handle, GameProcess process) {
 
 GameProcesses::Entry& GameProcesses::At(std::int32_t handle) {
   if (handle < 1 || static_cast<std::size_t>(handle) > entries_.size()) {
-    Raise("no game server has the handle " + std::to_string(handle));
+    throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
+                       "no game server has the handle " + std::to_string(handle));
   }
   return entries_[static_cast<std::size_t>(handle) - 1];
 }
@@ -84,19 +95,21 @@ ProcessId GameProcesses::Find(Entry& entry) {
   if (entry.port != 0) processes = Receiving(processes, entry.port, secret);
   if (processes.size() == 1) return entry.found = processes.front();
   if (processes.empty() && secret != 0) {
-    Raise(entry.label + ": process " + std::to_string(secret) + kNotAllowed);
+    throw ServerError(entry.label + ": process " + std::to_string(secret) + kNotAllowed);
   }
   const std::string programs = running == 1
                                    ? "a program " + name + " is running"
                                    : std::to_string(running) + " programs " + name + " are running";
-  if (entry.port == 0) Raise(entry.label + ": " + programs + "; name one by its process id");
+  if (entry.port == 0) {
+    throw ServerError(entry.label + ": " + programs + "; name one by its process id");
+  }
   const bool isAway = processes.empty();
   const std::string words =
       entry.label + ": " + programs + ", but " + (isAway ? "none" : "more than one") +
       " receives at the Target port " + std::to_string(entry.port) +
       "; start this profile's server, correct Target, or name the process by its id";
   if (isAway) throw ServerAway(words);
-  Raise(words);
+  throw ServerError(words);
 }
 
 void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t address) {
@@ -109,17 +122,16 @@ void GameProcesses::RaiseOutcome(Entry& entry, ReadOutcome outcome, std::int32_t
       throw ServerAway(entry.label + ": the game server has ended (" + process + "); start it" +
                        (isNumber ? " and give its process id in profile.ini" : ""));
     case ReadOutcome::NotAllowed:
-      Raise(entry.label + ": " + process + kNotAllowed);
+      throw ServerError(entry.label + ": " + process + kNotAllowed);
     default:
-      Raise(entry.label + ": " + process + " has no memory at " + place +
-            "; is GameCode the right one?");
+      throw ServerError(entry.label + ": " + process + " has no memory at " + place +
+                        "; is GameCode the right one?");
   }
 }
 
 void GameProcesses::NoteThere(Entry& entry) {
   entry.isKnown = true;
-  if (entry.whyAway.empty()) return;
-  entry.whyAway.clear();
+  if (!std::exchange(entry.isAway, false)) return;
   if (onNews) {
     onNews(ServerNews::Back,
            entry.label + ": the game server is back (process " + std::to_string(entry.found) + ")");
@@ -127,8 +139,7 @@ void GameProcesses::NoteThere(Entry& entry) {
 }
 
 bool GameProcesses::NoteAway(Entry& entry, const std::string& why) {
-  if (!entry.whyAway.empty()) return false;
-  entry.whyAway = why;
+  if (std::exchange(entry.isAway, true)) return false;
   const bool wasThere = std::exchange(entry.isKnown, false);
   if (onNews) onNews(wasThere ? ServerNews::Gone : ServerNews::NeverThere, why);
   return wasThere;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/runtime_error.h"
 #include "siblings/read_ahead.h"
 
 namespace rotacasts::host {
@@ -18,6 +19,12 @@ struct GameProcess {
 
   bool operator==(const GameProcess&) const = default;
 };
+
+/// Whether an error is one of a read of a game server. Its description names the profile.
+bool IsServerError(const RuntimeError& error);
+/// Whether it is one because the server is away, which `GameProcesses::onNews` has reported if the
+/// read was one that ReadsAsZero.
+bool IsServerAway(const RuntimeError& error);
 
 /// How a read answers while its server is away: no process has its id, the process has ended, no
 /// program of its name is running, or none of them receives at its port.
@@ -49,8 +56,8 @@ class GameProcesses {
   /// Called with words for the person once when a server is away and once when it is back, as the
   /// reads with ReadsAsZero find it. For Gone the read raises these words right after.
   std::function<void(ServerNews news, const std::string& words)> onNews;
-  /// The words of onNews while the server is away; else empty.
-  const std::string& WhyAway(std::int32_t handle) { return At(handle).whyAway; }
+  /// Whether the server is away, as onNews has reported.
+  bool IsAway(std::int32_t handle) { return At(handle).isAway; }
 
   /// Between these two calls, reads fetch whole pages and may be answered from them.
   void BeginTurn() { reader_.BeginTurn(); }
@@ -60,7 +67,7 @@ class GameProcesses {
   struct Entry : GameProcess {
     ProcessId found = 0;   // 0 until it is looked up
     bool isKnown = false;  // a read has been complete since it was last away
-    std::string whyAway = {};
+    bool isAway = false;
   };
 
   Entry& At(std::int32_t handle);

@@ -1,21 +1,12 @@
-// Splits an INI file into lines and classifies them.
+// Splits an INI file into lines and tells what each one is.
 #pragma once
 
 #include <algorithm>
-#include <array>
-#include <optional>
-#include <string>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
-#include "base/text.h"
-
 namespace rotacasts::host {
-
-/// A line with a key (trimmed) and its value; views into the text.
-struct IniLine {
-  std::string_view key;
-  std::string_view value;
-};
 
 inline constexpr std::string_view kIniLineEnd = "\r\n";
 
@@ -31,17 +22,36 @@ inline bool EndsInLine(std::string_view bytes) {
   return bytes.empty() || kIniLineEnd.find(bytes.back()) != kIniLineEnd.npos;
 }
 
-/// The parts of a new line, in order.
-inline std::array<std::string_view, 4> NewIniLine(std::string_view key, std::string_view value) {
-  return {key, "=", value, kIniLineEnd};
+/// A line of the file; views into its text.
+struct IniRow {
+  enum class Kind : std::uint8_t { Heading, Key, Ignored, Unknown };  // Ignored: blank or a comment
+  Kind kind = Kind::Ignored;
+  std::string_view name = {};  // the heading's or the key's, trimmed
+  std::string_view rest = {};  // after the heading's "]" or the key's "="
+};
+
+/// Tells what a line, given without its line break, is.
+inline IniRow ParseIniRow(std::string_view text) {
+  const std::string_view trimmed = TrimBlanks(text);
+  if (trimmed.starts_with('[')) {
+    const auto close = trimmed.find(']');
+    if (close != trimmed.npos) {
+      return {IniRow::Kind::Heading, TrimBlanks(trimmed.substr(1, close - 1)),
+              trimmed.substr(close + 1)};
+    }
+  }
+  if (trimmed.empty() || trimmed.front() == ';' || trimmed.front() == '#') return {};
+  const auto equals = text.find('=');
+  if (equals == text.npos) return {IniRow::Kind::Unknown};
+  return {IniRow::Kind::Key, TrimBlanks(text.substr(0, equals)), text.substr(equals + 1)};
 }
 
-/// Steps through the lines and tells what each one is.
-class IniCursor {
+/// Steps through the lines of a file. CR LF, LF and CR end a line.
+class IniLines {
  public:
-  explicit IniCursor(std::string_view bytes, std::size_t at = 0) : bytes_(bytes), next_(at) {}
+  explicit IniLines(std::string_view bytes) : bytes_(bytes) {}
 
-  /// Moves to the next line; false after the last one. CR LF, LF and CR end a line.
+  /// Moves to the next line; false after the last one.
   bool Next() {
     begin_ = next_;
     if (begin_ >= bytes_.size()) return false;
@@ -51,50 +61,10 @@ class IniCursor {
     next_ = std::min(end_ + (end_ + 1 == feed ? 2 : 1), bytes_.size());
     return true;
   }
-
-  /// Moves to the section's header line; false if there is none.
-  bool FindSection(std::string_view section) {
-    while (Next()) {
-      const std::optional<std::string_view> header = Header();
-      if (header && EqualsIgnoringCase(*header, section)) return true;
-    }
-    return false;
-  }
-
-  /// Moves to the next line of the current section; false at its end.
-  bool NextInSection() { return Next() && !Header(); }
-
-  /// Moves to the first line of the section that has the key; false if there is none.
-  bool FindKey(std::string_view key) {
-    while (NextInSection()) {
-      const std::optional<IniLine> line = KeyLine();
-      if (line && EqualsIgnoringCase(line->key, key)) return true;
-    }
-    return false;
-  }
-
-  std::string_view Text() const { return bytes_.substr(begin_, end_ - begin_); }
-  std::size_t Begin() const { return begin_; }
-  std::size_t NextBegin() const { return next_; }
-
-  /// The section's name if the line is a section header.
-  std::optional<std::string_view> Header() const {
-    const std::string_view text = TrimBlanks(Text());
-    if (!text.starts_with('[')) return std::nullopt;
-    const auto close = text.find(']');
-    if (close == text.npos) return std::nullopt;
-    return TrimBlanks(text.substr(1, close - 1));
-  }
-
-  /// Key and value if the line has them.
-  std::optional<IniLine> KeyLine() const { return KeyLineOf(Text()); }
-  static std::optional<IniLine> KeyLineOf(std::string_view text) {
-    const auto equals = text.find('=');
-    if (equals == text.npos) return std::nullopt;
-    const std::string_view key = TrimBlanks(text.substr(0, equals));
-    if (key.starts_with(';') || key.starts_with('#')) return std::nullopt;
-    return IniLine{key, text.substr(equals + 1)};
-  }
+  /// The line with its line break.
+  std::string_view Whole() const { return bytes_.substr(begin_, next_ - begin_); }
+  /// The size of its line break in bytes, 0 at the end of a file that lacks it.
+  std::size_t EndSize() const { return next_ - end_; }
 
  private:
   std::string_view bytes_;

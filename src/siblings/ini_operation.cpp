@@ -84,8 +84,9 @@ void IniOperation::Store() {
 
 void IniOperation::StoreImage(const std::string& path, IniImage& image) {
   if (!image.text.IsChanged()) return;
-  if (image.seen == image.text.Bytes() || layer_.Replace(path, image.text.Bytes(), &image.seen)) {
-    image.text.TakeAsUnchanged();
+  const std::string bytes = image.text.Bytes();
+  if (image.seen == bytes || layer_.Replace(path, bytes, &image.seen)) {
+    image.text.MarkUnchanged();
     image.exists = true;
     return;
   }

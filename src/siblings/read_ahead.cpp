@@ -15,7 +15,7 @@ void ReadAhead::EndTurn() {
   programs_.clear();
 }
 
-std::vector<ReadAhead::Page>::iterator ReadAhead::Replaceable() {
+std::vector<ReadAhead::Page>::iterator ReadAhead::LeastUsed() {
   if (pages_.size() == kMostPages) {
     return std::min_element(pages_.begin(), pages_.end(),
                             [](const Page& a, const Page& b) { return a.lastUse < b.lastUse; });
@@ -32,7 +32,7 @@ ReadOutcome ReadAhead::PageAt(ProcessId process, std::uint64_t address, const Pa
     return kept.number == number && kept.process == process;
   });
   if (found == pages_.end()) {
-    found = Replaceable();
+    found = LeastUsed();
     found->process = 0;  // empty until it is read
     const ReadOutcome outcome = ReadProcess(process, static_cast<std::uint32_t>(number * kPageSize),
                                             found->bytes.data(), kPageSize);

@@ -44,7 +44,7 @@ class ReadAhead {
   /// Finds or reads the page with the address. It is valid until the next call.
   ReadOutcome PageAt(ProcessId process, std::uint64_t address, const Page*& page);
   /// A new page, or the least recently used one.
-  std::vector<Page>::iterator Replaceable();
+  std::vector<Page>::iterator LeastUsed();
 
   bool isInTurn_ = false;
   std::vector<Page> pages_;

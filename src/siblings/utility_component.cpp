@@ -123,7 +123,7 @@ void HostUtilityComponent::LogError(const std::string& module, std::string& proc
   const std::string folder = hostFolder_ + "\\logs";
   const std::string file = folder + "\\errors.log";
   NeedFolder(folder);
-  BeginAnewIfLong(file);
+  RotateIfLong(file);
   if (!files_.Layer().FileExists(file)) files_.Layer().Replace(file, "", nullptr);
   const LocalTime now = clock_.Now();
   std::string entry = FormatDate(now) + " " + FormatTime(now) + " " + module + " " + procedure +

@@ -99,7 +99,7 @@ std::string InfoTexts::Build(const EntryPoint& entry, std::int32_t profileIndex,
         },
         [&](RuntimeError& error) {
           if (!entry.completesOverflow || !error.Is(ErrorNumber::Overflow)) return;
-          error.description += " [" + category + " - " + FormatNumber(selection.LastRatio()) + "]";
+          error.Extend(" [" + category + " - " + FormatNumber(selection.LastRatio()) + "]");
         });
     at(2);
     text = selection.Text();

@@ -56,7 +56,7 @@ std::string RemoteCommands::GetMessagesRem(std::int32_t Index, const ProfileData
   } catch (...) {
     RuntimeError error = CurrentRuntimeError();
     if (file.empty()) file = tables_.MessageFiles(Index);
-    error.description += QuoteFile(file);  // an error of its own goes to the host instead
+    error.Extend(QuoteFile(file));  // an error of its own goes to the host instead
     errors_.ReportError({"GetMessagesRem", error, Index, at.Line()});
     return {};
   }

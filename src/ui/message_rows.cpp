@@ -17,7 +17,7 @@ std::optional<MessageRow> RowOf(MessageSection& section, std::string& line) {
   if (IsBlank(line)) return std::nullopt;
   MessageEntry entry;
   CompleteErrors([&] { entry = section.Split(std::move(line)); },
-                 [&](RuntimeError& error) { error.description += " [" + line + "]"; });
+                 [&](RuntimeError& error) { error.Extend(" [" + line + "]"); });
   const std::int32_t key = ToLong(entry.key);
   if (key <= 0) return std::nullopt;
   entry.text.resize(FirstCharacters(entry.text, kMessageCharacters).size());

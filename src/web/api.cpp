@@ -7,6 +7,7 @@
 
 #include "base/text.h"
 #include "broadcast/placeholders.h"
+#include "machine/linux/tcp.h"
 #include "web/call.h"
 #include "web/live_events.h"
 #include "web/page_files.h"
@@ -20,10 +21,6 @@ namespace {
 constexpr const char* kCookie = "rotacasts";
 
 enum class Need { Nothing, Session, ChangeMessages, ChangeSettings };
-
-bool IsLoopback(const std::string& address) {
-  return address == "::1" || address.starts_with("127.");
-}
 
 /// The client's address. A proxy on this machine is trusted to name its client.
 std::string ClientOf(const Request& request) {
@@ -99,14 +96,12 @@ const Api::Route Api::kRoutes[] = {
     {"PUT", "/api/profiles/*/interval", Need::ChangeSettings, &Api::SetInterval},
 };
 
-Api::Api(EventLoop& loop, ServerHost& host, const HostOptions& options, Sessions& sessions,
-         std::ostream& out)
+Api::Api(EventLoop& loop, ServerHost& host, Sessions& sessions, std::ostream& out)
     : host_(host),
       sessions_(sessions),
       out_(out),
-      isLogShared_(options.sharedLog),
       admins_(host.Profiles().Folder()),
-      snapshots_(host, options),
+      snapshots_(host),
       checks_(loop),
       nobody_(HashOfNobody()) {}
 
@@ -225,7 +220,7 @@ void Api::SignIn(Call& call) {
     const std::string cookie = std::string(kCookie) + "=" + sessions_.Begin(*admin) +
                                "; Path=/; HttpOnly; SameSite=Strict" + (isSecure ? "; Secure" : "");
     exchange->Answer(
-        {200, "application/json", web::ToText(DescriptionOf(*admin)), {{"Set-Cookie", cookie}}});
+        {200, "application/json", JsonText(DescriptionOf(*admin)), {{"Set-Cookie", cookie}}});
   };
   brake_.Attempted(client);
   if (!checks_.Check(admin ? admin->password : nobody_, password.substr(0, kLongestPassword),
@@ -265,7 +260,7 @@ void Api::ShowMessages(Call& call) {
 }
 
 void Api::ShowLog(Call& call) {
-  if (isLogShared_ && !call.admin.seesAll) {
+  if (!snapshots_.MaySeeLog(call.admin)) {
     throw Refusal{403, "profiles", "the log tells of every profile, and not all are yours"};
   }
   call.exchange->Answer({200, "application/json", snapshots_.LogOf(call.profile).json});
@@ -279,7 +274,7 @@ void Api::Follow(Call& call) {
   call.exchange->AnswerBitByBit(std::make_unique<LiveEvents>(
       snapshots_,
       [this, token = call.Asked().Cookie(kCookie)] { return sessions_.Find(token, People()); },
-      profile, isLogShared_));
+      profile));
 }
 
 void Api::Preview(Call& call) {

@@ -21,8 +21,7 @@ struct Call;
 class Api {
  public:
   /// What people say by hand is printed to `out` with their names, because no other log records it.
-  Api(EventLoop& loop, ServerHost& host, const HostOptions& options, Sessions& sessions,
-      std::ostream& out);
+  Api(EventLoop& loop, ServerHost& host, Sessions& sessions, std::ostream& out);
 
   void Handle(const std::shared_ptr<Exchange>& exchange);
   /// Reads the next part of what the pages follow, so that changes can be sent.
@@ -61,7 +60,6 @@ class Api {
   ServerHost& host_;
   Sessions& sessions_;
   std::ostream& out_;
-  const bool isLogShared_;
   const Admins admins_;
   std::vector<Admin> people_;
   Clock::time_point peopleAt_;

@@ -10,7 +10,7 @@ namespace rotacasts::host::web {
 Response Api::Changed(const Call& call, const std::string& words) {
   snapshots_.Changed(call.profile);
   if (onChange) onChange();
-  return {200, "application/json", web::ToText({{"done", words}})};
+  return {200, "application/json", JsonText({{"done", words}})};
 }
 
 void Api::Say(Call& call) {

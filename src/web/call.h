@@ -24,7 +24,7 @@ struct Refusal {
   std::vector<std::pair<std::string, std::string>> headers = {};
 
   operator Response() const {
-    return {status, "application/json", web::ToText({{"error", error}, {"words", words}}), headers};
+    return {status, "application/json", JsonText({{"error", error}, {"words", words}}), headers};
   }
 };
 
@@ -37,27 +37,26 @@ struct Call {
 
   const Request& Asked() const { return exchange->Asked(); }
   void Answer(const nlohmann::json& value) const {
-    exchange->Answer({200, "application/json", web::ToText(value)});
+    exchange->Answer({200, "application/json", JsonText(value)});
   }
 
-  template <class T>
-  T Field(const char* name, bool (nlohmann::json::*isKind)() const noexcept,
-          const char* kind) const {
-    const auto found = body.find(name);
-    if (found != body.end() && ((*found).*isKind)()) return found->get<T>();
-    throw Refusal{400, "form", std::string("\"") + name + "\" has to be " + kind};
-  }
   std::string Text(const char* name) const {
-    return Field<std::string>(name, &nlohmann::json::is_string, "a text");
+    const nlohmann::json& value = Field(name);
+    if (!value.is_string()) throw WrongKind(name, "a text");
+    return value.get<std::string>();
   }
   bool Truth(const char* name) const {
-    return Field<bool>(name, &nlohmann::json::is_boolean, "true or false");
+    const nlohmann::json& value = Field(name);
+    if (!value.is_boolean()) throw WrongKind(name, "true or false");
+    return value.get<bool>();
   }
   std::int32_t Number(const char* name) const {
-    const auto number =
-        Field<std::int64_t>(name, &nlohmann::json::is_number_integer, "a whole number");
-    if (number < 0 || number > INT32_MAX)
+    const nlohmann::json& value = Field(name);
+    if (!value.is_number_integer()) throw WrongKind(name, "a whole number");
+    const auto number = value.get<std::int64_t>();
+    if (number < 0 || number > INT32_MAX) {
       throw Refusal{400, "form", "the number is too large or negative"};
+    }
     return static_cast<std::int32_t>(number);
   }
   /// A text that can be sent to players: one line of characters that the message file can hold.
@@ -77,6 +76,17 @@ struct Call {
     const auto at = static_cast<std::size_t>(position);
     if (at < list.messages.size() && list.messages[at].text == seen) return position;
     throw Refusal{409, "changed", "the list has changed meanwhile; nothing was done"};
+  }
+
+ private:
+  /// Null if the body lacks the field.
+  const nlohmann::json& Field(const char* name) const {
+    static const nlohmann::json kNone;
+    const auto found = body.find(name);
+    return found != body.end() ? *found : kNone;
+  }
+  static Refusal WrongKind(const char* name, const char* kind) {
+    return {400, "form", std::string("\"") + name + "\" has to be " + kind};
   }
 };
 

@@ -1,17 +1,11 @@
 #include "web/http_server.h"
 
-#include <arpa/inet.h>
-#include <netdb.h>
-#include <poll.h>
-#include <sys/socket.h>
-
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 
 #include "base/runtime_error.h"
-#include "host/complaint.h"
+#include "machine/linux/tcp.h"
 #include "web/microhttpd.h"
 
 namespace rotacasts::host::web {
@@ -42,55 +36,9 @@ constexpr std::pair<const char*, const char*> kHeadersOfAll[] = {
     {"Cache-Control", "no-store"},
 };
 
-struct AddressInfo {
-  addrinfo* list = nullptr;
-  ~AddressInfo() {
-    if (list != nullptr) ::freeaddrinfo(list);
-  }
-};
-
-/// Whether it is a port's number. The resolver takes 65536 for 0.
-bool IsPort(const std::string& text) {
-  std::uint16_t port = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-  return error == std::errc() && end == text.data() + text.size();
-}
-
-/// Errors: 5 unless the address is ADDRESS:PORT, with a numeric address or "localhost".
-void Resolve(const std::string& address, AddressInfo& info) {
-  const std::size_t colon = address.rfind(':');
-  std::string host = address.substr(0, std::min(colon, address.size()));
-  const std::string port = colon == address.npos ? "" : address.substr(colon + 1);
-  if (host == "localhost") host = "127.0.0.1";
-  if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
-  addrinfo hints{};
-  hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
-  hints.ai_socktype = SOCK_STREAM;
-  if (!host.empty() && IsPort(port) &&
-      ::getaddrinfo(host.c_str(), port.c_str(), &hints, &info.list) == 0) {
-    return;
-  }
-  throw Complaint("\"" + address +
-                  "\" is no address to listen at; give one such as 127.0.0.1:8480, with a port of "
-                  "at most 65535");
-}
-
 std::string AddressOf(MHD_Connection* connection) {
   const auto* info = Mhd().get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
-  char text[INET6_ADDRSTRLEN] = "";
-  if (info->client_addr->sa_family == AF_INET) {
-    const auto* address = reinterpret_cast<const sockaddr_in*>(info->client_addr);
-    ::inet_ntop(AF_INET, &address->sin_addr, text, sizeof text);
-  } else {
-    sockaddr_in6 address = *reinterpret_cast<const sockaddr_in6*>(info->client_addr);
-    std::fill(address.sin6_addr.s6_addr + 8, address.sin6_addr.s6_addr + 16, std::uint8_t{0});
-    if (IN6_IS_ADDR_LOOPBACK(
-            &reinterpret_cast<const sockaddr_in6*>(info->client_addr)->sin6_addr)) {
-      return "::1";
-    }
-    ::inet_ntop(AF_INET6, &address.sin6_addr, text, sizeof text);  // a network counts as one client
-  }
-  return text;
+  return ClientAddressOf(*info->client_addr);
 }
 
 class ReceivedRequest final : public Request {
@@ -127,7 +75,7 @@ class HttpServer::Conversation final : public Exchange,
   void Answer(Response response) override;
   void AnswerBitByBit(std::unique_ptr<EventSource> source) override;
 
-  void Take(const char* bytes, std::size_t size);
+  void AddToBody(const char* bytes, std::size_t size);
   bool IsEndless() const { return dropped_ > kMostBytesDropped; }
   /// Has a complete request handled; queues the answer if there is one.
   MHD_Result Proceed();
@@ -151,7 +99,7 @@ class HttpServer::Conversation final : public Exchange,
   std::size_t sent_ = 0;
 };
 
-void HttpServer::Conversation::Take(const char* bytes, std::size_t size) {
+void HttpServer::Conversation::AddToBody(const char* bytes, std::size_t size) {
   if (request_.isTooLong || request_.body.size() + size > kLongestBody) {
     request_.isTooLong = true;
     request_.body.clear();
@@ -199,8 +147,7 @@ void HttpServer::Conversation::AnswerBitByBit(std::unique_ptr<EventSource> sourc
   };
   response_ = Mhd().create_response_from_callback(MHD_SIZE_UNKNOWN, kBlock, read, this, nullptr);
   SetHeaders({200, "text/event-stream", {}, {{"X-Accel-Buffering", "no"}}});
-  server_.since_.erase(request_.connection);
-  server_.sources_[request_.connection] = this;
+  server_.connections_[request_.connection].sendsEvents = true;
   Resume();
 }
 
@@ -246,29 +193,27 @@ struct HttpServer::Callbacks {
     if (*state == nullptr) {
       auto conversation = std::make_shared<Conversation>(server, connection, method, url);
       *state = conversation.get();
-      server.conversations_[connection] = std::move(conversation);
+      server.connections_[connection].conversation = std::move(conversation);
       return MHD_YES;
     }
     auto& conversation = *static_cast<Conversation*>(*state);
     if (*size == 0) return conversation.Proceed();
-    conversation.Take(bytes, *size);
+    conversation.AddToBody(bytes, *size);
     *size = 0;
     return conversation.IsEndless() ? MHD_NO : MHD_YES;
   }
   static void Completed(void* self, MHD_Connection* connection, void**,
                         MHD_RequestTerminationCode) {
     auto& server = *static_cast<HttpServer*>(self);
-    server.sources_.erase(connection);
-    server.conversations_.erase(connection);
-    server.since_[connection] = Clock::now();  // the start of the connection's next request
+    server.connections_[connection] = {Clock::now()};  // the start of its next request
   }
   static void Connected(void* self, MHD_Connection* connection, void**,
                         MHD_ConnectionNotificationCode what) {
     auto& server = *static_cast<HttpServer*>(self);
     if (what == MHD_CONNECTION_NOTIFY_STARTED) {
-      server.since_[connection] = Clock::now();
+      server.connections_[connection] = {Clock::now()};
     } else {
-      server.since_.erase(connection);
+      server.connections_.erase(connection);
     }
   }
   static void Log(void*, const char*, va_list) {}  // errors of clients are not worth logging
@@ -279,19 +224,18 @@ HttpServer::HttpServer(EventLoop& loop, const std::string& address, Handler hand
     : loop_(loop), handler_(std::move(handler)), longest_(longest) {
   Start(address);
   const auto* events = Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD);
-  loop_.Watch(events->epoll_fd, POLLIN, [this](short) { Run(); });
+  loop_.Watch(events->epoll_fd, EventLoop::kReadable, [this](short) { Run(); });
   loop_.AddDeadline([this] { return NextRun(); }, [this] { Run(); });
 }
 
 void HttpServer::Start(const std::string& address) {
-  AddressInfo info;
-  Resolve(address, info);
-  const unsigned v6 = info.list->ai_family == AF_INET6 ? unsigned{MHD_USE_IPv6} : 0U;
+  const ListenAddress listen(address);
+  const unsigned v6 = listen.IsIPv6() ? unsigned{MHD_USE_IPv6} : 0U;
   errno = 0;
   daemon_ = Mhd().start_daemon(MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG | v6, 0,
                                nullptr, nullptr, &Callbacks::Access, this,                 //
                                MHD_OPTION_EXTERNAL_LOGGER, &Callbacks::Log, nullptr,       //
-                               MHD_OPTION_SOCK_ADDR, info.list->ai_addr,                   //
+                               MHD_OPTION_SOCK_ADDR, listen.Get(),                         //
                                MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::Completed, this,   //
                                MHD_OPTION_NOTIFY_CONNECTION, &Callbacks::Connected, this,  //
                                MHD_OPTION_CONNECTION_LIMIT, kMostConnections,              //
@@ -308,7 +252,9 @@ void HttpServer::Start(const std::string& address) {
 
 HttpServer::~HttpServer() {
   loop_.Unwatch(Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd);
-  for (const auto& [connection, conversation] : conversations_) conversation->Resume();
+  for (const auto& [handle, connection] : connections_) {
+    if (connection.conversation) connection.conversation->Resume();
+  }
   Mhd().stop_daemon(daemon_);
 }
 
@@ -334,16 +280,22 @@ void HttpServer::CutOff() {
   if (now < nextCut_) return;
   nextCut_ = now + longest_ / 30;
   const Clock::time_point limit = now - longest_;
-  for (auto& [connection, since] : since_) {
-    if (since > limit) continue;
-    ::shutdown(Mhd().get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd,
-               SHUT_RDWR);
-    since = now;
+  for (auto& [handle, connection] : connections_) {
+    if (connection.sendsEvents || connection.since > limit) continue;
+    host::CutOff(Mhd().get_connection_info(handle, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd);
+    connection.since = now;
   }
 }
 
 void HttpServer::Pump() {
-  for (const auto& [connection, conversation] : sources_) conversation->WakeUp();
+  for (const auto& [handle, connection] : connections_) {
+    if (connection.sendsEvents) connection.conversation->WakeUp();
+  }
+}
+
+std::size_t HttpServer::EventSources() const {
+  return static_cast<std::size_t>(std::ranges::count_if(
+      connections_, [](const auto& entry) { return entry.second.sendsEvents; }));
 }
 
 }  // namespace rotacasts::host::web

@@ -86,11 +86,16 @@ class HttpServer {
   std::uint16_t Port() const;
   /// Asks every open event source for news.
   void Pump();
-  std::size_t EventSources() const { return sources_.size(); }
+  std::size_t EventSources() const;
 
  private:
   class Conversation;
   struct Callbacks;
+  struct Connection {
+    EventLoop::Clock::time_point since = {};          // the start of the request
+    std::shared_ptr<Conversation> conversation = {};  // null between requests
+    bool sendsEvents = false;                         // so that no time limit holds
+  };
 
   void Start(const std::string& address);
   void Run();
@@ -101,9 +106,7 @@ class HttpServer {
   EventLoop& loop_;
   const Handler handler_;
   const std::chrono::milliseconds longest_;
-  std::map<MHD_Connection*, EventLoop::Clock::time_point> since_;  // the start of each request
-  std::map<MHD_Connection*, std::shared_ptr<Conversation>> conversations_;
-  std::map<MHD_Connection*, Conversation*> sources_;
+  std::map<MHD_Connection*, Connection> connections_;
   EventLoop::Clock::time_point nextCut_;
   bool mustRun_ = false;  // a connection was resumed, which the library does not signal
   MHD_Daemon* daemon_ = nullptr;

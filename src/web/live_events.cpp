@@ -19,7 +19,7 @@ void LiveEvents::AddDetails(const Admin& admin) try {
   if (profile_ == 0 || !admin.Sees(profile_)) return;
   Add("messages", snapshots_.MessagesOf(profile_));
   const Snapshots::Text& log = snapshots_.LogOf(profile_);
-  if (admin.seesAll || !isLogShared_) Add("log", log);
+  if (snapshots_.MaySeeLog(admin)) Add("log", log);
 } catch (const RuntimeError&) {  // the profile is gone; its row says so
 }
 

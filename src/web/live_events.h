@@ -12,14 +12,10 @@ namespace rotacasts::host::web {
 /// Sends every row that the person may see, and the messages and the log of one profile.
 class LiveEvents final : public EventSource {
  public:
-  /// `person` returns who follows; nullopt once the session has ended. A shared log is only for
-  /// those who see every profile. `snapshots` must outlive it.
+  /// `person` returns who follows; nullopt once the session has ended. `snapshots` must outlive it.
   LiveEvents(Snapshots& snapshots, std::function<std::optional<Admin>()> person,
-             std::int32_t profile, bool isLogShared)
-      : snapshots_(snapshots),
-        person_(std::move(person)),
-        profile_(profile),
-        isLogShared_(isLogShared) {}
+             std::int32_t profile)
+      : snapshots_(snapshots), person_(std::move(person)), profile_(profile) {}
 
   std::string Next() override;
   bool IsOver() const override { return isOver_; }
@@ -31,7 +27,6 @@ class LiveEvents final : public EventSource {
   Snapshots& snapshots_;
   const std::function<std::optional<Admin>()> person_;
   const std::int32_t profile_;
-  const bool isLogShared_;
   std::int64_t seen_ = 0;
   std::string events_;
   Clock::time_point spokenAt_;

@@ -1,32 +1,31 @@
 #include "web/microhttpd.h"
 
-#include <dlfcn.h>
-
 #include <string>
 
 #include "base/runtime_error.h"
+#include "machine/linux/shared_library.h"
 
 namespace rotacasts::host::web {
 namespace {
 
 [[noreturn]] void Refuse() {
   throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::FileNotFound),
-                     std::string("the page cannot be served (") + ::dlerror() +
+                     "the page cannot be served (" + SharedLibrary::Problem() +
                          "); install libmicrohttpd, or leave --web out");
 }
 
 /// Looks up a function by name and stores it with its type.
 template <class Function>
-void Find(void* library, const char* name, Function& function) {
-  function = reinterpret_cast<Function>(::dlsym(library, name));
+void Find(const SharedLibrary& library, const char* name, Function& function) {
+  function = reinterpret_cast<Function>(library.Function(name));
   if (function == nullptr) Refuse();
 }
 
 }  // namespace
 
 Microhttpd::Microhttpd(const char* fileName) {
-  void* const library = ::dlopen(fileName, RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) Refuse();
+  const SharedLibrary library(fileName);
+  if (!library.IsLoaded()) Refuse();
   Find(library, "MHD_add_response_header", add_response_header);
   Find(library, "MHD_create_response_from_buffer", create_response_from_buffer);
   Find(library, "MHD_create_response_from_callback", create_response_from_callback);

@@ -3,12 +3,9 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "base/conversions.h"
 #include "base/text.h"
 #include "broadcast/placeholders.h"
-#include "broadcast/schedule.h"
 #include "machine/native_files.h"
-#include "services/host_folder.h"
 #include "store/admin_log.h"
 
 namespace rotacasts::host::web {
@@ -34,18 +31,34 @@ std::int64_t Epoch(std::chrono::steady_clock::time_point time) {
       .count();
 }
 
-double Number(const std::string& text) {
-  return IsNumeric(text) ? ToDouble(text) : 0;
+json NextOf(const ProfileStatus& status) {
+  if (!status.position) return nullptr;
+  return {{"position", *status.position},
+          {"text", status.message},
+          {"at", status.due ? json(Epoch(*status.due)) : json()}};
+}
+
+json RowOf(const ProfileStatus& status) {
+  return {{"index", status.profile.index},
+          {"folder", status.profile.folder},
+          {"gameCode", status.profile.gameCode},
+          {"game", kGames[static_cast<int>(status.game.state)]},
+          {"stopped", status.isStopped},
+          {"on", status.isSwitchedOn},
+          {"interval", status.interval},
+          {"messages", status.messages},
+          {"next", NextOf(status)},
+          {"problem", status.problem.empty() ? status.game.problem : status.problem}};
 }
 
 }  // namespace
 
-std::string ToText(const json& value) {
+std::string JsonText(const json& value) {
   return value.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
-void Snapshots::Take(Text& text, const json& value) {
-  std::string fresh = value.is_null() ? "" : ToText(value);
+void Snapshots::Update(Text& text, const json& value) {
+  std::string fresh = value.is_null() ? "" : JsonText(value);
   text.at = Clock::now();
   if (text.change != 0 && fresh == text.json) return;
   text.json = std::move(fresh);
@@ -62,51 +75,11 @@ const Preview::Game& Snapshots::GameOf(const ProfileSettings& profile) {
   return known.game;
 }
 
-json Snapshots::Next(const HostedPlugin::Progress& progress, const MessageList& list,
-                     bool isCasting) const {
-  if (list.messages.empty()) return nullptr;
-  const auto position = static_cast<std::size_t>(
-      NextPosition(progress.nextMessage, static_cast<std::int32_t>(list.messages.size())));
-  json at = nullptr;
-  if (isCasting && progress.ticksLeft > 0) {
-    at = Epoch(progress.nextTick + (progress.ticksLeft - 1) * options_.minute);
-  }
-  return {{"position", position}, {"text", list.messages[position].text}, {"at", at}};
-}
-
-json Snapshots::Row(const ProfileSettings& profile) {
-  const Preview::Game& game = GameOf(profile);
-  const auto progress = host_.ProgressOf(profile.index).value_or(HostedPlugin::Progress());
-  json row = {{"index", profile.index},
-              {"folder", profile.folder},
-              {"gameCode", profile.gameCode},
-              {"game", kGames[static_cast<int>(game.state)]},
-              {"stopped", !progress.isStarted},
-              {"on", progress.isSwitchedOn},
-              {"interval", progress.interval},
-              {"messages", 0},
-              {"next", nullptr},
-              {"problem", game.problem}};
-  try {
-    const MessageList list = host_.MessagesOf(profile.index);
-    if (!progress.isStarted) {
-      row["on"] = Number(list.enable) == 1;
-      row["interval"] = list.interval;
-    }
-    row["messages"] = list.messages.size();
-    row["next"] = Next(
-        progress, list,
-        progress.isStarted && progress.isSwitchedOn && game.state == Preview::Game::State::Running);
-  } catch (const RuntimeError& error) {
-    row["problem"] = error.description;
-  }
-  return row;
-}
-
 void Snapshots::RefreshRow(std::int32_t index) {
   const auto& all = host_.Profiles().All();
   const auto profile = all.find(index);
-  Take(rows_[index], profile != all.end() ? Row(profile->second) : json());
+  const bool isThere = profile != all.end();
+  Update(rows_[index], isThere ? RowOf(host_.StatusOf(index, GameOf(profile->second))) : json());
 }
 
 const Snapshots::Rows& Snapshots::FreshRows() {
@@ -190,15 +163,12 @@ json Snapshots::Sent(std::int32_t index) const {
   return rows;
 }
 
-json Snapshots::Log(const ProfileSettings& profile) const {
-  const HostFolder paths(host_.Profiles().Folder());
-  const std::string folder =
-      options_.sharedLog ? paths.AdminLogs() : paths.AdminLogs(profile.folder);
-  json log = {{"index", profile.index}, {"shared", options_.sharedLog}, {"problem", ""}};
+json Snapshots::Log(std::int32_t index) const {
+  json log = {{"index", index}, {"shared", host_.IsLogShared()}, {"problem", ""}};
   try {
     const LocalTime today = host_.Profiles().Components().Clock().Now();
     log["lines"] = AdminLog::LatestLines(
-        ReadWholeFile(AdminLog::FileIn(folder, today)).value_or(""), kMostLines);
+        ReadWholeFile(AdminLog::FileIn(host_.LogFolderOf(index), today)).value_or(""), kMostLines);
   } catch (const RuntimeError& error) {
     log["lines"] = json::array();
     log["problem"] = error.description;
@@ -209,14 +179,14 @@ json Snapshots::Log(const ProfileSettings& profile) const {
 const Snapshots::Text& Snapshots::MessagesOf(std::int32_t index) {
   const ProfileSettings& profile = host_.Profiles().At(index);
   Messages& known = messages_[index];
-  if (Clock::now() - known.at >= kFresh) Take(known, List(profile, known));
+  if (Clock::now() - known.at >= kFresh) Update(known, List(profile, known));
   return known;
 }
 
 const Snapshots::Text& Snapshots::LogOf(std::int32_t index) {
-  const ProfileSettings& profile = host_.Profiles().At(index);
+  host_.Profiles().At(index);
   Text& known = logs_[index];
-  if (Clock::now() - known.at >= kFresh) Take(known, Log(profile));
+  if (Clock::now() - known.at >= kFresh) Update(known, Log(index));
   return known;
 }
 

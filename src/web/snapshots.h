@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/server_host.h"
+#include "web/admins.h"
 
 namespace rotacasts::host::web {
 
@@ -19,7 +20,7 @@ class Snapshots {
  public:
   using Clock = std::chrono::steady_clock;
 
-  Snapshots(ServerHost& host, const HostOptions& options) : host_(host), options_(options) {}
+  explicit Snapshots(ServerHost& host) : host_(host) {}
 
   struct Text {
     std::string json;  // a row is empty once its profile is gone
@@ -42,6 +43,9 @@ class Snapshots {
   /// Marks the profile's texts as out of date and renews its row.
   void Changed(std::int32_t index);
 
+  /// Whether the person, who may see the profile, may see its log.
+  bool MaySeeLog(const Admin& admin) const { return admin.seesAll || !host_.IsLogShared(); }
+
  private:
   /// What a placeholder said and when.
   struct Live {
@@ -56,19 +60,15 @@ class Snapshots {
     Clock::time_point at;
   };
 
-  void Take(Text& text, const nlohmann::json& value);
+  void Update(Text& text, const nlohmann::json& value);
   void RefreshRow(std::int32_t index);
-  nlohmann::json Row(const ProfileSettings& profile);
-  nlohmann::json Next(const HostedPlugin::Progress& progress, const MessageList& list,
-                      bool isCasting) const;
   nlohmann::json List(const ProfileSettings& profile, Messages& known);
   nlohmann::json Sent(std::int32_t index) const;
-  nlohmann::json Log(const ProfileSettings& profile) const;
+  nlohmann::json Log(std::int32_t index) const;
   const Preview::Game& GameOf(const ProfileSettings& profile);
   void RefreshLive(const ProfileSettings& profile, const MessageList& list, Messages& known);
 
   ServerHost& host_;
-  const HostOptions& options_;
   std::int64_t change_ = 0;
   Rows rows_;
   std::int32_t lastRefreshed_ = 0;
@@ -78,6 +78,6 @@ class Snapshots {
 };
 
 /// The value as JSON text; invalid UTF-8 is replaced.
-std::string ToText(const nlohmann::json& value);
+std::string JsonText(const nlohmann::json& value);
 
 }  // namespace rotacasts::host::web

@@ -1,5 +1,7 @@
 #include "web/web_site.h"
 
+#include "machine/linux/tcp.h"
+
 namespace rotacasts::host::web {
 namespace {
 
@@ -12,9 +14,9 @@ std::string UrlOf(const std::string& address, std::uint16_t port) {
 
 }  // namespace
 
-WebSite::WebSite(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out)
-    : api_(loop, host, options, sessions_, out),
-      server_(loop, options.web,
+WebSite::WebSite(EventLoop& loop, ServerHost& host, const std::string& address, std::ostream& out)
+    : api_(loop, host, sessions_, out),
+      server_(loop, address,
               [this](const std::shared_ptr<Exchange>& exchange) { api_.Handle(exchange); }) {
   api_.onChange = [this] { server_.Pump(); };
   loop.AddDeadline(
@@ -27,7 +29,11 @@ WebSite::WebSite(EventLoop& loop, ServerHost& host, const HostOptions& options, 
         api_.Refresh();
         server_.Pump();
       });
-  out << "the page: " << UrlOf(options.web, server_.Port()) << "\n";
+  out << "the page: " << UrlOf(address, server_.Port()) << "\n";
+  if (!ListenAddress(options.web).IsLoopback()) {
+    out << "warning: whoever is on the way to the page can read passwords, because it is not "
+           "encrypted; serve it at 127.0.0.1, behind a proxy with TLS\n";
+  }
   if (Admins(host.Profiles().Folder()).All().empty()) {
     out << "nobody may sign in yet; \"rotacasts-host admin set NAME --host-folder DIR\" lets "
            "somebody\n";

@@ -9,10 +9,10 @@ namespace rotacasts::host::web {
 
 class WebSite {
  public:
-  /// Serves the page at options.web, in the event loop's turns, and prints its address to `out`.
-  /// Errors: 5, 53 or 57 if it cannot be served there. Everything passed by reference must outlive
+  /// Serves the page at `address`, ADDRESS:PORT, in the event loop's turns, and prints its URL to
+  /// `out`. Errors: 5, 53 or 57 if it cannot be served there. `loop`, `host` and `out` must outlive
   /// it.
-  WebSite(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out);
+  WebSite(EventLoop& loop, ServerHost& host, const std::string& address, std::ostream& out);
 
  private:
   Sessions sessions_;

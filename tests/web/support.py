@@ -74,6 +74,13 @@ class Host:
         written = name + self.log(index)[-1][:10]
         return time.mktime(time.strptime(written, "%Y-%m-%d.txt[%H:%M:%S]"))
 
+    def checking_time(self):
+        """The processor time of the password checks that have ended, in seconds: the host's child
+        processes do nothing else."""
+        with open(f"/proc/{self.program.id}/stat", encoding="ascii") as file:
+            fields = file.read().rsplit(") ", 1)[1].split()
+        return (int(fields[13]) + int(fields[14])) / os.sysconf("SC_CLK_TCK")
+
     def connect(self):
         return http.client.HTTPConnection("127.0.0.1", self.port, timeout=20)
 

@@ -136,7 +136,7 @@ class HostedPluginTest : public testing::ComponentTest, public PluginSite {
     return {reinterpret_cast<forms::WindowHandle>(frame->Get()), 9000, 7000};
   }
   HostedPlugin::Reply Remote(const char* operation, const char* value) {
-    return server.Remote(4, operation, value);
+    return server.Remote(4, RemoteOperationOf(operation), value);
   }
 
   static constexpr const char* kFile = "profiles/srv4/settings/Rotacasts.ini";

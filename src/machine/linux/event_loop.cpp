@@ -62,6 +62,8 @@ const timespec* Until(std::optional<EventLoop::Clock::time_point> time, timespec
 
 }  // namespace
 
+const short EventLoop::kReadable = POLLIN;
+
 EventLoop::EventLoop() : signals_(std::make_unique<Signals>()) {}
 EventLoop::~EventLoop() = default;
 

@@ -20,6 +20,7 @@ namespace rotacasts::host {
 class EventLoop {
  public:
   using Clock = std::chrono::steady_clock;
+  static const short kReadable;  // POLLIN
 
   /// While the object exists, SIGINT, SIGTERM and SIGHUP wait until Run handles them, and SIGPIPE
   /// is ignored, so that a write without a reader just fails. Only one loop may exist at a time.

@@ -10,6 +10,8 @@
 #include <cstring>
 
 #include "base/runtime_error.h"
+#include "machine/native_files.h"
+#include "services/host_folder.h"
 
 namespace rotacasts::host {
 
@@ -28,7 +30,7 @@ struct HostLock::File {
 HostLock::~HostLock() = default;
 
 HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
-  const std::string path = hostFolder + "/host.lock";
+  const std::string path = NativePath(HostFolder(hostFolder).Lock()).string();
   const auto raise = [&path] {
     throw RuntimeError(ErrorNumber::PermissionDenied, path + " (" + std::strerror(errno) + ")");
   };

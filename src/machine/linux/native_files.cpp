@@ -124,15 +124,15 @@ void Give(const Descriptor& made, const struct stat& status) {
 }
 
 /// Replaces one file with another.
-class Replacement {
+class AtomicReplace {
  public:
-  explicit Replacement(std::filesystem::path target)
+  explicit AtomicReplace(std::filesystem::path target)
       : target_(std::move(target)), folder_(target_.parent_path()) {}
-  ~Replacement() {
+  ~AtomicReplace() {
     if (!beside_.empty()) ::unlink(beside_.c_str());
   }
-  Replacement(const Replacement&) = delete;
-  Replacement& operator=(const Replacement&) = delete;
+  AtomicReplace(const AtomicReplace&) = delete;
+  AtomicReplace& operator=(const AtomicReplace&) = delete;
 
   bool Run(std::string_view bytes, const FileBytes* seen) {
     WriteBeside(bytes);
@@ -222,7 +222,7 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
 bool ReplaceFile(const std::string& path, std::string_view bytes, const FileBytes* seen) {
   RefuseEmpty(path);
   constexpr useconds_t kMomentForOthers = 5000;
-  const bool isReplaced = Replacement(Target(path)).Run(bytes, seen);
+  const bool isReplaced = AtomicReplace(Target(path)).Run(bytes, seen);
   if (!isReplaced) ::usleep(kMomentForOthers);
   return isReplaced;
 }

@@ -59,8 +59,8 @@ std::string Outcome(int status) {
 
 }  // namespace
 
-struct ProgramStarter::Running {
-  ~Running() {
+struct ProgramStarter::Child {
+  ~Child() {
     ::close(process);
     ::close(errors);
   }
@@ -97,7 +97,7 @@ ProgramStarter::~ProgramStarter() {
 
 void ProgramStarter::Start(const std::vector<std::string>& command,
                            std::function<void(const std::string&)> onEnd) {
-  auto program = std::make_unique<Running>();
+  auto program = std::make_unique<Child>();
   program->name = command.at(0);
   int ends[2] = {-1, -1};
   int problem = ::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0 ? errno : 0;
@@ -120,7 +120,7 @@ void ProgramStarter::Start(const std::vector<std::string>& command,
   program->process = static_cast<int>(::syscall(SYS_pidfd_open, id, 0));
   program->limit = EventLoop::Clock::now() + timeLimit_;
   program->onEnd = std::move(onEnd);
-  Running& running = *(running_[id] = std::move(program));
+  Child& running = *(running_[id] = std::move(program));
   loop_.Watch(running.process, POLLIN, [this, id](short) { Ended(id); });
   loop_.Watch(running.errors, POLLIN, [this, &running](short ready) {
     running.ReadErrors();
@@ -147,7 +147,7 @@ void ProgramStarter::KillLate() {
 void ProgramStarter::Ended(int process) {
   int status = 0;
   if (::waitpid(process, &status, WNOHANG) != process) return;
-  const std::unique_ptr<Running> program = std::move(running_.extract(process).mapped());
+  const std::unique_ptr<Child> program = std::move(running_.extract(process).mapped());
   loop_.Unwatch(program->process);
   loop_.Unwatch(program->errors);
   program->ReadErrors();

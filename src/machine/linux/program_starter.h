@@ -23,7 +23,7 @@ class ProgramStarter final : public ProgramRunner {
   static constexpr auto kTimeLimit = std::chrono::seconds(10);
 
  private:
-  struct Running;
+  struct Child;
 
   std::optional<EventLoop::Clock::time_point> NextLimit() const;
   void KillLate();
@@ -31,7 +31,7 @@ class ProgramStarter final : public ProgramRunner {
 
   EventLoop& loop_;
   const std::chrono::milliseconds timeLimit_;
-  std::map<int, std::unique_ptr<Running>> running_;  // by process id
+  std::map<int, std::unique_ptr<Child>> running_;  // by process id
 };
 
 }  // namespace rotacasts::host

@@ -9,7 +9,7 @@
 namespace rotacasts::host {
 namespace {
 
-struct Reader {
+struct Lines {
   HANDLE input;
   HWND window;
   UINT message;
@@ -30,7 +30,7 @@ std::string ReadPiece(HANDLE input) {
   return {bytes, count};
 }
 
-bool PostLine(const Reader& reader, std::string line) {
+bool PostLine(const Lines& reader, std::string line) {
   if (line.ends_with('\r')) line.pop_back();
   auto copy = std::make_unique<std::string>(std::move(line));
   if (::PostMessageW(reader.window, reader.message, 0, reinterpret_cast<LPARAM>(copy.get())) ==
@@ -41,7 +41,7 @@ bool PostLine(const Reader& reader, std::string line) {
   return true;
 }
 
-void ReadLines(const Reader& reader) {
+void ReadLines(const Lines& reader) {
   std::string text;
   for (std::string piece = ReadPiece(reader.input); !piece.empty();
        piece = ReadPiece(reader.input)) {
@@ -55,7 +55,7 @@ void ReadLines(const Reader& reader) {
 }
 
 DWORD WINAPI RunReader(void* parameter) {
-  const std::unique_ptr<Reader> reader(static_cast<Reader*>(parameter));
+  const std::unique_ptr<Lines> reader(static_cast<Lines*>(parameter));
   try {
     ReadLines(*reader);
   } catch (...) {  // out of memory: only the console stops
@@ -66,7 +66,7 @@ DWORD WINAPI RunReader(void* parameter) {
 }  // namespace
 
 void PostConsoleLines(HWND window, UINT message) {
-  auto reader = std::make_unique<Reader>(Reader{::GetStdHandle(STD_INPUT_HANDLE), window, message});
+  auto reader = std::make_unique<Lines>(Lines{::GetStdHandle(STD_INPUT_HANDLE), window, message});
   const win32::UniqueHandle thread(::CreateThread(nullptr, 0, RunReader, reader.get(), 0, nullptr));
   if (thread) static_cast<void>(reader.release());
 }

@@ -6,6 +6,7 @@
 #include "com/com_support.h"
 #include "machine/native_files.h"
 #include "machine/win32/unique_handle.h"
+#include "services/host_folder.h"
 
 namespace rotacasts::host {
 
@@ -20,7 +21,7 @@ struct HostLock::File : win32::UniqueHandle {
 HostLock::~HostLock() = default;
 
 HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
-  const std::string path = hostFolder + "\\host.lock";
+  const std::string path = HostFolder(hostFolder).Lock();
   file_ = std::make_unique<File>(path);
   const DWORD problem = ::GetLastError();
   if (*file_) {

@@ -22,15 +22,15 @@ namespace {
 void TellOfChat(const HostProfiles& profiles, Troubles& troubles, const SentText& sent) {
   const auto profile = profiles.All().find(sent.profile);
   if (profile == profiles.All().end() || profile->second.say.empty()) return;
-  const std::int32_t key = -sent.profile;  // apart from the profile's ticks
+  const Work work{sent.profile, Work::Kind::Chat};
   const std::string label = profile->second.Label();
   if (sent.outcome == SentText::Outcome::Failed) {
-    const std::string words = Named(label, sent.reason);
-    const bool isNew = !troubles.IsOld(key, words);
-    troubles.Met(key, words);
+    const std::string words = label + ": " + sent.reason;
+    const bool isNew = !troubles.IsReported(work, words);
+    troubles.ReportStarted(work, words);
     if (isNew) profiles.Record("Say", words);
   }
-  if (const auto ended = troubles.TickEnded(key, label)) profiles.Record("Say", *ended);
+  if (const auto ended = troubles.ReportEnded(work, label)) profiles.Record("Say", *ended);
 }
 
 std::vector<std::int32_t> IndexesOf(const HostProfiles& profiles) {
@@ -72,7 +72,7 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   HeadlessSite site;
   ServerHost host(profiles, plugin, site, options);
   std::optional<web::WebSite> page;
-  if (!options.web.empty()) page.emplace(loop, host, options, out);
+  if (!options.web.empty()) page.emplace(loop, host, options.web, out);
   Console console(host, out);
   loop.AddDeadline([&plugin] { return plugin.NextDue(); }, [&plugin] { plugin.RunDue(); });
   GameProcesses& servers = profiles.Components().Processes();

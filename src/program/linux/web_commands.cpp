@@ -61,7 +61,7 @@ std::string AskForPassword(std::ostream& out) {
   return password;
 }
 
-struct Wishes {
+struct AdminOptions {
   std::string name;
   std::optional<std::string> profiles;
   std::optional<std::string> rights;
@@ -69,14 +69,14 @@ struct Wishes {
 
 /// Sets an administrator's password and rights. A new one may do everything unless the options say
 /// otherwise; an existing one keeps what they leave out.
-void SetAdmin(const Admins& admins, const Wishes& wishes, std::ostream& out) {
+void SetAdmin(const Admins& admins, const AdminOptions& wanted, std::ostream& out) {
   Admin admin =
-      web::FindAdmin(admins.All(), wishes.name)
-          .value_or(Admin{wishes.name, {}, true, {}, {web::kRights.begin(), web::kRights.end()}});
-  if (wishes.profiles && !web::ReadProfiles(*wishes.profiles, admin)) {
+      web::FindAdmin(admins.All(), wanted.name)
+          .value_or(Admin{wanted.name, {}, true, {}, {web::kRights.begin(), web::kRights.end()}});
+  if (wanted.profiles && !web::ReadProfiles(*wanted.profiles, admin)) {
     throw Complaint("--profiles takes indexes such as 1,4 or \"*\" for all");
   }
-  if (wishes.rights && !web::ReadRights(*wishes.rights, admin)) {
+  if (wanted.rights && !web::ReadRights(*wanted.rights, admin)) {
     std::string names;
     for (const web::Right right : web::kRights) names += "\n  " + web::NameOf(right);
     throw Complaint("--rights takes these, separated by commas, or \"\" for none:" + names);
@@ -104,7 +104,7 @@ void AddWebCommands(CLI::App& program, CLI::App& run, HostOptions& options, std:
                  "serve the page for administrators here, such as 127.0.0.1:8480");
   CLI::App* admin = program.add_subcommand("admin", "Say who may sign in to the page");
   admin->require_subcommand(1);
-  const auto wishes = std::make_shared<Wishes>();
+  const auto wanted = std::make_shared<AdminOptions>();
   const auto add = [&](const char* name, const char* help, std::function<void()> command) {
     CLI::App* added = admin->add_subcommand(name, help);
     addFolder(*added);
@@ -113,17 +113,17 @@ void AddWebCommands(CLI::App& program, CLI::App& run, HostOptions& options, std:
   };
   CLI::App* set =
       add("set", "Let somebody sign in, or change what they may do; asks for a password",
-          [&options, &out, wishes] { SetAdmin(Admins(options.folder), *wishes, out); });
-  set->add_option("NAME", wishes->name)->required();
-  set->add_option("--profiles", wishes->profiles, "indexes such as 1,4; all without it");
-  set->add_option("--rights", wishes->rights,
+          [&options, &out, wanted] { SetAdmin(Admins(options.folder), *wanted, out); });
+  set->add_option("NAME", wanted->name)->required();
+  set->add_option("--profiles", wanted->profiles, "indexes such as 1,4; all without it");
+  set->add_option("--rights", wanted->rights,
                   "\"Add/Remove Rotacasts, Change Rotacasts Settings\"; both without it");
   add("remove", "Let somebody sign in no longer",
-      [&options, &out, wishes] {
-        Admins(options.folder).Remove(wishes->name);
-        out << wishes->name << " may no longer sign in\n";
+      [&options, &out, wanted] {
+        Admins(options.folder).Remove(wanted->name);
+        out << wanted->name << " may no longer sign in\n";
       })
-      ->add_option("NAME", wishes->name)
+      ->add_option("NAME", wanted->name)
       ->required();
   add("list", "List those who may sign in",
       [&options, &out] { ListAdmins(Admins(options.folder), out); });

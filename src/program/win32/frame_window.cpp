@@ -156,6 +156,17 @@ HBRUSH FrameWindow::Face() {
   return brushes_.OfColour(win32::ToColorRef(layout::kFace));
 }
 
+void FrameWindow::LimitSize(MINMAXINFO& limits) const {
+  const SIZE size = SmallestSize();
+  limits.ptMinTrackSize = {size.cx, size.cy};
+}
+
+void FrameWindow::EraseBackground(HDC target) {
+  RECT all;
+  ::GetClientRect(window_, &all);
+  ::FillRect(target, &all, Face());  // the same colour as the plugin's window
+}
+
 PluginArea FrameWindow::Area() const {
   RECT area;
   ::GetClientRect(area_, &area);
@@ -209,17 +220,12 @@ LRESULT FrameWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_SIZE:
       if (area_ != nullptr) Arrange();
       return 0;
-    case WM_GETMINMAXINFO: {
-      const SIZE size = SmallestSize();
-      reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {size.cx, size.cy};
+    case WM_GETMINMAXINFO:
+      LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam));
       return 0;
-    }
-    case WM_ERASEBKGND: {  // the same colour as the plugin's window
-      RECT all;
-      ::GetClientRect(window_, &all);
-      ::FillRect(reinterpret_cast<HDC>(wParam), &all, Face());
+    case WM_ERASEBKGND:
+      EraseBackground(reinterpret_cast<HDC>(wParam));
       return TRUE;
-    }
     case WM_CTLCOLORSTATIC:
       ::SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
       return reinterpret_cast<LRESULT>(Face());

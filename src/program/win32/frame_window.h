@@ -48,6 +48,8 @@ class FrameWindow final : public PluginSite {
   SIZE SmallestSize() const;
   HBRUSH Face();
   void HandleChoice();
+  void LimitSize(MINMAXINFO& limits) const;
+  void EraseBackground(HDC target);
   void HandleLine(LPARAM line);
 
   const std::vector<Row> rows_;

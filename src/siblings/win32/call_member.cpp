@@ -31,31 +31,31 @@ win32::ComPtr<IDispatch> ObjectOf(const VARIANT& argument) {
 
 }  // namespace
 
-void Take(const VARIANT& argument, std::int16_t& value) {
+void ReadArgument(const VARIANT& argument, std::int16_t& value) {
   value = ToInteger(win32::ToHostValue(argument));
 }
 
-void Take(const VARIANT& argument, std::int32_t& value) {
+void ReadArgument(const VARIANT& argument, std::int32_t& value) {
   // A short cut for the two kinds of every memory read.
   value = argument.vt == VT_I4                ? argument.lVal
           : argument.vt == (VT_BYREF | VT_I4) ? *argument.plVal
                                               : ToLong(win32::ToHostValue(argument));
 }
 
-void Take(const VARIANT& argument, bool& value) {
+void ReadArgument(const VARIANT& argument, bool& value) {
   value = ToBoolean(win32::ToHostValue(argument));
 }
 
-void Take(const VARIANT& argument, std::string& value) {
+void ReadArgument(const VARIANT& argument, std::string& value) {
   value = ToText(win32::ToHostValue(argument));
 }
 
-void Take(const VARIANT& argument, std::optional<std::string>& value) {
+void ReadArgument(const VARIANT& argument, std::optional<std::string>& value) {
   value.reset();
   if (!IsNullText(argument)) value = ToText(win32::ToHostValue(argument));
 }
 
-void Take(const VARIANT& argument, UtilityComponent::Key& value) {
+void ReadArgument(const VARIANT& argument, UtilityComponent::Key& value) {
   if (IsNullText(argument)) {
     value = UtilityComponent::kNullKey;
     return;
@@ -68,11 +68,11 @@ void Take(const VARIANT& argument, UtilityComponent::Key& value) {
   }
 }
 
-void Take(const VARIANT& argument, HostValue& value) {
+void ReadArgument(const VARIANT& argument, HostValue& value) {
   value = win32::ToHostValue(argument);
 }
 
-void Take(const VARIANT& argument, RuntimeError& value) {
+void ReadArgument(const VARIANT& argument, RuntimeError& value) {
   const win32::LateBound error(ObjectOf(argument));
   value.number = ToLong(win32::ToHostValue(win32::Member(error, "Number")().Get()));
   value.description = ToText(win32::ToHostValue(win32::Member(error, "Description")().Get()));

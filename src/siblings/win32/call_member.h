@@ -15,15 +15,15 @@
 namespace rotacasts::host {
 
 // Converts an argument to the type of `value`. Errors: those of the conversions, such as 13.
-void Take(const VARIANT& argument, std::int16_t& value);
-void Take(const VARIANT& argument, std::int32_t& value);
-void Take(const VARIANT& argument, bool& value);
-void Take(const VARIANT& argument, std::string& value);
-void Take(const VARIANT& argument, std::optional<std::string>& value);
-void Take(const VARIANT& argument, UtilityComponent::Key& value);
-void Take(const VARIANT& argument, HostValue& value);
+void ReadArgument(const VARIANT& argument, std::int16_t& value);
+void ReadArgument(const VARIANT& argument, std::int32_t& value);
+void ReadArgument(const VARIANT& argument, bool& value);
+void ReadArgument(const VARIANT& argument, std::string& value);
+void ReadArgument(const VARIANT& argument, std::optional<std::string>& value);
+void ReadArgument(const VARIANT& argument, UtilityComponent::Key& value);
+void ReadArgument(const VARIANT& argument, HostValue& value);
 /// From an object with the properties Number and Description.
-void Take(const VARIANT& argument, RuntimeError& value);
+void ReadArgument(const VARIANT& argument, RuntimeError& value);
 
 /// Stores the value where a by-reference argument points, in the kind of that variable. Does
 /// nothing if the argument is by value or of another kind.
@@ -36,7 +36,7 @@ class CallArgument {
   using Value = std::remove_cvref_t<Parameter>;
 
   explicit CallArgument(const VARIANT& argument) : argument_(argument) {
-    Take(argument, value_);
+    ReadArgument(argument, value_);
     if constexpr (kGivenBack) before_ = value_;
   }
   Value& Get() { return value_; }

@@ -1,4 +1,4 @@
-#include "check/checked_file.h"
+#include "check/file_check.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -33,22 +33,22 @@ std::string LowerCase(std::string_view text) {
 
 }  // namespace
 
-CheckedFile::CheckedFile(std::string path, std::vector<std::string>& warnings)
+FileCheck::FileCheck(std::string path, std::vector<std::string>& warnings)
     : path_(std::move(path)), warnings_(warnings) {
   try {
     const auto bytes = ReadWholeFile(path_);
-    exists_ = bytes.has_value();
-    if (exists_ && IsUtf8(*bytes)) {
-      TakeUtf8(*bytes);
+    if (bytes && IsUtf8(*bytes)) {
+      ReadUtf8(*bytes);
     } else {
       ini_ = ReadIni(path_);
     }
   } catch (const RuntimeError& error) {
+    isReadable_ = false;
     Warn(1, error.description);
   }
 }
 
-void CheckedFile::TakeUtf8(std::string bytes) {
+void FileCheck::ReadUtf8(std::string bytes) {
   const bool isMarked = bytes.starts_with(kUtf8Mark);
   if (isMarked) bytes.erase(0, kUtf8Mark.size());
   ini_ = IniText(ToWindows1252(bytes, '?'));
@@ -62,11 +62,11 @@ void CheckedFile::TakeUtf8(std::string bytes) {
                  "\"; \"check --fix\" converts it and keeps a copy");
 }
 
-void CheckedFile::Warn(std::size_t line, const std::string& words) {
+void FileCheck::Warn(std::size_t line, const std::string& words) {
   warnings_.push_back(NativePath(path_).string() + ":" + std::to_string(line) + ": " + words);
 }
 
-void CheckedFile::CheckLines() {
+void FileCheck::CheckLines() {
   std::set<std::string> sections;
   const std::vector<IniText::Row> rows = ini_.Rows();
   for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -86,7 +86,7 @@ void CheckedFile::CheckLines() {
   }
 }
 
-void CheckedFile::CheckKeys(std::string_view section, const std::vector<std::string>& known) {
+void FileCheck::CheckKeys(std::string_view section, const std::vector<std::string>& known) {
   std::set<std::string> met;
   const std::vector<IniText::Row> rows = ini_.Rows();
   bool isInside = false;

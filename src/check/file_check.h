@@ -11,14 +11,15 @@
 namespace rotacasts::host {
 
 /// Reads a file once. Each warning names the file, the line and what to do.
-class CheckedFile {
+class FileCheck {
  public:
   /// Reads the file; a missing one counts as empty. `path` has the host suite's form. If the file
   /// cannot be used, or players would read another text than intended, that is the first warning.
   /// `warnings` must outlive it.
-  CheckedFile(std::string path, std::vector<std::string>& warnings);
+  FileCheck(std::string path, std::vector<std::string>& warnings);
 
-  bool Exists() const { return exists_; }
+  /// Whether the host can read it; if not, there is a warning.
+  bool IsReadable() const { return isReadable_; }
   /// The contents, converted to Windows-1252 if necessary.
   const IniText& Ini() const { return ini_; }
 
@@ -33,11 +34,11 @@ class CheckedFile {
   void CheckKeys(std::string_view section, const std::vector<std::string>& known);
 
  private:
-  void TakeUtf8(std::string bytes);
+  void ReadUtf8(std::string bytes);
 
   const std::string path_;
   std::vector<std::string>& warnings_;
-  bool exists_ = false;
+  bool isReadable_ = true;
   IniText ini_;
 };
 

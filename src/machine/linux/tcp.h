@@ -1,0 +1,42 @@
+// Addresses and connections of a server, for a library that does the rest.
+#pragma once
+
+#include <memory>
+#include <string>
+
+struct addrinfo;
+struct sockaddr;
+
+namespace rotacasts::host {
+
+/// The address that a server listens at.
+class ListenAddress {
+ public:
+  /// Reads "ADDRESS:PORT": a numeric address, one of IPv6 in brackets, or "localhost". Errors: 5 if
+  /// it is none.
+  explicit ListenAddress(const std::string& text);
+
+  /// Lasts as long as this object.
+  const sockaddr* Get() const;
+  bool IsIPv6() const;
+  /// Whether only programs of this machine can connect.
+  bool IsLoopback() const;
+
+ private:
+  struct Free {
+    void operator()(addrinfo* list) const;
+  };
+  std::unique_ptr<addrinfo, Free> list_;
+};
+
+/// The client's address without the port. A network of IPv6 counts as one client, this machine
+/// excepted.
+std::string ClientAddressOf(const sockaddr& address);
+
+/// Whether a client at this address is on this machine.
+bool IsLoopback(const std::string& address);
+
+/// Ends a connection in both directions; its socket stays open.
+void CutOff(int connection);
+
+}  // namespace rotacasts::host
