@@ -49,7 +49,9 @@ bool CheckProfileFolder(const std::string& hostFolder, const std::string& folder
   const std::size_t before = warnings.size();
   const std::string description = FindFile(path, HostFolder::kDescription, warnings);
   if (description.empty()) {
-    if (warnings.size() == before) {
+    std::error_code closed;  // LoadProfiles tells of a folder that cannot be entered
+    const std::filesystem::directory_iterator first(NativePath(path), closed);
+    if (warnings.size() == before && !closed) {
       warnings.push_back(NativePath(path).string() +
                          ": is ignored, for it has no profile.ini; write one, or move it away");
     }

@@ -52,6 +52,12 @@ void FileCheck::ReadUtf8(std::string bytes) {
   const bool isMarked = bytes.starts_with(kUtf8Mark);
   if (isMarked) bytes.erase(0, kUtf8Mark.size());
   ini_ = IniText(ToWindows1252(bytes, '?'));
+  std::string remedy = "; \"check --fix\" converts it and keeps a copy";
+  try {
+    ToWindows1252(bytes);
+  } catch (const RuntimeError& error) {
+    remedy = "; before it can be converted: " + error.description;
+  }
   if (isMarked) ReadIni(path_);  // throws: a file with a mark cannot be used
   const auto first = std::find_if_not(bytes.begin(), bytes.end(), IsAscii);
   const auto line = static_cast<std::size_t>(std::count(bytes.begin(), first, '\n')) + 1;
@@ -59,7 +65,7 @@ void FileCheck::ReadUtf8(std::string bytes) {
   const auto begin = bytes.find_last_of("=\r\n", at) + 1;  // npos + 1 is 0
   const std::string text = bytes.substr(begin, bytes.find_first_of("\r\n", at) - begin);
   Warn(line, "it is a UTF-8 file: for \"" + text + "\" players read \"" + FromWindows1252(text) +
-                 "\"; \"check --fix\" converts it and keeps a copy");
+                 "\"" + remedy);
 }
 
 void FileCheck::Warn(std::size_t line, const std::string& words) {

@@ -26,7 +26,7 @@ class Console::Arguments {
     rest_.remove_prefix(word.size());
     return std::string(word);
   }
-  /// The next word as a whole decimal number, such as a profile index or a position. Errors: 5.
+  /// The next word as a whole decimal number, such as a profile index. Errors: 5.
   std::int32_t Number() {
     const std::string word = Word();
     std::int32_t number = 0;
@@ -39,6 +39,13 @@ class Console::Arguments {
     const std::int32_t number = Number();
     End();
     return number;
+  }
+  /// The next word as a message's number, which must be the last: people count from 1, positions
+  /// from 0. Errors: 5.
+  std::int32_t LastPosition() {
+    const std::int32_t number = LastNumber();
+    if (number > 0) return number - 1;
+    throw Complaint("there is no message " + std::to_string(number) + "; the first one is 1");
   }
   bool IsAtEnd() const { return rest_.find_first_not_of(' ') == rest_.npos; }
   /// Errors: 5 if another word follows.
@@ -85,20 +92,20 @@ const Console::Command Console::kCommands[] = {
        const std::int32_t profile = arguments.Number();
        console.out_ << console.host_.AddMessage(profile, arguments.Text()) << "\n";
      }},
-    {"delete PROFILE POSITION", "delete a message",
+    {"delete PROFILE NUMBER", "delete a message",
      [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.out_ << console.host_.DeleteMessage(profile, arguments.LastNumber()) << "\n";
+       console.out_ << console.host_.DeleteMessage(profile, arguments.LastPosition()) << "\n";
      }},
-    {"up PROFILE POSITION", "move a message one place up",
+    {"up PROFILE NUMBER", "move a message one place up",
      [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.out_ << console.host_.MoveMessage(profile, arguments.LastNumber(), true) << "\n";
+       console.out_ << console.host_.MoveMessage(profile, arguments.LastPosition(), true) << "\n";
      }},
-    {"down PROFILE POSITION", "move a message one place down",
+    {"down PROFILE NUMBER", "move a message one place down",
      [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.out_ << console.host_.MoveMessage(profile, arguments.LastNumber(), false) << "\n";
+       console.out_ << console.host_.MoveMessage(profile, arguments.LastPosition(), false) << "\n";
      }},
     {"enable PROFILE 0|1", "switch its broadcasts off or on",
      [](Console& console, Arguments& arguments) {
@@ -279,10 +286,10 @@ bool PrintMessageTable(std::ostream& out, Preview& preview, const ProfileSetting
     out << profile.Label() << " has no messages in " << NativePath(list.path).string() << "\n";
     return isReached;
   }
-  TextTable table({"Position", "Message", "Says now"});
+  TextTable table({"Number", "Message", "Says now"});
   for (std::size_t i = 0; i < list.messages.size(); ++i) {
     const std::string& message = list.messages[i].text;
-    table.Add({std::to_string(i), message, preview.TextOf(profile, game, message).Shown()});
+    table.Add({std::to_string(i + 1), message, preview.TextOf(profile, game, message).Shown()});
   }
   table.Print(out);
   return isReached;

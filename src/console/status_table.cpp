@@ -13,7 +13,7 @@ std::string NextMessage(Preview& preview, const ProfileStatus& status) {
   if (!status.progress) return kNotKnown;
   if (!status.position) return "(no messages)";
   const std::string says = preview.TextOf(status.profile, status.game, status.message).Shown();
-  return std::to_string(*status.position) + ": " +
+  return std::to_string(*status.position + 1) + ": " +
          (says == status.message ? says : status.message + " -> " + says);
 }
 

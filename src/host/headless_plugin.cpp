@@ -4,7 +4,9 @@
 #include <utility>
 
 #include "broadcast/schedule.h"
+#include "host/message_list.h"
 #include "plugin/remote_operations.h"
+#include "services/host_folder.h"
 #include "siblings/host_file_system.h"
 #include "ui/layout.h"
 
@@ -41,6 +43,7 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   /// Reports a problem, in words that begin with the profile's label.
   void Tell(const std::string& words);
   std::string Label() const;
+  std::string MessageFile() const;
 
   HostProfiles& profiles_;
   Troubles& troubles_;
@@ -66,7 +69,7 @@ class HeadlessPlugin::Instance::Errors final : public ErrorReporter {
 
   void ReportError(const Failure& failure) override try {
     if (!instance_.files_.Settle()) return;  // the operation will run again
-    const std::string words = DescribeError(instance_.Label(), failure.error, failure.procedure);
+    const std::string words = Describe(failure);
     const bool isReported = instance_.troubles_.IsReported({instance_.index_}, words);
     if (!IsServerAway(failure.error)) instance_.Tell(words);  // HostProfiles tells of that
     if (isReported) return;
@@ -83,6 +86,15 @@ class HeadlessPlugin::Instance::Errors final : public ErrorReporter {
   }
 
  private:
+  /// A value that is none of the plugin's kind stands in the message file, where a person wrote it.
+  std::string Describe(const Failure& failure) const {
+    if (failure.error.number == static_cast<std::int32_t>(ErrorNumber::TypeMismatch)) {
+      const std::string problem = OptionProblem(instance_.MessageFile());
+      if (!problem.empty()) return instance_.Label() + ": " + problem;
+    }
+    return DescribeError(instance_.Label(), failure.error, failure.procedure);
+  }
+
   Instance& instance_;
 };
 
@@ -103,6 +115,10 @@ HeadlessPlugin::Instance::Instance(HostProfiles& profiles, Troubles& troubles, s
 std::unique_ptr<UtilityComponent> HeadlessPlugin::Instance::CreateUtility() {
   return std::make_unique<HostUtilityComponent>(profiles_.Folder(), profiles_.Components().Clock(),
                                                 files_);
+}
+
+std::string HeadlessPlugin::Instance::MessageFile() const {
+  return HostFolder(profiles_.Folder()).MessageFile(profiles_.At(index_).folder);
 }
 
 std::string HeadlessPlugin::Instance::Label() const {

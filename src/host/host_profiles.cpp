@@ -41,8 +41,9 @@ HostProfiles::HostProfiles(const std::string& hostFolder, std::ostream& out)
   for (ProfileSettings& profile : loaded.profiles) Use(std::move(profile));
 }
 
-void HostProfiles::PrintSkipped() const {
+bool HostProfiles::PrintSkipped() const {
   for (const auto& problem : skipped_) out_ << "skipped: " << problem.words << "\n";
+  return skipped_.empty();
 }
 
 void HostProfiles::TellOfServer(ServerNews news, const std::string& words) const {
@@ -78,7 +79,9 @@ bool HostProfiles::MakeSettingsFolderOf(const ProfileSettings& profile) try {
   return true;
 } catch (const RuntimeError& error) {
   out_ << "skipped: " << profile.Label()
-       << ": its settings folder cannot be made: " << error.description << "\n";
+       << ": its settings folder cannot be made: " << error.description
+       << "; let the host's user write "
+       << NativePath(HostFolder(folder_).Profile(profile.folder)).string() << "\n";
   return false;
 }
 

@@ -22,8 +22,9 @@ class HostProfiles {
   /// folder.
   HostProfiles(const std::string& hostFolder, std::ostream& out);
 
-  /// Says what is wrong with the profiles that could not be used when they were first read.
-  void PrintSkipped() const;
+  /// Says what is wrong with the profiles that could not be used when they were first read. Returns
+  /// false if there are any.
+  bool PrintSkipped() const;
 
   /// Creates what the plugin needs and the host folder lacks: settings\config.ini and the profiles'
   /// settings folders. A profile whose folder cannot be created is dropped, with a message.

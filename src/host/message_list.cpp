@@ -1,5 +1,6 @@
 #include "host/message_list.h"
 
+#include "base/conversions.h"
 #include "base/text.h"
 #include "host/complaint.h"
 #include "machine/native_files.h"
@@ -21,16 +22,29 @@ const std::string& MessageList::TextAt(std::int32_t position) const {
   for (std::size_t i = 0; i < messages.size(); ++i) {
     const std::string due = std::to_string(i + 1);
     if (messages[i].key == due) continue;
-    throw Complaint("the message \"" + messages[i].text + "\" at position " + std::to_string(i) +
-                    " has the key " + messages[i].key + " instead of " + due +
-                    ", so a position could mean another message; number the keys from 1 in " +
+    throw Complaint("message " + due + " \"" + messages[i].text + "\" has the key " +
+                    messages[i].key +
+                    ", so a number could mean another message; number the keys from 1 in " +
                     NativePath(path).string() + " and try again");
   }
   if (position >= 0 && static_cast<std::size_t>(position) < messages.size()) {
     return messages[static_cast<std::size_t>(position)].text;
   }
-  throw Complaint("there is no message at position " + std::to_string(position) +
+  throw Complaint("there is no message " + std::to_string(std::int64_t{position} + 1) +
                   "; \"messages\" lists those there are");
+}
+
+std::string OptionProblem(const std::string& messageFile) {
+  const IniText ini = ReadIni(messageFile);
+  for (const Option& option : {kEnable, kInterval}) {
+    const std::string text = FromWindows1252(ini.Value(kOptionsSection, option.key).value_or(""));
+    if (text.empty() || IsNumeric(text)) continue;
+    return NativePath(messageFile).string() + ":" +
+           std::to_string(ini.LineOf(kOptionsSection, option.key)) + ": " + option.key + " is \"" +
+           text + "\", which is no number; write " + std::to_string(option.lowest) + " to " +
+           std::to_string(option.highest);
+  }
+  return {};
 }
 
 }  // namespace rotacasts::host

@@ -27,4 +27,8 @@ struct MessageList {
   std::string interval;
 };
 
+/// What keeps an option of a message file from being used, with its place and what to write there;
+/// empty if nothing does. Errors: those of reading the file.
+std::string OptionProblem(const std::string& messageFile);
+
 }  // namespace rotacasts::host

@@ -28,7 +28,15 @@ std::string Place(const std::string& file, const IniText& ini, const std::string
 class ProfileFile {
  public:
   ProfileFile(const std::string& file, FileLayer& files)
-      : file_(file), ini_(IniOf(file, files.Read(file).value_or(""))) {}
+      : file_(file), ini_(IniOf(file, files.Read(file).value_or(""))) {
+    const std::vector<std::string_view> sections = ini_.Sections();
+    if (std::ranges::any_of(
+            sections, [](std::string_view name) { return EqualsIgnoringCase(name, kSection); })) {
+      return;
+    }
+    throw Complaint(Place(file_, ini_, "") + ": there is no section [" + kSection +
+                    "]; write that line above the keys");
+  }
 
   /// Empty if the key is missing.
   std::string Optional(const char* key) const {
@@ -72,6 +80,16 @@ class ProfileFile {
   const std::string file_;
   const IniText ini_;
 };
+
+/// Why the folder cannot be entered; empty if it can, and for what is no folder.
+std::string WhyClosed(const fs::path& folder) {
+  std::error_code problem;
+  if (!fs::is_directory(folder, problem)) return {};
+  const fs::directory_iterator first(folder, problem);
+  if (!problem) fs::status(folder / ".", problem);
+  if (!problem) return {};
+  return folder.string() + ": " + problem.message() + "; let this user enter and read it";
+}
 
 }  // namespace
 
@@ -124,7 +142,12 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
   }
   std::sort(folders.begin(), folders.end());
   for (const std::string& folder : folders) {
-    if (!HasProfileFile(hostFolder, folder)) continue;
+    if (!HasProfileFile(hostFolder, folder)) {
+      if (const std::string why = WhyClosed(root / folder); !why.empty()) {
+        loaded.problems.push_back({folder, why});
+      }
+      continue;
+    }
     try {
       const ProfileSettings profile = ReadProfile(hostFolder, folder);
       const auto [other, added] = byIndex.try_emplace(profile.index, profile);

@@ -1,6 +1,7 @@
 #include "host/server_host.h"
 
 #include "host/complaint.h"
+#include "host/message_hints.h"
 #include "machine/base64.h"
 #include "plugin/remote_operations.h"
 #include "services/host_folder.h"
@@ -27,6 +28,13 @@ constexpr const char* kCannotBeWritten = "the file cannot be written";
 /// The outcome of a successful change, with any problems.
 std::string Done(std::string words, const HostedPlugin::Reply& reply) {
   for (const std::string& problem : reply.problems) words += "\nbut " + problem;
+  return words;
+}
+
+/// What the writer of an added message should know.
+std::string HintsAfter(const std::string& text) {
+  std::string words;
+  for (const std::string& hint : HintsOn(text)) words += "\nbut it " + hint;
   return words;
 }
 
@@ -123,7 +131,9 @@ std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
     RaiseUnchanged("not added", reply,
                    "a message is one line of Windows-1252 letters, in a file that can be written");
   }
-  return Done("added at position " + std::to_string(MessagesOf(index).messages.size() - 1), reply);
+  return Done(
+      "added as message " + std::to_string(MessagesOf(index).messages.size()) + HintsAfter(text),
+      reply);
 }
 
 std::string ServerHost::DeleteMessage(std::int32_t index, std::int32_t position,

@@ -51,9 +51,8 @@ int RunProfiles(const HostOptions& options) {
   }
   profiles.MakeWhatIsMissing();
   if (profiles.All().empty()) {
-    Errors() << options.folder
-             << " has no usable profile; each needs a file profiles/NAME/profile.ini "
-             << "with the section [Profile] and the keys Index, GameCode, Process and Target\n";
+    Errors() << options.folder << " has no usable profile; \"rotacasts-host new NAME --host-folder "
+             << options.folder << "\" sets one up, \"check\" says what is wrong with one\n";
     return kCannotWork;
   }
   RunHost(profiles, options, Out());
@@ -72,9 +71,8 @@ std::vector<std::int32_t> Chosen(const HostOptions& options, const HostProfiles&
 /// reached.
 int PrintPreviews(const HostOptions& options) {
   HostProfiles profiles(options.folder, Out());
-  profiles.PrintSkipped();
+  int status = profiles.PrintSkipped() ? 0 : 1;
   Preview preview(profiles);
-  int status = 0;
   for (const std::int32_t index : Chosen(options, profiles)) {
     try {
       const ProfileSettings& profile = profiles.At(index);
@@ -159,6 +157,7 @@ void CommandLine::AddRun() {
          "--minute",
          [this](std::int64_t length) { options_.minute = std::chrono::milliseconds(length); },
          "how long a minute lasts, such as 1s or 300ms")
+      ->type_name("TIME")
       ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
       ->check(CLI::PositiveNumber)
       ->default_str("60s");

@@ -40,7 +40,7 @@ void Api::Restore(Call& call) {
     host_.MoveMessage(call.profile, position, true, call.admin.name);
   }
   call.exchange->Answer(
-      Changed(call, "put back at position " + std::to_string(std::min(wanted, count))));
+      Changed(call, "put back as message " + std::to_string(std::min(wanted, count) + 1)));
 }
 
 void Api::Move(Call& call) {

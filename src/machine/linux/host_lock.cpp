@@ -31,8 +31,10 @@ HostLock::~HostLock() = default;
 
 HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
   const std::string path = NativePath(HostFolder(hostFolder).Lock()).string();
-  const auto raise = [&path] {
-    throw RuntimeError(ErrorNumber::PermissionDenied, path + " (" + std::strerror(errno) + ")");
+  const auto raise = [&path, &hostFolder] {
+    throw RuntimeError(
+        ErrorNumber::PermissionDenied,
+        path + " (" + std::strerror(errno) + "); let the host's user write it, and " + hostFolder);
   };
   file_ = std::make_unique<File>(path);
   if (file_->descriptor < 0) raise();

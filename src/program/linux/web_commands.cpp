@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "console/text_table.h"
 #include "host/complaint.h"
+#include "siblings/file_layer.h"
 #include "web/admins.h"
 #include "web/passwords.h"
 
@@ -61,6 +62,17 @@ std::string AskForPassword(std::ostream& out) {
   return password;
 }
 
+/// The administrators of a folder that is there. Errors: 76.
+Admins AdminsIn(const std::string& hostFolder) {
+  if (MachineFiles().FolderExists(hostFolder)) return Admins(hostFolder);
+  throw RuntimeError(ErrorNumber::PathNotFound, hostFolder + "; name the host's folder");
+}
+
+std::string RightsInWords(const Admin& admin) {
+  const std::string rights = web::RightsText(admin);
+  return rights.empty() ? "none, to look on" : rights;
+}
+
 struct AdminOptions {
   std::string name;
   std::optional<std::string> profiles;
@@ -68,7 +80,7 @@ struct AdminOptions {
 };
 
 /// Sets an administrator's password and rights. A new one may do everything unless the options say
-/// otherwise; an existing one keeps what they leave out.
+/// otherwise; an existing one keeps what they leave out, also the password.
 void SetAdmin(const Admins& admins, const AdminOptions& wanted, std::ostream& out) {
   Admin admin =
       web::FindAdmin(admins.All(), wanted.name)
@@ -81,17 +93,17 @@ void SetAdmin(const Admins& admins, const AdminOptions& wanted, std::ostream& ou
     for (const web::Right right : web::kRights) names += "\n  " + web::NameOf(right);
     throw Complaint("--rights takes these, separated by commas, or \"\" for none:" + names);
   }
-  admin.password = web::HashPassword(AskForPassword(out));
+  const bool isJustThat = !admin.password.empty() && (wanted.profiles || wanted.rights);
+  if (!isJustThat) admin.password = web::HashPassword(AskForPassword(out));
   admins.Set(admin);
-  const std::string rights = web::RightsText(admin);
   out << admin.name << " may sign in; profiles: " << web::ProfilesText(admin)
-      << "; rights: " << (rights.empty() ? "none, to look on" : rights) << "\n";
+      << "; rights: " << RightsInWords(admin) << "\n";
 }
 
 void ListAdmins(const Admins& admins, std::ostream& out) {
   TextTable table({"Name", "Profiles", "Rights"});
   for (const Admin& admin : admins.All()) {
-    table.Add({admin.name, web::ProfilesText(admin), web::RightsText(admin)});
+    table.Add({admin.name, web::ProfilesText(admin), RightsInWords(admin)});
   }
   table.Print(out);
 }
@@ -111,22 +123,23 @@ void AddWebCommands(CLI::App& program, CLI::App& run, HostOptions& options, std:
     added->callback(std::move(command));
     return added;
   };
-  CLI::App* set =
-      add("set", "Let somebody sign in, or change what they may do; asks for a password",
-          [&options, &out, wanted] { SetAdmin(Admins(options.folder), *wanted, out); });
+  CLI::App* set = add(
+      "set",
+      "Let somebody sign in, or change what they may do; asks for the password unless one is kept",
+      [&options, &out, wanted] { SetAdmin(AdminsIn(options.folder), *wanted, out); });
   set->add_option("NAME", wanted->name)->required();
   set->add_option("--profiles", wanted->profiles, "indexes such as 1,4; all without it");
   set->add_option("--rights", wanted->rights,
                   "\"Add/Remove Rotacasts, Change Rotacasts Settings\"; both without it");
   add("remove", "Let somebody sign in no longer",
       [&options, &out, wanted] {
-        Admins(options.folder).Remove(wanted->name);
+        AdminsIn(options.folder).Remove(wanted->name);
         out << wanted->name << " may no longer sign in\n";
       })
       ->add_option("NAME", wanted->name)
       ->required();
   add("list", "List those who may sign in",
-      [&options, &out] { ListAdmins(Admins(options.folder), out); });
+      [&options, &out] { ListAdmins(AdminsIn(options.folder), out); });
 }
 
 }  // namespace rotacasts::host
