@@ -4,13 +4,14 @@
 #include <filesystem>
 #include <set>
 
+#include "base/conversions.h"
 #include "base/text.h"
 #include "game/game_builds.h"
 #include "host/complaint.h"
-#include "host/profile_settings.h"
 #include "machine/native_files.h"
 #include "services/host_folder.h"
 #include "siblings/file_layer.h"
+#include "siblings/ini_text.h"
 #include "store/options.h"
 
 namespace rotacasts::host {
@@ -50,11 +51,17 @@ void RequireWhole(const NewProfile& profile) {
   }
 }
 
-/// The lowest index that no profile has. A profile that cannot be read may have any.
+/// The lowest index that no profile has; also none that cannot be used yet.
 std::int32_t UnusedIndex(const std::string& hostFolder) {
+  const HostFolder paths(hostFolder);
   std::set<std::int32_t> used;
-  for (const ProfileSettings& profile : LoadProfiles(hostFolder).profiles) {
-    used.insert(profile.index);
+  for (const auto& entry : std::filesystem::directory_iterator(NativePath(paths.Profiles()))) {
+    const auto bytes = ReadWholeFile(paths.Description(entry.path().filename().string()));
+    for (const IniText::Row& row : IniText(bytes.value_or("")).Rows()) {
+      const std::string text(row.rest);
+      if (EqualsIgnoringCase(row.name, "Index") && IsNumeric(text))
+        used.insert(RoundToLong(ToDouble(text)));
+    }
   }
   std::int32_t index = 1;
   while (used.contains(index)) ++index;

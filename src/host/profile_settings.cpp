@@ -86,7 +86,7 @@ std::string WhyClosed(const fs::path& folder) {
   std::error_code problem;
   if (!fs::is_directory(folder, problem)) return {};
   const fs::directory_iterator first(folder, problem);
-  if (!problem) fs::status(folder / ".", problem);
+  if (!problem) (void)fs::status(folder / ".", problem);
   if (!problem) return {};
   return folder.string() + ": " + problem.message() + "; let this user enter and read it";
 }

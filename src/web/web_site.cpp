@@ -30,7 +30,7 @@ WebSite::WebSite(EventLoop& loop, ServerHost& host, const std::string& address, 
         server_.Pump();
       });
   out << "the page: " << UrlOf(address, server_.Port()) << "\n";
-  if (!ListenAddress(options.web).IsLoopback()) {
+  if (!ListenAddress(address).IsLoopback()) {
     out << "warning: whoever is on the way to the page can read passwords, because it is not "
            "encrypted; serve it at 127.0.0.1, behind a proxy with TLS\n";
   }
