@@ -17,11 +17,6 @@ inline std::string_view TrimBlanks(std::string_view text) {
   return text;
 }
 
-/// Whether a new line can start after these bytes.
-inline bool EndsInLine(std::string_view bytes) {
-  return bytes.empty() || kIniLineEnd.find(bytes.back()) != kIniLineEnd.npos;
-}
-
 /// A line of the file; views into its text.
 struct IniRow {
   enum class Kind : std::uint8_t { Heading, Key, Ignored, Unknown };  // Ignored: blank or a comment

@@ -4,6 +4,7 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
+#include "services/host_folder.h"
 #include "siblings/error_log.h"
 
 namespace rotacasts::host {
@@ -120,9 +121,9 @@ void HostUtilityComponent::AppendFile(const std::string& file, const std::string
 void HostUtilityComponent::LogError(const std::string& module, std::string& procedure,
                                     RuntimeError& error, std::int32_t& line) {
   if (!files_.Settle()) return;
-  const std::string folder = hostFolder_ + "\\logs";
-  const std::string file = folder + "\\errors.log";
-  NeedFolder(folder);
+  const HostFolder paths(hostFolder_);
+  const std::string file = paths.ErrorLog();
+  NeedFolder(paths.Logs());
   RotateIfLong(file);
   if (!files_.Layer().FileExists(file)) files_.Layer().Replace(file, "", nullptr);
   const LocalTime now = clock_.Now();
@@ -151,7 +152,7 @@ bool HostUtilityComponent::SendErrorReport(HostValue& report) {
 }
 
 void HostUtilityComponent::Deliver(std::string stamp, const std::string& text) const {
-  const std::string folder = hostFolder_ + "\\reports";
+  const std::string folder = HostFolder(hostFolder_).Reports();
   NeedFolder(folder);
   std::replace(stamp.begin(), stamp.end(), ':', '-');
   std::string file;

@@ -183,6 +183,10 @@ void FrameWindow::Shown(std::int32_t profile) {
   ::SetWindowTextW(heading_, win32::ToWide(found ? row->label : kNothingChosen).c_str());
 }
 
+void FrameWindow::HandleCommand(HWND control, WORD code) {
+  if (control == list_ && code == LBN_SELCHANGE) HandleChoice();
+}
+
 void FrameWindow::HandleChoice() {
   const LRESULT row = ::SendMessageW(list_, LB_GETCURSEL, 0, 0);
   if (row < 0 || !onChoose) return;
@@ -230,9 +234,7 @@ LRESULT FrameWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
       ::SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
       return reinterpret_cast<LRESULT>(Face());
     case WM_COMMAND:
-      if (reinterpret_cast<HWND>(lParam) == list_ && HIWORD(wParam) == LBN_SELCHANGE) {
-        HandleChoice();
-      }
+      HandleCommand(reinterpret_cast<HWND>(lParam), HIWORD(wParam));
       return 0;
     case WM_ACTIVATE:  // remembered, so that the control gets the focus back
       if (LOWORD(wParam) == WA_INACTIVE) lastFocus_ = ::GetFocus();

@@ -47,6 +47,7 @@ class FrameWindow final : public PluginSite {
   void Arrange() const;
   SIZE SmallestSize() const;
   HBRUSH Face();
+  void HandleCommand(HWND control, WORD code);
   void HandleChoice();
   void LimitSize(MINMAXINFO& limits) const;
   void EraseBackground(HDC target);
