@@ -14,7 +14,7 @@
 #include "host/profile_settings.h"
 #include "plugin/cls_plugin.h"
 #include "siblings/host_platform.h"
-#include "support/memory_files.h"
+#include "memory_files.h"
 
 namespace rotacasts {
 namespace {

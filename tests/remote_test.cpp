@@ -106,14 +106,6 @@ TEST_F(RemoteTest, WhatTheControlsRefuseIsReportedForEveryProfile) {
   }
 }
 
-TEST_F(RemoteTest, TheWindowShowsTheIntervalOfItsOwnProfileOnly) {
-  for (const bool inWindow : {true, false}) {
-    Start({}, inWindow);
-    Remote(&clsPlugin::ChangeIntervalRem, "7");
-    EXPECT_EQ(Window().txtInterval().Text(), inWindow ? "7" : "3");
-  }
-}
-
 TEST_F(RemoteTest, ErrorsEndAnOperationUnderItsNameWithTheReplyAsItStood) {
   Start({"a", "b"});
   const std::string file = host.MessageFile(2);
@@ -130,21 +122,6 @@ TEST_F(RemoteTest, ErrorsEndAnOperationUnderItsNameWithTheReplyAsItStood) {
   EXPECT_EQ(TakeErrors(), (Texts{"AddMessageRem: 9", "DeleteMessageRem: 76"}));
   EXPECT_NE(host.boxes.back().find("Error Line: 6"), std::string::npos);
   EXPECT_EQ(Stored(2), Texts{"b"});
-}
-
-TEST_F(RemoteTest, AStoppedProfileIsRefused) {
-  Start({"a", "b"});
-  Plugin().DisableProfile(2);
-  const std::string file = host.MessageFile(2);
-  for (const RemoteCall call : kChanges) {
-    Remote(call, "0");
-    EXPECT_NE(host.logged.back().find(": 76 Path not found: profile 2 is stopped"),
-              std::string::npos);
-  }
-  EXPECT_EQ(host.logged.size(), std::size(kChanges));
-  EXPECT_EQ(host.MessageFile(2), file);
-  EXPECT_EQ(TakeLog(), Texts{});
-  EXPECT_EQ(Plugin().GetMessagesRem(2, Pdat()), "<a>|<b>|0|3");  // sets it up again
 }
 
 TEST_F(RemoteTest, TheLogLiesWhereTheFlagSays) {

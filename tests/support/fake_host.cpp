@@ -10,60 +10,88 @@ namespace {
 
 using host::IniText;
 
-std::string Hex(std::int32_t address) {
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(address));
+std::string Text(const std::string& text) {
   return text;
 }
-
+std::string Text(bool flag) {
+  return flag ? "True" : "False";
+}
+std::string Text(std::integral auto number) {
+  return std::to_string(number);
+}
 std::string Text(const UtilityComponent::Key& key) {
   if (const auto* number = std::get_if<std::int32_t>(&key)) return "#" + std::to_string(*number);
   if (const auto* text = std::get_if<std::string>(&key)) return *text;
   return "null";
 }
 
+std::string Hex(std::int32_t address) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(address));
+  return text;
+}
+
+/// A component call, from its arrival to its return.
+class Call {
+ public:
+  template <class... Arguments>
+  Call(FakeHost& host, const char* name, const Arguments&... arguments) : host_(host) {
+    std::string& call = host_.calls.emplace_back(name);
+    [[maybe_unused]] const char* separator = "(";
+    ((call += separator + Text(arguments), separator = ", "), ...);
+    if (sizeof...(arguments) > 0) call += ")";
+    if (host_.insideCall) host_.insideCall();
+    if (host_.failAtCall == 0 || --host_.failAtCall > 0) return;
+    host_.fired = true;
+    throw RuntimeError(ErrorNumber::DeviceIoError, "injected into " + std::string(name));
+  }
+  ~Call() {
+    if (host_.afterCall) host_.afterCall();
+  }
+  Call(const Call&) = delete;
+  Call& operator=(const Call&) = delete;
+
+ private:
+  FakeHost& host_;
+};
+
 class FakeMemory final : public MemoryComponent {
  public:
   explicit FakeMemory(FakeHost& host) : host_(host) {}
   std::int32_t ReadLong(std::int32_t& handle, std::int32_t address) override {
-    const FakeHost::Call call(host_,
-                              "ReadLong(" + std::to_string(handle) + ", " + Hex(address) + ")");
+    const Call call(host_, "ReadLong", handle, Hex(address));
     if (host_.writesBack) handle = 999;
     const auto found = host_.longs.find(address);
     if (found == host_.longs.end()) throw RuntimeError(57, "not mapped " + Hex(address));
     return found->second;
   }
   std::string ReadStr(std::int32_t& handle, std::int32_t address) override {
-    const FakeHost::Call call(host_,
-                              "ReadStr(" + std::to_string(handle) + ", " + Hex(address) + ")");
+    const Call call(host_, "ReadStr", handle, Hex(address));
     return host_.texts[address];
   }
   void AddMsg(std::int16_t& index, std::int32_t& target, std::string& text, bool& affiliate,
               const std::string& kind, std::int16_t mode) override {
-    Add("AddMsg", index, target, text, affiliate, kind, mode, "");
+    const Call call(host_, "AddMsg", index, target, text, affiliate, kind, mode);
+    Send(target, text);
   }
   void AddMsgB(std::int16_t& index, std::int32_t& target, std::string& text, bool& affiliate,
                const std::string& kind, std::int16_t mode, std::string& gameCode) override {
-    Add("AddMsgB", index, target, text, affiliate, kind, mode, ", " + gameCode);
+    const Call call(host_, "AddMsgB", index, target, text, affiliate, kind, mode, gameCode);
+    Send(target, text);
     if (host_.writesBack) gameCode = "JO_2";
   }
   std::string Enc64(const std::string& text) override {
-    const FakeHost::Call call(host_, "Enc64(" + text + ")");
+    const Call call(host_, "Enc64", text);
     return "<" + text + ">";
   }
   std::string Dec64(const std::string& text) override {
-    const FakeHost::Call call(host_, "Dec64(" + text + ")");
+    const Call call(host_, "Dec64", text);
     if (text.size() < 2 || text.front() != '<') throw RuntimeError(5, "not encoded");
     return text.substr(1, text.size() - 2);
   }
 
  private:
-  void Add(const char* name, std::int16_t& index, std::int32_t& target, std::string& text,
-           bool& affiliate, const std::string& kind, std::int16_t mode, const std::string& more) {
-    const FakeHost::Call call(host_, std::string(name) + "(" + std::to_string(index) + ", " +
-                                         std::to_string(target) + ", " + text + ", " +
-                                         (affiliate ? "True" : "False") + ", " + kind + ", " +
-                                         std::to_string(mode) + more + ")");
+  void Send(std::int32_t& target, const std::string& text) {
     host_.sent.push_back(text);
     if (host_.writesBack) target = 888;
   }
@@ -75,13 +103,12 @@ class FakeUtility final : public UtilityComponent {
   explicit FakeUtility(FakeHost& host) : host_(host) {}
   std::string GetIniKey(const std::string& section, const std::string& key,
                         std::string& file) override {
-    const FakeHost::Call call(host_, "GetIniKey(" + section + ", " + key + ", " + file + ")");
+    const Call call(host_, "GetIniKey", section, key, file);
     return FromWindows1252(Ini(file).Value(section, key).value_or(""));
   }
   void WriteIniKey(const std::string& section, const Key& key,
                    const std::optional<std::string>& value, std::string& file) override {
-    const FakeHost::Call call(host_, "WriteIniKey(" + section + ", " + Text(key) + ", " +
-                                         value.value_or("null") + ", " + file + ")");
+    const Call call(host_, "WriteIniKey", section, key, value.value_or("null"), file);
     if (file.empty()) throw RuntimeError(ErrorNumber::PathNotFound);
     IniText ini = Ini(file);
     std::string keyText = Text(key);
@@ -96,7 +123,7 @@ class FakeUtility final : public UtilityComponent {
     host_.files[file] = ini.Bytes();
   }
   std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override {
-    const FakeHost::Call call(host_, "GetIniSection(" + section + ", " + file + ")");
+    const Call call(host_, "GetIniSection", section, file);
     std::vector<std::string> lines;
     const IniText ini = Ini(file);
     for (const auto& line : ini.Lines(section)) {
@@ -106,7 +133,7 @@ class FakeUtility final : public UtilityComponent {
     return lines;
   }
   HostValue ParseIniKey(std::string&& line, bool asPair) override {
-    const FakeHost::Call call(host_, "ParseIniKey(" + line + (asPair ? ", True)" : ", False)"));
+    const Call call(host_, "ParseIniKey", line, asPair);
     const auto equals = line.find('=');
     if (equals == line.npos || line.find("unsplittable") != line.npos) {
       throw RuntimeError(ErrorNumber::TypeMismatch);
@@ -115,7 +142,7 @@ class FakeUtility final : public UtilityComponent {
     return HostValue::Array{line.substr(0, equals), line.substr(equals + 1)};
   }
   std::vector<std::string> ReadFile(std::string& file) override {
-    const FakeHost::Call call(host_, "ReadFile(" + file + ")");
+    const Call call(host_, "ReadFile", file);
     if (!host_.files.contains(file)) throw RuntimeError(ErrorNumber::FileNotFound, file);
     std::istringstream bytes(ReplaceAll(host_.files[file], "\r\n", "\n"));
     std::vector<std::string> lines;
@@ -123,19 +150,17 @@ class FakeUtility final : public UtilityComponent {
     return lines;
   }
   void AppendFile(const std::string& file, const std::string& text) override {
-    const FakeHost::Call call(host_, "AppendFile(" + file + ", " + text + ")");
+    const Call call(host_, "AppendFile", file, text);
     host_.files[file] += text + "\r\n";
   }
   void LogError(const std::string& module, std::string& procedure, RuntimeError& error,
                 std::int32_t& line) override {
-    const FakeHost::Call call(host_, "LogError(" + module + ", " + procedure + ", " +
-                                         std::to_string(error.number) + ", " +
-                                         std::to_string(line) + ")");
+    const Call call(host_, "LogError", module, procedure, error.number, line);
     host_.logged.push_back(procedure + ": " + std::to_string(error.number) + " " +
                            error.description);
   }
   bool SendErrorReport(HostValue& report) override {
-    const FakeHost::Call call(host_, "SendErrorReport");
+    const Call call(host_, "SendErrorReport");
     host_.reports.push_back(report);
     return host_.delivers;
   }
@@ -148,32 +173,17 @@ class FakeUtility final : public UtilityComponent {
   FakeHost& host_;
 };
 
-/// A question to the file system, which stands not among the calls.
-class Question {
- public:
-  explicit Question(FakeHost& host) : host_(host) { Visit(); }
-  ~Question() { Visit(); }
-
- private:
-  void Visit() const {
-    if (host_.insideFileCall) host_.insideFileCall();
-  }
-  FakeHost& host_;
-};
-
 class FakeFileSystem final : public FileSystemObject {
  public:
   explicit FakeFileSystem(FakeHost& host) : host_(host) {}
   bool FileExists(const std::string& path) override {
-    const Question question(host_);
-    return host_.files.contains(path);
+    return Answer([&] { return host_.files.contains(path); });
   }
   bool FolderExists(const std::string& path) override {
-    const Question question(host_);
-    return host_.folders.contains(path);
+    return Answer([&] { return host_.folders.contains(path); });
   }
   void CreateFolder(const std::string& path) override {
-    const FakeHost::Call call(host_, "CreateFolder(" + path + ")");
+    const Call call(host_, "CreateFolder", path);
     if (!host_.folders.contains(path.substr(0, path.rfind('\\')))) {
       throw RuntimeError(ErrorNumber::PathNotFound, path);
     }
@@ -182,29 +192,23 @@ class FakeFileSystem final : public FileSystemObject {
     }
   }
   void CreateTextFile(const std::string& path) override {
-    const FakeHost::Call call(host_, "CreateTextFile(" + path + ")");
+    const Call call(host_, "CreateTextFile", path);
     if (!host_.files.try_emplace(path).second) {
       throw RuntimeError(ErrorNumber::FileAlreadyExists, path);
     }
   }
 
  private:
+  bool Answer(const std::function<bool()>& ask) const {  // which stands not among the calls
+    if (host_.insideFileCall) host_.insideFileCall();
+    const bool answer = ask();
+    if (host_.insideFileCall) host_.insideFileCall();
+    return answer;
+  }
   FakeHost& host_;
 };
 
 }  // namespace
-
-FakeHost::Call::Call(FakeHost& host, const std::string& call) : host_(host) {
-  host_.calls.push_back(call);
-  if (host_.insideCall) host_.insideCall();
-  if (host_.failAtCall == 0 || --host_.failAtCall > 0) return;
-  host_.fired = true;
-  throw RuntimeError(ErrorNumber::DeviceIoError, "injected into " + call);
-}
-
-FakeHost::Call::~Call() {
-  if (host_.afterCall) host_.afterCall();
-}
 
 std::string& FakeHost::MessageFile(int index) {
   return files[PathOf(index)];

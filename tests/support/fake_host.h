@@ -45,17 +45,6 @@ struct FakeHost {
   std::vector<HostValue> reports;
   std::vector<std::string> boxes;  // "title|text"
 
-  /// A component call, from its arrival to its return.
-  class Call {
-   public:
-    Call(FakeHost& host, const std::string& call);
-    ~Call();
-    Call(const Call&) = delete;
-    Call& operator=(const Call&) = delete;
-
-   private:
-    FakeHost& host_;
-  };
   std::string& MessageFile(int index);
 };
 

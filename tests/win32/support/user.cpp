@@ -36,6 +36,22 @@ bool PumpUntil(const std::function<bool()>& condition) {
   return false;
 }
 
+bool RunInThread(const std::function<void()>& act) {
+  const auto run = [](void* given) -> DWORD {
+    ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    (*static_cast<const std::function<void()>*>(given))();
+    ::CoUninitialize();
+    return 0;
+  };
+  auto* const given = const_cast<std::function<void()>*>(&act);
+  const HANDLE thread = ::CreateThread(nullptr, 0, run, given, 0, nullptr);
+  const bool hasEnded =
+      PumpUntil([&] { return ::WaitForSingleObject(thread, 0) == WAIT_OBJECT_0; });
+  if (!hasEnded) ::TerminateThread(thread, 1);
+  ::CloseHandle(thread);
+  return hasEnded;
+}
+
 void ClickMouse(HWND window, bool right) {
   RECT area;
   ::GetWindowRect(window, &area);
@@ -61,11 +77,12 @@ void TypeKeys(const std::string& text) {
 
 AnsweringUser::AnsweringUser()
     : hook_(::SetWindowsHookExW(WH_CALLWNDPROCRET, Watch, nullptr, ::GetCurrentThreadId())) {
-  theUser = this;
+  before_ = std::exchange(theUser, this);
 }
 
 AnsweringUser::~AnsweringUser() {
   ::UnhookWindowsHookEx(hook_);
+  theUser = before_;
 }
 
 LRESULT CALLBACK AnsweringUser::Watch(int code, WPARAM wParam, LPARAM lParam) {

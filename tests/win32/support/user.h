@@ -13,6 +13,9 @@ namespace rotacasts::testing {
 bool PumpUntil(const std::function<bool()>& condition);
 /// Handles the messages that are in the queue now.
 void PumpWaiting();
+/// Runs `act` in a thread with COM while this one handles its messages; false, and the thread is
+/// broken off, if it does not end within ten seconds.
+bool RunInThread(const std::function<void()>& act);
 
 /// Presses and releases a mouse button over the middle of a window, with real input.
 void ClickMouse(HWND window, bool right = false);
@@ -21,8 +24,8 @@ void PressKey(BYTE key, bool shift = false);
 /// Types letters and digits, with real input.
 void TypeKeys(const std::string& text);
 
-/// Watches the thread's dialogs and menus while it exists. Answers every message box with its OK
-/// button and every popup menu as told.
+/// Watches its thread's dialogs and menus while it exists, one at a time. Answers every message box
+/// with its OK button and every popup menu as told.
 class AnsweringUser {
  public:
   AnsweringUser();
@@ -53,6 +56,7 @@ class AnsweringUser {
   void PressKeys(HWND owner);
 
   HHOOK hook_;
+  AnsweringUser* before_;  // of another thread
   std::vector<std::string> wanted_;
   std::vector<WPARAM> keys_;  // that answer the open menu
   bool inSubmenu_ = false;

@@ -1,302 +1,31 @@
-// The stand-alone host: reading processes, the simulator's memory, the console.
+// The host's console: its commands, what it prints, and which troubles it tells of.
 
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/mman.h>
-#include <sys/resource.h>
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
+#include "console/console.h"
+
 #include <unistd.h>
 
-#include <csignal>
-#include <cstring>
-#include <list>
 #include <regex>
 #include <sstream>
 
-#include "base/conversions.h"
-#include "console/console.h"
 #include "console/plain_output.h"
-#include "game/game_builds.h"
 #include "host/headless_plugin.h"
-#include "machine/linux/program_starter.h"
-#include "siblings/host_platform.h"
-#include "siblings/ini_text.h"
+#include "services/memory_map.h"
+#include "simulator/mapped_memory.h"
 #include "support/fake_host.h"
-#include "support/host_files.h"
+#include "support/host_folder.h"
 
 namespace rotacasts::host {
 namespace {
 
-using testing::ErrorOf;
-using testing::HostFilesTest;
-using testing::HostFolder;
 using testing::MessageFileBytes;
 
-constexpr std::int32_t kPage = 4096;
-constexpr std::int32_t kLow = 0x30000000;
-constexpr std::int32_t kEnd = kLow + kPage;
-
-/// A page at a 32-bit address.
-struct LowPage {
-  explicit LowPage(std::intptr_t address)
-      : bytes(static_cast<char*>(
-            ::mmap(reinterpret_cast<void*>(address), kPage, PROT_READ | PROT_WRITE,
-                   MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0))) {}
-  ~LowPage() { ::munmap(bytes, kPage); }
-  char* const bytes;
-};
-
-class GameProcessesTest : public ::testing::Test {
- protected:
-  std::int32_t Long(std::int32_t address) { return processes.ReadLong(self, address); }
-  std::string Text(std::int32_t address) { return processes.ReadBytes(self, address); }
-  std::list<LowPage> pages;
-  LowPage& first = pages.emplace_back(kLow);
-  GameProcesses processes;
-  std::int32_t self = processes.Register({std::to_string(::getpid()), 0, "profile 1 (self)"});
-};
-
-TEST_F(GameProcessesTest, ReadsNumbersAndTextsUpToTheEndOfTheMap) {
-  const std::int32_t value = -123456;
-  std::memcpy(first.bytes + 8, &value, sizeof value);
-  std::memset(first.bytes + 1000, 'x', 300);
-  std::memcpy(first.bytes + kPage - 3, "end", 3);
-  for (const bool inTurn : {false, true}) {
-    if (inTurn) processes.BeginTurn();
-    EXPECT_EQ(Long(kLow + 8), value);
-    EXPECT_EQ(Text(kLow + 1000), std::string(255, 'x'));
-    EXPECT_EQ(Text(kLow + 1290), std::string(10, 'x'));
-    EXPECT_EQ(Text(kLow) + Text(kEnd - 3), "end");
-    for (const std::int32_t address : {kEnd, kEnd - 2, 0, -4, -2}) {
-      EXPECT_EQ(ErrorOf([&] { Long(address); }), 57) << address;
-    }
-    EXPECT_EQ(ErrorOf([&] { Text(kEnd); }), 57);
-    EXPECT_EQ(ErrorOf([&] { processes.ReadLong(99, 0); }), 57);
+TEST(PlainOutput, ShowsControlCharactersAsQuestionMarksAlsoWhereTheyComeInParts) {
+  std::ostringstream target;
+  PlainOutput out(target);
+  for (const char byte : std::string("\u00BF\n\x1B[\u009B\xC2\xC2\x9B-\xC2\n")) {
+    out << byte << std::flush;
   }
-}
-
-TEST_F(GameProcessesTest, ATurnAnswersFromItsPagesAndNoLaterOneDoes) {
-  const auto put = [&](const char* text) { std::memcpy(first.bytes + kPage - 3, text, 3); };
-  put("one");
-  EXPECT_EQ(Text(kEnd - 3), "one");
-  put("two");  // outside a turn nothing is kept
-  for (const bool inTurn : {false, true}) {
-    if (inTurn) processes.BeginTurn();
-    EXPECT_EQ(Text(kEnd - 3), "two");
-  }
-  put("new");
-  EXPECT_EQ(Text(kEnd - 3), "two");
-  EXPECT_EQ(ErrorOf([&] { Long(kEnd); }), 57);  // a page that cannot be read is not kept
-  for (std::size_t i = 1; i <= ReadAhead::kMostPages; ++i) {
-    const std::int32_t next = kLow + static_cast<std::int32_t>(i) * kPage;
-    std::memcpy(pages.emplace_back(next).bytes, "er", 2);
-    EXPECT_EQ(Text(next), "er");
-  }
-  EXPECT_EQ(Text(kEnd - 3), "newer");  // newer pages have replaced it
-  std::int32_t across = 0;
-  std::memcpy(&across, "ewer", 4);
-  EXPECT_EQ(Long(kEnd - 2), across);
-  processes.EndTurn();
-  pages.clear();
-  processes.BeginTurn();
-  EXPECT_EQ(ErrorOf([&] { Long(kLow + 8); }), 57);
-}
-
-/// A server of this very program: it shares the memory, and takes over the socket.
-class ServerProcess {
- public:
-  explicit ServerProcess(std::uint16_t& port) {
-    const int socket = ::socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    socklen_t size = sizeof address;
-    EXPECT_EQ(::bind(socket, reinterpret_cast<sockaddr*>(&address), size), 0);
-    ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
-    port = ntohs(address.sin_port);
-    id_ = ::fork();
-    while (id_ == 0) ::pause();
-    ::close(socket);
-  }
-  ~ServerProcess() {
-    ::kill(id_, SIGKILL);
-    ::waitpid(id_, nullptr, 0);
-  }
-  ServerProcess(const ServerProcess&) = delete;
-  ServerProcess& operator=(const ServerProcess&) = delete;
-  std::string Name() const { return "process " + std::to_string(id_); }
-
- private:
-  pid_t id_ = 0;
-};
-
-TEST_F(GameProcessesTest, AServerThatIsAwayReadsAsZeroAndIsToldOfOnce) {
-  std::uint16_t port = 0;
-  std::optional<ServerProcess> server(std::in_place, port);
-  server.reset();
-  first.bytes[0] = 'x';
-  const std::string own = std::filesystem::read_symlink("/proc/self/exe").filename().string();
-  const std::int32_t handle = processes.Register({own, port, "A"});
-  std::vector<std::string> told;
-  processes.onNews = [&](ServerNews, const std::string& words) { told.push_back(words); };
-  const auto expect = [&](const std::string& text, std::int32_t error, std::size_t news) {
-    processes.BeginTurn();
-    std::string read;
-    const auto watch = [&] { read = processes.ReadBytes(handle, kLow, WhenAway::ReadsAsZero); };
-    EXPECT_EQ(ErrorOf(watch), error);
-    EXPECT_EQ(read, text);
-    EXPECT_EQ(ErrorOf([&] { processes.ReadLong(handle, kLow); }), text.empty() ? 57 : 0);
-    EXPECT_EQ(told.size(), news);
-    processes.EndTurn();
-  };
-  for (int i = 0; i < 2; ++i) expect("", 0, 1);  // it was never there
-  EXPECT_NE(told[0].find(", but none receives at the Target port " + std::to_string(port)),
-            std::string::npos);
-  for (std::size_t round = 0; round < 2; ++round) {
-    server.emplace(port);
-    for (int i = 0; i < 2; ++i) {
-      EXPECT_EQ(ErrorOf([&] { processes.ReadLong(handle, kEnd, WhenAway::ReadsAsZero); }), 57);
-      expect("x", 0, 2 + 2 * round);
-    }
-    EXPECT_EQ(told.back(), "A: the game server is back (" + server->Name() + ")");
-    const std::string ended = "A: the game server has ended (" + server->Name() + "); start it";
-    server.reset();
-    expect("", 57, 3 + 2 * round);
-    for (int i = 0; i < 2; ++i) expect("", 0, 3 + 2 * round);
-    EXPECT_EQ(told.back(), ended);
-    EXPECT_EQ(processes.ReadLong(handle, kLow, WhenAway::ReadsAsZero), 0);
-    processes.Change(handle, {own, port, "A"});  // its profile was read again
-  }
-}
-
-TEST_F(HostFilesTest, ReplacingKeepsPermissionsLinksAndReadersAndLeavesNothingBeside) {
-  folder.Write("real.ini", "[S]\r\n");
-  const auto status = [this] {
-    struct stat found {};
-    ::stat(folder.File("real.ini").c_str(), &found);
-    return std::vector<unsigned>{found.st_mode & 07777, found.st_uid, found.st_gid};
-  };
-  [[maybe_unused]] const int given = ::chown(folder.File("real.ini").c_str(), 1234, 2345);
-  ::chmod(folder.File("real.ini").c_str(), 02640);
-  const std::vector<unsigned> before = status();
-  std::filesystem::create_symlink("real.ini", folder.File("a.ini"));
-  std::ifstream reader(folder.File("real.ini"));  // sees the old file
-  Set("S", "1", "x");
-  EXPECT_EQ((std::ostringstream() << reader.rdbuf()).str(), "[S]\r\n");
-  EXPECT_EQ(folder.Read("real.ini"), "[S]\r\n1=x\r\n");
-  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("a.ini")));
-  EXPECT_EQ(status(), before);
-  EXPECT_EQ(Count(), 2);
-}
-
-TEST_F(HostFilesTest, ALinkToWhatIsNoFileIsAnErrorAndNoWait) {
-  ::mkfifo(folder.File("pipe").c_str(), 0600);
-  for (const char* target : {".", "pipe"}) {
-    std::filesystem::create_symlink(target, folder.File("a.ini"));
-    EXPECT_EQ(ErrorOf([&] { Set("S", "1", "x"); }), 75) << target;
-    EXPECT_EQ(ErrorOf([&] { machine.Replace(file, "x", nullptr); }), 75) << target;
-    EXPECT_NE(ErrorOf([&] { utility.AppendFile(file, "x"); }), 0) << target;
-    std::filesystem::remove(folder.File("a.ini"));
-  }
-}
-
-/// Simulates a full disk: no file of this process can exceed this many bytes.
-class FullDisk {
- public:
-  explicit FullDisk(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit now{bytes, before_.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &now);
-  }
-  ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-
- private:
-  rlimit before_{};
-};
-
-TEST_F(HostFilesTest, AFullDiskOrAFolderThatMayNotChangeLeavesEverythingAsItWas) {
-  folder.Write("a.ini", "[S]\r\n1=a");
-  folder.Write("log", "one");
-  const auto change = [this](const char* flag) {  // not every file system and user can do this
-    return std::system(("chattr " + (flag + (" " + folder.Path())) + " 2>&-").c_str()) == 0;
-  };
-  if (change("+i")) {
-    EXPECT_EQ(ErrorOf([&] { Set("S", "1", "x"); }), 70);
-    EXPECT_TRUE(change("-i"));
-  }
-  const FullDisk full(20);
-  EXPECT_EQ(ErrorOf([&] { Set("S", "2", std::string(30, 'x')); }), 61);
-  EXPECT_EQ(ErrorOf([&] { utility.AppendFile(log, std::string(30, 'x')); }), 61);
-  EXPECT_EQ(folder.Read("a.ini") + folder.Read("log"), "[S]\r\n1=aone");
-  EXPECT_EQ(Count(), 2);
-}
-
-TEST(EventLoopTest, ATurnLiesBetweenItsHooksAndAStopEndsItAtOnce) {
-  EventLoop loop;
-  std::string said;
-  loop.AtTurnBegin([&] { said += '('; });
-  loop.AtTurnEnd([&] { said += ')'; });
-  auto due = std::optional(EventLoop::Clock::now());
-  loop.AddDeadline([&] { return due; }, [&] { said += "due", due.reset(), ::raise(SIGHUP); });
-  loop.onReload = [&] { said += "reload", loop.Stop(); };
-  loop.Run();
-  EXPECT_EQ(said, "(due)(reload");
-}
-
-TEST(ChatTest, ProgramsSayTheTextsInOrderAndNoneHoldsTheOthersUp) {
-  const std::map<std::string, std::pair<const char*, const char*>> programs = {
-      {"1", {"sleep 0.1; printf '%s|' \"$@\" >>$0.said", nullptr}},
-      {"2", {"echo no such port >&2; exit 3", " ended with status 3: no such port"}},
-      {"3", {"sleep 60 & wait", " took longer than 1 s and was ended"}},
-      {"4", {"printf 'careful\\nnow' >&2", " said: careful now"}},
-      {"5", {nullptr, " cannot be started (No such file or directory)"}}};
-  const HostFolder folder;
-  EventLoop loop;
-  ProgramStarter starter(loop, std::chrono::seconds(1));
-  SystemClock clock;
-  Chat chat(clock);
-  chat.SetRunner(&starter);
-  for (const std::int32_t port : {0, -1, 65536}) {
-    EXPECT_EQ(ErrorOf([&] { chat.Post(9, port, "x"); }), 5);
-  }
-  for (const auto& [name, program] : programs) {
-    if (program.first != nullptr) folder.Write(name, std::string("#!/bin/sh\n") + program.first);
-    ::chmod(folder.File(name).c_str(), 0700);
-    chat.SetProgram(std::stoi(name), folder.File(name) + " -p  7 ");
-  }
-  std::string order;
-  chat.onEnd = [&](const SentText& sent) {
-    const std::string name = std::to_string(sent.profile);
-    const char* const says = programs.at(name).second;
-    EXPECT_EQ(sent.reason, says != nullptr ? folder.File(name) + says : "");
-    order += name;
-    if (order.size() == 6) loop.Stop();
-  };
-  chat.Post(3, 0, "x");
-  chat.Post(1, 0, "$HOME\n`id`\u0085'ü'");
-  for (const int profile : {1, 2, 4, 5}) chat.Post(profile, 0, "second");
-  loop.Run();
-  EXPECT_EQ(folder.Read("1.said"), "-p|7|$HOME `id` 'ü'|-p|7|second|");
-  EXPECT_EQ(chat.Latest()[4].text, "$HOME `id` 'ü'");
-  EXPECT_EQ(order.back(), '3') << order;
-  chat.onEnd = nullptr;
-  for (int i = 0; i < 9; ++i) chat.Post(3, 0, "x");
-  EXPECT_EQ(ErrorOf([&] { chat.Post(3, 0, "x"); }), 57);  // the program does not keep up
-}
-
-TEST(PlainOutput, ShowsControlCharactersAsQuestionMarks) {
-  for (const auto& [text, shown] : std::vector<std::pair<std::string, std::string>>{
-           {"Grüße €\n\x1B[2J\t\r", "Grüße €\n?[2J??"},
-           {"\u0080\u009B31m\u009F\u00A0\u00BF", "??31m?\u00A0\u00BF"},
-           {"\xC2\xC2\x9B-\xC2\n", "\xC2?-\xC2\n"}}) {
-    std::ostringstream target;
-    PlainOutput out(target);
-    for (const char byte : text) out << byte << std::flush;
-    EXPECT_EQ(target.str(), shown);
-  }
+  EXPECT_EQ(target.str(), "\u00BF\n?[?\xC2?-\xC2\n");
 }
 
 TEST(TroublesTest, SaysWhatComesBackOnceAndThatItIsOver) {
@@ -351,7 +80,7 @@ class ConsoleTest : public ::testing::Test {
     return values;
   }
   static constexpr const char* kFile = "profiles/srv2/settings/Rotacasts.ini";
-  HostFolder folder;
+  testing::HostFolder folder;
 
  private:
   struct Plugin final : HeadlessPlugin {
@@ -422,8 +151,8 @@ TEST_F(ConsoleTest, CommandsDoWhatTheySayOrSayWhatIsWrong) {
 }
 
 TEST_F(ConsoleTest, SaysOfAGameThatIsOtherThanItsCodeWhatCannotBeTold) {
-  const std::int32_t state = MemoryMapFor(false, false, "JO").Address(location::kGameState);
-  const LowPage idleGame(state / kPage * kPage);
+  simulator::MappedMemory idleGame;
+  idleGame.Reserve(MemoryMapFor(false, false, "JO").Address(location::kGameState), 4);
   folder.AddProfile(1, "JO", std::to_string(::getpid()), "4001",
                     MessageFileBytes({"{ShowMostKills}", "{ShowNextMap}"}));
   const std::string text = Execute("messages 1\nstatus");
