@@ -78,7 +78,10 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
                                     return goesOn;
                                   },
                                   [&out] { out << kGoesOnAlone << std::flush; },
-                                  Console::CommandNames()};
+                                  [](const std::string& before) {
+                                    return before.empty() ? Console::CommandNames()
+                                                          : std::vector<std::string>();
+                                  }};
   std::optional<LineEditor> editor;
   std::optional<ConsoleInput> input;
   if (::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0) {
