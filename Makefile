@@ -2,6 +2,8 @@
 
 # `make test` and `make lint-changed` let clang-tidy read what has changed since this commit.
 SINCE ?= HEAD~1
+# `make web` serves the page at this port.
+PORT ?= 8480
 
 .PHONY: help deps demo web demo-windows test test-windows torture windows package reproduce fuzz bench docs pictures format lint lint-changed clean
 
@@ -14,14 +16,14 @@ deps: ## install what the other targets need, and do nothing else
 demo: ## six simulated game servers, one host: see what the program is for
 	@scripts/bootstrap build
 	@scripts/quietly cmake --preset release
-	@scripts/quietly cmake --build --preset release
+	@scripts/quietly cmake --build --preset release --target rotacasts-host game-server-sim
 	@setpriv --pdeathsig TERM scripts/demo build/release/bin
 
-web: ## the same with the page for administrators, at a printed address, until Ctrl-C
+web: ## the same with the page for administrators, at a printed address (port 8480, or PORT=...), until Ctrl-C
 	@scripts/bootstrap build
 	@scripts/quietly cmake --preset release
 	@scripts/quietly cmake --build --preset release --target rotacasts-host game-server-sim
-	@setpriv --pdeathsig TERM scripts/web build/release/bin
+	@setpriv --pdeathsig TERM scripts/web build/release/bin $(PORT)
 
 demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves pictures
 	@scripts/bootstrap build help windows

@@ -1,6 +1,10 @@
-# What the Debian package holds, and how CPack makes it.
+# What the Debian package holds, and how CPack makes it. The programs can be built without.
 find_program(GZIP gzip REQUIRED)
-find_program(CMARK cmark-gfm REQUIRED)
+find_program(CMARK cmark-gfm)
+if(NOT CMARK)
+  message(STATUS "The Debian package cannot be made: its manuals need cmark-gfm.")
+  return()
+endif()
 file(GLOB pages CONFIGURE_DEPENDS docs/help/*)
 file(STRINGS docs/help/manuals manual_lines)
 set(manuals)
@@ -15,13 +19,28 @@ add_custom_command(OUTPUT ${packed_manuals}
                    WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
                    DEPENDS ${pages} scripts/manuals)
 
-# A profile to begin with is the one that the manual shows.
-set(example ${CMAKE_BINARY_DIR}/profile.ini)
-add_custom_command(OUTPUT ${example}
-                   COMMAND sed -n "/^    \\[Profile]/,/^$/s/^    //p" docs/help/profile.md > ${example}
+# A profile and a message file to begin with are those that the manual shows.
+function(add_example file page first_line)
+  set(example ${CMAKE_BINARY_DIR}/examples/${file})
+  add_custom_command(OUTPUT ${example}
+                     COMMAND sed -n "/^    \\[${first_line}]/,/^$/s/^    //p" docs/help/${page}.md > ${example}
+                     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
+                     DEPENDS docs/help/${page}.md VERBATIM)
+endfunction()
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/examples)
+add_example(profile.ini profile Profile)
+add_example(Rotacasts.ini message-file Messages)
+
+set(maintainer "The ${ROTACASTS_VENDOR} <${ROTACASTS_CONTACT}>")
+set(changelog ${CMAKE_BINARY_DIR}/changelog)
+add_custom_command(OUTPUT ${changelog}.gz
+                   COMMAND scripts/debian-changelog ${maintainer} > ${changelog}
+                   COMMAND ${GZIP} -9nf ${changelog}
                    WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
-                   DEPENDS docs/help/profile.md VERBATIM)
-add_custom_target(manuals ALL DEPENDS ${packed_manuals} ${example})
+                   DEPENDS CHANGELOG.md scripts/debian-changelog VERBATIM)
+add_custom_target(package_documents ALL
+                  DEPENDS ${packed_manuals} ${changelog}.gz ${CMAKE_BINARY_DIR}/examples/profile.ini
+                          ${CMAKE_BINARY_DIR}/examples/Rotacasts.ini)
 
 install(TARGETS rotacasts-host game-server-sim DESTINATION bin)
 foreach(manual ${packed_manuals})
@@ -29,16 +48,32 @@ foreach(manual ${packed_manuals})
   install(FILES ${manual} DESTINATION share/man/man${section})
 endforeach()
 install(FILES package/debian/rotacasts-host@.service DESTINATION lib/systemd/system)
-install(FILES ${example} DESTINATION share/doc/rotacasts/examples)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/examples DESTINATION share/doc/rotacasts)
+install(FILES package/copyright ${changelog}.gz DESTINATION share/doc/rotacasts)
+foreach(program rotacasts-host game-server-sim)  # bash looks for each under its name
+  install(FILES package/debian/completion DESTINATION share/bash-completion/completions
+          RENAME ${program})
+endforeach()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME rotacasts)
-set(CPACK_PACKAGE_CONTACT "The Rotacasts administrators <root@localhost>")
+set(CPACK_PACKAGE_CONTACT ${maintainer})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "posts chat messages to game servers, round and round")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"Rotacasts sends the messages of a list to the players of a dedicated game
+server, one every few minutes, while a game is running. A message may be a
+placeholder for a live text, such as the next map or the player with the
+most kills, which is read from the game server's memory.
+.
+It serves Delta Force: Black Hawk Down, Joint Operations: Typhoon Rising and
+Delta Force: Xtreme 2, natively or under Wine. One service can look after many
+game servers. Administrators change messages in files, at a console or on a
+page in the browser. The package also has a simulated game server to try it
+with.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION games)
+set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The last one is loaded at run time, when the page is asked for.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, libmicrohttpd12 | libmicrohttpd12t64")

@@ -12,7 +12,7 @@
 namespace rotacasts {
 namespace {
 
-// A player as the examples show one.
+// The player that most examples name.
 const PlayerSlot kExample = {.name = "Rex",
                              .stats = {.Suicides = 2,
                                        .Murders = 1,
@@ -32,6 +32,9 @@ const PlayerSlot kExample = {.name = "Rex",
                                        .TargetDefenceKills = 6,
                                        .TargetAttackKills = 5,
                                        .Score = 1250}};
+
+// A weaker one, so that the examples of most and least differ.
+const PlayerSlot kOther = {.name = "Ghost", .stats = {.Kills = 3, .Deaths = 9, .Score = 150}};
 
 constexpr int kGameTypes = 9;
 
@@ -80,6 +83,7 @@ void PrintStatistic(const layout::MenuRow& item, std::string_view category) {
     const ServedTypes types = TypesOf(row);
     Selection selection(category);
     selection.Offer(types.first, kExample);
+    selection.Offer(types.first, kOther);
     PrintRow(item, selection.Text(), types.text,
              CodesWith({location::kCurrentPlayers, location::kMaxPlayers, location::kGameType,
                         location::kPlayerStats}));

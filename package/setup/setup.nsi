@@ -1,7 +1,7 @@
 ; RotacastsSetup: puts the plugin into an administration host, upgrades and repairs it there, and takes
 ; it out again so that every file and registry key is as before.
-; Given by scripts/package: VERSION, FILES (the folder of what is installed), OUTPUT, and the plugin's
-; identifiers CLSID, IID and LIBID.
+; Given by scripts/package: VERSION, VENDOR, COPYRIGHT, ICON, FILES (the folder of what is installed),
+; OUTPUT, and the plugin's identifiers CLSID, IID and LIBID.
 Unicode true
 SetCompressor /SOLID lzma
 RequestExecutionLevel admin
@@ -16,7 +16,8 @@ VIAddVersionKey ProductName "Rotacasts"
 VIAddVersionKey ProductVersion "${VERSION}"
 VIAddVersionKey FileDescription "Rotacasts Setup"
 VIAddVersionKey FileVersion "${VERSION}"
-VIAddVersionKey LegalCopyright ""
+VIAddVersionKey CompanyName "${VENDOR}"
+VIAddVersionKey LegalCopyright "${COPYRIGHT}"
 
 !include MUI2.nsh
 !include LogicLib.nsh
@@ -37,7 +38,8 @@ Var PluginFolder  ; where tvxRT.dll lies
 Var OtherFolder   ; another host that Rotacasts is installed in
 Var FolderHint
 
-!define MUI_ICON "${NSISDIR}\Contrib\Graphics\Icons\modern-install.ico"
+!define MUI_ICON "${ICON}"
+!define MUI_UNICON "${ICON}"
 !define MUI_WELCOMEPAGE_TEXT "$(WelcomeText)"
 !insertmacro MUI_PAGE_WELCOME
 !define MUI_PAGE_HEADER_TEXT "$(FolderTitle)"
@@ -283,6 +285,8 @@ Function WriteEntry
   SectionGetSize 0 $0
   WriteRegStr HKLM "${ENTRY}" "DisplayName" "Rotacasts"
   WriteRegStr HKLM "${ENTRY}" "DisplayVersion" "${VERSION}"
+  WriteRegStr HKLM "${ENTRY}" "Publisher" "${VENDOR}"
+  WriteRegStr HKLM "${ENTRY}" "HelpLink" "$PluginFolder\tvxRT_help.chm"
   WriteRegStr HKLM "${ENTRY}" "DisplayIcon" "$INSTDIR\RotacastsSetup\Uninstall.exe"
   WriteRegStr HKLM "${ENTRY}" "InstallLocation" "$INSTDIR"
   WriteRegStr HKLM "${ENTRY}" "PluginFolder" "$PluginFolder"

@@ -8,6 +8,7 @@
 #include <random>
 
 #include "base/conversions.h"
+#include "base/version.h"
 #include "com/error_object.h"
 #include "com/late_bound.h"
 #include "com/variant_conversion.h"
@@ -17,6 +18,10 @@
 
 namespace rotacasts {
 namespace {
+
+const std::string kOwnVersion = std::to_string(ROTACASTS_VERSION_MAJOR) + "." +
+                                std::to_string(ROTACASTS_VERSION_MINOR) + "." +
+                                std::to_string(ROTACASTS_VERSION_PATCH);
 
 using testing::ComponentTest;
 using testing::ErrorOf;
@@ -91,9 +96,9 @@ TEST_F(ComponentTest, TheDescriptorIsTheSameRecordThroughBothInterfaces) {
                             each->MinKXVer, each->MinQMRVer, each->MinZDLVer, each->MinTVXVer}) {
       texts += win32::FromBstr(text) + "|";
     }
-    EXPECT_EQ(texts,
-              "Rotacasts|tvxRT.dll|1.0.0|Oren Halvik (Aka Marrow)|tvxRT_help.chm|"
-              "1105|1105|1305|31103|");
+    EXPECT_EQ(texts, "Rotacasts|tvxRT.dll|" + kOwnVersion +
+                         "|Oren Halvik (Aka Marrow)|tvxRT_help.chm|"
+                         "1105|1105|1305|31103|");
     EXPECT_EQ(each->HasInterface & each->ServerMenu & each->HasPrivis, VARIANT_TRUE);
     EXPECT_EQ(each->ProfileMenu | each->MainMenu, VARIANT_FALSE);
     EXPECT_EQ(each->ProfileMenuItems.vt, VT_EMPTY);

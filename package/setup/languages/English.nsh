@@ -10,7 +10,7 @@ LangString FolderFound ${HERE} "A Rotacasts plugin is registered in the host bel
 LangString FolderLabel ${HERE} "Folder of the host"
 LangString NoHost ${HERE} "This is no host's folder:$\r$\n$\r$\n$INSTDIR$\r$\n$\r$\nIt has neither a folder named profiles nor a file settings\config.ini. Please choose the folder that the host itself is installed in."
 LangString NoRights ${HERE} "Setup needs the rights of an administrator. Please start it as one."
-LangString InUse ${HERE} "The plugin is in use, or may not be changed:$\r$\n$\r$\n$PluginFolder\tvxRT.dll$\r$\n$\r$\nThe administration host is running. Please close it, then choose Retry. Nothing has been changed yet."
+LangString InUse ${HERE} "The plugin is in use, or may not be changed:$\r$\n$\r$\n$PluginFolder\tvxRT.dll$\r$\n$\r$\nIf the administration host is running, please close it, then choose Retry. If it is not, the file is read-only: clear that in the file's properties. Nothing has been changed yet."
 LangString OtherHost ${HERE} "Rotacasts is installed in another host:$\r$\n$\r$\n$OtherFolder$\r$\n$\r$\nIt could not be removed there. Please close that host, remove Rotacasts from the list of programs, and start Setup again."
 LangString NotKept ${HERE} "What is there now could not be kept, so nothing was replaced:$\r$\n$\r$\n$INSTDIR$\r$\n$\r$\nPlease see that the disk is not full and the folder can be written to."
 LangString NotRegistered ${HERE} "Windows could not register the plugin:$\r$\n$\r$\n$PluginFolder\tvxRT.dll$\r$\n$\r$\nEverything has been put back as it was before."

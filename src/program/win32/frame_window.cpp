@@ -58,7 +58,7 @@ void RegisterClasses(WNDPROC procedure) {
   frame.cbSize = sizeof frame;
   frame.lpfnWndProc = procedure;
   frame.hInstance = ::GetModuleHandleW(nullptr);
-  frame.hIcon = ::LoadIconW(nullptr, IDI_APPLICATION);
+  frame.hIcon = ::LoadIconW(frame.hInstance, MAKEINTRESOURCEW(1));
   frame.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
   frame.lpszClassName = kClass;
   ::RegisterClassExW(&frame);
