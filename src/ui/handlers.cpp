@@ -218,7 +218,7 @@ void Handlers::MoveSelected(const Handling& h, std::int16_t by) const {
   if (row < 0) return;  // the list was filled again while the menu was open
   const std::int32_t neighbour = row + by;
   const std::vector<ListedMessage> before = h.Window().Messages().All();
-  const std::size_t places[] = {list.Checked(row), list.Checked(neighbour)};
+  const std::size_t places[] = {list.Index(row), list.Index(neighbour)};
   // The file first: should that fail, the list still shows what the file holds.
   h.at(2);
   MessageFile file = context_.store.Open(h.shown.Profile());
@@ -235,7 +235,7 @@ void Handlers::mnuDelete_Click(const Handling& h) const {
   const std::int16_t selected = ToInteger(list.SelectedRow());
   if (selected < 0) return;
   MessageFile file = context_.store.Open(h.shown.Profile());
-  const bool removed = RemoveListed(file, h.Window().Messages().All().at(list.Checked(selected)));
+  const bool removed = RemoveListed(file, h.Window().Messages().All().at(list.Index(selected)));
   h.at(2);
   LoadMessages(h.shown);
   if (!removed) context_.reporter.Notify(Outcome::Failure, "Could not delete message!");

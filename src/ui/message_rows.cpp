@@ -49,7 +49,7 @@ void MessageRows::Exchange(std::int32_t first, std::int32_t second) {
     const auto& [text, listedKey] = items[i];
     list_.SetText(places[i], text);
     list_.SetItemData(places[i], listedKey);
-    rows_[list_.Checked(places[i])].text = text;
+    rows_[list_.Index(places[i])].text = text;
   }
   for (std::size_t row = 0; row < rows_.size(); ++row) {
     rows_[row].keyInFile = static_cast<std::int32_t>(row) + 1;
