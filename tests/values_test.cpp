@@ -40,6 +40,17 @@ TEST(Text, CountsAndCutsCharactersNotBytes) {
   EXPECT_EQ(FirstCharacters(text, 99), text);
   EXPECT_EQ(TrimSpaces("  \ta b \t "), "\ta b \t");  // spaces only, no tabs
   EXPECT_EQ(ReplaceAll("aaa", "aa", "b"), "ba");
+  EXPECT_EQ(LowerCase("AZ@[Ä9z"), "az@[Ä9z");
+}
+
+TEST(Text, AWholeNumberIsDigitsAndNothingElse) {
+  using Row = std::pair<const char*, std::optional<std::int32_t>>;
+  for (const auto& [text, number] :
+       {Row{"0", 0}, Row{"-7", -7}, Row{"007", 7}, Row{"2147483647", 2147483647},
+        Row{"2147483648", {}}, Row{"", {}}, Row{"-", {}}, Row{"+7", {}}, Row{" 7", {}},
+        Row{"7 ", {}}, Row{"7.0", {}}, Row{"0x7", {}}}) {
+    EXPECT_EQ(WholeNumber(text), number) << text;
+  }
 }
 
 TEST(Text, ControlCharactersAreReplacedAndNothingElseIs) {

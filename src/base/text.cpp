@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -95,6 +96,19 @@ std::string_view TrimSpaces(std::string_view text) {
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
+}
+
+std::string LowerCase(std::string_view text) {
+  std::string lower(text);
+  std::ranges::transform(lower, lower.begin(), LowerAscii);
+  return lower;
+}
+
+std::optional<std::int32_t> WholeNumber(std::string_view text) {
+  std::int32_t number = 0;
+  const char* const textEnd = text.data() + text.size();
+  const auto [end, error] = std::from_chars(text.data(), textEnd, number);
+  return error == std::errc() && end == textEnd ? std::optional(number) : std::nullopt;
 }
 
 bool HasLineBreak(std::string_view text) {

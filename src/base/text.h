@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,11 @@ namespace rotacasts {
 /// `text` without spaces (U+0020 only) at both ends. The result is a view into `text`.
 std::string_view TrimSpaces(std::string_view text);
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);  // ASCII letters only
+/// `text` with its ASCII letters in lower case.
+std::string LowerCase(std::string_view text);
+/// The number that the text spells in decimal digits, with "-" before a negative one and nothing
+/// else; none for any other text and for a number beyond 32 bits.
+std::optional<std::int32_t> WholeNumber(std::string_view text);
 bool HasLineBreak(std::string_view text);
 
 /// Whether the byte is a control character by itself: U+0000 to U+001F or U+007F.

@@ -23,14 +23,6 @@ bool IsUtf8(std::string_view bytes) {
   return IsValidUtf8(bytes) && !std::all_of(bytes.begin(), bytes.end(), IsAscii);
 }
 
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& letter : lower) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return lower;
-}
-
 }  // namespace
 
 FileCheck::FileCheck(std::string path, std::vector<std::string>& warnings)

@@ -51,17 +51,8 @@ HostValue FromConverted(const VARIANT& value, VARTYPE wanted) {
   return FromBstr(converted.Get().bstrVal);
 }
 
-HostValue FromPlain(const VARIANT& value, int depth) {
+HostValue FromNumber(const VARIANT& value) {
   switch (value.vt) {
-    case VT_EMPTY:
-      return {};
-    case VT_NULL:
-      return HostValue::Null{};
-    case VT_ERROR:
-      if (value.scode == DISP_E_PARAMNOTFOUND) return HostValue::Missing{};
-      return HostValue::Foreign{};
-    case VT_BOOL:
-      return value.boolVal != VARIANT_FALSE;
     case VT_I1:
       return std::int16_t{value.cVal};
     case VT_UI1:
@@ -82,19 +73,67 @@ HostValue FromPlain(const VARIANT& value, int depth) {
       return value.fltVal;
     case VT_R8:
       return value.dblVal;
-    case VT_BSTR:
-      return FromBstr(value.bstrVal);
     case VT_UI8:
     case VT_CY:
     case VT_DECIMAL:
       return FromConverted(value, VT_R8);
+    default:
+      return HostValue::Foreign{};
+  }
+}
+
+HostValue FromPlain(const VARIANT& value, int depth) {
+  switch (value.vt) {
+    case VT_EMPTY:
+      return {};
+    case VT_NULL:
+      return HostValue::Null{};
+    case VT_ERROR:
+      if (value.scode == DISP_E_PARAMNOTFOUND) return HostValue::Missing{};
+      return HostValue::Foreign{};
+    case VT_BOOL:
+      return value.boolVal != VARIANT_FALSE;
+    case VT_BSTR:
+      return FromBstr(value.bstrVal);
     case VT_DATE:
       return FromConverted(value, VT_BSTR);
     default:
       if ((value.vt & VT_ARRAY) != 0) {
         return FromArray(value.parray, static_cast<VARTYPE>(value.vt & ~VT_ARRAY), depth);
       }
-      return HostValue::Foreign{};
+      return FromNumber(value);
+  }
+}
+
+/// Copies the number of this kind that a by-reference VARIANT refers to; false if it is none.
+bool CopyNumber(const VARIANT& value, VARTYPE kind, VARIANT& target) {
+  switch (kind) {
+    case VT_I1:
+    case VT_UI1:
+      target.bVal = *value.pbVal;
+      return true;
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+      target.iVal = *value.piVal;
+      return true;
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_R4:
+    case VT_ERROR:
+      target.lVal = *value.plVal;
+      return true;
+    case VT_I8:
+    case VT_UI8:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+      target.llVal = *value.pllVal;
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -109,35 +148,8 @@ HostValue FromReference(const VARIANT& value, int depth) {
     target.decVal = *value.pdecVal;
   } else if ((kind & VT_ARRAY) != 0 || kind == VT_BSTR) {
     target.byref = *static_cast<void**>(value.byref);
-  } else {
-    switch (kind) {
-      case VT_I1:
-      case VT_UI1:
-        target.bVal = *value.pbVal;
-        break;
-      case VT_I2:
-      case VT_UI2:
-      case VT_BOOL:
-        target.iVal = *value.piVal;
-        break;
-      case VT_I4:
-      case VT_UI4:
-      case VT_INT:
-      case VT_UINT:
-      case VT_R4:
-      case VT_ERROR:
-        target.lVal = *value.plVal;
-        break;
-      case VT_I8:
-      case VT_UI8:
-      case VT_R8:
-      case VT_CY:
-      case VT_DATE:
-        target.llVal = *value.pllVal;
-        break;
-      default:
-        return HostValue::Foreign{};
-    }
+  } else if (!CopyNumber(value, kind, target)) {
+    return HostValue::Foreign{};
   }
   target.vt = kind;
   return FromPlain(target, depth);

@@ -52,7 +52,7 @@ static_assert(sizeof(void*) != 4 ||
                offsetof(PluginRecord, Game) == 20 && offsetof(PluginRecord, HasPrivis) == 92));
 
 /// Fills an empty record. After an error the record is partly filled and can be cleared.
-void FillRecord(const PLUGIN& plugin, PluginRecord& record);
+void FillPluginRecord(const PLUGIN& plugin, PluginRecord& record);
 
 /// The dual interface, in the order of the dispatch identifiers.
 struct _clsPlugin : IDispatch {

@@ -172,7 +172,7 @@ HRESULT PluginObject::Invoke(DISPID id, REFIID interfaceId, LCID, WORD flags,
 HRESULT PluginObject::GetData(PluginRecord* result) {
   if (result == nullptr) return E_POINTER;
   *result = {};
-  return Contain(this, [&] { FillRecord(plugin_.GetData(), *result); });
+  return Contain(this, [&] { FillPluginRecord(plugin_.GetData(), *result); });
 }
 
 HRESULT PluginObject::GetPrivis(VARIANT* result) {

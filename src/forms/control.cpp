@@ -153,17 +153,17 @@ void ListBox::Add(std::string text) {
 }
 
 void ListBox::SetText(std::int32_t row, std::string text) {
-  items_[Checked(row)].text = std::move(text);
+  items_[Index(row)].text = std::move(text);
   if (FormView* view = View()) view->ItemChanged(*this, row);
 }
 
 void ListBox::SetItemData(std::int32_t row, std::int32_t data) {
-  items_[Checked(row)].data = data;
+  items_[Index(row)].data = data;
   if (FormView* view = View()) view->ItemChanged(*this, row);
 }
 
 void ListBox::Select(std::int32_t row) {
-  if (row != kNone) Checked(row);
+  if (row != kNone) Index(row);
   selectedRow_ = row;
   Changed(Property::Selection);
 }
@@ -182,7 +182,7 @@ void ListBox::ScrollTo(std::int32_t row) {
   if (FormView* view = View()) view->ScrollTo(*this, row);
 }
 
-std::size_t ListBox::Checked(std::int32_t row) const {
+std::size_t ListBox::Index(std::int32_t row) const {
   if (row < 0 || row >= Count()) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
   return static_cast<std::size_t>(row);
 }

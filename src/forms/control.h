@@ -237,7 +237,7 @@ class ListBox final : public Control {
 
   std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
   const std::vector<Item>& Items() const { return items_; }
-  const Item& At(std::int32_t row) const { return items_[Checked(row)]; }
+  const Item& At(std::int32_t row) const { return items_[Index(row)]; }
   void Clear();
   void Add(std::string text);
   void SetText(std::int32_t row, std::string text);
@@ -255,7 +255,7 @@ class ListBox final : public Control {
   std::int32_t TopRow() const;
   void ScrollTo(std::int32_t row);
   /// The row as an index into Items(). Errors: 380 if it is out of range.
-  std::size_t Checked(std::int32_t row) const;
+  std::size_t Index(std::int32_t row) const;
 
  private:
   std::vector<Item> items_;

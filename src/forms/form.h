@@ -129,7 +129,6 @@ class Form : public std::enable_shared_from_this<Form> {
   /// Shows the form modelessly. Errors: 401 while a message box is open.
   void Show();
   void Hide();
-  Control* Focused() const { return focused_; }
 
   /// The platform destroyed the window, for instance together with its parent.
   void ViewDestroyed() { Unload(); }

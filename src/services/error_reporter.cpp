@@ -16,7 +16,7 @@ constexpr const char* kReportFailed = "\r\n\r\nError Report Sent: Failed!";
 constexpr const char* kReportNotWanted = "\r\n\r\nError Report Sent: No";
 
 /// The text of the error box, without the outcome of the report.
-std::string WordsOf(const Failure& failure) {
+std::string BoxText(const Failure& failure) {
   return "Error Line: " + std::to_string(failure.line) + "\r\nError " +
          std::to_string(failure.error.number) + ": " + failure.error.description +
          "\r\nDLL: " + kModuleFile + "\r\nFunction/Sub: " + failure.procedure;
@@ -29,11 +29,11 @@ void ErrorReporter::ReportError(const Failure& failure) try {
   try {
     services_.Utility().LogError(kModuleFile, logged.procedure, logged.error, logged.line);
   } catch (...) {  // nothing is logged: the box is all that is left
-    if (!failure.quiet) ShowError(WordsOf(failure) + kReportNotWanted);
+    if (!failure.quiet) ShowError(BoxText(failure) + kReportNotWanted);
     return;
   }
   try {
-    TellOf(failure, WordsOf(failure));
+    TellOf(failure, BoxText(failure));
   } catch (...) {
     TellOfNoReport(CurrentRuntimeError());
   }

@@ -42,34 +42,34 @@ void Selection::Offer(std::int32_t gameType, const PlayerSlot& slot) {
 void Selection::OfferCount(const CategoryRow& row, const PlayerSlot& slot) {
   const std::int32_t value = slot.stats.*row.counter;
   const bool better =
-      row.pick == Pick::LowestCount ? taken_ == nullptr || value < bestValue_ : value > bestValue_;
+      row.pick == Pick::LowestCount ? picked_ == nullptr || value < bestValue_ : value > bestValue_;
   if (!better) return;
-  Take(row, slot);
+  Pick(row, slot);
   bestValue_ = value;
 }
 
 void Selection::OfferRatio(const CategoryRow& row, const PlayerSlot& slot) {
   const double ratio = lastRatio_ = RatioOf(row.pick, slot.stats);
   const bool better = row.pick == Pick::WorstKillRatio
-                          ? ratio > 0 && (taken_ == nullptr || ratio < bestRatio_)
+                          ? ratio > 0 && (picked_ == nullptr || ratio < bestRatio_)
                           : ratio > bestRatio_;
   if (!better) return;
-  Take(row, slot);
+  Pick(row, slot);
   bestRatio_ = ratio;
 }
 
-void Selection::Take(const CategoryRow& row, const PlayerSlot& slot) {
-  taken_ = &row;
+void Selection::Pick(const CategoryRow& row, const PlayerSlot& slot) {
+  picked_ = &row;
   bestText_.assign(row.label).append(slot.name);
 }
 
 std::string Selection::Text() const {
-  if (taken_ == nullptr) return {};
+  if (picked_ == nullptr) return {};
   const std::string head = bestText_ + ": ";
-  if (taken_->format == ValueFormat::Duration) return head + FormatSeconds(bestValue_);
+  if (picked_->format == ValueFormat::Duration) return head + FormatSeconds(bestValue_);
   const std::string value =
       bestRatio_ != 0 ? FormatTwoDecimals(bestRatio_) : std::to_string(bestValue_);
-  return head + value + std::string(taken_->unit);
+  return head + value + std::string(picked_->unit);
 }
 
 struct InfoTexts::EntryPoint {

@@ -28,7 +28,7 @@ class Selection {
  private:
   void OfferCount(const CategoryRow& row, const PlayerSlot& slot);
   void OfferRatio(const CategoryRow& row, const PlayerSlot& slot);
-  void Take(const CategoryRow& row, const PlayerSlot& slot);
+  void Pick(const CategoryRow& row, const PlayerSlot& slot);
 
   const std::string_view category_;
   std::optional<const CategoryRow*> row_;  // once looked up; null for none
@@ -36,7 +36,7 @@ class Selection {
   std::int32_t bestValue_ = 0;
   double bestRatio_ = 0;
   double lastRatio_ = 0;
-  const CategoryRow* taken_ = nullptr;
+  const CategoryRow* picked_ = nullptr;
 };
 
 /// Builds info texts from a new scan of the profile's game server. Errors are reported under the

@@ -1,9 +1,10 @@
 #include "store/message_file.h"
 
+#include <algorithm>
 #include <utility>
-#include <vector>
 
 #include "base/text.h"
+#include "store/renumbering.h"
 
 namespace rotacasts {
 
@@ -63,38 +64,29 @@ void MessageFile::Renumber(Step& at) {
   at(1);
   MessageEntries entries = Entries();
   at(2);
-  std::size_t position = CountInPlace(entries);
-  if (!OnlyMoveUp(entries, position)) {
-    Replace(*this, TextsThatStay);
-    return;
-  }
-  // New keys go to the section's end, so line order and key order agree again afterwards. A text
-  // goes from its old key only when it stands under its new one.
-  for (std::size_t i = position; i < entries.size(); ++i) {
-    at(4);
-    if (!IsBlank(entries[i].text)) Write(KeyAt(position++), std::move(entries[i].text));
-    at(3);
-    Remove(KeyToRemove(entries[i].key));
-  }
+  Execute(*this, StepsToRenumber(std::move(entries)), &at);
 }
 
-MessageFile::Exchanged MessageFile::ExchangeEntries(const std::string& firstKey,
-                                                    const std::string& secondKey) {
+std::optional<MessageFile::Exchanged> MessageFile::ExchangeEntries(const std::string& firstKey,
+                                                                   const std::string& secondKey) {
   const Hold hold(*this);
-  Exchanged texts{Read(firstKey), Read(secondKey)};
-  Write(firstKey, texts.second);
-  try {
-    Write(secondKey, texts.first);
-  } catch (...) {  // the first text stands nowhere now
-    Write(firstKey, texts.first);
-    throw;
+  const std::vector<std::string> lines = Lines();
+  for (const std::string& key : {firstKey, secondKey}) {
+    const auto isKey = [&key](const std::string& line) { return KeyOf(line) == key; };
+    if (std::ranges::none_of(lines, isKey)) return std::nullopt;
   }
+  Exchanged texts{Read(firstKey), Read(secondKey)};
+  Execute(*this, StepsToExchange({firstKey, texts.first}, {secondKey, texts.second}, lines));
   return texts;
 }
 
 bool MessageFile::ReplaceEntries(const Arrange& arrange) {
   const Hold hold(*this);
-  return Replace(*this, arrange);
+  MessageEntries entries = Entries();
+  std::optional<std::vector<std::string>> texts = arrange(entries);
+  if (!texts) return false;
+  Execute(*this, StepsToReplace(std::move(entries), std::move(*texts)));
+  return true;
 }
 
 void MessageFile::SetOption(const char* key, const std::string& value) {

@@ -6,14 +6,16 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "services/guard.h"
 #include "services/host_services.h"
 #include "services/profile_tables.h"
 #include "store/message_section.h"
-#include "store/renumbering.h"
 
 namespace rotacasts {
 
@@ -54,15 +56,18 @@ class MessageFile : public MessageSection {
   /// Removes the entry under the key and renumbers the rest; false after an error of the removal.
   bool DeleteEntry(const std::string& key);
 
-  /// Exchanges the texts under two keys and returns them as they stood before; nothing tests that
-  /// either key exists. Raises what fails, with the first text put back.
+  /// Exchanges the texts under two keys and returns them as they stood before; nothing if one of
+  /// the keys is missing. Raises what fails, with both texts back in their places.
   struct Exchanged {
     std::string first;
     std::string second;
   };
-  Exchanged ExchangeEntries(const std::string& firstKey, const std::string& secondKey);
-  /// Replaces every message by what `arrange` makes of them; whether there was anything to do.
-  /// Raises what fails; see Replace.
+  std::optional<Exchanged> ExchangeEntries(const std::string& firstKey,
+                                           const std::string& secondKey);
+  /// The texts that are to stand in the file in place of these entries; nothing to leave it alone.
+  using Arrange = std::function<std::optional<std::vector<std::string>>(const MessageEntries&)>;
+  /// Replaces every message by what `arrange` makes of them. Returns whether there was anything to
+  /// do. Raises what fails, with the old texts back where they stood under the keys 1 to n.
   bool ReplaceEntries(const Arrange& arrange);
   /// Writes an option. Raises what fails; error 5 for a value with a line break.
   void SetOption(const char* key, const std::string& value);

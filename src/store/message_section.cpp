@@ -22,7 +22,7 @@ std::optional<std::int32_t> KeyNumber(const std::string& key) {
 }
 
 UtilityComponent::Key KeyToRemove(const std::string& key) {
-  const std::optional<std::int32_t> number = KeyNumber(key);
+  const std::optional<std::int32_t> number = WholeNumber(key);
   if (number && std::to_string(*number) == key) return *number;
   return key;
 }

@@ -1,8 +1,5 @@
 #include "store/remote_commands.h"
 
-#include <algorithm>
-#include <optional>
-
 #include "base/arithmetic.h"
 #include "base/conversions.h"
 #include "base/text.h"
@@ -16,18 +13,6 @@ constexpr const char* kNotDone = "0";
 /// The key `places` after the position that `data` names.
 std::string KeyAfter(const HostValue& data, std::int32_t places) {
   return std::to_string((Checked(ToLong(data)) + places).Value());
-}
-
-std::optional<MessageFile::Exchanged> ExchangeIfBothAreThere(MessageFile& file,
-                                                             const std::string& upperKey,
-                                                             const std::string& lowerKey) {
-  const MessageFile::Hold hold(file);
-  const std::vector<std::string> lines = file.Lines();
-  for (const std::string& key : {upperKey, lowerKey}) {
-    const auto isKey = [&key](const std::string& line) { return KeyOf(line) == key; };
-    if (std::ranges::none_of(lines, isKey)) return std::nullopt;
-  }
-  return file.ExchangeEntries(upperKey, lowerKey);
 }
 
 /// The text that is deleted.
@@ -162,7 +147,7 @@ std::string RemoteCommands::MoveMessage(const Move& move, std::int32_t index,
     const std::string upperKey = move.upperKey(Data);
     const std::string lowerKey = move.lowerKey(Data);
     at(2);
-    const auto texts = ExchangeIfBothAreThere(file, upperKey, lowerKey);
+    const auto texts = file.ExchangeEntries(upperKey, lowerKey);
     at(3);
     reply = texts ? kDone : kNotDone;
     window->LoadMessagesAgain();

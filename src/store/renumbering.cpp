@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <set>
+#include <string_view>
+#include <utility>
 
 namespace rotacasts {
 namespace {
@@ -23,84 +26,8 @@ bool HasDenseKeys(const MessageEntries& entries) {
   return true;
 }
 
-class Replacement {
- public:
-  Replacement(MessageSection& section, MessageEntries old, std::vector<std::string> texts)
-      : section_(section),
-        old_(std::move(old)),
-        texts_(std::move(texts)),
-        dense_(HasDenseKeys(old_) && old_.size() == texts_.size()) {
-    for (std::size_t i = 0; i < texts_.size(); ++i) {
-      if (!dense_ || texts_[i] != old_[i].text) changed_.push_back(i);
-    }
-    Keys keys;
-    for (const MessageEntry& entry : old_) keys.insert(entry.key);
-    auto spare = static_cast<std::int32_t>(texts_.size());
-    for (std::size_t i = 0; i < changed_.size(); ++i) {
-      spare = UnusedKey(keys, spare + 1);
-      spares_.push_back(std::to_string(spare));
-    }
-  }
-
-  void Run() {
-    try {
-      Stage();
-      if (!dense_) RemoveOld();
-      for (const std::size_t i : changed_) section_.Write(KeyAt(i), texts_[i]);
-      RemoveSpares();
-    } catch (...) {
-      PutBack();
-      throw;
-    }
-  }
-
- private:
-  void RemoveOld() {
-    for (const MessageEntry& entry : old_) section_.Remove(KeyToRemove(entry.key));
-  }
-  void Stage() {
-    for (std::size_t i = 0; i < changed_.size(); ++i) {
-      section_.Write(spares_[i], texts_[changed_[i]]);
-    }
-  }
-  void RemoveSpares() {
-    for (const std::string& key : spares_) section_.Remove(key);
-  }
-
-  /// After a failure: the old texts in their old places. The spare copies stay in the file unless
-  /// every text is back.
-  void PutBack() noexcept {
-    try {
-      if (!dense_) return;
-      Stage();  // again: some of the copies may be gone already
-      for (const std::size_t i : changed_) section_.Write(KeyAt(i), old_[i].text);
-      RemoveSpares();
-    } catch (...) {  // NOLINT: the first error is the one to report
-    }
-  }
-
-  MessageSection& section_;
-  const MessageEntries old_;
-  const std::vector<std::string> texts_;
-  const bool dense_;  // the keys are 1 to n already: the lines stay where they are
-  std::vector<std::size_t> changed_;
-  std::vector<std::string> spares_;  // an unused key for each that changes
-};
-
-}  // namespace
-
-std::string NextKey(const std::vector<std::string>& lines) {
-  const auto count = static_cast<std::int32_t>(lines.size());
-  std::int32_t highest = count;
-  Keys keys;
-  for (const std::string& line : lines) {
-    highest = std::max(highest, KeyNumber(KeyOf(line)).value_or(0));
-    keys.insert(KeyOf(line));
-  }
-  const bool isLast = highest == std::numeric_limits<std::int32_t>::max();
-  return std::to_string(isLast ? UnusedKey(keys, count + 1) : highest + 1);
-}
-
+/// How many entries at the head of a section need no renumbering: they have the key of their
+/// position and a text that stays, and no later line has one of their keys.
 std::size_t CountInPlace(const MessageEntries& entries) {
   std::size_t count = 0;
   Keys keys;
@@ -114,6 +41,8 @@ std::size_t CountInPlace(const MessageEntries& entries) {
   return repeated ? 0 : count;
 }
 
+/// Whether every entry from `position` on gets a smaller key than it has, their keys rising from
+/// line to line: then no new key is that of an entry whose turn is yet to come.
 bool OnlyMoveUp(const MessageEntries& entries, std::size_t position) {
   auto next = static_cast<std::int32_t>(position) + 1;
   std::int32_t highest = 0;
@@ -125,6 +54,71 @@ bool OnlyMoveUp(const MessageEntries& entries, std::size_t position) {
   return true;
 }
 
+/// Drops the blank entries. New keys go to the section's end, so line order and key order agree
+/// again afterwards. A text goes from its old key only when it stands under its new one.
+SectionSteps StepsUp(MessageEntries entries, std::size_t position) {
+  SectionSteps change;
+  for (std::size_t i = position; i < entries.size(); ++i) {
+    if (!IsBlank(entries[i].text)) {
+      change.steps.push_back({KeyAt(position++), std::move(entries[i].text)});
+    }
+    change.steps.push_back({std::move(entries[i].key), std::nullopt});
+  }
+  return change;
+}
+
+/// An entry of the section that keeps its key and gets another text.
+struct Rewritten {
+  std::string key;
+  std::string before;
+  std::string after;
+};
+
+/// A text that is overwritten before it is written in its new place stands under a spare key
+/// meanwhile; the spare keys, from `spare` on, go last. The way back writes in the opposite order,
+/// so that the same spare copies serve.
+SectionSteps StepsInPlace(const std::vector<Rewritten>& rewritten, std::int32_t spare) {
+  std::map<std::string_view, std::size_t> lastPlaces;  // by new text
+  for (std::size_t i = 0; i < rewritten.size(); ++i) lastPlaces[rewritten[i].after] = i;
+  SectionSteps change;
+  std::vector<SectionStep> last;
+  for (std::size_t i = 0; i < rewritten.size(); ++i) {
+    const auto place = lastPlaces.find(rewritten[i].before);
+    if (place == lastPlaces.end() || place->second <= i) continue;
+    change.steps.push_back({std::to_string(spare++), rewritten[i].before});
+    last.push_back({change.steps.back().key, std::nullopt});
+  }
+  change.wayBack = change.steps;  // some of the copies may be gone already
+  for (const Rewritten& entry : rewritten) change.steps.push_back({entry.key, entry.after});
+  for (auto entry = rewritten.rbegin(); entry != rewritten.rend(); ++entry) {
+    change.wayBack.push_back({entry->key, entry->before});
+  }
+  for (std::vector<SectionStep>* steps : {&change.steps, &change.wayBack}) {
+    steps->insert(steps->end(), last.begin(), last.end());
+  }
+  return change;
+}
+
+/// For keys in any order: every text goes under a spare key before the old keys go.
+SectionSteps StepsThroughSpares(const MessageEntries& entries,
+                                const std::vector<std::string>& texts) {
+  SectionSteps change;
+  Keys keys;
+  for (const MessageEntry& entry : entries) keys.insert(entry.key);
+  auto spare = static_cast<std::int32_t>(texts.size());
+  for (const std::string& text : texts) {
+    spare = UnusedKey(keys, spare + 1);
+    change.steps.push_back({std::to_string(spare), text});
+  }
+  for (const MessageEntry& entry : entries) change.steps.push_back({entry.key, std::nullopt});
+  for (std::size_t i = 0; i < texts.size(); ++i) change.steps.push_back({KeyAt(i), texts[i]});
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    change.steps.push_back({change.steps[i].key, std::nullopt});
+  }
+  return change;
+}
+
+/// The texts that a renumbering keeps: those that are not blank.
 std::vector<std::string> TextsThatStay(const MessageEntries& entries) {
   std::vector<std::string> texts;
   for (const MessageEntry& entry : entries) {
@@ -133,12 +127,71 @@ std::vector<std::string> TextsThatStay(const MessageEntries& entries) {
   return texts;
 }
 
-bool Replace(MessageSection& section, const Arrange& arrange) {
-  MessageEntries entries = section.Entries();
-  std::optional<std::vector<std::string>> texts = arrange(entries);
-  if (!texts) return false;
-  Replacement(section, std::move(entries), std::move(*texts)).Run();
-  return true;
+std::int32_t NextKeyNumber(const std::vector<std::string>& lines) {
+  const auto count = static_cast<std::int32_t>(lines.size());
+  std::int32_t highest = count;
+  for (const std::string& line : lines) {
+    highest = std::max(highest, KeyNumber(KeyOf(line)).value_or(0));
+  }
+  if (highest < std::numeric_limits<std::int32_t>::max()) return highest + 1;
+  Keys keys;
+  for (const std::string& line : lines) keys.insert(KeyOf(line));
+  return UnusedKey(keys, count + 1);
+}
+
+void Write(MessageSection& section, SectionStep& step) {
+  if (step.text) return section.Write(step.key, std::move(*step.text));
+  section.Remove(KeyToRemove(step.key));
+}
+
+}  // namespace
+
+std::string NextKey(const std::vector<std::string>& lines) {
+  return std::to_string(NextKeyNumber(lines));
+}
+
+SectionSteps StepsToRenumber(MessageEntries entries) {
+  const std::size_t position = CountInPlace(entries);
+  if (OnlyMoveUp(entries, position)) return StepsUp(std::move(entries), position);
+  std::vector<std::string> texts = TextsThatStay(entries);
+  return StepsToReplace(std::move(entries), std::move(texts));
+}
+
+SectionSteps StepsToReplace(MessageEntries entries, std::vector<std::string> texts) {
+  if (!HasDenseKeys(entries) || entries.size() != texts.size()) {
+    return StepsThroughSpares(entries, texts);
+  }
+  const auto unused = static_cast<std::int32_t>(entries.size()) + 1;
+  std::vector<Rewritten> rewritten;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    if (texts[i] == entries[i].text) continue;
+    rewritten.push_back(
+        {std::move(entries[i].key), std::move(entries[i].text), std::move(texts[i])});
+  }
+  return StepsInPlace(rewritten, unused);
+}
+
+SectionSteps StepsToExchange(const MessageEntry& first, const MessageEntry& second,
+                             const std::vector<std::string>& lines) {
+  return StepsInPlace({{first.key, first.text, second.text}, {second.key, second.text, first.text}},
+                      NextKeyNumber(lines));
+}
+
+void Execute(MessageSection& section, SectionSteps change, Step* at) {
+  constexpr std::int32_t kRemoving = 3;
+  constexpr std::int32_t kWriting = 4;
+  try {
+    for (SectionStep& step : change.steps) {
+      if (at != nullptr) (*at)(step.text ? kWriting : kRemoving);
+      Write(section, step);
+    }
+  } catch (...) {
+    try {
+      for (SectionStep& step : change.wayBack) Write(section, step);
+    } catch (...) {  // NOLINT: the first error is the one to report
+    }
+    throw;
+  }
 }
 
 }  // namespace rotacasts

@@ -1,11 +1,11 @@
 // Giving the messages of a file new keys or new places without losing one on the way.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "services/guard.h"
 #include "store/message_section.h"
 
 namespace rotacasts {
@@ -15,25 +15,33 @@ namespace rotacasts {
 /// number there is, any that is unused.
 std::string NextKey(const std::vector<std::string>& lines);
 
-/// How many entries at the head of a section need no renumbering: they have the key of their
-/// position and a text that stays, and no later line has one of their keys.
-std::size_t CountInPlace(const MessageEntries& entries);
+/// One write to the section "Messages".
+struct SectionStep {
+  std::string key;
+  std::optional<std::string> text;  // none: the key is removed
+};
 
-/// Whether every entry from `position` on gets a smaller key than it has, their keys rising from
-/// line to line: then no new key is that of an entry whose turn is yet to come.
-bool OnlyMoveUp(const MessageEntries& entries, std::size_t position);
+/// A change of the section as the writes that it takes, in order. No text that the section holds
+/// before and after the change is ever absent, whichever write is the last.
+struct SectionSteps {
+  std::vector<SectionStep> steps;
+  /// Puts the old texts back from wherever the steps have ended. Empty if the keys were not dense;
+  /// then each text stands under some key.
+  std::vector<SectionStep> wayBack;
+};
 
-/// The texts that are to stand in the file in place of these entries, or nothing to leave it alone.
-using Arrange = std::function<std::optional<std::vector<std::string>>(const MessageEntries&)>;
+/// The steps that renumber these entries, the whole section, in their order. Blank ones go.
+SectionSteps StepsToRenumber(MessageEntries entries);
 
-/// The texts that a renumbering keeps: those that are not blank.
-std::vector<std::string> TextsThatStay(const MessageEntries& entries);
+/// The steps from these entries, the whole section, to these texts under the keys 1 to n.
+SectionSteps StepsToReplace(MessageEntries entries, std::vector<std::string> texts);
 
-/// Replaces every entry of the section by the texts that `arrange` makes of them, under the keys 1
-/// to n. A text that stood in the file before and is among the new ones stands in it at every
-/// moment: what changes is written under spare keys first, then in its place; the spare keys go
-/// last. Returns whether there was anything to do. Raises what fails, with the old texts put back
-/// where that can be done.
-bool Replace(MessageSection& section, const Arrange& arrange);
+/// The steps that exchange the texts of two entries of the section with these lines.
+SectionSteps StepsToExchange(const MessageEntry& first, const MessageEntry& second,
+                             const std::vector<std::string>& lines);
+
+/// Takes the steps; `at` gets the line that the renumbering has for each. Raises what fails, after
+/// the way back as far as that succeeds.
+void Execute(MessageSection& section, SectionSteps change, Step* at = nullptr);
 
 }  // namespace rotacasts

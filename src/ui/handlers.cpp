@@ -1,6 +1,5 @@
 #include "ui/handlers.h"
 
-#include <algorithm>
 #include <exception>
 #include <optional>
 #include <utility>
@@ -69,30 +68,6 @@ void EnableListMenu(frmRT& window) {
   window.Menu("mnuDown").enabled = rows > 1 && selected != rows - 1;
 }
 
-/// Takes the message that the row stands for out of the file; false when it could not be removed.
-/// Nothing happens to a row that stands for none.
-bool Remove(MessageFile& file, MessageRow row) {
-  const MessageFile::Hold hold(file);
-  const MessageEntries entries = file.Entries();
-  const std::optional<std::size_t> place = PlacesOf({row}, entries)[0];
-  if (!place) return true;
-  const std::string& key = entries[*place].key;
-  const auto holders = std::ranges::count_if(
-      entries, [&](const auto& entry) { return EqualsIgnoringCase(entry.key, key); });
-  if (holders == 1) return file.DeleteEntry(key);
-  // A hand has given the key twice, and removing it would take the first one's text.
-  file.ReplaceEntries([&](const MessageEntries& now) -> std::optional<std::vector<std::string>> {
-    const std::optional<std::size_t> gone = PlacesOf({row}, now)[0];
-    if (!gone) return std::nullopt;
-    std::vector<std::string> others;
-    for (std::size_t i = 0; i < now.size(); ++i) {
-      if (i != *gone) others.push_back(now[i].text);
-    }
-    return others;
-  });
-  return true;
-}
-
 }  // namespace
 
 const EditingItem kEditingItems[5] = {
@@ -139,7 +114,7 @@ void Handlers::LoadMessages(const ShownProfile& shown) const {
     at(2);
     if (!file.empty() && context_.services.FileSystem().FileExists(file)) lines = section.Lines();
     at(6);
-    std::vector<MessageRow> rows;
+    std::vector<ListedMessage> rows;
     std::exception_ptr error;  // what was read before it is listed all the same
     try {
       rows.reserve(lines.size());
@@ -242,22 +217,12 @@ void Handlers::MoveSelected(const Handling& h, std::int16_t by) const {
   const std::int32_t row = ToInteger(list.SelectedRow());
   if (row < 0) return;  // the list was filled again while the menu was open
   const std::int32_t neighbour = row + by;
-  const std::vector<MessageRow> before = h.Window().Messages().All();
-  std::vector<MessageRow> rows = before;
-  std::swap(rows[list.Checked(row)], rows[list.Checked(neighbour)]);
-  bool isUpToDate = false;
+  const std::vector<ListedMessage> before = h.Window().Messages().All();
+  const std::size_t places[] = {list.Index(row), list.Index(neighbour)};
   // The file first: should that fail, the list still shows what the file holds.
   h.at(2);
   MessageFile file = context_.store.Open(h.shown.Profile());
-  file.ReplaceEntries([&](const MessageEntries& entries) {
-    const Places places = PlacesOf(rows, entries);
-    isUpToDate = std::ranges::all_of(places, [](const auto& place) { return place.has_value(); });
-    const auto isFound = [&](std::int32_t moved) {
-      return places[static_cast<std::size_t>(moved)].has_value();
-    };
-    return isFound(row) && isFound(neighbour) ? std::optional(InOrder(places, entries))
-                                              : std::nullopt;
-  });
+  const bool isUpToDate = ExchangeListed(file, before, places[0], places[1]);
   h.shown.If([&](frmRT& now) {
     if (!isUpToDate || now.Messages().All() != before) return LoadMessages(h.shown);
     now.Messages().Exchange(row, neighbour);
@@ -270,7 +235,7 @@ void Handlers::mnuDelete_Click(const Handling& h) const {
   const std::int16_t selected = ToInteger(list.SelectedRow());
   if (selected < 0) return;
   MessageFile file = context_.store.Open(h.shown.Profile());
-  const bool removed = Remove(file, h.Window().Messages().All().at(list.Checked(selected)));
+  const bool removed = RemoveListed(file, h.Window().Messages().All().at(list.Index(selected)));
   h.at(2);
   LoadMessages(h.shown);
   if (!removed) context_.reporter.Notify(Outcome::Failure, "Could not delete message!");

@@ -20,7 +20,7 @@ void AccessibleNames::Give(HWND window, std::string_view name) {
   }
 }
 
-void AccessibleNames::Take(HWND window) {
+void AccessibleNames::Remove(HWND window) {
   MSAAPROPID name = PROPID_ACC_NAME;
   if (services_) services_->ClearHwndProps(window, kWholeClient, CHILDID_SELF, &name, 1);
 }

@@ -14,7 +14,7 @@ class AccessibleNames {
  public:
   void Give(HWND window, std::string_view name);
   /// Removes the window's name. Call it before the window is destroyed.
-  void Take(HWND window);
+  void Remove(HWND window);
 
  private:
   ComPtr<IAccPropServices> services_;

@@ -27,7 +27,7 @@ class FrameWindow final : public WindowOf<Frame> {
   bool LiesBehind() const override { return true; }
 
  private:
-  Making How() const override { return {L"BUTTON", BS_GROUPBOX, WS_EX_TRANSPARENT}; }
+  Recipe WindowRecipe() const override { return {L"BUTTON", BS_GROUPBOX, WS_EX_TRANSPARENT}; }
   std::string Text() const override { return model_.Caption(); }
 };
 
@@ -46,7 +46,9 @@ class TextBoxWindow final : public WindowOf<TextBox> {
   }
 
  private:
-  Making How() const override { return {L"EDIT", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE}; }
+  Recipe WindowRecipe() const override {
+    return {L"EDIT", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE};
+  }
   std::string Text() const override { return model_.Text(); }
   void Fill() override { Send(EM_SETLIMITTEXT, model_.MaxLength()); }
 };
@@ -67,7 +69,7 @@ class CheckBoxWindow final : public WindowOf<CheckBox> {
   }
 
  private:
-  Making How() const override { return {L"BUTTON", BS_3STATE | WS_TABSTOP, 0}; }
+  Recipe WindowRecipe() const override { return {L"BUTTON", BS_3STATE | WS_TABSTOP, 0}; }
   void Fill() override { Changed(Property::Value); }
 
   /// A check box draws the focus mark around its caption. This one has no caption, so it is drawn
@@ -99,9 +101,7 @@ class CheckBoxWindow final : public WindowOf<CheckBox> {
     if (::GetFocus() != Window() || isHidden) return;
     RECT area;
     ::GetClientRect(Window(), &area);
-    const HDC context = ::GetDC(Window());
-    ::DrawFocusRect(context, &area);
-    ::ReleaseDC(Window(), context);
+    ::DrawFocusRect(DeviceContext(Window()).Get(), &area);
   }
 };
 
@@ -139,7 +139,7 @@ class ListBoxWindow final : public WindowOf<ListBox> {
   }
 
  private:
-  Making How() const override {
+  Recipe WindowRecipe() const override {
     return {L"LISTBOX",
             LBS_NOTIFY | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_TABSTOP,
             WS_EX_CLIENTEDGE};
@@ -169,7 +169,7 @@ class LabelWindow final : public WindowOf<Label> {
   }
 
  private:
-  Making How() const override {
+  Recipe WindowRecipe() const override {
     constexpr DWORD kAlignments[] = {SS_LEFT, SS_RIGHT, SS_CENTER};
     return {L"STATIC",
             SS_NOTIFY | SS_NOPREFIX | kAlignments[static_cast<int>(model_.GetAlignment())], 0};
@@ -209,7 +209,7 @@ class ImageWindow final : public WindowOf<Image> {
   }
 
  private:
-  Making How() const override { return {kPictureClass, 0, 0}; }
+  Recipe WindowRecipe() const override { return {kPictureClass, 0, 0}; }
 
   LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam) override {
     switch (message) {

@@ -3,6 +3,7 @@
 #include <windowsx.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "base/runtime_error.h"
 #include "forms/win32/form_view.h"
@@ -19,34 +20,55 @@ namespace {
 
 constexpr COLORREF kBlack = RGB(0, 0, 0);
 
-struct MouseRow {
+/// What a mouse message raises on the model.
+enum class Raises { Nothing, Press, Release, LostPress };
+/// Who captures the mouse at it, so that a release arrives wherever the pointer is: standard
+/// controls, which are those that Tab reaches, see to that themselves.
+enum class Captures { Nobody, OtherKinds };
+/// How far it goes on to the control's own procedure: not where the model's menu answers it.
+enum class GoesOn { Always, WithoutMenu };
+
+}  // namespace
+
+struct MouseRule {
   UINT message;
   std::int16_t button;
-  bool pressed;
+  Raises raises;
+  Captures captures;
+  GoesOn goesOn;
 };
 
-constexpr MouseRow kMouseMessages[] = {
-    {WM_LBUTTONDOWN, MouseEvent::kLeft, true},    {WM_LBUTTONDBLCLK, MouseEvent::kLeft, true},
-    {WM_LBUTTONUP, MouseEvent::kLeft, false},     {WM_RBUTTONDOWN, MouseEvent::kRight, true},
-    {WM_RBUTTONDBLCLK, MouseEvent::kRight, true}, {WM_RBUTTONUP, MouseEvent::kRight, false},
-    {WM_MBUTTONDOWN, MouseEvent::kMiddle, true},  {WM_MBUTTONDBLCLK, MouseEvent::kMiddle, true},
-    {WM_MBUTTONUP, MouseEvent::kMiddle, false},
+namespace {
+
+constexpr std::int16_t kNoButton = 0;
+constexpr MouseRule kMouseRules[] = {
+    {WM_LBUTTONDOWN, MouseEvent::kLeft, Raises::Press, Captures::OtherKinds, GoesOn::Always},
+    {WM_LBUTTONDBLCLK, MouseEvent::kLeft, Raises::Press, Captures::OtherKinds, GoesOn::Always},
+    {WM_LBUTTONUP, MouseEvent::kLeft, Raises::Release, Captures::Nobody, GoesOn::Always},
+    {WM_RBUTTONDOWN, MouseEvent::kRight, Raises::Press, Captures::OtherKinds, GoesOn::WithoutMenu},
+    {WM_RBUTTONDBLCLK, MouseEvent::kRight, Raises::Press, Captures::OtherKinds, GoesOn::Always},
+    {WM_RBUTTONUP, MouseEvent::kRight, Raises::Release, Captures::Nobody, GoesOn::WithoutMenu},
+    {WM_MBUTTONDOWN, MouseEvent::kMiddle, Raises::Press, Captures::OtherKinds, GoesOn::Always},
+    {WM_MBUTTONDBLCLK, MouseEvent::kMiddle, Raises::Press, Captures::OtherKinds, GoesOn::Always},
+    {WM_MBUTTONUP, MouseEvent::kMiddle, Raises::Release, Captures::Nobody, GoesOn::Always},
+    {WM_CAPTURECHANGED, kNoButton, Raises::LostPress, Captures::Nobody, GoesOn::Always},
+    {WM_CONTEXTMENU, kNoButton, Raises::Nothing, Captures::Nobody, GoesOn::WithoutMenu},
 };
 
 }  // namespace
 
 void ControlWindow::Create(int id) {
   if (const HWND old = std::exchange(window_, nullptr)) ::DestroyWindow(old);
-  const Making making = How();
-  DWORD style = making.style | WS_CHILD | WS_CLIPSIBLINGS;
+  const Recipe recipe = WindowRecipe();
+  DWORD style = recipe.style | WS_CHILD | WS_CLIPSIBLINGS;
   if (control_.IsVisible()) style |= WS_VISIBLE;
   if (!control_.IsEnabled()) style |= WS_DISABLED;
   window_ = ::CreateWindowExW(
-      making.extendedStyle, making.windowClass, ToWide(Text()).c_str(), style, 0, 0, 0, 0, Parent(),
+      recipe.extendedStyle, recipe.windowClass, ToWide(Text()).c_str(), style, 0, 0, 0, 0, Parent(),
       reinterpret_cast<HMENU>(static_cast<std::intptr_t>(id)), view_.Toolkit().Module(), nullptr);
   if (window_ == nullptr) throw RuntimeError(ErrorNumber::OutOfMemory, "no window is left");
   ::SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-  if (making.windowClass != kPictureClass) {
+  if (recipe.windowClass != kPictureClass) {
     original_ = reinterpret_cast<WNDPROC>(
         ::SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Procedure)));
   }
@@ -138,21 +160,18 @@ LRESULT ControlWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     return ::CallWindowProcW(original, window, message, wParam, lParam);
   };
   if (message == WM_NCDESTROY) {
-    view_.Names().Take(window);
+    view_.Names().Remove(window);
     ::SetWindowLongPtrW(window, GWLP_USERDATA, 0);
     return byDefault();
   }
   if (HandleKey(message, wParam)) return 0;
-  const bool hasMenu = static_cast<bool>(control_.onMouseDown);
-  constexpr LPARAM kFromKeyboard = -1;
-  if (message == WM_CONTEXTMENU && hasMenu && lParam != kFromKeyboard) {
-    return 0;  // the control's own menu has been shown
-  }
-  if (!HandleMouse(message, lParam)) return byDefault();
-  // The right button belongs to a model that has a menu; any other goes on to the control.
-  const bool isRight = message == WM_RBUTTONDOWN || message == WM_RBUTTONUP;
-  if ((isRight && hasMenu) || ::IsWindow(window) == FALSE) return 0;
-  return byDefault();
+  const auto rule = std::ranges::find(kMouseRules, message, &MouseRule::message);
+  if (rule == std::end(kMouseRules)) return byDefault();
+  constexpr LPARAM kFromKeyboard = -1;  // of a WM_CONTEXTMENU
+  const bool isAnswered = rule->goesOn == GoesOn::WithoutMenu && control_.onMouseDown &&
+                          !(message == WM_CONTEXTMENU && lParam == kFromKeyboard);
+  RaiseMouse(*rule, lParam);
+  return isAnswered || ::IsWindow(window) == FALSE ? 0 : byDefault();
 }
 
 bool ControlWindow::HandleKey(UINT message, WPARAM key) const {
@@ -161,34 +180,31 @@ bool ControlWindow::HandleKey(UINT message, WPARAM key) const {
   return message == WM_KEYDOWN || message == WM_CHAR;
 }
 
-bool ControlWindow::HandleMouse(UINT message, LPARAM lParam) {
-  if (message == WM_CAPTURECHANGED && reinterpret_cast<HWND>(lParam) != window_) {
-    if (std::exchange(hasCapture_, false)) control_.UserLostPress();
-    return false;
+void ControlWindow::RaiseMouse(const MouseRule& rule, LPARAM lParam) {
+  const auto event = [&] {
+    const TwipsPerPixel screen = view_.Toolkit().ScreenTwipsPerPixel();
+    return MouseEvent{rule.button, static_cast<float>(GET_X_LPARAM(lParam) * screen.horizontal),
+                      static_cast<float>(GET_Y_LPARAM(lParam) * screen.vertical)};
+  };
+  switch (rule.raises) {
+    case Raises::Press:
+      if (rule.captures == Captures::OtherKinds && !IsReachedByTab()) {
+        ::SetCapture(window_);
+        hasCapture_ = true;
+      }
+      return control_.UserPressed(event());
+    case Raises::Release:
+      if ((control_.PressedButtons() & ~rule.button) == 0 && std::exchange(hasCapture_, false)) {
+        ::ReleaseCapture();
+      }
+      return control_.UserReleased(event());
+    case Raises::LostPress:
+      if (reinterpret_cast<HWND>(lParam) == window_) return;
+      if (std::exchange(hasCapture_, false)) control_.UserLostPress();
+      return;
+    case Raises::Nothing:
+      return;
   }
-  const auto row =
-      std::find_if(std::begin(kMouseMessages), std::end(kMouseMessages),
-                   [message](const MouseRow& other) { return other.message == message; });
-  if (row == std::end(kMouseMessages)) return false;
-  const TwipsPerPixel screen = view_.Toolkit().ScreenTwipsPerPixel();
-  const MouseEvent event{row->button, static_cast<float>(GET_X_LPARAM(lParam) * screen.horizontal),
-                         static_cast<float>(GET_Y_LPARAM(lParam) * screen.vertical)};
-  // Standard controls capture the mouse themselves. The others capture it here, so that a release
-  // reaches them wherever the pointer is.
-  const bool captures = !IsReachedByTab();
-  if (row->pressed) {
-    if (captures) {
-      ::SetCapture(window_);
-      hasCapture_ = true;
-    }
-    control_.UserPressed(event);
-    return true;
-  }
-  if ((control_.PressedButtons() & ~row->button) == 0 && std::exchange(hasCapture_, false)) {
-    ::ReleaseCapture();
-  }
-  control_.UserReleased(event);
-  return true;
 }
 
 }  // namespace rotacasts::win32

@@ -10,6 +10,7 @@
 namespace rotacasts::win32 {
 
 class Win32FormView;
+struct MouseRule;
 
 /// Mirrors a control's model to a window and reports what the user does. Derived classes define how
 /// a kind's window is created and how it differs. The form view outlives its control windows.
@@ -52,13 +53,13 @@ class ControlWindow {
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
  protected:
-  /// How a window is created.
-  struct Making {
+  /// What a window is created with.
+  struct Recipe {
     const wchar_t* windowClass;
     DWORD style;
     DWORD extendedStyle;
   };
-  virtual Making How() const = 0;
+  virtual Recipe WindowRecipe() const = 0;
   virtual HWND Parent() const;
   /// The text that the window shows.
   virtual std::string Text() const { return {}; }
@@ -78,8 +79,8 @@ class ControlWindow {
   void Arrange() const;
   void SetVisible(bool visible);
   bool HandleKey(UINT message, WPARAM key) const;
-  /// Raises a mouse event on the model. Returns false if the message is not about a mouse button.
-  bool HandleMouse(UINT message, LPARAM lParam);
+  /// Raises on the model what the rule says.
+  void RaiseMouse(const MouseRule& rule, LPARAM lParam);
 
   forms::Control& control_;
   HWND window_ = nullptr;

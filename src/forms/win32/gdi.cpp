@@ -14,9 +14,7 @@ COLORREF ToColorRef(forms::Colour colour) {
 HFONT Fonts::OfSize(double points) {
   HFONT& font = fonts_[points];
   if (font != nullptr) return font;
-  const HDC screen = ::GetDC(nullptr);
-  const int dotsPerInch = ::GetDeviceCaps(screen, LOGPIXELSY);
-  ::ReleaseDC(nullptr, screen);
+  const int dotsPerInch = ::GetDeviceCaps(DeviceContext().Get(), LOGPIXELSY);
   LOGFONTW logical{};
   logical.lfHeight = -static_cast<LONG>(std::lround(points * dotsPerInch / 72));
   logical.lfWeight = FW_NORMAL;
@@ -39,12 +37,11 @@ std::string TextOf(HWND window) {
 
 LONG TextWidth(HFONT font, std::string_view text) {
   const std::wstring wide = ToWide(text);
-  const HDC screen = ::GetDC(nullptr);
-  const HGDIOBJ before = ::SelectObject(screen, font);
+  const DeviceContext screen;
+  const HGDIOBJ before = ::SelectObject(screen.Get(), font);
   SIZE size{};
-  ::GetTextExtentPoint32W(screen, wide.data(), static_cast<int>(wide.size()), &size);
-  ::SelectObject(screen, before);
-  ::ReleaseDC(nullptr, screen);
+  ::GetTextExtentPoint32W(screen.Get(), wide.data(), static_cast<int>(wide.size()), &size);
+  ::SelectObject(screen.Get(), before);
   return size.cx;
 }
 

@@ -11,6 +11,20 @@
 
 namespace rotacasts::win32 {
 
+/// A window's device context, or the screen's.
+class DeviceContext {
+ public:
+  explicit DeviceContext(HWND window = nullptr) : window_(window), context_(::GetDC(window)) {}
+  ~DeviceContext() { ::ReleaseDC(window_, context_); }
+  DeviceContext(const DeviceContext&) = delete;
+  DeviceContext& operator=(const DeviceContext&) = delete;
+  HDC Get() const { return context_; }
+
+ private:
+  const HWND window_;
+  const HDC context_;
+};
+
 COLORREF ToColorRef(forms::Colour colour);
 
 /// The fonts of one face, created on demand and freed together.

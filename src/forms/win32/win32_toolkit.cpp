@@ -44,11 +44,9 @@ std::shared_ptr<forms::FormView> Win32Toolkit::CreateView(forms::Form& form) {
 }
 
 forms::TwipsPerPixel Win32Toolkit::ScreenTwipsPerPixel() const {
-  const HDC screen = ::GetDC(nullptr);
-  const forms::TwipsPerPixel twips = {kTwipsPerInch / ::GetDeviceCaps(screen, LOGPIXELSX),
-                                      kTwipsPerInch / ::GetDeviceCaps(screen, LOGPIXELSY)};
-  ::ReleaseDC(nullptr, screen);
-  return twips;
+  const DeviceContext screen;
+  return {kTwipsPerInch / ::GetDeviceCaps(screen.Get(), LOGPIXELSX),
+          kTwipsPerInch / ::GetDeviceCaps(screen.Get(), LOGPIXELSY)};
 }
 
 void Win32Toolkit::MoveWindow(forms::WindowHandle window, std::int32_t x, std::int32_t y,
