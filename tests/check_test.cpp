@@ -61,7 +61,7 @@ TEST(Check, WarnsOfWhatWouldSurpriseInAMessageFile) {
                   .empty());
   for (const auto& [lines, says] :
        {std::pair<std::string, const char*>("1={shownextmap}" + options,
-                                            "2: message 0 \"{shownextmap}\" is in the wrong"),
+                                            "2: message 1 \"{shownextmap}\" is in the wrong"),
         {"1=Next: {ShowMostKills}" + options, "must be the whole message"},
         {"1={ShowMostAssists}" + options, "no placeholder's name"},
         {"1={ShowMostKilz" + options, "no placeholder's name"},

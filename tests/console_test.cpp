@@ -115,13 +115,13 @@ TEST_F(ConsoleTest, OneBadProfileLeavesTheOthersGoing) {
   const std::string text = Execute("status\nmessages 2\nplaceholders");
   ExpectAll(text,
             R"(skipped: profile 6 (srv6): its settings folder cannot be made: File already exists:
-profile 1 (srv1): Type mismatch (error 13 in Form_Reload)
+/profiles/srv1/settings/Rotacasts.ini:4: Interval is "abc", which is no number; write 0 to 30
 profile 1 (srv1): no report was sent (13: Type mismatch); is ReportErrors in settings/config.ini 0 or 1?
 holds NUL bytes; save it as plain ANSI text
 GameCode is "NOPE"; give one of DFBHD,
 profile 2 (srv2): no program no-such-program is running; start it
-0         {ShowNextMap}  (cannot tell: no game server)
-2                        (nothing: it is skipped)
+1       {ShowNextMap}  (cannot tell: no game server)
+3                      (nothing: it is skipped)
 Placeholder                  Says now for profile 1 (srv1)
 {ShowNextMap}  )");
   EXPECT_EQ(text.find("\n6 "), std::string::npos) << text;
@@ -145,7 +145,7 @@ TEST_F(ConsoleTest, CommandsDoWhatTheySayOrSayWhatIsWrong) {
   HidePlugin();
   ExpectAll(Execute("show 2\nstatus"), "DFX2  unreachable  off     7 min  -      -");
   ExpectAll(Execute("unload\nstatus"),
-            "DFX2  stopped, game unreachable  off     7 min  0      0: a");
+            "DFX2  stopped, game unreachable  off     7 min  0      1: a");
   EXPECT_EQ(Execute("\n   "), "");
   EXPECT_EQ(folder.Read("settings/config.ini"), "[Settings]\r\nReportErrors=0\r\n");
 }
@@ -156,7 +156,7 @@ TEST_F(ConsoleTest, SaysOfAGameThatIsOtherThanItsCodeWhatCannotBeTold) {
   folder.AddProfile(1, "JO", std::to_string(::getpid()), "4001",
                     MessageFileBytes({"{ShowMostKills}", "{ShowNextMap}"}));
   const std::string text = Execute("messages 1\nstatus");
-  EXPECT_TRUE(text.starts_with("Position")) << text;
+  EXPECT_TRUE(text.starts_with("Number")) << text;
   ExpectAll(text, R"((cannot tell: profile 1 (srv1): process
 is GameCode the right one?
 {ShowNextMap}    Unknown!!! (profile 1
@@ -171,15 +171,16 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
     const char* file = nullptr;  // the messages and options afterwards; null if unchanged
   };
   const Row rows[] = {
-      {"add 2  d ", "added at position 3", "a;b;c; d ;1;3;"},
-      {"delete 2 3", "deleted:  d ", "a;b;c;1;3;"},
-      {"up 2 1", "moved up: b", "b;a;c;1;3;"},
-      {"down 2 0", "moved down: b", "a;b;c;1;3;"},
-      {"up 2 0", "not moved: it is the first message"},
-      {"down 2 2", "not moved: it is the last message"},
-      {"delete 2 3", "there is no message at position 3; \"messages\" lists those there are"},
-      {"down 2 x", "\"x\" is no whole number; usage: down PROFILE POSITION"},
-      {"delete 2 0 1", "\"1\" is too much; usage: delete PROFILE POSITION"},
+      {"add 2  d ", "added as message 4", "a;b;c; d ;1;3;"},
+      {"delete 2 4", "deleted:  d ", "a;b;c;1;3;"},
+      {"up 2 2", "moved up: b", "b;a;c;1;3;"},
+      {"down 2 1", "moved down: b", "a;b;c;1;3;"},
+      {"up 2 1", "not moved: it is the first message"},
+      {"down 2 3", "not moved: it is the last message"},
+      {"delete 2 4", "there is no message 4; \"messages\" lists those there are"},
+      {"down 2 x", "\"x\" is no whole number; usage: down PROFILE NUMBER"},
+      {"delete 2 0", "there is no message 0; the first one is 1"},
+      {"delete 2 1 1", "\"1\" is too much; usage: delete PROFILE NUMBER"},
       {"enable 2 2", "not switched: give 1 for on, 0 for off"},
       {"interval 2 31", "not changed: an interval is 0 to 30 minutes"},
       {"interval 2 -1", "not changed: an interval is 0 to 30 minutes"},
@@ -222,8 +223,8 @@ TEST_F(ConsoleTest, WhatCannotBeStoredIsNotDoneAndTheReasonSaid) {
   std::filesystem::permissions(folder.File(kFile), std::filesystem::perms::owner_read);
   const std::string why = "profile 2 (srv2): Permission denied: " + folder.File(kFile) +
                           " is read-only; make it writable and try again\n";
-  for (const auto& [line, says] : {std::pair("delete 2 0", "not deleted: " + why),
-                                   {"up 2 1", "not moved: " + why},
+  for (const auto& [line, says] : {std::pair("delete 2 1", "not deleted: " + why),
+                                   {"up 2 2", "not moved: " + why},
                                    {"enable 2 0", "not switched: " + why},
                                    {"interval 2 9", "not changed: " + why},
                                    {"remote 2 ChangeIntervalRem abc", why + "\"\"\n"},
@@ -241,16 +242,15 @@ TEST_F(ConsoleTest, WhatCannotBeStoredIsNotDoneAndTheReasonSaid) {
 }
 
 TEST_F(ConsoleTest, APositionThatCouldMeanAnotherMessageIsRefused) {
-  const std::string end = ", so a position could mean another message; number the keys from 1 in " +
+  const std::string end = ", so a number could mean another message; number the keys from 1 in " +
                           folder.File(kFile) + " and try again\n";
-  for (const auto& [lines, says] :
-       {std::pair("1=a\r\n3=b\r\n", "\"b\" at position 1 has the key 3 instead of 2"),
-        {"1=a\r\n1=b\r\n", "\"b\" at position 1 has the key 1 instead of 2"},
-        {"2=a\r\n1=b\r\n", "\"a\" at position 0 has the key 2 instead of 1"}}) {
+  for (const auto& [lines, says] : {std::pair("1=a\r\n3=b\r\n", "2 \"b\" has the key 3"),
+                                    {"1=a\r\n1=b\r\n", "2 \"b\" has the key 1"},
+                                    {"2=a\r\n1=b\r\n", "1 \"a\" has the key 2"}}) {
     const std::string file = MessageFileBytes({}).insert(12, lines);
     folder.AddProfile(2, "JO", "1", "4002", file);
-    for (const char* line : {"up 2 1", "down 2 0", "delete 2 0"}) {
-      EXPECT_EQ(Execute(line), std::string("the message ") + says + end);
+    for (const char* line : {"up 2 2", "down 2 1", "delete 2 1"}) {
+      EXPECT_EQ(Execute(line), std::string("message ") + says + end);
       EXPECT_EQ(folder.Read(kFile), file) << line;
     }
   }

@@ -56,7 +56,7 @@ class EndToEnd(unittest.TestCase):
         self.expect(host, f"profile 2 (srv2): the game server has ended (process {joint.id})")
         self.expect(hawk, "Grüße €")  # the other profile keeps going
         host.write("unload\nmessages 1\nquit\n")
-        self.expect(host, "1         {ShowNextMap}      [Next Map] ")
+        self.expect(host, "2       {ShowNextMap}      [Next Map] ")
         self.assertEqual(host.end(), 0)
         self.assertEqual(hawk.end(SIGTERM), 0)
         self.assertIn(b"tmrRT", (self.folder / "logs/errors.log").read_bytes())
@@ -113,9 +113,9 @@ class EndToEnd(unittest.TestCase):
         host = self.start(Program, "script", "-qfec", "exec " + command, "/dev/null")
         self.expect(host, "profiles started: 1")
         host.write("addX\b 1 Grüße aus\n")
-        self.expect(host, "added at position 0")
+        self.expect(host, "added as message 1")
         host.write("mes\t1\n")
-        self.expect(host, "sages 1", "0         Grüße aus  Grüße aus")
+        self.expect(host, "sages 1", "1       Grüße aus  Grüße aus")
         host.write("say 1 Grße\x1b[D\x1b[D\x1b")  # a lone Esc must not hold the host up
         time.sleep(0.2)
         children = f"/proc/{host.id}/task/{host.id}/children"
@@ -135,7 +135,7 @@ class EndToEnd(unittest.TestCase):
             self.expect(second, f"{self.folder} has a host at work, process {first.id} since ")
             self.assertEqual(second.end(), 3)
             self.expect(self.host("check"), "profiles checked: 1")
-            self.expect(self.host("preview"), "0         a        a")
+            self.expect(self.host("preview"), "1       a        a")
             first.end(SIGKILL)
 
     def test_what_an_editor_saves_while_the_list_is_changed_is_not_lost(self):

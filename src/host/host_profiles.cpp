@@ -79,9 +79,12 @@ bool HostProfiles::MakeSettingsFolderOf(const ProfileSettings& profile) try {
   return true;
 } catch (const RuntimeError& error) {
   out_ << "skipped: " << profile.Label()
-       << ": its settings folder cannot be made: " << error.description
-       << "; let the host's user write "
-       << NativePath(HostFolder(folder_).Profile(profile.folder)).string() << "\n";
+       << ": its settings folder cannot be made: " << error.description;
+  if (error.number == static_cast<std::int32_t>(ErrorNumber::PermissionDenied)) {
+    out_ << "; let the host's user write "
+         << NativePath(HostFolder(folder_).Profile(profile.folder)).string();
+  }
+  out_ << "\n";
   return false;
 }
 

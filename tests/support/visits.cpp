@@ -243,7 +243,8 @@ class Explorer {
     host_.longs = {{0x00C87598, 2}, {0x00C86FDC, 0x5000}, {0x5004, 1},
                    {0x500C, 0},     {0x5014, 0},          {0x02551118, 0}};
     host_.texts[1044] = "Rio";
-    if (operation.hasWindow) Load(3), Load(2), Tick(2);
+    Load(3), Load(2), Tick(2);
+    if (!operation.hasWindow) Unload();
     canFail_ = operation.messages[1] == "{ShowMostKills}";
   }
 
