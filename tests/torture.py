@@ -64,7 +64,7 @@ class Torture:
         else:
             texts[upper:upper + 2] = reversed(texts[upper:upper + 2])
         self.states.append(texts)
-        return f"{verb} 1 {what}\n"
+        return f"{verb} 1 {what if verb == 'add' else what + 1}\n"
 
     def look(self, told):
         """Checks that the list is in the state after one of the changes: at least the last reported and
