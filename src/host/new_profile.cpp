@@ -57,7 +57,8 @@ std::int32_t UnusedIndex(const std::string& hostFolder) {
   std::set<std::int32_t> used;
   for (const auto& entry : std::filesystem::directory_iterator(NativePath(paths.Profiles()))) {
     const auto bytes = ReadWholeFile(paths.Description(entry.path().filename().string()));
-    for (const IniText::Row& row : IniText(bytes.value_or("")).Rows()) {
+    const IniText ini(bytes.value_or(""));
+    for (const IniText::Row& row : ini.Rows()) {
       const std::string text(row.rest);
       if (EqualsIgnoringCase(row.name, "Index") && IsNumeric(text))
         used.insert(RoundToLong(ToDouble(text)));

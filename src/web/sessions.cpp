@@ -34,7 +34,7 @@ std::string Sessions::Begin(const Admin& admin, Clock::time_point now) {
   std::string token(2 * kTokenBytes + 1, '\0');
   sodium_bin2hex(token.data(), token.size(), bytes, sizeof bytes);
   token.pop_back();
-  sessions_[token] = {admin.name, admin.password, now + kLength};
+  sessions_[token] = {admin, now + kLength};
   return token;
 }
 
@@ -42,8 +42,8 @@ std::optional<Admin> Sessions::Find(const std::string& token, const std::vector<
                                     Clock::time_point now) {
   const auto found = sessions_.find(token);
   if (found == sessions_.end()) return std::nullopt;
-  std::optional<Admin> admin = FindAdmin(all, found->second.name);
-  if (admin && admin->password == found->second.password && now < found->second.end) return admin;
+  std::optional<Admin> admin = FindAdmin(all, found->second.admin.name);
+  if (admin == found->second.admin && now < found->second.end) return admin;
   sessions_.erase(found);
   return std::nullopt;
 }

@@ -13,22 +13,21 @@ namespace rotacasts::host::web {
 using Clock = std::chrono::steady_clock;
 
 /// Sessions are kept in memory. They end with the host, after twelve hours, or as soon as the
-/// person is removed or gets another password.
+/// person is removed, gets another password or may do something else.
 class Sessions {
  public:
   static constexpr std::chrono::hours kLength{12};
 
   /// Starts a session; returns its token, 32 random bytes in hexadecimal.
   std::string Begin(const Admin& admin, Clock::time_point now = Clock::now());
-  /// The token's person, as `all` describes them now; nullopt if the session has ended.
+  /// The token's person, one of `all`; nullopt if the session has ended.
   std::optional<Admin> Find(const std::string& token, const std::vector<Admin>& all,
                             Clock::time_point now = Clock::now());
   void End(const std::string& token) { sessions_.erase(token); }
 
  private:
   struct Session {
-    std::string name;
-    std::string password;
+    Admin admin;
     Clock::time_point end;
   };
   std::map<std::string, Session> sessions_;
