@@ -4,6 +4,8 @@
 #include <sys/socket.h>
 
 #include <cerrno>
+#include <chrono>
+#include <thread>
 #include <utility>
 
 #include "base/runtime_error.h"
@@ -13,8 +15,22 @@
 namespace rotacasts::host {
 namespace {
 
+/// Waits a moment for a host that is just starting.
+SocketDescriptor ConnectSoon(const std::string& hostFolder) {
+  constexpr int kAttempts = 20;
+  for (int attempt = 1;; ++attempt) {
+    try {
+      return ConnectInFolder(hostFolder, kConsoleSocket);
+    } catch (const RuntimeError& error) {
+      const bool isMissing = error.number == static_cast<std::int32_t>(ErrorNumber::FileNotFound);
+      if (!isMissing || attempt == kAttempts) throw;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+}
+
 SocketDescriptor Connect(const std::string& hostFolder) try {
-  return ConnectInFolder(hostFolder, kConsoleSocket);
+  return ConnectSoon(hostFolder);
 } catch (const RuntimeError& error) {
   if (error.number == static_cast<std::int32_t>(ErrorNumber::FileNotFound)) {
     throw Complaint("no host runs in " + hostFolder + "; \"rotacasts-host run --host-folder " +

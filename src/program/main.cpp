@@ -168,7 +168,8 @@ void CommandLine::AddFolder(CLI::App& command) {
       .add_option_function<std::string>(
           "--host-folder",
           [this](const std::string& folder) {
-            options_.folder = std::filesystem::absolute(PathOf(folder)).lexically_normal().string();
+            const auto path = std::filesystem::absolute(PathOf(folder)).lexically_normal();
+            options_.folder = (path.has_filename() ? path : path.parent_path()).string();
           },
           "folder with profiles/ and settings/")
       ->required();
