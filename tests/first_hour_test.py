@@ -75,6 +75,35 @@ class FirstHour(unittest.TestCase):
         self.assertIn("is there already", self.call(*self.new(), status=2))
         self.assertIn("It is profile 2.", self.call(*self.new("beta")))
 
+    def test_check_has_a_sentence_for_each_typical_mistake(self):
+        self.call(*self.new())
+        profile = self.folder / "profiles/alpha/profile.ini"
+        messages = self.folder / "profiles/alpha/settings/Rotacasts.ini"
+        twin = self.folder / "profiles/twin/profile.ini"
+        twin.parent.mkdir()
+        good, text = profile.read_bytes(), messages.read_bytes()
+        port = self.server.port.encode()
+        for file, old, new, says in (
+                (profile, b"=" + port, b"=1", "profile.ini:5: nobody receives at the port 1 of this"),
+                (profile, b"=" + port, b"=65536", 'Target is "65536"; give its chat port, from 1 to'),
+                (profile, b"=JO", b"=Joint", 'profile.ini:3: GameCode is "Joint"; give one of DFBHD,'),
+                (profile, b"Process=", b"Process=x.exe ;", "no program x.exe ;"),
+                (profile, b"[Profile]\r\n", b"", "profile.ini:1: there is no section [Profile]; write"),
+                (profile, b"Target", b"Say=/no/rcon x\r\nTarget", "Say's program /no/rcon is not there"),
+                (twin, b"", good, "twin/profile.ini:2: the index is taken by profile 1 (alpha)"),
+                (messages, b"Welcome", "Grüße".encode(), 'for "Grüße! Be fair, have fun." players read'),
+                (messages, b"1=", b"1 ", "Rotacasts.ini:2: the line is ignored, for it has no"),
+                (messages, b"Enable=1", b"Enable=yes", 'Enable is "yes", which is no number; write 0')):
+            before = file.read_bytes() if file.exists() else b""
+            file.write_bytes(before.replace(old, new, 1))
+            with self.subTest(says):
+                self.assertIn(says, self.call("check", status=1))
+            file.write_bytes(before)
+        twin.unlink()
+        if os.getuid() == 0:
+            os.chown(self.folder, NOBODY, NOBODY)
+            self.assertIn("nobody, who owns", self.call("check", status=1))
+
     def test_a_running_host_answers_whoever_may_use_its_folder(self):
         self.call(*self.new())
         self.assertIn("no host runs in", self.call("console", "status", status=2))
