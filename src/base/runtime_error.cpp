@@ -1,6 +1,7 @@
 #include "base/runtime_error.h"
 
 #include <new>
+#include <utility>
 
 namespace rotacasts {
 namespace {
@@ -48,6 +49,18 @@ std::string Describe(ErrorNumber number, std::string_view detail) {
 }
 
 }  // namespace
+
+RuntimeError::RuntimeError(std::int32_t errorNumber, std::string errorDescription)
+    : number(errorNumber), description(std::move(errorDescription)) {}
+RuntimeError::RuntimeError(const RuntimeError& other) = default;
+RuntimeError::RuntimeError(RuntimeError&& other) noexcept = default;
+RuntimeError& RuntimeError::operator=(const RuntimeError& other) = default;
+RuntimeError& RuntimeError::operator=(RuntimeError&& other) noexcept = default;
+RuntimeError::~RuntimeError() = default;
+
+const char* RuntimeError::what() const noexcept {
+  return description.c_str();
+}
 
 RuntimeError::RuntimeError(ErrorNumber errorNumber, std::string_view detail)
     : RuntimeError(static_cast<std::int32_t>(errorNumber), Describe(errorNumber, detail)) {

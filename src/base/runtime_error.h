@@ -43,15 +43,21 @@ enum class ErrorNumber : std::int32_t {
 /// number is a plain integer because components may raise their own.
 class RuntimeError : public std::exception {
  public:
-  RuntimeError(std::int32_t errorNumber, std::string errorDescription)
-      : number(errorNumber), description(std::move(errorDescription)) {}
+  // All are defined in the .cpp file, because inlined they would make every place that throws
+  // larger.
+  RuntimeError(std::int32_t errorNumber, std::string errorDescription);
+  RuntimeError(const RuntimeError& other);
+  RuntimeError(RuntimeError&& other) noexcept;
+  RuntimeError& operator=(const RuntimeError& other);
+  RuntimeError& operator=(RuntimeError&& other) noexcept;
+  ~RuntimeError() override;
   /// An error with the platform's own description, followed by ": " and `detail` if there is one.
   explicit RuntimeError(ErrorNumber errorNumber, std::string_view detail = {});
 
   bool Is(ErrorNumber errorNumber) const {
     return number == static_cast<std::int32_t>(errorNumber);
   }
-  const char* what() const noexcept override { return description.c_str(); }
+  const char* what() const noexcept override;
   /// Adds what the description leaves open.
   void Extend(std::string_view detail) {
     description += detail;

@@ -110,4 +110,16 @@ void LateBound::Raise(HRESULT result, EXCEPINFO& exception) {
   RaiseResult(result);
 }
 
+TextArgument::TextArgument(const std::string& text) : text_(text) {}
+
+ValueArgument::ValueArgument(const HostValue& value) : value_(ToComVariant(value)) {}
+
+TextReference::TextReference(std::string& text) : text_(text), value_(text) {}
+TextReference::~TextReference() = default;
+
+void TextReference::WriteBack() const {
+  std::string text = FromBstr(value_.Get());
+  if (text != before_) text_ = std::move(text);
+}
+
 }  // namespace rotacasts::win32

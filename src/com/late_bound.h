@@ -51,16 +51,20 @@ class Member {
 
   template <class... Arguments>
   ComVariant operator()(Arguments&&... arguments) {
-    if (id_ == DISPID_UNKNOWN) id_ = object_.Identify(name_);
     VARIANT reversed[sizeof...(arguments) + 1];
     [[maybe_unused]] VARIANT* place = reversed + sizeof...(arguments);
     (arguments.Put(*--place), ...);
-    ComVariant result = object_.Invoke(id_, reversed, sizeof...(arguments));
+    ComVariant result = Call(reversed, sizeof...(arguments));
     (arguments.WriteBack(), ...);
     return result;
   }
 
  private:
+  ComVariant Call(VARIANT* reversed, std::size_t count) {
+    if (id_ == DISPID_UNKNOWN) id_ = object_.Identify(name_);
+    return object_.Invoke(id_, reversed, count);
+  }
+
   const LateBound& object_;
   const char* name_;
   DISPID id_ = DISPID_UNKNOWN;
@@ -73,7 +77,7 @@ class Member {
 /// By value: a text, or none at all.
 class TextArgument {
  public:
-  explicit TextArgument(const std::string& text) : text_(text) {}
+  explicit TextArgument(const std::string& text);
   TextArgument() = default;  // no text at all
   void Put(VARIANT& place) const {
     place.vt = VT_BSTR;
@@ -104,7 +108,7 @@ class NumberArgument {
 /// By value: any other value.
 class ValueArgument {
  public:
-  explicit ValueArgument(const HostValue& value) : value_(ToComVariant(value)) {}
+  explicit ValueArgument(const HostValue& value);
   void Put(VARIANT& place) const { place = value_.Get(); }
   void WriteBack() const {}
 
@@ -145,15 +149,15 @@ using BooleanReference = PlainReference<bool, VARIANT_BOOL, VT_BOOL>;
 /// By reference: the caller's text.
 class TextReference {
  public:
-  explicit TextReference(std::string& text) : text_(text), value_(text) {}
+  explicit TextReference(std::string& text);
+  TextReference(const TextReference&) = delete;
+  TextReference& operator=(const TextReference&) = delete;
+  ~TextReference();
   void Put(VARIANT& place) {
     place.vt = VT_BYREF | VT_BSTR;
     place.pbstrVal = value_.Address();
   }
-  void WriteBack() const {
-    std::string text = FromBstr(value_.Get());
-    if (text != before_) text_ = std::move(text);
-  }
+  void WriteBack() const;
 
  private:
   std::string& text_;

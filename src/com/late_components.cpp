@@ -7,14 +7,6 @@
 namespace rotacasts::win32 {
 namespace {
 
-std::int32_t LongOf(const ComVariant& value) {
-  return value.Get().vt == VT_I4 ? value.Get().lVal : ToLong(ToHostValue(value.Get()));
-}
-
-std::string TextOf(const ComVariant& value) {
-  return ToText(ToHostValue(value.Get()));
-}
-
 /// The elements of an array of texts.
 std::vector<std::string> TextsOf(const ComVariant& value) {
   const HostValue array = ToHostValue(value.Get());
@@ -25,39 +17,6 @@ std::vector<std::string> TextsOf(const ComVariant& value) {
   for (const HostValue& element : *elements) texts.push_back(ToText(element));
   return texts;
 }
-
-class LateMemory final : public MemoryComponent {
- public:
-  std::int32_t ReadLong(std::int32_t& processHandle, std::int32_t address) override {
-    return LongOf(readLong_(LongReference(processHandle), NumberArgument(address)));
-  }
-  std::string ReadStr(std::int32_t& processHandle, std::int32_t address) override {
-    return TextOf(readStr_(LongReference(processHandle), NumberArgument(address)));
-  }
-  void AddMsg(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
-              bool& isAffiliate, const std::string& kind, std::int16_t mode) override {
-    addMsg_(IntegerReference(profileIndex), LongReference(messageTarget), TextReference(text),
-            BooleanReference(isAffiliate), TextArgument(kind), NumberArgument(mode));
-  }
-  void AddMsgB(std::int16_t& profileIndex, std::int32_t& messageTarget, std::string& text,
-               bool& isAffiliate, const std::string& kind, std::int16_t mode,
-               std::string& gameCode) override {
-    addMsgB_(IntegerReference(profileIndex), LongReference(messageTarget), TextReference(text),
-             BooleanReference(isAffiliate), TextArgument(kind), NumberArgument(mode),
-             TextReference(gameCode));
-  }
-  std::string Enc64(const std::string& text) override { return TextOf(enc64_(TextArgument(text))); }
-  std::string Dec64(const std::string& text) override { return TextOf(dec64_(TextArgument(text))); }
-
- private:
-  LateBound object_ = LateBound::Create(kProgId);
-  Member readLong_{object_, "ReadLong"};
-  Member readStr_{object_, "ReadStr"};
-  Member addMsg_{object_, "AddMsg"};
-  Member addMsgB_{object_, "AddMsgB"};
-  Member enc64_{object_, "Enc64"};
-  Member dec64_{object_, "Dec64"};
-};
 
 class LateUtility final : public UtilityComponent {
  public:
@@ -144,9 +103,6 @@ class LateFileSystem final : public FileSystemObject {
 
 }  // namespace
 
-std::unique_ptr<MemoryComponent> CreateMemoryComponent() {
-  return std::make_unique<LateMemory>();
-}
 std::unique_ptr<UtilityComponent> CreateUtilityComponent() {
   return std::make_unique<LateUtility>();
 }

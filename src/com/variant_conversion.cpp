@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/conversions.h"
+
 namespace rotacasts::win32 {
 namespace {
 
@@ -237,6 +239,10 @@ struct Converter {
 
 HostValue ToHostValue(const VARIANT& value) {
   return From(value, 0);
+}
+
+std::string TextOf(const ComVariant& value) {
+  return ToText(ToHostValue(value.Get()));
 }
 
 ComVariant ToComVariant(const HostValue& value) {

@@ -9,6 +9,8 @@ namespace rotacasts::win32 {
 /// Converts a VARIANT, also a by-reference or nested one. One-dimensional arrays keep their indexes
 /// from 0 up. A kind that the core does not know becomes `Foreign`.
 HostValue ToHostValue(const VARIANT& value);
+/// The value's text. Errors: 13 for a value that has none.
+std::string TextOf(const ComVariant& value);
 
 /// Converts a value to a VARIANT that the caller owns. An array of texts becomes an array of
 /// strings, any other an array of VARIANTs.

@@ -1,7 +1,6 @@
 #include "console/console.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 
 #include "base/text.h"
@@ -29,9 +28,7 @@ class Console::Arguments {
   /// The next word as a whole decimal number, such as a profile index. Errors: 5.
   std::int32_t Number() {
     const std::string word = Word();
-    std::int32_t number = 0;
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-    if (error == std::errc() && end == word.data() + word.size()) return number;
+    if (const std::optional<std::int32_t> number = WholeNumber(word)) return *number;
     throw Complaint("\"" + word + "\" is no whole number; usage: " + std::string(usage_));
   }
   /// The next word as a number, which must be the last. Errors: 5.

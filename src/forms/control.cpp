@@ -57,7 +57,6 @@ void Control::BringToFront() {
 }
 
 void Control::SetFocus() {
-  form_.focused_ = this;
   Changed(Property::Focus);
 }
 

@@ -153,7 +153,6 @@ class Form : public std::enable_shared_from_this<Form> {
   std::vector<Control*> stackingOrder_;
   std::vector<std::unique_ptr<MenuItem>> menus_;
   TimerArray timers_;
-  Control* focused_ = nullptr;
   bool visible_ = false;
   std::shared_ptr<FormView> view_;
 };

@@ -1,9 +1,11 @@
 #include "siblings/game_processes.h"
 
-#include <charconv>
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <utility>
+
+#include "base/text.h"
 
 namespace rotacasts::host {
 namespace {
@@ -15,9 +17,7 @@ constexpr const char* kNotAllowed = " may not be read; run this host as the game
 
 /// The process id if the text is one; 0 for a program name.
 ProcessId AsNumber(const std::string& text) {
-  ProcessId number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && end == text.data() + text.size() && number > 0 ? number : 0;
+  return static_cast<ProcessId>(std::max(WholeNumber(text).value_or(0), 0));
 }
 
 /// The processes that certainly receive at the port, or else those that may. `secret` becomes one

@@ -1,7 +1,7 @@
 #include "web/admins.h"
 
 #include <algorithm>
-#include <charconv>
+#include <optional>
 
 #include "base/conversions.h"
 #include "base/text.h"
@@ -35,10 +35,9 @@ std::vector<std::string> Parts(const std::string& text, const char* separators) 
 bool ReadIndexes(const std::string& text, Admin& admin) {
   bool isGood = true;
   for (const std::string& part : Parts(text, ", ")) {
-    std::int32_t index = 0;
-    const auto [end, error] = std::from_chars(part.data(), part.data() + part.size(), index);
-    const bool isIndex = error == std::errc() && end == part.data() + part.size() && index > 0;
-    if (isIndex) admin.profiles.insert(index);
+    const std::optional<std::int32_t> index = WholeNumber(part);
+    const bool isIndex = index > 0;
+    if (isIndex) admin.profiles.insert(*index);
     isGood = isGood && isIndex;
   }
   return isGood;

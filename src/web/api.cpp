@@ -1,7 +1,6 @@
 #include "web/api.h"
 
 #include <algorithm>
-#include <charconv>
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -70,10 +69,8 @@ struct Api::Route {
     if (!asked.starts_with(mine.substr(0, star)) || !asked.ends_with(tail)) return std::nullopt;
     if (asked.size() <= star + tail.size()) return std::nullopt;
     const std::string_view word = asked.substr(star, asked.size() - star - tail.size());
-    std::int32_t index = 0;
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), index);
-    const bool isIndex = error == std::errc() && end == word.data() + word.size() && index > 0;
-    return isIndex ? std::optional(index) : std::nullopt;
+    const std::optional<std::int32_t> index = WholeNumber(word);
+    return index > 0 ? index : std::nullopt;
   }
 };
 
@@ -267,9 +264,7 @@ void Api::ShowLog(Call& call) {
 }
 
 void Api::Follow(Call& call) {
-  const std::string word = call.Asked().Query("profile");
-  std::int32_t profile = 0;
-  std::from_chars(word.data(), word.data() + word.size(), profile);
+  const std::int32_t profile = WholeNumber(call.Asked().Query("profile")).value_or(0);
   snapshots_.FreshRows();
   call.exchange->AnswerBitByBit(std::make_unique<LiveEvents>(
       snapshots_,

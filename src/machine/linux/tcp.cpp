@@ -5,10 +5,11 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
+#include <optional>
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 
 namespace rotacasts::host {
 
@@ -16,9 +17,8 @@ namespace {
 
 /// Whether it is a port's number. The resolver takes 65536 for 0.
 bool IsPort(const std::string& text) {
-  std::uint16_t port = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-  return error == std::errc() && end == text.data() + text.size();
+  const std::optional<std::int32_t> port = WholeNumber(text);
+  return port >= 0 && port <= UINT16_MAX;
 }
 
 }  // namespace

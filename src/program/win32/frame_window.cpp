@@ -30,10 +30,7 @@ constexpr double kHeadingSize = 10;  // points
 constexpr double kTwipsPerPixel = 15;
 
 int Dpi() {
-  const HDC screen = ::GetDC(nullptr);
-  const int dpi = ::GetDeviceCaps(screen, LOGPIXELSX);
-  ::ReleaseDC(nullptr, screen);
-  return dpi;
+  return ::GetDeviceCaps(win32::DeviceContext().Get(), LOGPIXELSX);
 }
 
 int Scaled(int pixels) {
