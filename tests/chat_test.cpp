@@ -13,8 +13,6 @@
 namespace rotacasts::host {
 namespace {
 
-using testing::ErrorOf;
-
 TEST(EventLoopTest, ATurnLiesBetweenItsHooksAndAStopEndsItAtOnce) {
   EventLoop loop;
   std::string said;
@@ -34,7 +32,7 @@ TEST(ChatTest, ProgramsSayTheTextsInOrderAndNoneHoldsTheOthersUp) {
       {"3", {"sleep 60 & wait", " took longer than 1 s and was ended"}},
       {"4", {"printf 'careful\\nnow' >&2", " said: careful now"}},
       {"5", {nullptr, " cannot be started (No such file or directory)"}}};
-  const testing::HostFolder folder;
+  const HostFolder folder;
   EventLoop loop;
   ProgramStarter starter(loop, std::chrono::seconds(1));
   SystemClock clock;

@@ -11,8 +11,6 @@
 namespace rotacasts::host {
 namespace {
 
-using testing::HostFolder;
-
 TEST(ProfileSettings, NonsenseIsSkippedAndSaysWhatToDo) {
   HostFolder folder;
   folder.AddProfile(5, "JO", "1234", "4005");

@@ -17,8 +17,6 @@
 namespace rotacasts::host {
 namespace {
 
-using testing::MessageFileBytes;
-
 TEST(PlainOutput, ShowsControlCharactersAsQuestionMarksAlsoWhereTheyComeInParts) {
   std::ostringstream target;
   PlainOutput out(target);
@@ -32,7 +30,7 @@ TEST(TroublesTest, SaysWhatComesBackOnceAndThatItIsOver) {
   std::ostringstream out;
   Troubles troubles(out);
   Troubles::Clock::time_point now;
-  const std::vector<std::string> none, gone = {"A: gone"};
+  const Texts none, gone = {"A: gone"};
   for (const auto& problems :
        {none, {"A: gone", "A: odd", "A: odd"}, gone, gone, gone, none, none, gone}) {
     out << '|';
@@ -80,7 +78,7 @@ class ConsoleTest : public ::testing::Test {
     return values;
   }
   static constexpr const char* kFile = "profiles/srv2/settings/Rotacasts.ini";
-  testing::HostFolder folder;
+  HostFolder folder;
 
  private:
   struct Plugin final : HeadlessPlugin {
@@ -199,22 +197,18 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
        "Fly is no remote operation; there are GetMessagesRem AddMessageRem EnableRTRem "
        "ChangeIntervalRem MoveMessageDownRem MoveMessageUpRem DeleteMessageRem"},
   };
-  for (const bool shared : {false, true}) {
-    folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"a", "b", "c"}, "1", "3"));
-    Restart({folder.Path(), std::chrono::minutes(1), "Zoe", shared});
-    std::string file = Contents();
-    for (const Row& row : rows) {
-      if (row.file != nullptr) file = row.file;
-      EXPECT_EQ(Execute(row.line), row.says + "\n") << row.line;
-      EXPECT_EQ(Contents(), file) << row.line;
-    }
-    const char* const places[] = {"profiles/srv2/adminlogs", "adminlogs"};
-    const std::string log = folder.ReadAll(places[shared ? 1 : 0]);
-    EXPECT_EQ(std::ranges::count(log, '\n'), 8);  // the changes, with "?" for letters it lacks
-    EXPECT_EQ(log.find("[Rotacasts] Add Rotacast (Message:  d ) from Zoe\r\n"), 10U) << log;
-    EXPECT_EQ(folder.ReadAll(places[shared ? 0 : 1]), "");
-    std::filesystem::remove_all(folder.File(places[0]));
+  folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"a", "b", "c"}, "1", "3"));
+  Restart({folder.Path(), std::chrono::minutes(1), "Zoe", true});
+  std::string file = Contents();
+  for (const Row& row : rows) {
+    if (row.file != nullptr) file = row.file;
+    EXPECT_EQ(Execute(row.line), row.says + "\n") << row.line;
+    EXPECT_EQ(Contents(), file) << row.line;
   }
+  const std::string log = folder.ReadAll("adminlogs");
+  EXPECT_EQ(std::ranges::count(log, '\n'), 8);  // the changes, with "?" for letters it lacks
+  EXPECT_EQ(log.find("[Rotacasts] Add Rotacast (Message:  d ) from Zoe\r\n"), 10U) << log;
+  EXPECT_EQ(folder.ReadAll("profiles/srv2/adminlogs"), "");  // which other tests read
 }
 
 TEST_F(ConsoleTest, WhatCannotBeStoredIsNotDoneAndTheReasonSaid) {

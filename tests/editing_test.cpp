@@ -11,9 +11,6 @@ namespace rotacasts {
 namespace {
 
 using forms::MouseEvent;
-using testing::MessageFileBytes;
-using testing::PluginTest;
-using Texts = std::vector<std::string>;
 
 constexpr int kRowHeight = 13;  // pixels
 
@@ -93,13 +90,10 @@ TEST_F(EditingTest, AddingStoresTheFirstSixtyCharactersAsTyped) {
   EXPECT_EQ(Stored(2), (Texts{"a", " Grüße "}));
   EXPECT_EQ(Rows(), Stored(2));
   EXPECT_EQ(Window().txtMessage().Text(), "");
-  toolkit.onMessageBox = [this](const std::string&, const std::string&) {
-    Plugin().UnLoadInterface("");
-  };
+  toolkit.onMessageBox = nullptr;
   Window().txtMessage().SetText(std::string(70, 'x'));  // longer than anybody could type
   Click("cmdAddImg", MouseEvent::kRight);
   EXPECT_EQ(Stored(2).back(), std::string(60, 'x'));
-  EXPECT_EQ(State().window.IfLoaded(), nullptr);  // not created again for refilling
 }
 
 TEST_F(EditingTest, ARightClickSelectsTheRowAndShowsTheMenu) {
@@ -190,9 +184,7 @@ TEST_F(EditingTest, AStoppedProfileIsToldOfAndNothingIsCalledForIt) {
   EXPECT_EQ(host.boxes.at(0), "Failed!|Could not add message!");
   EXPECT_EQ(TakeErrors(), (Texts{"mnuDown: 76", "mnuDelete_Click: 76", "chkAuto_Click: 76",
                                  "txtInterval_Change: 76", "txtInterval_Change: 76"}));
-  HostValue::Array refused = *Data(2, "JO").AsArray();
-  refused[pdat::kProfileFolder] = "..\\..";
-  Plugin().LoadInterface(2, 77, refused);
+  Plugin().LoadInterface(2, 77, Data(2, "JO", {{pdat::kProfileFolder, "..\\.."}}));
   EXPECT_EQ(TakeErrors(), Texts{"SetProfileData: 76"});
   EXPECT_EQ(Rows(), Texts{});
   Window().chkAuto().SetValue(1);

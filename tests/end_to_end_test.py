@@ -3,24 +3,16 @@
 import os
 import shlex
 import shutil
-import tempfile
 import time
 import unittest
 from pathlib import Path
 from signal import SIGHUP, SIGKILL, SIGTERM
 
-from programs import HOST, SIMULATOR, WITH_TEST, Program, Server, add_profile, message_file
+from programs import (HOST, SIMULATOR, WITH_TEST, Program, ProgramTest, Server, add_profile,
+                      message_file)
 
 
-class EndToEnd(unittest.TestCase):
-    def setUp(self):
-        self.folder = Path(self.enterContext(tempfile.TemporaryDirectory(prefix="rotacasts-")))
-
-    def start(self, kind, *words):
-        program = kind(*words)
-        self.addCleanup(program.stop)
-        return program
-
+class EndToEnd(ProgramTest):
     def server(self, code, program=SIMULATOR, port=0):
         return self.start(Server, code, program, "--step", 20, "--port", port)
 

@@ -7,8 +7,6 @@
 namespace rotacasts {
 namespace {
 
-using testing::PluginTest;
-
 constexpr const char* kConfig = "C:\\Host\\settings\\config.ini";
 
 TEST(HostFolder, IsTheModulesFolderWithoutThePluginFolders) {
@@ -45,7 +43,7 @@ TEST_F(ErrorReporterTest, SendsAReportWhenTheConfigurationSaysOne) {
     host.delivers = delivers;
     host.reports.clear();
     Report();
-    EXPECT_EQ(TakeBoxes(), std::vector<std::string>{std::string(kText) + outcome}) << setting;
+    EXPECT_EQ(TakeBoxes(), Texts{std::string(kText) + outcome}) << setting;
     EXPECT_EQ(host.reports.size(), std::string(outcome) == "No" ? 0U : 1U) << setting;
   }
   EXPECT_EQ(host.logged.size(), 6U);
@@ -66,7 +64,7 @@ TEST_F(ErrorReporterTest, AnErrorWhileReportingReplacesTheBox) {
   for (const char* bytes : {"", "[Settings]\r\nReportErrors=yes\r\n"}) {
     host.files[kConfig] = bytes;
     Report(true);
-    EXPECT_EQ(TakeBoxes(), std::vector<std::string>{"tvxRT.dll Error|13: Type mismatch"});
+    EXPECT_EQ(TakeBoxes(), Texts{"tvxRT.dll Error|13: Type mismatch"});
   }
 }
 
@@ -75,7 +73,7 @@ TEST_F(ErrorReporterTest, WithoutALogTheAdministratorStillGetsTheText) {
   host.failAtCall = 1;
   Report();
   EXPECT_TRUE(host.fired);
-  EXPECT_EQ(TakeBoxes(), std::vector<std::string>{std::string(kText) + "No"});
+  EXPECT_EQ(TakeBoxes(), Texts{std::string(kText) + "No"});
   host.failAtCall = 1;
   Report(true);
   Report(true);  // with a log
@@ -86,7 +84,7 @@ TEST_F(ErrorReporterTest, WithoutALogTheAdministratorStillGetsTheText) {
 TEST_F(ErrorReporterTest, AFaultThatComesBackInsideItsOwnBoxDoesNotPileUpForEver) {
   constexpr int kMost = 8;
   int errors = 0;
-  std::vector<std::string> others;
+  Texts others;
   toolkit.onMessageBox = [&](const std::string&, const std::string& title) {
     if (title != "DLL Error!") {
       others.push_back(title);
@@ -102,7 +100,7 @@ TEST_F(ErrorReporterTest, AFaultThatComesBackInsideItsOwnBoxDoesNotPileUpForEver
   Report();
   EXPECT_EQ(errors, kMost);
   EXPECT_EQ(host.logged.size(), kMost + 2U);  // each kind of error once more than there are boxes
-  EXPECT_EQ(others, (std::vector<std::string>{"Failed!", "tvxRT.dll Error"}));
+  EXPECT_EQ(others, (Texts{"Failed!", "tvxRT.dll Error"}));
 }
 
 TEST_F(ErrorReporterTest, StartUpGoesOnWithoutTheComponentsThatFail) {
@@ -114,12 +112,11 @@ TEST_F(ErrorReporterTest, StartUpGoesOnWithoutTheComponentsThatFail) {
             "DLL Error!|Error Line: 3\r\nError 429: ActiveX component can't create object\r\n"
             "DLL: tvxRT.dll\r\nFunction/Sub: Main\r\n\r\nError Report Sent: No");
   EXPECT_NE(host.boxes.back().find("Error 91: "), std::string::npos) << host.boxes.back();
-  testing::PluginHarness lacking;
+  PluginHarness lacking;
   lacking.host.hasMemory = false;
   lacking.host.files[kConfig] = "[Settings]\r\nReportErrors=1\r\n";
   lacking.State();
-  EXPECT_EQ(lacking.host.logged,
-            std::vector<std::string>{"Main: 429 ActiveX component can't create object"});
+  EXPECT_EQ(lacking.host.logged, Texts{"Main: 429 ActiveX component can't create object"});
   ASSERT_EQ(lacking.host.reports.size(), 1U);
   EXPECT_TRUE(lacking.host.reports[0].At(4).IsEmpty());
 }

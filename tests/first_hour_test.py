@@ -4,28 +4,22 @@ import os
 import shutil
 import socket
 import subprocess
-import tempfile
 import unittest
-from pathlib import Path
 from signal import SIGKILL, SIGTERM
 
-from programs import HOST, Program, Server, message_file
+from programs import HOST, Program, ProgramTest, Server
 
 NOBODY = 65534
 
 
-class FirstHour(unittest.TestCase):
+class FirstHour(ProgramTest):
     def setUp(self):
-        top = Path(self.enterContext(tempfile.TemporaryDirectory(prefix="rotacasts-")))
-        self.folder = top / ("a-folder-with-a-name-" * 6) / "host"  # too long for a socket's name
-        self.folder.parent.mkdir()
-        top.chmod(0o755)
+        super().setUp()
+        self.folder.chmod(0o755)
+        self.folder /= "a-folder-with-a-name-" * 6  # too long for a socket's name
+        self.folder.mkdir()
+        self.folder /= "host"
         self.server = self.start(Server, "JO")
-
-    def start(self, kind, *words):
-        program = kind(*words)
-        self.addCleanup(program.stop)
-        return program
 
     def call(self, *words, status=0, as_user=None, said=""):
         """Runs the host's program and returns what it prints."""

@@ -10,7 +10,6 @@
 namespace rotacasts::forms {
 namespace {
 
-using rotacasts::testing::ErrorOf;
 using std::chrono::milliseconds;
 
 class FormsTest : public ::testing::Test {

@@ -10,9 +10,6 @@
 namespace rotacasts {
 namespace {
 
-using testing::ErrorOf;
-using testing::PluginTest;
-
 struct AddressRow {
   const char* location;
   int addresses[6];  // 0: the build has no such location
@@ -65,7 +62,7 @@ class GameReaderTest : public PluginTest {
     host.calls.clear();
   }
   void ExpectReported(const char* text, bool withBox) {
-    EXPECT_EQ(TakeErrors(), std::vector<std::string>{text});
+    EXPECT_EQ(TakeErrors(), Texts{text});
     EXPECT_EQ(TakeBoxes().size(), withBox ? 1U : 0U);
   }
 };

@@ -8,16 +8,12 @@
 namespace rotacasts::host {
 namespace {
 
-using testing::ErrorOf;
-using testing::HostFilesTest;
-
 TEST_F(HostFilesTest, IniKeysAreWrittenAsWindows1252AndReadBack) {
   Set("S", "Key", " Grüße € = 1 ");
   EXPECT_EQ(folder.Read("a.ini"), "[S]\r\nKey= Gr\xFC\xDF\x65 \x80 = 1 \r\n");
   EXPECT_EQ(utility.GetIniKey("s", "KEY", file), " Grüße € = 1 ");
   Set("S", 7, "seven");
-  EXPECT_EQ(utility.GetIniSection("S", file),
-            (std::vector<std::string>{"Key= Grüße € = 1 ", "7=seven", ""}));
+  EXPECT_EQ(utility.GetIniSection("S", file), (Texts{"Key= Grüße € = 1 ", "7=seven", ""}));
   Set("S", "Key", std::nullopt);
   Set("S", UtilityComponent::kNullKey, std::nullopt);
   EXPECT_EQ(folder.Read("a.ini"), "");
@@ -48,14 +44,10 @@ TEST_F(HostFilesTest, AFileThatCannotBeUsedIsNamedAndStaysAsItIs) {
                                     {"\xEF\xBB\xBF[S]", "UTF-8"},
                                     {"\xFF\xFE[\0S\0", "UTF-16"}}) {
     folder.Write("a.ini", bytes);
-    try {
-      Set("S", "1", "x");
-      ADD_FAILURE() << says;
-    } catch (const RuntimeError& error) {
-      EXPECT_EQ(error.number, 321);
-      EXPECT_NE(error.description.find(folder.File("a.ini")), std::string::npos);
-      EXPECT_NE(error.description.find(says), std::string::npos) << error.description;
-    }
+    const RuntimeError error = ThrownBy([&] { Set("S", "1", "x"); });
+    EXPECT_EQ(error.number, 321) << says;
+    EXPECT_NE(error.description.find(folder.File("a.ini")), std::string::npos);
+    EXPECT_NE(error.description.find(says), std::string::npos) << error.description;
     EXPECT_EQ(folder.Read("a.ini"), bytes);
   }
   folder.Write("a.ini", "[S]\r\n1=a\r\n");
@@ -190,7 +182,7 @@ TEST_F(HostFilesTest, TextFilesAreReadAndAppendedByTheLine) {
   EXPECT_EQ(ErrorOf([&] { utility.AppendFile(text, "two\nlines"); }), 5);
   utility.AppendFile(text, "");
   EXPECT_EQ(folder.Read("new/a.txt"), "Gr\xFC\xDF\x65\r\n\r\n");
-  EXPECT_EQ(utility.ReadFile(text), (std::vector<std::string>{"Grüße", ""}));
+  EXPECT_EQ(utility.ReadFile(text), (Texts{"Grüße", ""}));
   EXPECT_TRUE(files.FileExists(text) && files.FolderExists(made));
   EXPECT_FALSE(files.FileExists(made) || files.FolderExists(text));
 }

@@ -9,8 +9,6 @@
 namespace rotacasts::host {
 namespace {
 
-using testing::LinesOf;
-
 TEST(IniText, ReadsSectionsOfAllKindsOfFiles) {
   for (const auto& [bytes, lines] :
        {std::pair("[S]\r\n1=a\r\n2=b=c\r\n", "1=a;2=b=c;"),

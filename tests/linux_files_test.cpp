@@ -11,9 +11,6 @@
 namespace rotacasts::host {
 namespace {
 
-using testing::ErrorOf;
-using testing::HostFilesTest;
-
 TEST_F(HostFilesTest, ReplacingKeepsPermissionsLinksAndReadersAndLeavesNothingBeside) {
   folder.Write("real.ini", "[S]\r\n");
   const auto status = [this] {

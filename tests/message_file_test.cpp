@@ -12,18 +12,13 @@
 namespace rotacasts {
 namespace {
 
-using testing::MessageFileBytes;
-using testing::PathOf;
-using testing::PluginTest;
-using Texts = std::vector<std::string>;
-
 class MessageFileTest : public PluginTest {
  protected:
   MessageFileTest() { Load(1); }
   MessageFile Open() { return State().store.Open(1); }
   void LoadMessages() { State().window.Showing(1)->LoadMessages(); }
   /// The lines of the section "Messages".
-  std::string Section() { return testing::LinesOf(host::IniText(host.MessageFile(1)), "Messages"); }
+  std::string Section() { return LinesOf(host::IniText(host.MessageFile(1)), "Messages"); }
   void SetSection(const std::string& lines) {
     host.MessageFile(1) = "[Messages]\r\n" + lines + "[Options]\r\nEnable=1\r\n";
   }
@@ -35,8 +30,7 @@ TEST_F(MessageFileTest, LoadListsPositiveKeysAndTheFirstSixtyCharacters) {
   SetSection("1=a\r\n0=hidden\r\n-3=hidden\r\n7=\r\n9=   \r\n2=score=kills\r\n3=" +
              ToWindows1252(longText) + "\r\n");
   LoadMessages();
-  EXPECT_EQ(Rows(),
-            (std::vector<std::string>{"a", "", "   ", "score=kills", "ü" + std::string(59, 'x')}));
+  EXPECT_EQ(Rows(), (Texts{"a", "", "   ", "score=kills", "ü" + std::string(59, 'x')}));
   EXPECT_EQ(Window().lstMessages().At(1).data, 7);
   EXPECT_TRUE(Window().lstMessages().IsVisible());
 }
@@ -59,11 +53,10 @@ TEST_F(MessageFileTest, LoadEndsAtALineItCannotReadAndShowsTheListAgain) {
   LoadMessages();
   SetSection("1=a\r\n2=unsplittable\r\n");
   LoadMessages();
-  EXPECT_EQ(Rows(), std::vector<std::string>{"a"});
+  EXPECT_EQ(Rows(), Texts{"a"});
   EXPECT_TRUE(Window().lstMessages().IsVisible());
-  EXPECT_EQ(host.logged,
-            (std::vector<std::string>{"LoadMessages: 13 Type mismatch",
-                                      "LoadMessages: 13 Type mismatch [2=unsplittable]"}));
+  EXPECT_EQ(host.logged, (Texts{"LoadMessages: 13 Type mismatch",
+                                "LoadMessages: 13 Type mismatch [2=unsplittable]"}));
   EXPECT_NE(host.boxes[0].find("Error Line: 6"), std::string::npos);
 }
 
@@ -106,10 +99,10 @@ TEST_F(MessageFileTest, DeleteRenumbersAndLosesNoOtherText) {
   Open().DeleteEntry("1");
   EXPECT_NE(host.MessageFile(1).find("Enable=1"), std::string::npos);
   const std::string end = ", " + PathOf(1) + ")";  // the keys that it removes are numbers
-  EXPECT_EQ(host.calls, (std::vector<std::string>{
-                            "WriteIniKey(Messages, 1, null" + end, "GetIniSection(Messages" + end,
-                            "ParseIniKey(2=b, True)", "WriteIniKey(Messages, 1, b" + end,
-                            "WriteIniKey(Messages, #2, null" + end}));
+  EXPECT_EQ(host.calls,
+            (Texts{"WriteIniKey(Messages, 1, null" + end, "GetIniSection(Messages" + end,
+                   "ParseIniKey(2=b, true)", "WriteIniKey(Messages, 1, b" + end,
+                   "WriteIniKey(Messages, #2, null" + end}));
   EXPECT_TRUE(host.boxes.empty());
 }
 
@@ -122,37 +115,25 @@ TEST_F(MessageFileTest, NoChangeLosesATextWhicheverCallsFail) {
   struct Row {
     const char* before;
     std::function<void(MessageFile)> change;
-    Texts kept;
     const char* after;
-    const char* afterFailure;  // of one call; null if only the texts are certain
+    bool isPutBack = true;  // when one call fails
   };
   const char* three = "1=a\r\n2=\r\n3=c\r\n";
   const char* four = "1=a\r\n2=b\r\n3=a\r\n4=c\r\n";
-  for (const auto& [before, change, kept, after, afterFailure] :
-       {Row{three, arrange({"c", "", "a"}), {"a", "", "c"}, "1=c;2=;3=a;", "1=a;2=;3=c;"},
-        Row{four,
-            arrange({"a", "a", "c", "b"}),
-            {"a", "a", "b", "c"},
-            "1=a;2=a;3=c;4=b;",
-            "1=a;2=b;3=a;4=c;"},
-        Row{four,
-            arrange({"c", "a", "b", "a"}),
-            {"a", "a", "b", "c"},
-            "1=c;2=a;3=b;4=a;",
-            "1=a;2=b;3=a;4=c;"},
-        Row{"5=a\r\n3=b\r\nx=c\r\n",
-            arrange({"c", "b", "a"}),
-            {"a", "b", "c"},
-            "1=c;2=b;3=a;",
-            nullptr},
-        Row{"1=a\r\n2=b\r\n3=c\r\n5=d\r\n",
-            exchange,
-            {"a", "b", "c", "d"},
-            "1=a;2=c;3=b;5=d;",
-            "1=a;2=b;3=c;5=d;"},
-        Row{"2=a\r\n4=\r\n6=c\r\n", renumber, {"a", "c"}, "1=a;2=c;", nullptr},
-        Row{"6=a\r\n4=b\r\n1=c\r\n", renumber, {"a", "b", "c"}, "1=a;2=b;3=c;", nullptr}}) {
-    const auto expectAll = [&, &wanted = kept] {
+  const char* strange = "5=a\r\n3=b\r\nx=c\r\n";
+  for (const auto& [before, change, after, isPutBack] :
+       {Row{three, arrange({"c", "", "a"}), "1=c;2=;3=a;"},
+        Row{four, arrange({"a", "a", "c", "b"}), "1=a;2=a;3=c;4=b;"},
+        Row{four, arrange({"c", "a", "b", "a"}), "1=c;2=a;3=b;4=a;"},
+        Row{strange, arrange({"c", "b", "a"}), "1=c;2=b;3=a;", false},
+        Row{"1=a\r\n2=b\r\n3=c\r\n5=d\r\n", exchange, "1=a;2=c;3=b;5=d;"},
+        Row{"2=a\r\n4=\r\n6=c\r\n", renumber, "1=a;2=c;", false},
+        Row{"6=a\r\n4=b\r\n1=c\r\n", renumber, "1=a;2=b;3=c;", false}}) {
+    SetSection(before);
+    const std::string intact = Section();
+    Texts wanted = Stored(1);
+    std::erase(wanted, "");  // renumbering drops it
+    const auto expectAll = [&] {
       const Texts there = Stored(1);
       for (const std::string& text : wanted) {
         EXPECT_GE(std::ranges::count(there, text), std::ranges::count(wanted, text)) << Section();
@@ -170,12 +151,12 @@ TEST_F(MessageFileTest, NoChangeLosesATextWhicheverCallsFail) {
           ++failures;
           throw RuntimeError(ErrorNumber::DeviceIoError);
         };
-        testing::ErrorOf([&, &act = change] { act(Open()); });
+        ErrorOf([&, &act = change] { act(Open()); });
         host.insideCall = nullptr;
         expectAll();
         hasFailed = failures > 0;
-        if (failures == 1 && afterFailure != nullptr) {
-          EXPECT_EQ(Section(), afterFailure) << first;
+        if (failures == 1 && isPutBack) {
+          EXPECT_EQ(Section(), intact) << first;
         }
       }
     }

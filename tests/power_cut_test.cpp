@@ -28,8 +28,6 @@ extern "C" int renameat2(int fromFolder, const char* from, int toFolder, const c
 namespace rotacasts::host {
 namespace {
 
-using testing::HostFilesTest;
-
 TEST_F(HostFilesTest, TheNewFileIsFlushedBeforeItReplacesTheOldOneAndTheFolderAfterwards) {
   for (const auto& [key, size] : {std::pair("1", 10), {"2", 15}}) {  // a new file, then an old one
     calls.clear();

@@ -13,8 +13,6 @@
 namespace rotacasts::host {
 namespace {
 
-using testing::ErrorOf;
-
 constexpr std::int32_t kPage = 4096;
 constexpr std::int32_t kLow = 0x30000000;
 constexpr std::int32_t kEnd = kLow + kPage;

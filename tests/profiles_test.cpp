@@ -7,9 +7,6 @@
 namespace rotacasts {
 namespace {
 
-using testing::ErrorOf;
-using testing::PluginTest;
-
 class ProfilesTest : public PluginTest {
  protected:
   void SetUpProfile(std::int32_t index, const std::string& code = "JO") {
@@ -34,7 +31,7 @@ TEST_F(ProfilesTest, TablesGrowToTheHighestIndexAndNeverShrink) {
   SetUpProfile(std::numeric_limits<std::int32_t>::max());  // takes no memory
   EXPECT_TRUE(host.boxes.empty());
   SetUpProfile(-1);
-  EXPECT_EQ(TakeErrors(), std::vector<std::string>{"SetProfileData: 9"});
+  EXPECT_EQ(TakeErrors(), Texts{"SetProfileData: 9"});
 }
 
 TEST_F(ProfilesTest, FillsTheRecordAndTheAffiliateFlags) {
@@ -57,19 +54,15 @@ TEST_F(ProfilesTest, FillsTheRecordAndTheAffiliateFlags) {
 }
 
 TEST_F(ProfilesTest, BadDataIsReportedAndKeepsWhatWasFilledBefore) {
-  HostValue::Array data = *Data(1, "JO_2").AsArray();
-  data[pdat::kMessageTarget] = "port";
-  SetProfileData(1, data);
+  SetProfileData(1, Data(1, "JO_2", {{pdat::kMessageTarget, "port"}}));
   EXPECT_EQ(State().tables.Profiles(1).GameCode, "JO_2");
   EXPECT_EQ(State().tables.Profiles(1).ProfileFolder, "");
   SetProfileData(1, "no array");
   SetProfileData(1, HostValue::Array(7, HostValue(1)));
   SetUpProfile(1);
-  data = *Data(1, "JO").AsArray();
-  data[pdat::kProfileFolder] = "..";
-  SetProfileData(1, data);
-  EXPECT_EQ(TakeErrors(), (std::vector<std::string>{"SetProfileData: 13", "SetProfileData: 13",
-                                                    "SetProfileData: 9", "SetProfileData: 76"}));
+  SetProfileData(1, Data(1, "JO", {{pdat::kProfileFolder, ".."}}));
+  EXPECT_EQ(TakeErrors(), (Texts{"SetProfileData: 13", "SetProfileData: 13", "SetProfileData: 9",
+                                 "SetProfileData: 76"}));
   EXPECT_EQ(State().tables.MessageFiles(1), "");  // not the file of the old folder
 }
 

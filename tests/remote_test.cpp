@@ -9,12 +9,6 @@
 namespace rotacasts {
 namespace {
 
-using testing::ErrorOf;
-using testing::MessageFileBytes;
-using testing::PathOf;
-using testing::PluginTest;
-using Texts = std::vector<std::string>;
-
 class RemoteTest : public PluginTest {
  protected:
   RemoteTest() { host.folders = {"C:\\Host", "C:\\Host\\profiles\\srv2"}; }
@@ -126,19 +120,16 @@ TEST_F(RemoteTest, ErrorsEndAnOperationUnderItsNameWithTheReplyAsItStood) {
 
 TEST_F(RemoteTest, TheLogLiesWhereTheFlagSays) {
   Start({});
-  HostValue::Array data = *Pdat().AsArray();
   const std::string own = "C:\\Host\\profiles\\srv2\\adminlogs\\2010-03-07.txt";
   for (const HostValue& flag :
        {HostValue(false), HostValue(1), HostValue("True-ish"), HostValue()}) {
-    data[pdat::kSharedLog] = flag;
-    Plugin().AddMessageRem(2, data, "<a>");
+    Plugin().AddMessageRem(2, Data(2, "JO", {{pdat::kSharedLog, flag}}), "<a>");
     EXPECT_EQ(std::exchange(host.files[own], ""),
               "[14:05:09][Rotacasts] Add Rotacast (Message: a) from admin\r\n");
   }
   EXPECT_FALSE(host.folders.contains("C:\\Host\\adminlogs"));
-  data[pdat::kSharedLog] = true;
   host.now = {2011, 12, 31, 0, 0, 7};
-  Plugin().AddMessageRem(2, data, "<a>");
+  Plugin().AddMessageRem(2, Pdat(), "<a>");
   EXPECT_EQ(host.files["C:\\Host\\adminlogs\\2011-12-31.txt"],
             "[00:00:07][Rotacasts] Add Rotacast (Message: a) from admin\r\n");
 }
@@ -150,8 +141,7 @@ TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
   for (const std::string& text :
        {std::string("a\r\n[Options]\r\nEnable=1"), std::string("a\n2=b"), std::string("=x"),
         std::string("nul\0\x1B[2J\x07", 9), std::string(1 << 20, 'm')}) {
-    HostValue::Array data = *Pdat().AsArray();
-    data[pdat::kAdministrator] = "eve\r\n[00:00:00]" + text;
+    const HostValue data = Data(2, "JO", {{pdat::kAdministrator, "eve\r\n[00:00:00]" + text}});
     const std::size_t lines = Stored(2).size();
     EXPECT_EQ(Plugin().AddMessageRem(2, data, text), "") << text;  // raw: not encoded
     EXPECT_EQ(Stored(2).size(), lines);
@@ -166,9 +156,8 @@ TEST_F(RemoteTest, NoArgumentForgesALineOrLeavesTheProfile) {
   }
   TakeErrors();
   for (const char* folder : {"..", "a\\..\\..\\b", "a/../b", ".. ", "...", "a\nb"}) {
-    HostValue::Array data = *Pdat().AsArray();
-    data[pdat::kProfileFolder] = folder;
-    data[pdat::kSharedLog] = false;
+    const HostValue data =
+        Data(2, "JO", {{pdat::kProfileFolder, folder}, {pdat::kSharedLog, false}});
     Plugin().AddMessageRem(2, data, "<text>");
     SetProfileData(3, data);
     EXPECT_EQ(TakeErrors(), (Texts{"AddMessageRem: 76", "SetProfileData: 76"})) << folder;

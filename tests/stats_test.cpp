@@ -14,8 +14,6 @@
 namespace rotacasts {
 namespace {
 
-using testing::PluginTest;
-
 using Players = std::vector<PlayerStats>;
 
 struct Announcement {
@@ -62,7 +60,7 @@ constexpr Announcement kAnnouncements[] = {
 /// The game's memory that the fakes read.
 class FakeGameMemory final : public simulator::GameMemory {
  public:
-  explicit FakeGameMemory(testing::FakeHost& host) : host_(host) {}
+  explicit FakeGameMemory(FakeHost& host) : host_(host) {}
   void Reserve(std::int32_t, std::uint32_t) override {}
   void WriteLong(std::int32_t address, std::int32_t value) override {
     host_.longs[address] = value;
@@ -72,7 +70,7 @@ class FakeGameMemory final : public simulator::GameMemory {
   }
 
  private:
-  testing::FakeHost& host_;
+  FakeHost& host_;
 };
 
 class StatsTest : public PluginTest {
@@ -107,12 +105,12 @@ TEST_F(StatsTest, TheScanReadsNamedSlotsInOrder) {
   SetUpServer("JO", {{.Kills = 3}});
   host.texts[0x10100028 + 100584] = "Zoë";
   EXPECT_EQ(Text("MostKills"), "[Most Kills] Zoë: 3 Kills");
-  std::vector<std::string> expected = {
-      "ReadLong(101, 0x00B5DA1C)", "ReadLong(101, 0x00C8761C)", "ReadLong(101, 0x024E3EF0)",
-      "ReadLong(101, 0x024C0CC4)", "ReadStr(101, 0x10100028)",   // slot 0 is empty
-      "ReadLong(101, 0x024C0CC4)", "ReadStr(101, 0x10118910)"};  // slot 1: + 100624
+  Texts expected = {"ReadLong(101, 0x00B5DA1C)", "ReadLong(101, 0x00C8761C)",
+                    "ReadLong(101, 0x024E3EF0)", "ReadLong(101, 0x024C0CC4)",
+                    "ReadStr(101, 0x10100028)",                                // slot 0 is empty
+                    "ReadLong(101, 0x024C0CC4)", "ReadStr(101, 0x10118910)"};  // slot 1: + 100624
   ASSERT_EQ(host.calls.size(), expected.size() + 18);
-  EXPECT_EQ(std::vector<std::string>(host.calls.begin(), host.calls.begin() + 7), expected);
+  EXPECT_EQ(Texts(host.calls.begin(), host.calls.begin() + 7), expected);
   EXPECT_EQ(host.calls[7], "ReadLong(101, 0x10118948)");   // suicides: + 100584 + 80 + 16
   EXPECT_EQ(host.calls[24], "ReadLong(101, 0x101189A4)");  // score: + 100772
 }
@@ -159,9 +157,8 @@ TEST_F(StatsTest, AnAbsurdLimitEndsInAnOverflow) {
   SetUpServer("JO", {{}});
   host.longs[kLastSlot] = 2147483647;
   EXPECT_EQ(Text("MostKills"), "");
-  EXPECT_EQ(host.logged, (std::vector<std::string>{
-                             "GetStat: 6 Overflow [BestKillDeathRatio - 0]",  // no minus zero
-                             "GetStat2: 6 Overflow"}));
+  EXPECT_EQ(host.logged, (Texts{"GetStat: 6 Overflow [BestKillDeathRatio - 0]",  // no minus zero
+                                "GetStat2: 6 Overflow"}));
   EXPECT_EQ(host.boxes.size(), 2U);
 }
 
@@ -172,7 +169,7 @@ TEST_F(StatsTest, AServerThatDiesBetweenAnyTwoReadsAnnouncesNothing) {
     const std::string text = Text("MostKills");
     if (host.failAtCall != 0) break;
     EXPECT_EQ(text, "") << call;
-    EXPECT_EQ(TakeErrors(), std::vector<std::string>{"GetStat2: 57"});
+    EXPECT_EQ(TakeErrors(), Texts{"GetStat2: 57"});
   }
   EXPECT_EQ(host.boxes.size(), 25U);  // three numbers, two slots, eighteen counters
 }
@@ -185,31 +182,26 @@ TEST_F(StatsTest, WordsTheBestOfThePlayersTheFirstOfEqualOnes) {
     int gameType = 0;
   };
   const Players killer = {{.Kills = 4, .FlagsCaptured = 4}};
+  const char* const best = "BestKillDeathRatio";
+  const char* const headshots = "BestHeadshotKillRatio";
+  const char* const worst = "WorstKillDeathRatio";
   for (const Row& row : std::initializer_list<Row>{
            {"LowScorer", {{.Score = 10}, {.Score = -5}, {.Score = -5}}, "P1: -5 Exp Pts"},
            {"LeastDeaths", {{}}, "P0: 0 Deaths"},
            {"LeastDeaths", {{.Deaths = 4}, {.Deaths = 2}, {.Deaths = 2}}, "P1: 2 Deaths"},
            {"MostKills", {{.Kills = 3}, {.Kills = 9}, {.Kills = 9}}, "P1: 9 Kills"},
            {"MostSuicides", {{}}, ""},
-           {"BestKillDeathRatio", {{.Kills = 1, .Deaths = 201}}, ""},  // rounds to 0
+           {best, {{.Kills = 1, .Deaths = 201}}, ""},  // rounds to 0
            // 1 of 8 is 12.5 hundredths and 3 of 8 is 37.5: halves go to the even digit.
-           {"BestKillDeathRatio", {{.Kills = 1, .Deaths = 8}}, "P0: 0.12 Ratio"},
-           {"BestKillDeathRatio", {{.Kills = 3, .Deaths = 8}}, "P0: 0.38 Ratio"},
-           {"BestKillDeathRatio",
-            {{.Kills = 100, .Deaths = 300},
-             {.Kills = 333, .Deaths = 1000},
-             {.Kills = 1, .Deaths = 4}},
-            "P0: 0.33 Ratio"},
-           {"BestKillDeathRatio",
-            {{.Kills = 2, .Deaths = -1}, {.Kills = 1, .Deaths = 5}},
-            "P1: 0.20 Ratio"},
-           {"WorstKillDeathRatio", {{}}, ""},
-           {"WorstKillDeathRatio",
-            {{}, {.Kills = 1, .Deaths = 2}, {.Kills = 3}, {.Kills = 2, .Deaths = 4}},
+           {best, {{.Kills = 1, .Deaths = 8}}, "P0: 0.12 Ratio"},
+           {best, {{.Kills = 3, .Deaths = 8}}, "P0: 0.38 Ratio"},
+           {best, {{.Kills = 1, .Deaths = 3}, {.Kills = 333, .Deaths = 1000}}, "P0: 0.33 Ratio"},
+           {best, {{.Kills = 2, .Deaths = -1}, {.Kills = 1, .Deaths = 5}}, "P1: 0.20 Ratio"},
+           {worst, {{}}, ""},
+           {worst,
+            {{.Kills = 3}, {.Kills = 1, .Deaths = 2}, {.Kills = 2, .Deaths = 4}},
             "P1: 0.50 Ratio"},
-           {"BestHeadshotKillRatio",
-            {{.Headshots = 1}, {.Kills = 3, .Headshots = 1}},
-            "P0: 100.00 %"},
+           {headshots, {{.Headshots = 1}, {.Kills = 3, .Headshots = 1}}, "P0: 100.00 %"},
            {"BestGametypeStat1", {{.ZoneTime = 3725}}, "P0: 01:02:05", 4},
            {"BestGametypeStat1", {{.ZoneTime = 360000}}, "P0: 100:00:00", 4},
            {"BestGametypeStat2", killer, "", 9},

@@ -9,7 +9,7 @@ namespace {
 
 using forms::MouseEvent;
 
-class HeadlessVisits : public testing::PluginTest, public testing::VisitedPlugin {
+class HeadlessVisits : public PluginTest, public VisitedPlugin {
  protected:
   HeadlessVisits() : VisitedPlugin(host) {
     toolkit.onMessageBox = [this](const std::string& text, const std::string& title) {
@@ -57,10 +57,10 @@ class HeadlessVisits : public testing::PluginTest, public testing::VisitedPlugin
   void FreeParent() override {
     if (const auto window = IfLoaded()) window->ViewDestroyed();
   }
-  std::vector<std::string> Shown() override {
+  Texts Shown() override {
     const auto window = IfLoaded();
     if (!window) return {};
-    std::vector<std::string> shown = Rows();
+    Texts shown = Rows();
     shown.push_back(std::to_string(window->chkAuto().Value()));
     shown.push_back(window->txtInterval().Text());
     return shown;
@@ -87,11 +87,11 @@ class HeadlessVisits : public testing::PluginTest, public testing::VisitedPlugin
 };
 
 TEST_F(HeadlessVisits, AtEveryPlaceOfEveryOperationDoNoHarm) {
-  std::printf("%d visits, each at its place\n", testing::VisitEveryPlace(*this));
+  std::printf("%d visits, each at its place\n", VisitEveryPlace(*this));
 }
 
 TEST_F(HeadlessVisits, InsideEachOtherDoNoHarm) {
-  std::printf("%d visits at random places\n", testing::VisitAtRandom(*this, 1500, 1));
+  std::printf("%d visits at random places\n", VisitAtRandom(*this, 1500, 1));
 }
 
 }  // namespace

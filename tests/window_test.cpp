@@ -5,10 +5,6 @@
 namespace rotacasts {
 namespace {
 
-using testing::ErrorOf;
-using testing::MessageFileBytes;
-using testing::PluginTest;
-
 class WindowTest : public PluginTest {
  protected:
   std::string Stored(const char* key) { return State().store.Open(2).ReadOption(key); }
@@ -43,7 +39,7 @@ TEST_F(WindowTest, AnOptionThatIsNoNumberIsReportedAndStays) {
   Load(2);
   host.MessageFile(2) = MessageFileBytes({"a", "b"}, "0", "abc");
   Load(2);
-  EXPECT_EQ(host.logged, std::vector<std::string>{"Form_Reload: 13 Type mismatch"});
+  EXPECT_EQ(host.logged, Texts{"Form_Reload: 13 Type mismatch"});
   EXPECT_EQ(Rows().size(), 2U);
   EXPECT_EQ(Window().chkAuto().Value(), 0);
   EXPECT_EQ(Window().txtInterval().Text(), "5");
@@ -131,8 +127,8 @@ TEST_F(WindowTest, ErrorsAreReportedUnderTheRightNameAndStartNothing) {
   EXPECT_FALSE(timers.NextDue());
   data.clear();
   Plugin().LoadInterface(5, 77, data);  // bad data is reported but does not end the load
-  EXPECT_EQ(TakeErrors(), (std::vector<std::string>{"LoadInterface: 9", "LoadInterface: 6",
-                                                    "SetProfileData: 9", "LoadInterface: 9"}));
+  EXPECT_EQ(TakeErrors(), (Texts{"LoadInterface: 9", "LoadInterface: 6", "SetProfileData: 9",
+                                 "LoadInterface: 9"}));
 }
 
 TEST_F(WindowTest, ALoadWhileAMessageBoxIsOpenEndsSilentlyWithoutStarting) {

@@ -5,19 +5,14 @@
 
 #include "base/text.h"
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 namespace {
 
 using host::IniText;
 
-std::string Text(const std::string& text) {
-  return text;
-}
-std::string Text(bool flag) {
-  return flag ? "True" : "False";
-}
-std::string Text(std::integral auto number) {
-  return std::to_string(number);
+template <class Argument>
+const Argument& Text(const Argument& argument) {
+  return argument;
 }
 std::string Text(const UtilityComponent::Key& key) {
   if (const auto* number = std::get_if<std::int32_t>(&key)) return "#" + std::to_string(*number);
@@ -36,10 +31,10 @@ class Call {
  public:
   template <class... Arguments>
   Call(FakeHost& host, const char* name, const Arguments&... arguments) : host_(host) {
-    std::string& call = host_.calls.emplace_back(name);
+    std::ostringstream call;
     [[maybe_unused]] const char* separator = "(";
-    ((call += separator + Text(arguments), separator = ", "), ...);
-    if (sizeof...(arguments) > 0) call += ")";
+    ((call << std::boolalpha << separator << Text(arguments), separator = ", "), ...);
+    host_.calls.push_back(name + call.str() + (sizeof...(arguments) > 0 ? ")" : ""));
     if (host_.insideCall) host_.insideCall();
     if (host_.failAtCall == 0 || --host_.failAtCall > 0) return;
     host_.fired = true;
@@ -122,9 +117,9 @@ class FakeUtility final : public UtilityComponent {
     }
     host_.files[file] = ini.Bytes();
   }
-  std::vector<std::string> GetIniSection(const std::string& section, std::string& file) override {
+  Texts GetIniSection(const std::string& section, std::string& file) override {
     const Call call(host_, "GetIniSection", section, file);
-    std::vector<std::string> lines;
+    Texts lines;
     const IniText ini = Ini(file);
     for (const auto& line : ini.Lines(section)) {
       lines.push_back(std::string(line.key) + "=" + FromWindows1252(line.value));
@@ -141,11 +136,11 @@ class FakeUtility final : public UtilityComponent {
     if (!asPair) return line.substr(equals + 1);
     return HostValue::Array{line.substr(0, equals), line.substr(equals + 1)};
   }
-  std::vector<std::string> ReadFile(std::string& file) override {
+  Texts ReadFile(std::string& file) override {
     const Call call(host_, "ReadFile", file);
     if (!host_.files.contains(file)) throw RuntimeError(ErrorNumber::FileNotFound, file);
     std::istringstream bytes(ReplaceAll(host_.files[file], "\r\n", "\n"));
-    std::vector<std::string> lines;
+    Texts lines;
     for (std::string line; std::getline(bytes, line);) lines.push_back(line);
     return lines;
   }
@@ -260,7 +255,8 @@ clsPlugin& PluginHarness::Plugin() {
   return *plugin_;
 }
 
-HostValue ProfileData(std::int32_t index, const std::string& gameCode) {
+HostValue Data(std::int32_t index, const std::string& gameCode,
+               const std::map<std::size_t, HostValue>& instead) {
   HostValue::Array data(pdat::kSize);
   data[pdat::kGameCode] = gameCode;
   data[pdat::kProcessHandle] = 100 + index % 1000;
@@ -270,17 +266,18 @@ HostValue ProfileData(std::int32_t index, const std::string& gameCode) {
   data[pdat::kSharedLog] = true;
   data[pdat::kAreaHeight] = 6000;
   data[pdat::kAreaWidth] = 9000;
+  for (const auto& [element, value] : instead) data[element] = value;
   return data;
 }
 
-std::vector<std::string> PluginHarness::Rows() {
-  std::vector<std::string> rows;
+Texts PluginHarness::Rows() {
+  Texts rows;
   for (const auto& item : Window().lstMessages().Items()) rows.push_back(item.text);
   return rows;
 }
 
-std::vector<std::string> PluginHarness::TakeErrors() {
-  std::vector<std::string> errors = std::exchange(host.logged, {});
+Texts PluginHarness::TakeErrors() {
+  Texts errors = std::exchange(host.logged, {});
   for (std::string& error : errors) error.erase(error.find(' ', error.find(": ") + 2));
   return errors;
 }
@@ -303,8 +300,8 @@ void PluginHarness::AddInWindow(const std::string& text) {
   Click("cmdAdd", forms::MouseEvent::kLeft);
 }
 
-std::vector<std::string> PluginHarness::Stored(int index) {
-  std::vector<std::string> texts;
+Texts PluginHarness::Stored(int index) {
+  Texts texts;
   const IniText ini(host.MessageFile(index));
   for (const auto& line : ini.Lines("Messages")) texts.push_back(FromWindows1252(line.value));
   return texts;
@@ -318,7 +315,7 @@ std::string LinesOf(const IniText& ini, std::string_view section) {
   return text;
 }
 
-std::string MessageFileBytes(const std::vector<std::string>& messages, const std::string& enable,
+std::string MessageFileBytes(const Texts& messages, const std::string& enable,
                              const std::string& interval) {
   std::string bytes = "[Messages]\r\n";
   for (std::size_t i = 0; i < messages.size(); ++i) {
@@ -327,4 +324,4 @@ std::string MessageFileBytes(const std::vector<std::string>& messages, const std
   return bytes + "[Options]\r\nEnable=" + enable + "\r\nInterval=" + interval + "\r\n";
 }
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

@@ -12,12 +12,14 @@
 #include "plugin/cls_plugin.h"
 #include "siblings/ini_text.h"
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
+
+using Texts = std::vector<std::string>;
 
 /// The fakes' contents, and what they were asked.
 struct FakeHost {
   /// Every component call in order, with its arguments: "ReadLong(7, 0x00C87598)".
-  std::vector<std::string> calls;
+  Texts calls;
   /// The number (from 1) of the call that raises error 57, once; 0 for none.
   int failAtCall = 0;
   bool fired = false;
@@ -40,10 +42,10 @@ struct FakeHost {
   bool delivers = true;     // the result of SendErrorReport
   bool writesBack = false;  // the memory component changes by-reference arguments
 
-  std::vector<std::string> sent;    // chat texts
-  std::vector<std::string> logged;  // "procedure line: number description"
+  Texts sent;    // chat texts
+  Texts logged;  // "procedure line: number description"
   std::vector<HostValue> reports;
-  std::vector<std::string> boxes;  // "title|text"
+  Texts boxes;  // "title|text"
 
   std::string& MessageFile(int index);
 };
@@ -52,8 +54,10 @@ struct FakeHost {
 std::unique_ptr<MemoryComponent> MakeFakeMemory(FakeHost& host);
 std::unique_ptr<UtilityComponent> MakeFakeUtility(FakeHost& host);
 
-/// A profile data array: folder "srvN", process handle 100 + N, message target 4000 + N.
-HostValue ProfileData(std::int32_t index, const std::string& gameCode);
+/// A profile data array: folder "srvN", process handle 100 + N, message target 4000 + N, but with
+/// these elements in place of its own.
+HostValue Data(std::int32_t index, const std::string& gameCode,
+               const std::map<std::size_t, HostValue>& instead = {});
 
 /// A plugin on the fakes, with headless forms.
 class PluginHarness {
@@ -64,9 +68,6 @@ class PluginHarness {
   PluginState& State();
   clsPlugin& Plugin();
 
-  static HostValue Data(std::int32_t index, const std::string& gameCode) {
-    return ProfileData(index, gameCode);
-  }
   void SetProfileData(std::int32_t index, const HostValue& data) {
     State().profiles.SetProfileData(index, rotacasts::ProfileData(data));
   }
@@ -80,7 +81,7 @@ class PluginHarness {
   void Tick(std::int16_t index) { State().window.Get()->Timers().Tick(index); }
   frmRT& Window() { return *State().window.Get(); }
   /// The rows of the list.
-  std::vector<std::string> Rows();
+  Texts Rows();
   /// Presses (Click: and releases) a mouse button on a control of the window. x and y in twips.
   void Press(const char* control, std::int16_t button, float x = 0, float y = 0);
   void Click(const char* control, std::int16_t button, float x = 0, float y = 0);
@@ -89,11 +90,11 @@ class PluginHarness {
   /// Types over the text of a text box, up to its limit.
   static void TypeOver(forms::TextBox& box, const std::string& text);
   /// The texts of the section "Messages" in the profile's file.
-  std::vector<std::string> Stored(int index);
+  Texts Stored(int index);
   /// Removes and returns the logged errors: "procedure: number".
-  std::vector<std::string> TakeErrors();
+  Texts TakeErrors();
   /// Removes and returns the boxes shown so far.
-  std::vector<std::string> TakeBoxes() { return std::exchange(host.boxes, {}); }
+  Texts TakeBoxes() { return std::exchange(host.boxes, {}); }
 
   FakeHost host;
   headless::TimerLoop timers;
@@ -112,21 +113,25 @@ class PluginTest : public ::testing::Test, public PluginHarness {};
 std::string LinesOf(const host::IniText& ini, std::string_view section);
 
 /// The bytes of a message file with these messages and options; an empty option is left out.
-std::string MessageFileBytes(const std::vector<std::string>& messages,
-                             const std::string& enable = "1", const std::string& interval = "1");
+std::string MessageFileBytes(const Texts& messages, const std::string& enable = "1",
+                             const std::string& interval = "1");
 inline std::string PathOf(int index) {
   return "C:\\Host\\profiles\\srv" + std::to_string(index) + "\\settings\\Rotacasts.ini";
 }
 
-/// The number of the run-time error that the statement raises; 0 if none.
+/// The run-time error that the statement raises; of number 0 if none.
 template <class Statement>
-int ErrorOf(Statement&& statement) {
+RuntimeError ThrownBy(Statement&& statement) {
   try {
     statement();
-    return 0;
+    return RuntimeError(0, "");
   } catch (const RuntimeError& error) {
-    return error.number;
+    return error;
   }
 }
+template <class Statement>
+int ErrorOf(Statement&& statement) {
+  return ThrownBy(statement).number;
+}
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

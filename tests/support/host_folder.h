@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string>
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 
 class HostFolder {
  public:
@@ -57,4 +57,4 @@ class HostFolder {
   const bool stays_ = false;
 };
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

@@ -4,7 +4,10 @@ import os
 import select
 import signal
 import subprocess
+import tempfile
 import time
+import unittest
+from pathlib import Path
 
 PROGRAMS = os.environ["ROTACASTS_PROGRAMS"]
 HOST, SIMULATOR = PROGRAMS + "/rotacasts-host", PROGRAMS + "/game-server-sim"
@@ -65,6 +68,18 @@ class Server(Program):
     def __init__(self, code="JO", program=SIMULATOR, *options):
         super().__init__(program, "--game-code", code, "--seed", 3, *options)
         self.port = self.prints("chat on").rsplit(":", 1)[1]
+
+
+class ProgramTest(unittest.TestCase):
+    """A test of programs, which end with it, in a folder of its own."""
+
+    def setUp(self):
+        self.folder = Path(self.enterContext(tempfile.TemporaryDirectory(prefix="rotacasts-")))
+
+    def start(self, kind, *words):
+        program = kind(*words)
+        self.addCleanup(program.stop)
+        return program
 
 
 def message_file(messages, interval=1):

@@ -5,10 +5,8 @@
 
 #include "store/message_file.h"
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 /// What of another operation comes to the same with a visit as without.
 enum class Leaves { Nothing, WhatIsSent, Everything };
@@ -110,7 +108,7 @@ class Explorer {
     if (std::exchange(data_[2], folder) != folder) ++turns_[2];
     const bool isOther = std::exchange(files_[2], PathOf(folder)) != PathOf(folder);
     agrees_ = agrees_ && !(isOther && shown_ == 2);
-    Do(Kind::Other, 2, [&] { plugin_.Call("GetMessagesRem", {2, ProfileData(folder, "JO")}); });
+    Do(Kind::Other, 2, [&] { plugin_.Call("GetMessagesRem", {2, Data(folder, "JO")}); });
   }
   void Add() {
     const std::string text = NewText();
@@ -200,7 +198,7 @@ class Explorer {
   }
 
   std::string Remote(const char* member, const HostValue& data) {
-    return plugin_.Call(member, {2, ProfileData(2, "JO"), data});
+    return plugin_.Call(member, {2, Data(2, "JO"), data});
   }
   /// A remote change of the list, which only a stop, another change and a failure can refuse.
   std::string Change(const char* member, const HostValue& data) {
@@ -516,4 +514,4 @@ int VisitAtRandom(VisitedPlugin& plugin, int lives, unsigned seed) {
   return visits;
 }
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

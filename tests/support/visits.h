@@ -8,7 +8,7 @@
 
 #include "support/fake_host.h"
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 
 /// The plugin under visit, in this process or in its DLL.
 class VisitedPlugin {
@@ -29,7 +29,7 @@ class VisitedPlugin {
   /// The host frees the window that the plugin's lies in.
   virtual void FreeParent() = 0;
   /// The list's rows, the switch and the interval; empty while there is no window.
-  virtual std::vector<std::string> Shown() = 0;
+  virtual Texts Shown() = 0;
   /// Position, tick count and timer of profile 2; empty where that is not seen.
   virtual std::string Counters() { return {}; }
   /// Whether an unloaded plugin has left nothing behind.
@@ -49,4 +49,4 @@ int VisitEveryPlace(VisitedPlugin& plugin, int step = 1);
 /// visits there were.
 int VisitAtRandom(VisitedPlugin& plugin, int lives, unsigned seed);
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

@@ -16,7 +16,7 @@ FLAGS = ("--headless --no-sandbox --disable-gpu --disable-quic --no-first-run --
 
 
 class Browser:
-    def __init__(self, url, width=1280, height=900, dark=False):
+    def __init__(self, url, width=1280):
         self.profile = tempfile.mkdtemp(prefix="rotacasts-browser-")
         options = webdriver.ChromeOptions()
         options.binary_location = "/usr/bin/chromium"
@@ -25,10 +25,7 @@ class Browser:
         options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
         self.driver = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
         self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
-            "width": width, "height": height, "deviceScaleFactor": 1, "mobile": width < 600})
-        self.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": [
-            {"name": "prefers-color-scheme", "value": "dark" if dark else "light"}]})
-        self.url = url
+            "width": width, "height": 900, "deviceScaleFactor": 1, "mobile": width < 600})
         self.driver.get(url)
 
     def close(self):

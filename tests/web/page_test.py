@@ -16,11 +16,11 @@ LIST = ["Hello", "{ShowNextMap}", "Grüße"]
 
 
 class Page(unittest.TestCase):
-    def open(self, name="Anna", width=1280, path="", **host):
+    def open(self, name="Anna", width=1280, **host):
         if not hasattr(self, "host"):
             self.host = Host("--minute", "300ms", **host)
             self.addCleanup(self.host.stop)
-        page = Browser(self.host.url + path, width)
+        page = Browser(self.host.url, width)
         self.addCleanup(page.close)
         page.sign_in(name, PASSWORD)
         page.sees("#desk")
@@ -54,7 +54,6 @@ class Page(unittest.TestCase):
         page.sees("#toast", "Deleted: Hello")
         page.find("#undo").click()
         page.lists("Hello", "{ShowNextMap}", markup, "Grüße")
-        self.assertEqual(self.host.messages(), ["Hello", "{ShowNextMap}", markup, "Grüße"])
         page.sees("#log", "Move Rotacasts Up (Message: Hello) from Anna")
         page.type("#interval", "45\t")
         page.sees("#toast.bad", "from 0 to 30")

@@ -32,7 +32,7 @@ TEST(GameProcesses, ANumberTooLargeForAProcessIsNotCutToAnothersNumber) {
   const std::int32_t beyond =
       processes.Register({std::to_string(own + (ProcessId{1} << 32)), 0, "beyond"});
   EXPECT_EQ(processes.ReadLong(self, address), value);
-  EXPECT_EQ(testing::ErrorOf([&] { processes.ReadLong(beyond, address); }), 57);
+  EXPECT_EQ(ErrorOf([&] { processes.ReadLong(beyond, address); }), 57);
   EXPECT_EQ(processes.ReadLong(beyond, address, WhenAway::ReadsAsZero), 0);
   ::VirtualFree(place, 0, MEM_RELEASE);
 }
@@ -67,10 +67,10 @@ DWORD StatusAfterItsConsoleIsClosed(HANDLE process) {
 }
 
 TEST(RunHost, EndsInOrderWhenItsConsoleIsClosed) {
-  testing::Installed();
+  Installed();
   const char* const profile = "C:\\Host\\profiles\\srv1\\profile.ini";
   std::ofstream(profile) << "[Profile]\nIndex=1\nGameCode=JO\nProcess=none.exe\nTarget=4001\n";
-  const auto program = testing::OwnFolder() / "..\\..\\bin\\rotacasts-host.exe";
+  const auto program = OwnFolder() / "..\\..\\bin\\rotacasts-host.exe";
   std::wstring command = L"\"" + program.wstring() + L"\" run --host-folder C:\\Host";
   STARTUPINFOW start{};
   start.cb = sizeof start;
@@ -102,7 +102,7 @@ TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {
   DWORD count = 0;
   ::WriteFile(writer, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
   ::CloseHandle(writer);
-  std::vector<std::string> lines;
+  Texts lines;
   for (int tries = 0; lines.size() < 2 && tries < 500; ++tries) {
     for (MSG message; ::PeekMessageW(&message, window, WM_APP, WM_APP, PM_REMOVE) != FALSE;) {
       const std::unique_ptr<std::string> line(reinterpret_cast<std::string*>(message.lParam));
@@ -110,14 +110,14 @@ TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {
     }
     ::Sleep(10);
   }
-  EXPECT_EQ(lines, (std::vector<std::string>{"status", "add 1 Grüße"}));
+  EXPECT_EQ(lines, (Texts{"status", "add 1 Grüße"}));
   ::DestroyWindow(window);
   ::SetStdHandle(STD_INPUT_HANDLE, before);
   ::CloseHandle(input);
 }
 
 /// The host as `run` puts it together, with the DLL, its window and real files. The game is a fake.
-class HostedPluginTest : public testing::ComponentTest, public PluginSite {
+class HostedPluginTest : public ComponentTest, public PluginSite {
  protected:
   HostedPluginTest() {
     profiles.MakeWhatIsMissing();
@@ -129,7 +129,7 @@ class HostedPluginTest : public testing::ComponentTest, public PluginSite {
     plugin.reset();
     installed.CallEntry("DllCanUnloadNow");
     siblings.reset();
-    folder.AddProfile(4, "JO", "1", "4004", testing::MessageFileBytes({"a", "b"}, "0", "3"));
+    folder.AddProfile(4, "JO", "1", "4004", MessageFileBytes({"a", "b"}, "0", "3"));
     return folder.Path();
   }
   PluginArea Area() const override {
@@ -140,7 +140,7 @@ class HostedPluginTest : public testing::ComponentTest, public PluginSite {
   }
 
   static constexpr const char* kFile = "profiles/srv4/settings/Rotacasts.ini";
-  const testing::HostFolder folder{"C:\\Host"};
+  const HostFolder folder{"C:\\Host"};
   std::ostringstream out;
   HostProfiles profiles{Prepare(), out};
   const std::unique_ptr<UtilityComponent> real = profiles.Components().CreateUtility();
@@ -158,20 +158,20 @@ TEST_F(HostedPluginTest, WhatCannotBeStoredChangesNeitherFileNorWindowAndTheReas
   Console console(server, out);
   for (const auto& [line, says] : {std::pair("enable 4 1", "not switched: " + why),
                                    {"interval 4 0", "not changed: " + why},
-                                   {"down 4 0", "not moved: " + why},
-                                   {"delete 4 0", "not deleted: " + why},
+                                   {"down 4 1", "not moved: " + why},
+                                   {"delete 4 1", "not deleted: " + why},
                                    {"remote 4 AddMessageRem <x>", why + "\"0\"\n"}}) {
     out.str("");
     console.Execute(line);
     EXPECT_EQ(out.str(), says);
     EXPECT_EQ(::SendMessageW(Control("chkAuto"), BM_GETCHECK, 0, 0), BST_UNCHECKED) << line;
     EXPECT_EQ(TextOf("txtInterval"), "3") << line;
-    EXPECT_EQ(Rows(), (std::vector<std::string>{"a", "b"})) << line;
+    EXPECT_EQ(Rows(), (Texts{"a", "b"})) << line;
   }
   EXPECT_NE(folder.ReadAll("profiles/srv4/adminlogs").find("Add Rotacast (Message: x)"),
             before.npos);
   ::SendMessageW(Form(), WM_TIMER, 4, 0);
-  EXPECT_EQ(host.sent, std::vector<std::string>{});
+  EXPECT_EQ(host.sent, Texts{});
   EXPECT_EQ(folder.Read(kFile), before);
   std::filesystem::permissions(folder.File(kFile), std::filesystem::perms::owner_all);
 }
@@ -179,18 +179,18 @@ TEST_F(HostedPluginTest, WhatCannotBeStoredChangesNeitherFileNorWindowAndTheReas
 TEST_F(HostedPluginTest, AFirstMessageInAMissingFileIsListed) {
   std::filesystem::remove(folder.File(kFile));
   EXPECT_EQ(Remote("AddMessageRem", "<x>").text, "1");
-  EXPECT_EQ(Rows(), std::vector<std::string>{"x"});
+  EXPECT_EQ(Rows(), Texts{"x"});
 }
 
 TEST_F(HostedPluginTest, WhileAnErrorIsShownEveryCallReadsAndWritesTheFile) {
   user.insideBox = [&] {
-    folder.Write(kFile, testing::MessageFileBytes({"hand"}, "0", "3"));
+    folder.Write(kFile, MessageFileBytes({"hand"}, "0", "3"));
     EXPECT_EQ(Remote("GetMessagesRem", "").text, "<hand>|0|3");
     EXPECT_EQ(Remote("AddMessageRem", "<x>").text, "1");
-    EXPECT_EQ(folder.Read(kFile), testing::MessageFileBytes({"hand", "x"}, "0", "3"));
+    EXPECT_EQ(folder.Read(kFile), MessageFileBytes({"hand", "x"}, "0", "3"));
   };
   Remote("EnableRTRem", "3");  // written, then refused by the check box
-  EXPECT_EQ(folder.Read(kFile), testing::MessageFileBytes({"hand", "x"}, "0", "3"));
+  EXPECT_EQ(folder.Read(kFile), MessageFileBytes({"hand", "x"}, "0", "3"));
 }
 
 }  // namespace

@@ -15,15 +15,6 @@
 namespace rotacasts {
 namespace {
 
-using testing::ClickMouse;
-using testing::ComponentTest;
-using testing::MessageFileBytes;
-using testing::PressKey;
-using testing::PumpUntil;
-using testing::TypeKeys;
-
-using Texts = std::vector<std::string>;
-
 constexpr int kGameState = 0x00C87598;  // of a "JO" server
 const char* const kAdded = "Success|Message added successfully!";
 

@@ -35,11 +35,11 @@ std::string OutputOf(const std::wstring& command) {
 }
 
 TEST(ScriptClientTest, AScriptCanCallEveryMember) {
-  testing::Installed();
+  Installed();
   const HMODULE siblings = ::LoadLibraryW(L"siblings.dll");
-  EXPECT_EQ(testing::CallEntryOf(siblings, "DllRegisterServer"), S_OK);
+  EXPECT_EQ(CallEntryOf(siblings, "DllRegisterServer"), S_OK);
   fs::remove("C:\\Host\\profiles\\srv1\\settings\\Rotacasts.ini");
-  const fs::path script = testing::OwnFolder() / "every_member.vbs";
+  const fs::path script = OwnFolder() / "every_member.vbs";
   EXPECT_EQ(OutputOf(L"cscript.exe //nologo \"" + script.wstring() + L"\""),
             "every member answered\n");
   std::string log;
@@ -47,7 +47,7 @@ TEST(ScriptClientTest, AScriptCanCallEveryMember) {
     log += ContentsOf(entry.path());
   }
   EXPECT_NE(log.find("Script"), log.npos) << log;
-  EXPECT_EQ(testing::CallEntryOf(siblings, "DllUnregisterServer"), S_OK);
+  EXPECT_EQ(CallEntryOf(siblings, "DllUnregisterServer"), S_OK);
   ::FreeLibrary(siblings);
 }
 

@@ -1,6 +1,7 @@
-// Every visit at every call, in the DLL: the components, boxes and menus visit, each change is made
-// at the real control. Not seen here: the file system, which is the system's own object, and the
-// pictures, which no component loads; counters and timers, which the component shows to nobody.
+// Visits in the DLL: the components, boxes and menus visit, each change is made at the real
+// control. The test in one process makes every visit; here a prime step spreads those there is time
+// for over visits and places. Not seen here: the file system, which is the system's own object, and
+// the pictures, which no component loads; counters and timers, which the component shows to nobody.
 
 #include "support/visits.h"
 
@@ -12,9 +13,7 @@
 namespace rotacasts {
 namespace {
 
-using testing::ComponentTest;
-
-class DllVisitsTest : public ComponentTest, public testing::VisitedPlugin {
+class DllVisitsTest : public ComponentTest, public VisitedPlugin {
  protected:
   DllVisitsTest() : VisitedPlugin(ComponentTest::host) { VisitBoxesAndMenus(); }
 
@@ -47,9 +46,9 @@ class DllVisitsTest : public ComponentTest, public testing::VisitedPlugin {
     }
   }
   void FreeParent() override { frame.reset(), frame.emplace(); }
-  std::vector<std::string> Shown() override {
+  Texts Shown() override {
     if (Form() == nullptr) return {};
-    std::vector<std::string> shown = Rows();
+    Texts shown = Rows();
     shown.push_back(std::to_string(::SendMessageW(Control("chkAuto"), BM_GETCHECK, 0, 0)));
     shown.push_back(TextOf("txtInterval"));
     return shown;
@@ -57,7 +56,7 @@ class DllVisitsTest : public ComponentTest, public testing::VisitedPlugin {
   bool IsGone() override {
     plugin.reset();
     const bool isGone = Form() == nullptr && installed.CallEntry("DllCanUnloadNow") == S_OK;
-    plugin.emplace(testing::InstalledPlugin::Create());
+    plugin.emplace(InstalledPlugin::Create());
     return isGone;
   }
 
@@ -72,12 +71,12 @@ class DllVisitsTest : public ComponentTest, public testing::VisitedPlugin {
   }
 };
 
-TEST_F(DllVisitsTest, AtEveryPlaceDoNoHarm) {
-  std::printf("%d visits, each at its place\n", testing::VisitEveryPlace(*this, 3));
+TEST_F(DllVisitsTest, AtPlacesOfEveryOperationDoNoHarm) {
+  std::printf("%d visits, each at its place\n", VisitEveryPlace(*this, 23));
 }
 
 TEST_F(DllVisitsTest, InsideEachOtherDoNoHarm) {
-  std::printf("%d visits at random places\n", testing::VisitAtRandom(*this, 25, 2));
+  std::printf("%d visits at random places\n", VisitAtRandom(*this, 25, 2));
 }
 
 }  // namespace

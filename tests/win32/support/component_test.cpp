@@ -8,7 +8,7 @@
 
 #include <psapi.h>  // needs the types of windows.h
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 namespace {
 
 using win32::ComVariant;
@@ -46,13 +46,13 @@ HostValue ComponentTest::Call(const char* member, std::vector<HostValue> argumen
 
 void ComponentTest::Load(std::int32_t index, const std::string& gameCode) const {
   const auto parent = static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(frame->Get()));
-  HostValue::Array data = *ProfileData(index, gameCode).AsArray();
-  data[pdat::kAreaWidth] = layout::kClientWidth;
-  data[pdat::kAreaHeight] = layout::kClientHeight + layout::kHeadingHeight * 15;
+  constexpr std::int32_t kHeight = layout::kClientHeight + layout::kHeadingHeight * 15;
+  const HostValue data = Data(
+      index, gameCode, {{pdat::kAreaWidth, layout::kClientWidth}, {pdat::kAreaHeight, kHeight}});
   Call("LoadInterface", {index, parent, data, ""});
 }
 
-void ComponentTest::Show(const std::vector<std::string>& messages) {
+void ComponentTest::Show(const Texts& messages) {
   host.MessageFile(2) = MessageFileBytes(messages);
   Load(2);
   ::UpdateWindow(Form());
@@ -79,9 +79,9 @@ std::string ComponentTest::TextOf(std::string_view control) const {
   return win32::TextOf(Control(control));
 }
 
-std::vector<std::string> ComponentTest::Rows() const {
+Texts ComponentTest::Rows() const {
   const HWND list = Control("lstMessages");
-  std::vector<std::string> rows(static_cast<std::size_t>(::SendMessageW(list, LB_GETCOUNT, 0, 0)));
+  Texts rows(static_cast<std::size_t>(::SendMessageW(list, LB_GETCOUNT, 0, 0)));
   for (std::size_t i = 0; i < rows.size(); ++i) {
     wchar_t text[200];
     const LRESULT size = ::SendMessageW(list, LB_GETTEXT, i, reinterpret_cast<LPARAM>(text));
@@ -98,4 +98,4 @@ void ComponentTest::RightClickRow(int row) const {
   PumpWaiting();
 }
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

@@ -8,7 +8,7 @@
 #include "support/installed_plugin.h"
 #include "support/user.h"
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 
 /// The host's window, which the settings window is put into.
 class Frame {
@@ -45,7 +45,7 @@ class ComponentTest : public ::testing::Test {
   void Load(std::int32_t index, const std::string& gameCode = "JO") const;
 
   /// Shows profile 2 with these messages.
-  void Show(const std::vector<std::string>& messages);
+  void Show(const Texts& messages);
 
   /// The settings window; null if it is not in the frame.
   HWND Form() const;
@@ -53,7 +53,7 @@ class ComponentTest : public ::testing::Test {
   HWND Control(std::string_view name) const;
   HWND AddButton() const;
   std::string TextOf(std::string_view control) const;
-  std::vector<std::string> Rows() const;
+  Texts Rows() const;
   /// Right-clicks a row of the list.
   void RightClickRow(int row) const;
 
@@ -67,4 +67,4 @@ class ComponentTest : public ::testing::Test {
   std::optional<win32::LateBound> plugin{InstalledPlugin::Create()};
 };
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

@@ -4,7 +4,7 @@
 
 #include "com/com_support.h"
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 namespace fs = std::filesystem;
 
 fs::path OwnFolder() {
@@ -43,4 +43,4 @@ InstalledPlugin::~InstalledPlugin() {
   fs::remove_all(hostFolder_, ignored);
 }
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

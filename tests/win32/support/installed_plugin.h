@@ -6,7 +6,7 @@
 
 #include "com/late_bound.h"
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 
 template <class... Arguments>
 HRESULT CallEntryOf(HMODULE module, const char* name, Arguments... arguments) {
@@ -47,4 +47,4 @@ class InstalledPlugin {
 /// The installation that all tests of the program share.
 InstalledPlugin& Installed();
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

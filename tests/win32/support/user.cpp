@@ -4,7 +4,7 @@
 
 #include "forms/win32/gdi.h"
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 namespace {
 
 AnsweringUser* theUser = nullptr;  // a hook gets no object
@@ -34,22 +34,6 @@ bool PumpUntil(const std::function<bool()>& condition) {
     ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 100, QS_ALLINPUT);
   }
   return false;
-}
-
-bool RunInThread(const std::function<void()>& act) {
-  const auto run = [](void* given) -> DWORD {
-    ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    (*static_cast<const std::function<void()>*>(given))();
-    ::CoUninitialize();
-    return 0;
-  };
-  auto* const given = const_cast<std::function<void()>*>(&act);
-  const HANDLE thread = ::CreateThread(nullptr, 0, run, given, 0, nullptr);
-  const bool hasEnded =
-      PumpUntil([&] { return ::WaitForSingleObject(thread, 0) == WAIT_OBJECT_0; });
-  if (!hasEnded) ::TerminateThread(thread, 1);
-  ::CloseHandle(thread);
-  return hasEnded;
 }
 
 void ClickMouse(HWND window, bool right) {
@@ -141,4 +125,4 @@ void AnsweringUser::PressKeys(HWND owner) {
   for (const WPARAM key : std::exchange(keys_, {})) ::PostMessageW(owner, WM_KEYDOWN, key, 0);
 }
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing

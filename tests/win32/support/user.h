@@ -7,15 +7,12 @@
 
 #include "com/windows_api.h"
 
-namespace rotacasts::testing {
+namespace rotacasts::inline testing {
 
 /// Runs the message loop until the condition holds; false if it does not within ten seconds.
 bool PumpUntil(const std::function<bool()>& condition);
 /// Handles the messages that are in the queue now.
 void PumpWaiting();
-/// Runs `act` in a thread with COM while this one handles its messages; false, and the thread is
-/// broken off, if it does not end within ten seconds.
-bool RunInThread(const std::function<void()>& act);
 
 /// Presses and releases a mouse button over the middle of a window, with real input.
 void ClickMouse(HWND window, bool right = false);
@@ -62,4 +59,4 @@ class AnsweringUser {
   bool inSubmenu_ = false;
 };
 
-}  // namespace rotacasts::testing
+}  // namespace rotacasts::inline testing
