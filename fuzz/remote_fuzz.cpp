@@ -12,9 +12,9 @@
 #include "base/text.h"
 #include "forms/headless/headless_toolkit.h"
 #include "host/profile_settings.h"
+#include "memory_files.h"
 #include "plugin/cls_plugin.h"
 #include "siblings/host_platform.h"
-#include "memory_files.h"
 
 namespace rotacasts {
 namespace {

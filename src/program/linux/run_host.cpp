@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <iostream>
+#include <memory>
 #include <optional>
 
 #include "console/completion.h"
@@ -57,6 +58,18 @@ constexpr const char* kGoesOnAlone =
     "the console's input has ended; the host goes on without it (SIGTERM ends it, SIGHUP "
     "reloads)\n";
 
+/// What serves the consoles of other processes; null, with the reason in `out`, if that is
+/// impossible.
+std::unique_ptr<ConsoleServer> ServeOtherConsoles(EventLoop& loop, ServerHost& host,
+                                                  std::ostream& out) {
+  try {
+    return std::make_unique<ConsoleServer>(loop, host);
+  } catch (const RuntimeError& error) {
+    out << "\"rotacasts-host console\" cannot be used: " << error.description << "\n";
+    return nullptr;
+  }
+}
+
 }  // namespace
 
 void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
@@ -79,12 +92,7 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   loop.AtTurnBegin([&servers] { servers.BeginTurn(); });
   loop.AtTurnEnd([&servers] { servers.EndTurn(); });
   loop.onReload = [&console] { console.Reload(); };
-  std::optional<ConsoleServer> others;
-  try {
-    others.emplace(loop, host);
-  } catch (const RuntimeError& error) {
-    out << "\"rotacasts-host console\" cannot be used: " << error.description << "\n";
-  }
+  const auto others = ServeOtherConsoles(loop, host, out);
   console.Start();
   const LineEditor::Person person{
       [&](const std::string& line) {
