@@ -12,9 +12,6 @@ namespace rotacasts::host {
 /// program.
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 
-/// Whether a person sits there, who can be asked.
-bool IsOnTerminal();
-
 /// The path that an argument names.
 inline std::filesystem::path PathOf(const std::string& argument) {
   return std::u8string(argument.begin(), argument.end());  // Windows reads a plain one differently

@@ -6,7 +6,7 @@
 #include "base/text.h"
 #include "game/game_builds.h"
 #include "host/new_profile.h"
-#include "machine/program_arguments.h"
+#include "machine/terminal.h"
 
 namespace rotacasts::host {
 namespace {

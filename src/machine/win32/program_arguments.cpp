@@ -25,10 +25,4 @@ std::vector<std::string> ProgramArguments(int, char**) {
   return arguments;
 }
 
-bool IsOnTerminal() {
-  DWORD mode = 0;
-  return ::GetConsoleMode(::GetStdHandle(STD_INPUT_HANDLE), &mode) != 0 &&
-         ::GetConsoleMode(::GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
-}
-
 }  // namespace rotacasts::host

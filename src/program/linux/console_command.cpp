@@ -1,15 +1,12 @@
 #include "program/console_command.h"
 
-#include <unistd.h>
-
 #include <iostream>
 #include <optional>
 
 #include "console/completion.h"
 #include "console/console_client.h"
 #include "host/profile_settings.h"
-#include "machine/linux/console_input.h"
-#include "machine/linux/line_editor.h"
+#include "machine/linux/console_lines.h"
 
 namespace rotacasts::host {
 namespace {
@@ -30,33 +27,20 @@ std::vector<std::int32_t> IndexesIn(const std::string& hostFolder) {
 }
 
 /// Asks for what is typed, or for every line of the input.
-class Conversation {
- public:
-  Conversation(EventLoop& loop, ConsoleOutput& output, ConsoleClient& client,
-               const std::string& hostFolder) {
-    const LineEditor::Person person{[&client](const std::string& line) {
-                                      if (IsLeaving(line)) {
-                                        client.EndWhenAnswered();
-                                        return false;
-                                      }
-                                      client.Ask(line);
-                                      return true;
-                                    },
-                                    [&client] { client.EndWhenAnswered(); },
-                                    [hostFolder](const std::string& before) {
-                                      return Completions(before, IndexesIn(hostFolder));
-                                    }};
-    if (::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0) {
-      editor_.emplace(loop, output, person);
-    } else {
-      input_.emplace(loop, person.onLine, person.onEnd);
-    }
-  }
-
- private:
-  std::optional<LineEditor> editor_;
-  std::optional<ConsoleInput> input_;
-};
+LineEditor::Person Asker(ConsoleClient& client, const std::string& hostFolder) {
+  return {[&client](const std::string& line) {
+            if (IsLeaving(line)) {
+              client.EndWhenAnswered();
+              return false;
+            }
+            client.Ask(line);
+            return true;
+          },
+          [&client] { client.EndWhenAnswered(); },
+          [hostFolder](const std::string& before) {
+            return Completions(before, IndexesIn(hostFolder));
+          }};
+}
 
 /// Returns the exit status.
 int Talk(const std::string& hostFolder, const std::vector<std::string>& words) {
@@ -64,9 +48,9 @@ int Talk(const std::string& hostFolder, const std::vector<std::string>& words) {
   ConsoleOutput output(loop);
   std::ostream out(&output);
   ConsoleClient client(loop, hostFolder, out);
-  std::optional<Conversation> conversation;
+  std::optional<ConsoleLines> lines;
   if (words.empty()) {
-    conversation.emplace(loop, output, client, hostFolder);
+    lines.emplace(loop, output, Asker(client, hostFolder));
   } else {
     std::string line;
     for (const std::string& word : words) line += (line.empty() ? "" : " ") + word;

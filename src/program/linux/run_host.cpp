@@ -1,7 +1,5 @@
 #include "program/run_host.h"
 
-#include <unistd.h>
-
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -10,8 +8,7 @@
 #include "console/console.h"
 #include "console/console_server.h"
 #include "host/headless_plugin.h"
-#include "machine/linux/console_input.h"
-#include "machine/linux/line_editor.h"
+#include "machine/linux/console_lines.h"
 #include "machine/linux/program_starter.h"
 #include "web/web_site.h"
 
@@ -55,8 +52,8 @@ class Redirection {
 };
 
 constexpr const char* kGoesOnAlone =
-    "the console's input has ended; the host goes on without it (SIGTERM ends it, SIGHUP "
-    "reloads)\n";
+    "the console's input has ended; the host goes on, and \"rotacasts-host console\" reaches it "
+    "(SIGTERM ends it, SIGHUP reloads)\n";
 
 /// What serves the consoles of other processes; null, with the reason in `out`, if that is
 /// impossible.
@@ -102,13 +99,7 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
       },
       [&out] { out << kGoesOnAlone << std::flush; },
       [&profiles](const std::string& before) { return Completions(before, IndexesOf(profiles)); }};
-  std::optional<LineEditor> editor;
-  std::optional<ConsoleInput> input;
-  if (::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0) {
-    editor.emplace(loop, output, person);
-  } else {
-    input.emplace(loop, person.onLine, person.onEnd);
-  }
+  const ConsoleLines lines(loop, output, person);
   loop.Run();
   chat.onEnd = nullptr;
   chat.SetRunner(nullptr);
