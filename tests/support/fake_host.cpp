@@ -5,7 +5,8 @@
 
 #include "base/text.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 namespace {
 
 using host::IniText;
@@ -324,4 +325,5 @@ std::string MessageFileBytes(const Texts& messages, const std::string& enable,
   return bytes + "[Options]\r\nEnable=" + enable + "\r\nInterval=" + interval + "\r\n";
 }
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

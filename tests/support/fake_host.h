@@ -12,7 +12,8 @@
 #include "plugin/cls_plugin.h"
 #include "siblings/ini_text.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 
 using Texts = std::vector<std::string>;
 
@@ -134,4 +135,5 @@ int ErrorOf(Statement&& statement) {
   return ThrownBy(statement).number;
 }
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

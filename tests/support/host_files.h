@@ -5,7 +5,8 @@
 #include "support/fake_host.h"
 #include "support/host_folder.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 
 struct FixedClock final : public LocalClock {
   LocalTime Now() const override { return {2010, 3, 7, 14, 5, 9}; }
@@ -30,4 +31,5 @@ class HostFilesTest : public ::testing::Test {
   const std::string log = folder.Path() + "\\log";
 };
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

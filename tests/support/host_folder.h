@@ -7,7 +7,8 @@
 #include <sstream>
 #include <string>
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 
 class HostFolder {
  public:
@@ -57,4 +58,5 @@ class HostFolder {
   const bool stays_ = false;
 };
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

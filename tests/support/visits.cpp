@@ -5,7 +5,8 @@
 
 #include "store/message_file.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 namespace {
 
 /// What of another operation comes to the same with a visit as without.
@@ -514,4 +515,5 @@ int VisitAtRandom(VisitedPlugin& plugin, int lives, unsigned seed) {
   return visits;
 }
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

@@ -8,7 +8,8 @@
 
 #include "support/fake_host.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 
 /// The plugin under visit, in this process or in its DLL.
 class VisitedPlugin {
@@ -49,4 +50,5 @@ int VisitEveryPlace(VisitedPlugin& plugin, int step = 1);
 /// visits there were.
 int VisitAtRandom(VisitedPlugin& plugin, int lives, unsigned seed);
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

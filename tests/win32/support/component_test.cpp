@@ -8,7 +8,8 @@
 
 #include <psapi.h>  // needs the types of windows.h
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 namespace {
 
 using win32::ComVariant;
@@ -98,4 +99,5 @@ void ComponentTest::RightClickRow(int row) const {
   PumpWaiting();
 }
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

@@ -8,7 +8,8 @@
 #include "support/installed_plugin.h"
 #include "support/user.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 
 /// The host's window, which the settings window is put into.
 class Frame {
@@ -67,4 +68,5 @@ class ComponentTest : public ::testing::Test {
   std::optional<win32::LateBound> plugin{InstalledPlugin::Create()};
 };
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

@@ -4,7 +4,8 @@
 
 #include "com/com_support.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 namespace fs = std::filesystem;
 
 fs::path OwnFolder() {
@@ -43,4 +44,5 @@ InstalledPlugin::~InstalledPlugin() {
   fs::remove_all(hostFolder_, ignored);
 }
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

@@ -6,7 +6,8 @@
 
 #include "com/late_bound.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 
 template <class... Arguments>
 HRESULT CallEntryOf(HMODULE module, const char* name, Arguments... arguments) {
@@ -47,4 +48,5 @@ class InstalledPlugin {
 /// The installation that all tests of the program share.
 InstalledPlugin& Installed();
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

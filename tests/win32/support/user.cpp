@@ -4,7 +4,8 @@
 
 #include "forms/win32/gdi.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 namespace {
 
 AnsweringUser* theUser = nullptr;  // a hook gets no object
@@ -125,4 +126,5 @@ void AnsweringUser::PressKeys(HWND owner) {
   for (const WPARAM key : std::exchange(keys_, {})) ::PostMessageW(owner, WM_KEYDOWN, key, 0);
 }
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts

@@ -7,7 +7,8 @@
 
 #include "com/windows_api.h"
 
-namespace rotacasts::inline testing {
+namespace rotacasts {
+inline namespace testing {
 
 /// Runs the message loop until the condition holds; false if it does not within ten seconds.
 bool PumpUntil(const std::function<bool()>& condition);
@@ -59,4 +60,5 @@ class AnsweringUser {
   bool inSubmenu_ = false;
 };
 
-}  // namespace rotacasts::inline testing
+}  // namespace testing
+}  // namespace rotacasts
