@@ -142,7 +142,7 @@ void IniText::BeginChange(std::string_view section) {
 
 void IniText::BuildIndex() {
   std::size_t count = 16;
-  while (count < 2 * (range_.end - range_.heading)) count *= 2;
+  while (count < std::size_t{2} * (range_.end - range_.heading)) count *= 2;
   buckets_.assign(count, kNone);
   for (Number row = range_.end; --row > range_.heading;) {  // so that a key's first row is first
     if (!rows_[row].IsIn(Row::Kind::Key)) continue;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <ranges>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -90,8 +91,8 @@ SectionSteps StepsInPlace(const std::vector<Rewritten>& rewritten, std::int32_t 
   }
   change.wayBack = change.steps;  // some of the copies may be gone already
   for (const Rewritten& entry : rewritten) change.steps.push_back({entry.key, entry.after});
-  for (auto entry = rewritten.rbegin(); entry != rewritten.rend(); ++entry) {
-    change.wayBack.push_back({entry->key, entry->before});
+  for (const Rewritten& entry : std::views::reverse(rewritten)) {
+    change.wayBack.push_back({entry.key, entry.before});
   }
   for (std::vector<SectionStep>* steps : {&change.steps, &change.wayBack}) {
     steps->insert(steps->end(), last.begin(), last.end());
