@@ -1,9 +1,9 @@
 #include "store/renumbering.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <map>
-#include <ranges>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -91,9 +91,10 @@ SectionSteps StepsInPlace(const std::vector<Rewritten>& rewritten, std::int32_t 
   }
   change.wayBack = change.steps;  // some of the copies may be gone already
   for (const Rewritten& entry : rewritten) change.steps.push_back({entry.key, entry.after});
-  for (const Rewritten& entry : std::views::reverse(rewritten)) {
-    change.wayBack.push_back({entry.key, entry.before});
-  }
+  std::transform(rewritten.rbegin(), rewritten.rend(), std::back_inserter(change.wayBack),
+                 [](const Rewritten& entry) {
+                   return SectionStep{entry.key, entry.before};
+                 });
   for (std::vector<SectionStep>* steps : {&change.steps, &change.wayBack}) {
     steps->insert(steps->end(), last.begin(), last.end());
   }
