@@ -17,7 +17,7 @@ constexpr const char* kNotAllowed = " may not be read; run this host as the game
 
 /// The process id if the text is one; 0 for a program name.
 ProcessId AsNumber(const std::string& text) {
-  return static_cast<ProcessId>(std::max(WholeNumber(text).value_or(0), 0));
+  return std::max(WholeNumber<ProcessId>(text).value_or(0), ProcessId{0});
 }
 
 /// The processes that certainly receive at the port, or else those that may. `secret` becomes one
