@@ -18,7 +18,7 @@
 namespace rotacasts::bench {
 namespace {
 
-using testing::HostFolder;
+using testing::TestFolder;
 
 constexpr int kTicks = 100;
 
@@ -54,7 +54,7 @@ struct Usage {
 
 /// Runs a host until every profile has had its ticks, each of which sends a message.
 Usage RunHost(int profiles, const std::string& process) {
-  const HostFolder folder;
+  const TestFolder folder;
   Listener listener;
   for (int i = 1; i <= profiles; ++i) {
     folder.AddProfile(i, "JO", process, std::to_string(listener.port), MessageFileOf(20));

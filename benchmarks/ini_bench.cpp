@@ -17,7 +17,7 @@
 namespace rotacasts::bench {
 namespace {
 
-using testing::HostFolder;
+using testing::TestFolder;
 
 /// Two copies of a file, one for each side, so that neither sees the other's changes.
 struct Arena {
@@ -28,7 +28,7 @@ struct Arena {
     theirs = folder.File("theirs.ini");
     middle = std::to_string(messages / 2);
   }
-  HostFolder folder;
+  TestFolder folder;
   host::SystemClock clock;
   host::MachineFiles machine;
   host::IniFiles files{machine};
@@ -139,7 +139,7 @@ class LongList {
  private:
   static constexpr const char* kFile = "profiles/srv1/settings/Rotacasts.ini";
   const std::string bytes_ = MessageFileOf(10000);
-  HostFolder folder_;
+  TestFolder folder_;
   headless::TimerLoop timers_;
   headless::HeadlessToolkit toolkit_{timers_};
   host::HostPlatform platform_{folder_.Path()};

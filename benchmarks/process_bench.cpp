@@ -23,7 +23,7 @@
 namespace rotacasts::bench {
 namespace {
 
-using testing::HostFolder;
+using testing::TestFolder;
 
 /// A game server that never changes: every read returns the same values.
 struct Server {
@@ -81,7 +81,7 @@ std::int32_t BareScan(const BareReader& reader) {
 
 /// The plugin with the stand-alone host's components, set up for one profile.
 struct Plugin {
-  Plugin(const Server& server, const HostFolder& folder)
+  Plugin(const Server& server, const TestFolder& folder)
       : platform(folder.Path()), state(platform.Bundle(toolkit)) {
     HostValue::Array data(pdat::kSize);
     data[pdat::kGameCode] = "JO";
@@ -132,7 +132,7 @@ class BareTick {
 
 /// Everything that the duels use; kept until the program ends.
 struct Arena {
-  HostFolder folder;
+  TestFolder folder;
   Server small{25};   // 33 slots
   Server large{250};  // 251 slots
 };
@@ -171,7 +171,7 @@ struct Crowd {
     const host::SentText& last = profiles.Components().GetChat().Latest().back();
     if (!last.text.starts_with("[Least Deaths]") || last.profile != kProfiles) std::abort();
   }
-  struct Folder : HostFolder {
+  struct Folder : TestFolder {
     explicit Folder(const Server& server) {
       for (int i = 1; i <= kProfiles; ++i) {
         AddProfile(i, "JO", std::to_string(server.process.Id()), server.port,

@@ -29,7 +29,7 @@
 namespace rotacasts::bench {
 namespace {
 
-using testing::HostFolder;
+using testing::TestFolder;
 using Clock = std::chrono::steady_clock;
 
 constexpr int kProfiles = 200;
@@ -246,7 +246,7 @@ class PageHost {
     cookie_ = answer.substr(begin, answer.find(';', begin) - begin);
   }
 
-  HostFolder folder_;
+  TestFolder folder_;
   ChildProcess server_;
   std::unique_ptr<ChildProcess> host_;
   std::string cookie_;

@@ -68,7 +68,7 @@ constexpr const char* kMessages =
     "[Messages]\r\n1=a\r\n2=b\r\n3=c\r\n[Options]\r\nEnable=1\r\nInterval=3\r\n";
 
 /// Filled before the host reads it.
-struct FilledFolder : testing::HostFolder {
+struct FilledFolder : testing::TestFolder {
   FilledFolder() {
     for (const int index : {1, 2}) AddProfile(index, "JO", "no-such-program", "4001", kMessages);
   }

@@ -32,7 +32,7 @@ TEST(ChatTest, ProgramsSayTheTextsInOrderAndNoneHoldsTheOthersUp) {
       {"3", {"sleep 60 & wait", " took longer than 1 s and was ended"}},
       {"4", {"printf 'careful\\nnow' >&2", " said: careful now"}},
       {"5", {nullptr, " cannot be started (No such file or directory)"}}};
-  const HostFolder folder;
+  const TestFolder folder;
   EventLoop loop;
   ProgramStarter starter(loop, std::chrono::seconds(1));
   SystemClock clock;

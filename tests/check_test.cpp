@@ -12,7 +12,7 @@ namespace rotacasts::host {
 namespace {
 
 TEST(ProfileSettings, NonsenseIsSkippedAndSaysWhatToDo) {
-  HostFolder folder;
+  TestFolder folder;
   folder.AddProfile(5, "JO", "1234", "4005");
   folder.AddProfile(2, "DFBHD", "server.exe", " 65535 ");
   folder.AddProfile(12, "DFX2_AFF2", "1", "1");
@@ -44,7 +44,7 @@ TEST(ProfileSettings, NonsenseIsSkippedAndSaysWhatToDo) {
 }
 
 TEST(Check, WarnsOfWhatWouldSurpriseInAMessageFile) {
-  HostFolder folder;
+  TestFolder folder;
   const auto warnings = [&](const std::string& bytes) {
     folder.Write("a.ini", "[Messages]\r\n" + bytes + "\r\n");
     std::vector<std::string> found;
@@ -90,7 +90,7 @@ TEST(Check, WarnsOfWhatWouldSurpriseInAMessageFile) {
 }
 
 TEST(Check, WarnsOfWhatWouldSurpriseInAFolder) {
-  HostFolder folder;
+  TestFolder folder;
   const auto warned = [&](const std::string& place, const std::string& says) {
     const auto warnings = CheckHostFolder(folder.Path()).warnings;
     return std::ranges::any_of(warnings, [&](const std::string& warning) {
@@ -132,7 +132,7 @@ TEST(Check, WarnsOfWhatWouldSurpriseInAFolder) {
 }
 
 TEST(Check, ConvertsUtf8FilesAndKeepsThemAsTheyWere) {
-  HostFolder folder;
+  TestFolder folder;
   const std::string name = "profiles/srv1/settings/Rotacasts.ini";
   folder.AddProfile(1, "JO", "1", "4001", "[Messages]\n1=Gr\xFC\xDF\x65\n");
   EXPECT_TRUE(ConvertHostFolder(folder.Path()).empty());

@@ -78,7 +78,7 @@ class ConsoleTest : public ::testing::Test {
     return values;
   }
   static constexpr const char* kFile = "profiles/srv2/settings/Rotacasts.ini";
-  HostFolder folder;
+  TestFolder folder;
 
  private:
   struct Plugin final : HeadlessPlugin {

@@ -104,15 +104,12 @@ std::string LowerCase(std::string_view text) {
   return lower;
 }
 
-template <class Number>
-std::optional<Number> WholeNumber(std::string_view text) {
-  Number number = 0;
+std::optional<std::int32_t> WholeNumber(std::string_view text) {
+  std::int32_t number = 0;
   const char* const textEnd = text.data() + text.size();
   const auto [end, error] = std::from_chars(text.data(), textEnd, number);
   return error == std::errc() && end == textEnd ? std::optional(number) : std::nullopt;
 }
-template std::optional<std::int32_t> WholeNumber(std::string_view text);
-template std::optional<std::int64_t> WholeNumber(std::string_view text);
 
 bool HasLineBreak(std::string_view text) {
   return text.find('\n') != text.npos || text.find('\r') != text.npos;

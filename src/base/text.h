@@ -15,9 +15,8 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b);  // ASCII lette
 /// `text` with its ASCII letters in lower case.
 std::string LowerCase(std::string_view text);
 /// The number that the text spells in decimal digits, with "-" before a negative one and nothing
-/// else; none for any other text and for a number beyond `Number`, of 32 or 64 bits.
-template <class Number = std::int32_t>
-std::optional<Number> WholeNumber(std::string_view text);
+/// else; none for any other text and for a number beyond 32 bits.
+std::optional<std::int32_t> WholeNumber(std::string_view text);
 bool HasLineBreak(std::string_view text);
 
 /// Whether the byte is a control character by itself: U+0000 to U+001F or U+007F.

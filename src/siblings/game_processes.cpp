@@ -1,11 +1,9 @@
 #include "siblings/game_processes.h"
 
-#include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <utility>
-
-#include "base/text.h"
 
 namespace rotacasts::host {
 namespace {
@@ -15,9 +13,11 @@ constexpr std::size_t kLongestText = 255;
 
 constexpr const char* kNotAllowed = " may not be read; run this host as the game server's user";
 
-/// The process id if the text is one; 0 for a program name.
+/// The process id if the text is one, also beyond 32 bits; 0 for a program name.
 ProcessId AsNumber(const std::string& text) {
-  return std::max(WholeNumber<ProcessId>(text).value_or(0), ProcessId{0});
+  ProcessId number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() && number > 0 ? number : 0;
 }
 
 /// The processes that certainly receive at the port, or else those that may. `secret` becomes one

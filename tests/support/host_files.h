@@ -22,7 +22,7 @@ class HostFilesTest : public ::testing::Test {
   std::ptrdiff_t Count() const {
     return std::distance(std::filesystem::directory_iterator(folder.Path()), {});
   }
-  HostFolder folder;
+  TestFolder folder;
   FixedClock clock;
   host::MachineFiles machine;
   host::IniFiles ini{machine};

@@ -10,15 +10,15 @@
 namespace rotacasts {
 inline namespace testing {
 
-class HostFolder {
+class TestFolder {
  public:
-  HostFolder() {
+  TestFolder() {
     std::random_device random;
     path_ = std::filesystem::temp_directory_path() / ("rotacasts-" + std::to_string(random()));
     std::filesystem::create_directory(path_);
   }
-  explicit HostFolder(std::filesystem::path toStay) : path_(std::move(toStay)), stays_(true) {}
-  ~HostFolder() {
+  explicit TestFolder(std::filesystem::path toStay) : path_(std::move(toStay)), stays_(true) {}
+  ~TestFolder() {
     if (!stays_) std::filesystem::remove_all(path_);
   }
 

@@ -140,7 +140,7 @@ class HostedPluginTest : public ComponentTest, public PluginSite {
   }
 
   static constexpr const char* kFile = "profiles/srv4/settings/Rotacasts.ini";
-  const HostFolder folder{"C:\\Host"};
+  const TestFolder folder{"C:\\Host"};
   std::ostringstream out;
   HostProfiles profiles{Prepare(), out};
   const std::unique_ptr<UtilityComponent> real = profiles.Components().CreateUtility();
