@@ -73,7 +73,7 @@ TEST(Check, WarnsOfWhatWouldSurpriseInAMessageFile) {
         {"1=" + std::string(61, '1') + options, "61 characters"},
         {"1=\xC3\xBC" + options, "2: it is a UTF-8 file: for \"ü\" players read \"Ã¼\"; \"check "},
         {"1=a\r\n[x]=b" + options, "3: the line is taken for the heading of a section \"x\""},
-        {"1=a\r\nb" + options, "3: the line is ignored, for it has no \"=\""},
+        {"1=a\r\nb" + options, "3: the line is ignored because it has no \"=\""},
         {"1=a" + options + "\r\n[messages]\r\n2=b", "6: the section [messages] stands here again"},
         {"1=a" + options + "\r\nenable=0", "6: enable stands here again"},
         {options, "1: there are no messages"},

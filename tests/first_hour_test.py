@@ -21,11 +21,10 @@ class FirstHour(ProgramTest):
         self.folder /= "host"
         self.server = self.start(Server, "JO")
 
-    def call(self, *words, status=0, as_user=None, said=""):
+    def call(self, *words, status=0, said=""):
         """Runs the host's program and returns what it prints."""
         command = [HOST, words[0], "--host-folder", self.folder, *map(str, words[1:])]
-        done = subprocess.run(command, input=said, capture_output=True, text=True, user=as_user,
-                              timeout=30)
+        done = subprocess.run(command, input=said, capture_output=True, text=True, timeout=30)
         self.assertEqual(done.returncode, status, done.stdout + done.stderr)
         return done.stdout + done.stderr
 
@@ -86,7 +85,7 @@ class FirstHour(ProgramTest):
                 (profile, b"Target", b"Say=/no/rcon x\r\nTarget", "Say's program /no/rcon is not there"),
                 (twin, b"", good, "twin/profile.ini:2: the index is taken by profile 1 (alpha)"),
                 (messages, b"Welcome", "Grüße".encode(), 'for "Grüße! Be fair, have fun." players read'),
-                (messages, b"1=", b"1 ", "Rotacasts.ini:2: the line is ignored, for it has no"),
+                (messages, b"1=", b"1 ", "Rotacasts.ini:2: the line is ignored because it has no"),
                 (messages, b"Enable=1", b"Enable=yes", 'Enable is "yes", which is no number; write 0')):
             before = file.read_bytes() if file.exists() else b""
             file.write_bytes(before.replace(old, new, 1))
@@ -96,7 +95,7 @@ class FirstHour(ProgramTest):
         twin.unlink()
         if os.getuid() == 0:
             os.chown(self.folder, NOBODY, NOBODY)
-            self.assertIn("nobody, who owns", self.call("check", status=1))
+            self.assertIn("nobody, as whom a service runs here", self.call("check", status=1))
 
     def test_a_running_host_answers_whoever_may_use_its_folder(self):
         self.call(*self.new())
@@ -116,6 +115,7 @@ class FirstHour(ProgramTest):
             self.assertIn("may use its console; try it with sudo", refused.stderr)
         deaf = socket.socket(socket.AF_UNIX)
         self.addCleanup(deaf.close)
+        self.addCleanup(os.chdir, os.getcwd())
         os.chdir(self.folder)
         deaf.connect("host.console")
         deaf.setblocking(False)
@@ -126,6 +126,12 @@ class FirstHour(ProgramTest):
                 pass
         self.assertTrue(self.server.prints("Grüße  -x"))
         self.assertIn("running", self.call("console", "status"))
+        crowd = [socket.socket(socket.AF_UNIX) for _ in range(17)]
+        for one in crowd:
+            self.addCleanup(one.close)
+            one.connect("host.console")
+        crowd[-1].settimeout(10)
+        self.assertEqual(crowd[-1].recv(1), b"")  # more than are served
         self.assertEqual(host.end(SIGTERM), 0)
         self.assertFalse((self.folder / "host.console").exists())
 

@@ -49,11 +49,10 @@ bool CheckProfileFolder(const std::string& hostFolder, const std::string& folder
   const std::size_t before = warnings.size();
   const std::string description = FindFile(path, HostFolder::kDescription, warnings);
   if (description.empty()) {
-    std::error_code closed;  // LoadProfiles tells of a folder that cannot be entered
-    const std::filesystem::directory_iterator first(NativePath(path), closed);
-    if (warnings.size() == before && !closed) {
+    // LoadProfiles tells of a folder that cannot be entered.
+    if (warnings.size() == before && WhyClosed(hostFolder, folder).empty()) {
       warnings.push_back(NativePath(path).string() +
-                         ": is ignored, for it has no profile.ini; write one, or move it away");
+                         ": is ignored because it has no profile.ini; write one, or move it away");
     }
     return true;
   }
@@ -144,7 +143,7 @@ Findings CheckHostFolder(const std::string& hostFolder) {
     CheckMessageFile(hostFolder, profile, found.warnings);
     CheckProfile(hostFolder, profile, found.warnings);
   }
-  CheckAccess(hostFolder, ProfileFolders(hostFolder), found.warnings);
+  CheckAccess(hostFolder, loaded.profiles, found.warnings);
   CheckClashes(hostFolder, loaded.profiles, found.warnings);
   if (found.profiles != 0) {
     CheckServers(hostFolder, found.warnings);

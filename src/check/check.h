@@ -31,9 +31,9 @@ void CheckMessages(FileCheck& file);
 void CheckProfile(const std::string& hostFolder, const ProfileSettings& profile,
                   std::vector<std::string>& warnings);
 
-/// Warns about everything that the host folder's owner could not use if the host ran as them.
-/// `profiles` are the names of the profiles' folders.
-void CheckAccess(const std::string& hostFolder, const std::vector<std::string>& profiles,
+/// Warns about what the host uses, in its folder and in these profiles', and a service's user may
+/// not.
+void CheckAccess(const std::string& hostFolder, const std::vector<ProfileSettings>& profiles,
                  std::vector<std::string>& warnings);
 
 }  // namespace rotacasts::host

@@ -1,37 +1,63 @@
+#include <filesystem>
+
 #include "check/check.h"
-#include "machine/folder_owner.h"
+#include "machine/host_user.h"
 #include "machine/native_files.h"
 #include "services/host_folder.h"
 
 namespace rotacasts::host {
+namespace {
 
-void CheckAccess(const std::string& hostFolder, const std::vector<std::string>& profiles,
+class AccessCheck {
+ public:
+  AccessCheck(const std::string& hostFolder, std::vector<std::string>& warnings)
+      : user_(hostFolder), warnings_(warnings) {}
+
+  void CheckReading(const std::string& path) { Check(path, false); }
+  void CheckWriting(const std::string& path) { Check(path, true); }
+  /// A folder in which the host writes every file.
+  void CheckContents(const std::string& folder) {
+    CheckWriting(folder);
+    std::error_code problem;  // of a folder that is missing or has just been warned of
+    for (const auto& entry : std::filesystem::directory_iterator(NativePath(folder), problem)) {
+      CheckWriting(folder + "\\" + entry.path().filename().string());
+    }
+  }
+
+ private:
+  void Check(const std::string& path, bool toWrite) {
+    const bool isInLast = !last_.empty() && path.starts_with(last_ + "\\");
+    if (isInLast || user_.MayUse(path, toWrite)) return;
+    last_ = path;
+    const std::string native = NativePath(path).string();
+    warnings_.push_back(native + ": " + user_.Name() + ", as whom a service runs here, cannot " +
+                        (toWrite ? "write" : "read") + " it; \"chown -R " + user_.Name() + " " +
+                        native + "\" changes that");
+  }
+
+  const HostUser user_;
+  std::vector<std::string>& warnings_;
+  std::string last_;  // what was warned of; what is in it needs no warning of its own
+};
+
+}  // namespace
+
+void CheckAccess(const std::string& hostFolder, const std::vector<ProfileSettings>& profiles,
                  std::vector<std::string>& warnings) {
   const HostFolder paths(hostFolder);
-  const FolderOwner owner(hostFolder);
-  std::string last;  // its contents go with it
-  const auto check = [&](const std::string& path, bool toWrite) {
-    if (owner.MayUse(path, toWrite) || (!last.empty() && path.starts_with(last + "\\"))) return;
-    last = path;
-    warnings.push_back(
-        NativePath(path).string() + ": " + owner.Name() + ", who owns " +
-        NativePath(hostFolder).string() + ", cannot " + (toWrite ? "write" : "read") +
-        " it; \"chown -R --reference=" + NativePath(hostFolder).string() + " " +
-        NativePath(path).string() + "\" gives it to them, if the host is to run as them");
-  };
-  for (const std::string& path :
-       {paths.Root(), paths.Settings(), paths.Configuration(), paths.Administrators(),
-        paths.AdminLogs(), paths.Logs(), paths.ErrorLog(), paths.Reports(), paths.Lock()}) {
-    check(path, true);
+  AccessCheck check(hostFolder, warnings);
+  check.CheckWriting(paths.Root());
+  check.CheckWriting(paths.Lock());
+  for (const std::string& folder :
+       {paths.Settings(), paths.AdminLogs(), paths.Logs(), paths.Reports()}) {
+    check.CheckContents(folder);
   }
-  check(paths.Profiles(), false);
-  for (const std::string& profile : profiles) {
-    check(paths.Profiles() + "\\" + profile, true);
-    check(paths.Description(profile), false);
-    const std::string settings = paths.Profiles() + "\\" + profile + "\\settings";
-    check(settings, true);
-    check(settings + "\\" + HostFolder::kMessageFile, true);
-    check(paths.Profiles() + "\\" + profile + "\\adminlogs", true);
+  check.CheckReading(paths.Profiles());
+  for (const ProfileSettings& profile : profiles) {
+    check.CheckWriting(paths.Profile(profile.folder));
+    check.CheckReading(paths.Description(profile.folder));
+    check.CheckContents(paths.Settings(profile.folder));
+    check.CheckContents(paths.AdminLogs(profile.folder));
   }
 }
 

@@ -1,4 +1,4 @@
-#include "base/text.h"
+#include "base/word_list.h"
 #include "check/check.h"
 #include "machine/program_lookup.h"
 
@@ -14,13 +14,12 @@ void CheckProfile(const std::string& hostFolder, const ProfileSettings& profile,
     warn("Process", "Process is \"" + profile.process +
                         "\"; give the program's name alone: " + profile.process.substr(slash + 1));
   }
-  const std::string program = profile.say.substr(0, profile.say.find_first_of(" \t"));
-  if (program.empty()) return;
-  const std::string problem = WhyNotStartable(program);
+  const std::vector<std::string> say = SplitWords(profile.say);
+  if (say.empty()) return;
+  const std::string problem = WhyNotStartable(say[0]);
   if (problem.empty()) return;
-  const bool hasBlank = program != profile.say;
-  warn("Say", "Say's program " + program + " " + problem + "; name one that can be started" +
-                  (hasBlank ? ", by a path without a blank" : ""));
+  warn("Say", "Say's program " + say[0] + " " + problem + "; name one that can be started" +
+                  (say.size() > 1 ? ", by a path without a blank" : ""));
 }
 
 }  // namespace rotacasts::host

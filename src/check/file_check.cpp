@@ -6,6 +6,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "base/word_list.h"
 #include "machine/native_files.h"
 #include "siblings/file_layer.h"
 
@@ -71,7 +72,8 @@ void FileCheck::CheckLines() {
     const std::string name = FromWindows1252(rows[i].name);
     const std::string_view rest = TrimSpaces(rows[i].rest);
     if (rows[i].kind == IniText::Row::Kind::Unknown) {
-      Warn(i + 1, "the line is ignored, for it has no \"=\"; write KEY=TEXT, or \";\" before it");
+      Warn(i + 1,
+           "the line is ignored because it has no \"=\"; write KEY=TEXT, or \";\" before it");
     }
     if (rows[i].kind != IniText::Row::Kind::Heading) continue;
     if (!rest.empty() && !rest.starts_with(';') && !rest.starts_with('#')) {
@@ -94,14 +96,10 @@ void FileCheck::CheckKeys(std::string_view section, const std::vector<std::strin
     if (isHeading) isInside = EqualsIgnoringCase(rows[i].name, section);
     if (!isInside || rows[i].kind != IniText::Row::Kind::Key) continue;
     const std::string name = FromWindows1252(rows[i].name);
-    std::string allKnown;
-    bool isKnown = false;
-    for (const std::string& key : known) {
-      allKnown += (allKnown.empty() ? "" : ", ") + key;
-      isKnown = isKnown || EqualsIgnoringCase(key, name);
-    }
+    const bool isKnown = std::ranges::any_of(
+        known, [&](const std::string& key) { return EqualsIgnoringCase(key, name); });
     if (!isKnown) {
-      Warn(i + 1, "\"" + name + "\" is ignored; the section has the keys " + allKnown);
+      Warn(i + 1, "\"" + name + "\" is ignored; the section has the keys " + Join(known, ", "));
     } else if (!met.insert(LowerCase(name)).second) {
       Warn(i + 1, name + " stands here again and is ignored; remove one of them");
     }

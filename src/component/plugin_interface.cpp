@@ -4,56 +4,29 @@
 
 namespace rotacasts::win32 {
 
-namespace {
-
-struct TextRow {
-  BSTR PluginRecord::*field;
-  std::string PLUGIN::*value;
-};
-struct VariantRow {
-  VARIANT PluginRecord::*field;
-  HostValue PLUGIN::*value;
-};
-struct FlagRow {
-  VARIANT_BOOL PluginRecord::*field;
-  bool PLUGIN::*value;
-};
-constexpr TextRow kTexts[] = {
-    {&PluginRecord::Name, &PLUGIN::Name},
-    {&PluginRecord::File, &PLUGIN::File},
-    {&PluginRecord::Version, &PLUGIN::Version},
-    {&PluginRecord::Author, &PLUGIN::Author},
-    {&PluginRecord::Description, &PLUGIN::Description},
-    {&PluginRecord::HelpFile, &PLUGIN::HelpFile},
-    {&PluginRecord::MinKXVer, &PLUGIN::MinKXVer},
-    {&PluginRecord::MinQMRVer, &PLUGIN::MinQMRVer},
-    {&PluginRecord::MinZDLVer, &PLUGIN::MinZDLVer},
-    {&PluginRecord::MinTVXVer, &PLUGIN::MinTVXVer},
-};
-constexpr VariantRow kVariants[] = {
-    {&PluginRecord::Game, &PLUGIN::Game},
-    {&PluginRecord::ProfileMenuItems, &PLUGIN::ProfileMenuItems},
-    {&PluginRecord::ServerMenuItems, &PLUGIN::ServerMenuItems},
-    {&PluginRecord::MainMenuItems, &PLUGIN::MainMenuItems},
-};
-constexpr FlagRow kFlags[] = {
-    {&PluginRecord::HasInterface, &PLUGIN::HasInterface},
-    {&PluginRecord::ProfileMenu, &PLUGIN::ProfileMenu},
-    {&PluginRecord::ServerMenu, &PLUGIN::ServerMenu},
-    {&PluginRecord::MainMenu, &PLUGIN::MainMenu},
-    {&PluginRecord::HasPrivis, &PLUGIN::HasPrivis},
-};
-
-}  // namespace
-
 void FillPluginRecord(const PLUGIN& plugin, PluginRecord& record) {
-  for (const FlagRow& row : kFlags) {
-    record.*row.field = plugin.*row.value ? VARIANT_TRUE : VARIANT_FALSE;
-  }
-  for (const TextRow& row : kTexts) record.*row.field = Bstr(plugin.*row.value).Release();
-  for (const VariantRow& row : kVariants) {
-    record.*row.field = ToComVariant(plugin.*row.value).Release();
-  }
+  const auto flag = [](bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; };
+  const auto text = [](const std::string& value) { return Bstr(value).Release(); };
+  const auto variant = [](const HostValue& value) { return ToComVariant(value).Release(); };
+  record.HasInterface = flag(plugin.HasInterface);
+  record.ProfileMenu = flag(plugin.ProfileMenu);
+  record.ServerMenu = flag(plugin.ServerMenu);
+  record.MainMenu = flag(plugin.MainMenu);
+  record.HasPrivis = flag(plugin.HasPrivis);
+  record.Name = text(plugin.Name);
+  record.File = text(plugin.File);
+  record.Version = text(plugin.Version);
+  record.Author = text(plugin.Author);
+  record.Description = text(plugin.Description);
+  record.HelpFile = text(plugin.HelpFile);
+  record.MinKXVer = text(plugin.MinKXVer);
+  record.MinQMRVer = text(plugin.MinQMRVer);
+  record.MinZDLVer = text(plugin.MinZDLVer);
+  record.MinTVXVer = text(plugin.MinTVXVer);
+  record.Game = variant(plugin.Game);
+  record.ProfileMenuItems = variant(plugin.ProfileMenuItems);
+  record.ServerMenuItems = variant(plugin.ServerMenuItems);
+  record.MainMenuItems = variant(plugin.MainMenuItems);
 }
 
 }  // namespace rotacasts::win32

@@ -1,21 +1,12 @@
 #include "console/completion.h"
 
-#include <algorithm>
-#include <sstream>
-
+#include "base/word_list.h"
 #include "broadcast/placeholders.h"
 #include "console/console.h"
 #include "plugin/remote_operations.h"
 
 namespace rotacasts::host {
 namespace {
-
-std::vector<std::string> WordsIn(const std::string& text) {
-  std::istringstream stream(text);
-  std::vector<std::string> words;
-  for (std::string word; stream >> word;) words.push_back(word);
-  return words;
-}
 
 /// What an argument may be, by its name in the command's usage.
 std::vector<std::string> ValuesOf(const std::string& argument,
@@ -37,10 +28,10 @@ std::vector<std::string> ValuesOf(const std::string& argument,
 
 std::vector<std::string> Completions(const std::string& before,
                                      const std::vector<std::int32_t>& profiles) {
-  const std::vector<std::string> words = WordsIn(before);
+  const std::vector<std::string> words = SplitWords(before);
   std::vector<std::string> found;
   for (const auto& [usage, help] : Console::Commands()) {
-    const std::vector<std::string> parts = WordsIn(usage);
+    const std::vector<std::string> parts = SplitWords(usage);
     const std::size_t place = words.size();
     if (place >= parts.size() || (place > 0 && parts[0] != words[0])) continue;
     const bool isLast = place + 1 == parts.size() || parts[place + 1].starts_with('[');

@@ -85,7 +85,7 @@ void ConsoleClient::Handle(short ready) {
   if (count > 0) return Print({bytes, static_cast<std::size_t>(count)});
   if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
   isLost_ = true;
-  out_ << "the host has ended\n" << std::flush;
+  out_ << "the host has ended the connection\n" << std::flush;
   loop_.Stop();
 }
 

@@ -27,7 +27,8 @@ class ConsoleClient {
   void EndWhenAnswered();
 
   bool WasRefused() const { return wasRefused_; }
-  /// Whether the host has gone before it answered everything.
+  /// Whether the host has ended the connection, because it ended itself or serves as many consoles
+  /// as it can.
   bool IsLost() const { return isLost_; }
 
  private:

@@ -16,6 +16,8 @@ namespace {
 
 /// Enough for everybody who looks after one machine.
 constexpr std::size_t kMostConnections = 16;
+/// How long to listen no more when the system has no descriptor left.
+constexpr std::chrono::milliseconds kPause{500};
 
 }  // namespace
 
@@ -24,7 +26,8 @@ ConsoleServer::ConsoleServer(EventLoop& loop, ServerHost& host)
       host_(host),
       path_(host.Profiles().Folder() + "/" + kConsoleSocket),
       listening_(ListenInFolder(host.Profiles().Folder(), kConsoleSocket)) {
-  loop_.Watch(listening_.Get(), POLLIN, [this](short) { Accept(); });
+  loop_.AddDeadline([this] { return listensAgain_; }, [this] { Listen(); });
+  Listen();
 }
 
 ConsoleServer::~ConsoleServer() {
@@ -33,9 +36,19 @@ ConsoleServer::~ConsoleServer() {
   ::unlink(path_.c_str());
 }
 
+void ConsoleServer::Listen() {
+  listensAgain_.reset();
+  loop_.Watch(listening_.Get(), POLLIN, [this](short) { Accept(); });
+}
+
 void ConsoleServer::Accept() {
   SocketDescriptor socket = AcceptNext(listening_);
-  if (!socket.IsOpen() || connections_.size() >= kMostConnections) return;
+  if (!socket.IsOpen()) {  // the socket stays ready, and the loop would not wait any more
+    loop_.Unwatch(listening_.Get());
+    listensAgain_ = EventLoop::Clock::now() + kPause;
+    return;
+  }
+  if (connections_.size() >= kMostConnections) return;
   const int descriptor = socket.Get();
   connections_.emplace(descriptor, Connection{std::move(socket), {}, {}});
   loop_.Watch(descriptor, POLLIN, [this, descriptor](short) { Serve(descriptor); });

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "host/server_host.h"
@@ -16,7 +17,7 @@ namespace rotacasts::host {
 /// its work. The references must outlive it.
 class ConsoleServer {
  public:
-  /// Errors: 57 or 70 if the socket cannot be made.
+  /// Errors: those of ListenInFolder.
   ConsoleServer(EventLoop& loop, ServerHost& host);
   /// Removes the socket.
   ~ConsoleServer();
@@ -31,6 +32,7 @@ class ConsoleServer {
     bool isEnding = false;
   };
 
+  void Listen();
   void Accept();
   void Serve(int descriptor);
   /// False at the connection's end.
@@ -42,7 +44,8 @@ class ConsoleServer {
   ServerHost& host_;
   const std::string path_;
   SocketDescriptor listening_;
-  std::map<int, Connection> connections_;  // by descriptor
+  std::map<int, Connection> connections_;                     // by descriptor
+  std::optional<EventLoop::Clock::time_point> listensAgain_;  // while no descriptor is left
 };
 
 }  // namespace rotacasts::host

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <set>
 
-#include "base/conversions.h"
+#include "base/runtime_error.h"
 #include "base/text.h"
+#include "base/word_list.h"
 #include "game/game_builds.h"
 #include "host/complaint.h"
+#include "host/profile_settings.h"
 #include "machine/native_files.h"
 #include "services/host_folder.h"
 #include "siblings/file_layer.h"
@@ -23,8 +26,6 @@ std::string TwoMessages() {
          kInterval.initial + "\r\n";
 }
 
-constexpr std::int32_t kHighestPort = 65535;
-
 void RequireName(const std::string& name) {
   const bool isFolderName = !name.empty() && name[0] != '.' && IsValidUtf8(name) &&
                             name.find_first_of("/\\:*?\"<>|") == name.npos &&
@@ -38,9 +39,8 @@ void RequireWhole(const NewProfile& profile) {
   RequireName(profile.name);
   const std::vector<std::string> codes = GameCodes();
   if (std::find(codes.begin(), codes.end(), profile.gameCode) == codes.end()) {
-    std::string all;
-    for (const std::string& code : codes) all += (all.empty() ? "" : ", ") + code;
-    throw Complaint("--game-code is \"" + profile.gameCode + "\"; give one of " + all);
+    throw Complaint("--game-code is \"" + profile.gameCode + "\"; give one of " +
+                    Join(codes, ", "));
   }
   if (TrimSpaces(profile.process).empty() || HasLineBreak(profile.process)) {
     throw Complaint("--process is missing; give the game server's program name or process id");
@@ -51,22 +51,38 @@ void RequireWhole(const NewProfile& profile) {
   }
 }
 
-/// The lowest index that no profile has; also none that cannot be used yet.
+/// The index that a profile.ini gives, usable or not; nullopt if it cannot be told.
+std::optional<std::int32_t> IndexIn(const std::string& description) try {
+  const IniText ini(ReadWholeFile(description).value_or(""));
+  for (const IniText::Row& row : ini.Rows()) {
+    if (EqualsIgnoringCase(row.name, "Index")) return WholeNumber(TrimSpaces(row.rest));
+  }
+  return std::nullopt;
+} catch (const RuntimeError&) {
+  return std::nullopt;
+}
+
+/// The lowest index that no profile has.
 std::int32_t UnusedIndex(const std::string& hostFolder) {
   const HostFolder paths(hostFolder);
   std::set<std::int32_t> used;
   for (const auto& entry : std::filesystem::directory_iterator(NativePath(paths.Profiles()))) {
-    const auto bytes = ReadWholeFile(paths.Description(entry.path().filename().string()));
-    const IniText ini(bytes.value_or(""));
-    for (const IniText::Row& row : ini.Rows()) {
-      const std::string text(row.rest);
-      if (EqualsIgnoringCase(row.name, "Index") && IsNumeric(text))
-        used.insert(RoundToLong(ToDouble(text)));
-    }
+    used.insert(IndexIn(paths.Description(entry.path().filename().string())).value_or(0));
   }
   std::int32_t index = 1;
   while (used.contains(index)) ++index;
   return index;
+}
+
+/// Makes the host folder with the rights that this user's folders have: what it lies in, such as
+/// /tmp, may be everybody's.
+void MakeRoot(const std::string& hostFolder) {
+  std::error_code problem;
+  std::filesystem::create_directory(NativePath(hostFolder), problem);
+  if (problem) {
+    throw RuntimeError(ErrorNumber::PathNotFound, hostFolder + " (" + problem.message() +
+                                                      "); make it, or name another folder");
+  }
 }
 
 void MakeFolder(const std::string& path) {
@@ -88,7 +104,7 @@ MadeProfile MakeProfile(const std::string& hostFolder, const NewProfile& profile
     throw Complaint(NativePath(description).string() +
                     " is there already; give another name, or edit that one");
   }
-  std::filesystem::create_directory(NativePath(hostFolder));  // with the rights of this user's own
+  MakeRoot(hostFolder);
   MakeFolder(paths.Profiles());
   MadeProfile made{UnusedIndex(hostFolder), {}};
   MakeFolder(paths.Profile(profile.name));

@@ -6,6 +6,7 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
+#include "base/word_list.h"
 #include "game/game_builds.h"
 #include "host/complaint.h"
 #include "machine/native_files.h"
@@ -51,8 +52,7 @@ class ProfileFile {
   }
 
   std::string OneOf(const char* key, const std::vector<std::string>& allowed) const {
-    std::string wanted = "one of";
-    for (const std::string& text : allowed) wanted += (text == allowed[0] ? " " : ", ") + text;
+    const std::string wanted = "one of " + Join(allowed, ", ");
     std::string text = Text(key, wanted);
     if (std::find(allowed.begin(), allowed.end(), text) == allowed.end()) Refuse(key, text, wanted);
     return text;
@@ -81,22 +81,22 @@ class ProfileFile {
   const IniText ini_;
 };
 
-/// Why the folder cannot be entered; empty if it can, and for what is no folder.
-std::string WhyClosed(const fs::path& folder) {
-  std::error_code problem;
-  if (!fs::is_directory(folder, problem)) return {};
-  const fs::directory_iterator first(folder, problem);
-  if (!problem) (void)fs::status(folder / ".", problem);
-  if (!problem) return {};
-  return folder.string() + ": " + problem.message() + "; let this user enter and read it";
-}
-
 }  // namespace
 
 std::string PlaceInProfile(const std::string& hostFolder, const std::string& folder,
                            const std::string& key) {
   const std::string file = HostFolder(hostFolder).Description(folder);
   return Place(file, ReadIni(file), key);
+}
+
+std::string WhyClosed(const std::string& hostFolder, const std::string& folder) {
+  const fs::path path = NativePath(HostFolder(hostFolder).Profiles()) / folder;
+  std::error_code problem;
+  if (!fs::is_directory(path, problem)) return {};
+  const fs::directory_iterator first(path, problem);
+  if (!problem) (void)fs::status(path / ".", problem);
+  if (!problem) return {};
+  return path.string() + ": " + problem.message() + "; let this user enter and read it";
 }
 
 bool HasProfileFile(const std::string& hostFolder, const std::string& folder) {
@@ -113,7 +113,6 @@ ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& fo
   HostFolder(hostFolder).Profile(folder);  // refuses the names that the plugin refuses
   const ProfileFile file(HostFolder(hostFolder).Description(folder), files);
   constexpr std::int32_t kHighestIndex = 32767;  // the timers' indexes have 16 bits
-  constexpr std::int32_t kHighestPort = 65535;
   ProfileSettings profile;
   profile.folder = folder;
   profile.index = file.Number("Index", kHighestIndex, "a whole number from 1 to 32767");
@@ -143,7 +142,7 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
   std::sort(folders.begin(), folders.end());
   for (const std::string& folder : folders) {
     if (!HasProfileFile(hostFolder, folder)) {
-      if (const std::string why = WhyClosed(root / folder); !why.empty()) {
+      if (const std::string why = WhyClosed(hostFolder, folder); !why.empty()) {
         loaded.problems.push_back({folder, why});
       }
       continue;

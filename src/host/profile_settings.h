@@ -9,6 +9,9 @@
 
 namespace rotacasts::host {
 
+/// The highest UDP port.
+inline constexpr std::int32_t kHighestPort = 65535;
+
 /// One `profiles/<folder>/profile.ini`, section "Profile".
 struct ProfileSettings {
   std::int32_t index = 0;   // 1 to 32767
@@ -43,6 +46,10 @@ ProfileSettings ReadProfile(const std::string& hostFolder, const std::string& fo
 /// The place of a key in the profile's profile.ini, as "file:line".
 std::string PlaceInProfile(const std::string& hostFolder, const std::string& folder,
                            const std::string& key);
+
+/// Why the profile's folder cannot be entered, with what to do; empty if it can, and for what is no
+/// folder.
+std::string WhyClosed(const std::string& hostFolder, const std::string& folder);
 
 /// Whether the folder has a profile.ini, usable or not.
 bool HasProfileFile(const std::string& hostFolder, const std::string& folder);

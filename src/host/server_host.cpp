@@ -1,5 +1,6 @@
 #include "host/server_host.h"
 
+#include "base/word_list.h"
 #include "host/complaint.h"
 #include "host/message_hints.h"
 #include "machine/base64.h"
@@ -18,10 +19,7 @@ constexpr const char* kCannotBeWritten = "the file cannot be written";
 
 [[noreturn]] void RaiseUnchanged(const char* what, const HostedPlugin::Reply& reply,
                                  const std::string& likely) {
-  std::string reasons;
-  for (const std::string& problem : reply.problems) {
-    reasons += (reasons.empty() ? "" : "; ") + problem;
-  }
+  const std::string reasons = Join(reply.problems, "; ");
   throw Complaint(std::string(what) + ": " + (reasons.empty() ? likely : reasons));
 }
 

@@ -15,7 +15,7 @@ namespace rotacasts {
 /// to outlives it.
 class PluginState {
  public:
-  /// Makes what the errors are reported to, for a host that has its own way of telling of them.
+  /// Creates the error reporter of a host that reports errors in another way than by boxes.
   using MakeReporter = std::function<std::unique_ptr<ErrorReporter>(const HostServices& services,
                                                                     const ProfileTables& tables)>;
 

@@ -158,8 +158,11 @@ void CommandLine::AddRun() {
          [this](std::int64_t length) { options_.minute = std::chrono::milliseconds(length); },
          "how long a minute lasts, such as 1s or 300ms")
       ->type_name("TIME")
-      ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED, "TIME"))
-      ->check(CLI::PositiveNumber)
+      ->transform(
+          CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::UNIT_REQUIRED).description(""))
+      ->check([](const std::string& milliseconds) -> std::string {
+        return std::stoll(milliseconds) > 0 ? "" : "a minute takes some time, such as 1s";
+      })
       ->default_str("60s");
 }
 

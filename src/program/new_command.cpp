@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "base/text.h"
+#include "base/word_list.h"
 #include "game/game_builds.h"
 #include "host/new_profile.h"
 #include "machine/terminal.h"
@@ -20,14 +21,11 @@ std::string Ask(std::ostream& out, const std::string& question) {
 
 void AskForTheRest(NewProfile& profile, std::ostream& out) {
   if (profile.gameCode.empty()) {
-    std::string all;
-    for (const std::string& code : GameCodes()) all += (all.empty() ? "" : ", ") + code;
-    profile.gameCode = Ask(out, "Game code (" + all + ")");
+    profile.gameCode = Ask(out, "Game code (" + Join(GameCodes(), ", ") + ")");
   }
   if (profile.process.empty()) profile.process = Ask(out, "The server's program name");
   if (profile.target == 0) {
-    const std::string port = Ask(out, "The port of its chat");
-    profile.target = CLI::detail::lexical_cast(port, profile.target) ? profile.target : 0;
+    profile.target = WholeNumber(Ask(out, "The port of its chat")).value_or(0);
   }
 }
 

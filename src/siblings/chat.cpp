@@ -1,10 +1,10 @@
 #include "siblings/chat.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "base/word_list.h"
 
 namespace rotacasts::host {
 namespace {
@@ -25,9 +25,7 @@ std::string AsPosted(std::string_view text) {
 }
 
 void Chat::SetProgram(std::int32_t profile, const std::string& program) {
-  std::istringstream words(program);
-  std::vector<std::string> command;
-  for (std::string word; words >> word;) command.push_back(word);
+  std::vector<std::string> command = SplitWords(program);
   if (!command.empty()) {
     programs_[profile].program = std::move(command);
   } else if (const auto found = programs_.find(profile); found != programs_.end()) {

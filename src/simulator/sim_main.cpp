@@ -85,8 +85,8 @@ int main(int argc, char** argv) {
                "game-server-sim");
   app.add_option("--game-code", options.gameCode, "as in a profile, such as JO or JO_AFF")
       ->required();
-  app.add_option("--players", options.life.players)
-      ->check(CLI::Range(1, 250))
+  app.add_option("--players", options.life.players, "1 to 250")
+      ->check(CLI::Range(1, 250).description(""))
       ->capture_default_str();
   app.add_option("--seed", options.life.seed, "the same seed lives the same life")
       ->capture_default_str();

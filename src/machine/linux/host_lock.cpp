@@ -38,8 +38,12 @@ HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
   };
   file_ = std::make_unique<File>(path);
   if (file_->descriptor < 0) raise();
-  struct stat folder {};  // a host that root starts by hand leaves the file to the folder's owner
-  if (::stat(hostFolder.c_str(), &folder) == 0) {
+  // A host that root starts by hand leaves the file to the folder's owner, but no file that has
+  // another name elsewhere.
+  struct stat folder {};
+  struct stat lock {};
+  if (::stat(hostFolder.c_str(), &folder) == 0 && ::fstat(file_->descriptor, &lock) == 0 &&
+      S_ISREG(lock.st_mode) && lock.st_nlink == 1) {
     (void)!::fchown(file_->descriptor, folder.st_uid, folder.st_gid);
     (void)!::fchmod(file_->descriptor, folder.st_mode & 0666);
   }

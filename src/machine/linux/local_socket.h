@@ -21,7 +21,8 @@ class SocketDescriptor {
 };
 
 /// Listens at `name` in the folder, in place of what a host that was killed has left there. Only
-/// this process's user and root can connect. Errors: 57, with the path and the reason.
+/// this process's user and root can connect. Errors: 53 without the folder, 70 where this user may
+/// not make it, else 57; each with the path and the reason.
 SocketDescriptor ListenInFolder(const std::string& folder, const std::string& name);
 
 /// The next program that has connected; closed if there is none. Neither this descriptor nor

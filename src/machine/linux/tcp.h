@@ -1,4 +1,4 @@
-// Addresses and connections of a server, for a library that does the rest.
+// TCP addresses and connections of the page's server.
 #pragma once
 
 #include <memory>

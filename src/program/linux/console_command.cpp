@@ -3,6 +3,8 @@
 #include <iostream>
 #include <optional>
 
+#include "base/text.h"
+#include "base/word_list.h"
 #include "console/completion.h"
 #include "console/console_client.h"
 #include "host/profile_settings.h"
@@ -15,7 +17,8 @@ constexpr int kRefusedStatus = 1;
 constexpr int kNoHostStatus = 2;
 
 bool IsLeaving(const std::string& line) {
-  return line == "quit" || line == "exit";
+  const std::string_view command = TrimSpaces(line);
+  return command == "quit" || command == "exit";
 }
 
 std::vector<std::int32_t> IndexesIn(const std::string& hostFolder) {
@@ -52,9 +55,7 @@ int Talk(const std::string& hostFolder, const std::vector<std::string>& words) {
   if (words.empty()) {
     lines.emplace(loop, output, Asker(client, hostFolder));
   } else {
-    std::string line;
-    for (const std::string& word : words) line += (line.empty() ? "" : " ") + word;
-    client.Ask(line);
+    client.Ask(Join(words, " "));
     client.EndWhenAnswered();
   }
   loop.Run();
