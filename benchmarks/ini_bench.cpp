@@ -106,10 +106,14 @@ void AddDuels(int messages, std::vector<Duel>& duels) {
                    }});
 }
 
-/// A plugin that deletes the first message of a long list, again and again.
-class LongList {
+/// A plugin that deletes the first message of a list, again and again.
+class ShrinkingList {
  public:
-  LongList() : state_(platform_.Bundle(toolkit_)), plugin_(state_) {
+  explicit ShrinkingList(int messages)
+      : bytes_(MessageFileOf(messages)),
+        mostDeleted_(messages / 20),
+        state_(platform_.Bundle(toolkit_)),
+        plugin_(state_) {
     HostValue::Array data(pdat::kSize);
     data[pdat::kGameCode] = "JO";
     data[pdat::kProcessHandle] = data[pdat::kMessageTarget] = 1;
@@ -122,7 +126,7 @@ class LongList {
     plugin_.LoadInterface(1, 1, data_);
   }
   void DeleteFirst() {
-    if (++deleted_ % 500 == 0) folder_.Write(kFile, bytes_);  // to keep it long
+    if (++deleted_ % mostDeleted_ == 0) folder_.Write(kFile, bytes_);  // to keep it long
     std::string reply;
     platform_.Files().Run([&] { reply = plugin_.DeleteMessageRem(1, data_, 0); });
     if (reply != "1") std::abort();
@@ -138,7 +142,8 @@ class LongList {
 
  private:
   static constexpr const char* kFile = "profiles/srv1/settings/Rotacasts.ini";
-  const std::string bytes_ = MessageFileOf(10000);
+  const std::string bytes_;
+  const int mostDeleted_;
   TestFolder folder_;
   headless::TimerLoop timers_;
   headless::HeadlessToolkit toolkit_{timers_};
@@ -153,9 +158,12 @@ class LongList {
 
 std::vector<Duel> IniDuels() {
   std::vector<Duel> duels;
-  const auto list = std::make_shared<LongList>();
-  duels.push_back({"delete the first of 10000 messages", "one flushed write of that file", "2.00",
-                   [list] { list->DeleteFirst(); }, [list] { list->WriteOnce(); }});
+  for (const int messages : {100, 1000, 10000}) {
+    const auto list = std::make_shared<ShrinkingList>(messages);
+    duels.push_back({"delete the first of " + std::to_string(messages) + " messages",
+                     "one flushed write of that file", messages == 100 ? "2.00" : "",
+                     [list] { list->DeleteFirst(); }, [list] { list->WriteOnce(); }});
+  }
   for (const int messages : {10, 1000, 10000}) AddDuels(messages, duels);
   return duels;
 }

@@ -65,6 +65,48 @@ class BareReader {
   pid_t process_;
 };
 
+/// The least that a scan can cost: one read for the numbers, one for all slots at once.
+class VectoredScan {
+ public:
+  explicit VectoredScan(std::int64_t process) : process_(static_cast<pid_t>(process)) {}
+
+  void operator()() {
+    std::int32_t numbers[4];
+    const std::uint32_t places[] = {0x00B5DA1C, 0x00C8761C, 0x024E3EF0, 0x024C0CC4};
+    for (std::size_t i = 0; i < std::size(places); ++i)
+      Add(&numbers[i], places[i], sizeof numbers[i]);
+    Read();
+    const auto slots = static_cast<std::size_t>(numbers[1]) + 1;
+    bytes_.resize(slots * kPart);
+    for (std::size_t slot = 0; slot < slots; ++slot) {
+      Add(&bytes_[slot * kPart], static_cast<std::uint32_t>(numbers[3]) + 40 + slot * 100584,
+          kPart);
+    }
+    Read();
+  }
+
+ private:
+  static constexpr std::size_t kPart = 400;  // bytes of a slot, from its name to its last counter
+
+  void Add(void* to, std::uintptr_t address, std::size_t size) {
+    local_.push_back({to, size});
+    remote_.push_back({reinterpret_cast<void*>(address), size});
+  }
+  void Read() {
+    if (::process_vm_readv(process_, local_.data(), local_.size(), remote_.data(), remote_.size(),
+                           0) <= 0) {
+      std::abort();
+    }
+    local_.clear();
+    remote_.clear();
+  }
+
+  pid_t process_;
+  std::vector<iovec> local_;
+  std::vector<iovec> remote_;
+  std::vector<char> bytes_;
+};
+
 /// The exact calls of a scan of the common layout, in order.
 std::int32_t BareScan(const BareReader& reader) {
   std::int32_t sum = 0;
@@ -137,21 +179,26 @@ struct Arena {
   Server large{250};  // 251 slots
 };
 
-Duel ScanDuel(const std::string& slots, const Server& server, const std::shared_ptr<Arena>& arena,
-              bool readsAhead) {
+/// The scan with read-ahead against single reads and against the least of reads, and without.
+void AddScanDuels(const std::string& slots, const Server& server,
+                  const std::shared_ptr<Arena>& arena, std::vector<Duel>& duels) {
   const auto plugin = std::make_shared<Plugin>(server, arena->folder);
+  const auto scan = [plugin, arena] {
+    ScanPlayers({plugin->state.services, plugin->state.tables, 1}, kCommonLayout,
+                [](std::int32_t, const PlayerSlot&) {});
+  };
+  const auto scanAhead = [plugin, scan] {
+    plugin->platform.Processes().BeginTurn();
+    scan();
+    plugin->platform.Processes().EndTurn();
+  };
   const BareReader reader(server.process.Id());
+  const auto singly = [reader] { BareScan(reader); };
   const std::string job = "player scan, " + slots + " slots";
-  return {job + (readsAhead ? "" : ", no read-ahead"), "bare process_vm_readv loop",
-          readsAhead ? "0.25" : "1.10",
-          [plugin, arena, readsAhead] {
-            host::GameProcesses& processes = plugin->platform.Processes();
-            if (readsAhead) processes.BeginTurn();
-            ScanPlayers({plugin->state.services, plugin->state.tables, 1}, kCommonLayout,
-                        [](std::int32_t, const PlayerSlot&) {});
-            processes.EndTurn();
-          },
-          [reader] { BareScan(reader); }};
+  duels.push_back({job, "bare process_vm_readv loop", "0.25", scanAhead, singly});
+  duels.push_back({job + ", no read-ahead", "bare process_vm_readv loop", "1.10", scan, singly});
+  duels.push_back({job + ", limit", "two vectored process_vm_readv", "3.00", scanAhead,
+                   VectoredScan(server.process.Id())});
 }
 
 /// The profiles of a native host, all of them always due.
@@ -207,23 +254,23 @@ std::vector<Duel> ProcessDuels() {
   arena->folder.Write("settings/config.ini", "[Settings]\r\nReportErrors=0\r\n");
   const auto plugin = std::make_shared<Plugin>(arena->small, arena->folder);
   const auto bare = std::make_shared<BareTick>(arena->small, arena->folder.File(file));
-  return {ScanDuel("33", arena->small, arena, true),
-          ScanDuel("33", arena->small, arena, false),
-          ScanDuel("251", arena->large, arena, true),
-          ScanDuel("251", arena->large, arena, false),
-          CrowdDuel(arena),
-          {"tick that is not due", "bare read of the game state", "",
-           [plugin, arena] {
-             plugin->state.tables.ElapsedTicks(1) = 0;
-             plugin->Tick();
-           },
-           [bare] { bare->ReadState(); }},
-          {"tick that sends a plain text", "bare read, file read and sendto", "",
-           [plugin, arena] {
-             plugin->state.tables.ElapsedTicks(1) = 29;
-             plugin->Tick();
-           },
-           [bare] { bare->Send(); }}};
+  std::vector<Duel> duels;
+  AddScanDuels("33", arena->small, arena, duels);
+  AddScanDuels("251", arena->large, arena, duels);
+  duels.push_back(CrowdDuel(arena));
+  duels.push_back({"tick that is not due", "bare read of the game state", "",
+                   [plugin, arena] {
+                     plugin->state.tables.ElapsedTicks(1) = 0;
+                     plugin->Tick();
+                   },
+                   [bare] { bare->ReadState(); }});
+  duels.push_back({"tick that sends a plain text", "bare read, file read and sendto", "1.30",
+                   [plugin, arena] {
+                     plugin->state.tables.ElapsedTicks(1) = 29;
+                     plugin->Tick();
+                   },
+                   [bare] { bare->Send(); }});
+  return duels;
 }
 
 }  // namespace rotacasts::bench
