@@ -75,8 +75,8 @@ std::string ReadAll(const Descriptor& file, const std::filesystem::path& path) {
     const ssize_t count = ::read(file.Get(), bytes.data() + size, bytes.size() - size);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) Raise(errno, path);
-    if (count == 0) break;
     size += static_cast<std::size_t>(count);
+    if (count == 0 || size == expected) break;  // a file that had grown would have filled the room
     if (size == bytes.size()) bytes.resize(2 * size);
   }
   bytes.resize(size);
