@@ -33,8 +33,7 @@ SocketDescriptor Connect(const std::string& hostFolder) try {
   return ConnectSoon(hostFolder);
 } catch (const RuntimeError& error) {
   if (error.number == static_cast<std::int32_t>(ErrorNumber::FileNotFound)) {
-    throw Complaint("no host runs in " + hostFolder + "; \"rotacasts-host run --host-folder " +
-                    hostFolder + "\" starts one, or its service does");
+    ComplainOfNoHost(hostFolder);
   }
   if (error.number == static_cast<std::int32_t>(ErrorNumber::PermissionDenied)) {
     throw Complaint("only the user of the host in " + hostFolder +
@@ -46,7 +45,7 @@ SocketDescriptor Connect(const std::string& hostFolder) try {
 }  // namespace
 
 ConsoleClient::ConsoleClient(EventLoop& loop, const std::string& hostFolder, std::ostream& out)
-    : loop_(loop), out_(out), socket_(Connect(hostFolder)) {
+    : loop_(loop), out_(out), printer_(out), socket_(Connect(hostFolder)) {
   loop_.Watch(socket_.Get(), POLLIN, [this](short ready) { Handle(ready); });
 }
 
@@ -82,20 +81,14 @@ void ConsoleClient::Handle(short ready) {
   if ((ready & (POLLIN | POLLHUP | POLLERR)) == 0) return;
   char bytes[4096];
   const ssize_t count = ::recv(socket_.Get(), bytes, sizeof bytes, 0);
-  if (count > 0) return Print({bytes, static_cast<std::size_t>(count)});
+  if (count > 0) {
+    if (printer_.Print({bytes, static_cast<std::size_t>(count)})) AskNext();
+    return;
+  }
   if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
   isLost_ = true;
-  out_ << "the host has ended the connection\n" << std::flush;
+  out_ << kConnectionEnded << std::flush;
   loop_.Stop();
-}
-
-void ConsoleClient::Print(std::string_view answer) {
-  const char end[] = {kDone, kRefused};
-  const std::size_t size = std::min(answer.find_first_of(end, 0, sizeof end), answer.size());
-  out_ << answer.substr(0, size) << std::flush;
-  if (size == answer.size()) return;  // more is to come
-  wasRefused_ = wasRefused_ || answer[size] == kRefused;
-  AskNext();
 }
 
 }  // namespace rotacasts::host

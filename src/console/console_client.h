@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "console/console_protocol.h"
 #include "machine/linux/event_loop.h"
 #include "machine/linux/local_socket.h"
 
@@ -26,7 +27,7 @@ class ConsoleClient {
   /// Stops the loop when everything is answered.
   void EndWhenAnswered();
 
-  bool WasRefused() const { return wasRefused_; }
+  bool WasRefused() const { return printer_.WasRefused(); }
   /// Whether the host has ended the connection, because it ended itself or serves as many consoles
   /// as it can.
   bool IsLost() const { return isLost_; }
@@ -34,16 +35,15 @@ class ConsoleClient {
  private:
   void AskNext();
   void Handle(short ready);
-  void Print(std::string_view answer);
 
   EventLoop& loop_;
   std::ostream& out_;
+  AnswerPrinter printer_;
   SocketDescriptor socket_;
   std::deque<std::string> waiting_;
   std::string sending_;
   bool isAsking_ = false;
   bool endsWhenAnswered_ = false;
-  bool wasRefused_ = false;
   bool isLost_ = false;
 };
 

@@ -4,6 +4,11 @@
 #pragma once
 
 #include <cstddef>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "host/server_host.h"
 
 namespace rotacasts::host {
 
@@ -16,5 +21,39 @@ inline constexpr char kRefused = '\x15';
 
 /// The most bytes of one command, more than the longest message and its verb.
 inline constexpr std::size_t kLongestCommand = std::size_t{128} * 1024;
+
+/// How many consoles a host serves at a time: enough for everybody who looks after one machine.
+inline constexpr int kMostConsoles = 16;
+
+/// The answer to a command, and whether the console leaves after it.
+struct ConsoleAnswer {
+  std::string bytes;
+  bool isLast = false;
+};
+ConsoleAnswer AnswerCommand(ServerHost& host, const std::string& line);
+
+/// Prints the answers that arrive in pieces.
+class AnswerPrinter {
+ public:
+  explicit AnswerPrinter(std::ostream& out) : out_(out) {}
+  /// True if the piece is the last one of its answer.
+  bool Print(std::string_view piece);
+  /// Whether any command was refused.
+  bool WasRefused() const { return wasRefused_; }
+
+ private:
+  std::ostream& out_;
+  bool wasRefused_ = false;
+};
+
+/// Whether a console leaves by this line without asking the host.
+bool IsLeaving(std::string_view line);
+
+/// Raises what keeps a console from a folder without a host, with the way out.
+[[noreturn]] void ComplainOfNoHost(const std::string& hostFolder);
+
+// What a host without this service says, before the reason, and a console whose host ends.
+inline constexpr const char* kNoOtherConsoles = "\"rotacasts-host console\" cannot be used: ";
+inline constexpr const char* kConnectionEnded = "the host has ended the connection\n";
 
 }  // namespace rotacasts::host

@@ -5,17 +5,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <sstream>
 
-#include "console/console.h"
 #include "console/console_protocol.h"
-#include "console/plain_output.h"
 
 namespace rotacasts::host {
 namespace {
 
-/// Enough for everybody who looks after one machine.
-constexpr std::size_t kMostConnections = 16;
 /// How long to listen no more when the system has no descriptor left.
 constexpr std::chrono::milliseconds kPause{500};
 
@@ -48,7 +43,7 @@ void ConsoleServer::Accept() {
     listensAgain_ = EventLoop::Clock::now() + kPause;
     return;
   }
-  if (connections_.size() >= kMostConnections) return;
+  if (connections_.size() >= kMostConsoles) return;
   const int descriptor = socket.Get();
   connections_.emplace(descriptor, Connection{std::move(socket), {}, {}});
   loop_.Watch(descriptor, POLLIN, [this, descriptor](short) { Serve(descriptor); });
@@ -85,12 +80,9 @@ void ConsoleServer::AnswerNext(Connection& connection) {
   if (end == std::string::npos) return;
   const std::string line = connection.received.substr(0, end);
   connection.received.erase(0, end + 1);
-  std::ostringstream text;
-  PlainOutput plain(text);
-  const Console::Outcome outcome = Console(host_, plain).Execute(line);
-  connection.answer =
-      std::move(text).str() + (outcome == Console::Outcome::Refused ? kRefused : kDone);
-  connection.isEnding = outcome == Console::Outcome::Quit;
+  ConsoleAnswer answer = AnswerCommand(host_, line);
+  connection.answer = std::move(answer.bytes);
+  connection.isEnding = answer.isLast;
 }
 
 bool ConsoleServer::Send(Connection& connection) {

@@ -1,5 +1,4 @@
-// The command line's way to the console of a host that runs already. One implementation per
-// platform.
+// The command line's way to the console of a host that runs already.
 #pragma once
 
 #include <CLI/CLI.hpp>

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "console/console.h"
+#include "console/win32/console_pipe.h"
 #include "machine/win32/console_input.h"
 #include "machine/win32/unique_handle.h"
 #include "program/win32/frame_window.h"
@@ -66,25 +67,48 @@ DWORD StatusAfterItsConsoleIsClosed(HANDLE process) {
   return status;
 }
 
-TEST(RunHost, EndsInOrderWhenItsConsoleIsClosed) {
-  Installed();
-  const char* const profile = "C:\\Host\\profiles\\srv1\\profile.ini";
-  std::ofstream(profile) << "[Profile]\nIndex=1\nGameCode=JO\nProcess=none.exe\nTarget=4001\n";
+/// Starts rotacasts-host.exe with the arguments.
+win32::UniqueHandle StartHost(const std::wstring& arguments) {
   const auto program = OwnFolder() / "..\\..\\bin\\rotacasts-host.exe";
-  std::wstring command = L"\"" + program.wstring() + L"\" run --host-folder C:\\Host";
+  std::wstring command = L"\"" + program.wstring() + L"\" " + arguments;
   STARTUPINFOW start{};
   start.cb = sizeof start;
   PROCESS_INFORMATION started{};
-  ASSERT_NE(::CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
-                             nullptr, nullptr, &start, &started),
-            FALSE);
-  const win32::UniqueHandle process(started.hProcess);
-  const win32::UniqueHandle thread(started.hThread);
+  ::CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
+                   nullptr, &start, &started);
+  ::CloseHandle(started.hThread);
+  return win32::UniqueHandle(started.hProcess);
+}
+
+DWORD StatusOf(const std::wstring& arguments) {
+  const win32::UniqueHandle process = StartHost(arguments);
+  ::WaitForSingleObject(process.Get(), INFINITE);
+  DWORD status = STILL_ACTIVE;
+  ::GetExitCodeProcess(process.Get(), &status);
+  return status;
+}
+
+TEST(RunHost, AnswersAnotherConsoleAndEndsInOrderWhenItsOwnIsClosed) {
+  Installed();
+  const char* const profile = "C:\\Host\\profiles\\srv1\\profile.ini";
+  std::ofstream(profile) << "[Profile]\nIndex=1\nGameCode=JO\nProcess=none.exe\nTarget=4001\n";
+  const win32::UniqueHandle process = StartHost(L"run --host-folder C:\\Host");
   HWND frame = nullptr;
   while (frame == nullptr && ::WaitForSingleObject(process.Get(), 10) == WAIT_TIMEOUT) {
     frame = ::FindWindowW(L"rotacasts.host", nullptr);
   }
-  ::SendMessageW(frame, WM_NULL, 0, 0);  // answered once its message loop runs
+  const std::wstring console = L"console --host-folder c:\\host ";
+  EXPECT_EQ(StatusOf(console + L"add 1 From the pipe"), 0U);
+  EXPECT_EQ(StatusOf(console + L"delete 1 99"), 1U);
+  EXPECT_EQ(StatusOf(L"console --host-folder C:\\Elsewhere status"), 2U);
+  std::ostringstream out;
+  {
+    PipeToConsole pipe("C:\\Host", out);
+    EXPECT_TRUE(pipe.Ask("messages 1"));
+    EXPECT_FALSE(pipe.Ask(std::string(kLongestCommand, 'x')));  // ends this one connection
+  }
+  EXPECT_NE(out.str().find("From the pipe"), std::string::npos) << out.str();
+  EXPECT_EQ(StatusOf(console + L"delete 1 1"), 0U);
   EXPECT_EQ(StatusAfterItsConsoleIsClosed(process.Get()), 0U);
   std::filesystem::remove(profile);
 }

@@ -9,10 +9,10 @@
 namespace rotacasts::host {
 namespace {
 
-struct Lines {
-  HANDLE input;
+struct Receiver {
   HWND window;
   UINT message;
+  ConsoleReader lines = {};
 };
 
 /// The next bytes of the input; empty at its end. A console is read as UTF-16 because single-byte
@@ -30,10 +30,9 @@ std::string ReadPiece(HANDLE input) {
   return {bytes, count};
 }
 
-bool PostLine(const Lines& reader, std::string line) {
-  if (line.ends_with('\r')) line.pop_back();
+bool PostLine(const Receiver& receiver, std::string line) {
   auto copy = std::make_unique<std::string>(std::move(line));
-  if (::PostMessageW(reader.window, reader.message, 0, reinterpret_cast<LPARAM>(copy.get())) ==
+  if (::PostMessageW(receiver.window, receiver.message, 0, reinterpret_cast<LPARAM>(copy.get())) ==
       FALSE) {
     return false;
   }
@@ -41,23 +40,12 @@ bool PostLine(const Lines& reader, std::string line) {
   return true;
 }
 
-void ReadLines(const Lines& reader) {
-  std::string text;
-  for (std::string piece = ReadPiece(reader.input); !piece.empty();
-       piece = ReadPiece(reader.input)) {
-    text += piece;
-    for (auto end = text.find('\n'); end != text.npos; end = text.find('\n')) {
-      if (!PostLine(reader, text.substr(0, end))) return;
-      text.erase(0, end + 1);
-    }
-  }
-  if (!text.empty()) PostLine(reader, text);  // a last line without a line feed
-}
-
-DWORD WINAPI RunReader(void* parameter) {
-  const std::unique_ptr<Lines> reader(static_cast<Lines*>(parameter));
+DWORD WINAPI PostLines(void* parameter) {
+  const std::unique_ptr<Receiver> receiver(static_cast<Receiver*>(parameter));
   try {
-    ReadLines(*reader);
+    while (std::optional<std::string> line = receiver->lines.Next()) {
+      if (!PostLine(*receiver, *std::move(line))) break;
+    }
   } catch (...) {  // out of memory: only the console stops
   }
   return 0;
@@ -65,10 +53,25 @@ DWORD WINAPI RunReader(void* parameter) {
 
 }  // namespace
 
+std::optional<std::string> ConsoleReader::Next() {
+  std::size_t end = text_.find('\n');
+  while (end == text_.npos) {
+    const std::string piece = ReadPiece(input_);
+    if (piece.empty() && text_.empty()) return std::nullopt;
+    text_ += piece.empty() ? "\n" : piece;  // a last line needs no line feed
+    end = text_.find('\n');
+  }
+  std::string line = text_.substr(0, end);
+  text_.erase(0, end + 1);
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
+}
+
 void PostConsoleLines(HWND window, UINT message) {
-  auto reader = std::make_unique<Lines>(Lines{::GetStdHandle(STD_INPUT_HANDLE), window, message});
-  const win32::UniqueHandle thread(::CreateThread(nullptr, 0, RunReader, reader.get(), 0, nullptr));
-  if (thread) static_cast<void>(reader.release());
+  auto receiver = std::make_unique<Receiver>(Receiver{window, message});
+  const win32::UniqueHandle thread(
+      ::CreateThread(nullptr, 0, PostLines, receiver.get(), 0, nullptr));
+  if (thread) static_cast<void>(receiver.release());
 }
 
 }  // namespace rotacasts::host

@@ -14,8 +14,11 @@ class UniqueHandle {
   explicit UniqueHandle(HANDLE handle)
       : handle_(handle != INVALID_HANDLE_VALUE ? handle : nullptr) {}
   ~UniqueHandle() { Close(); }
-  UniqueHandle(const UniqueHandle&) = delete;
-  UniqueHandle& operator=(const UniqueHandle&) = delete;
+  UniqueHandle(UniqueHandle&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  UniqueHandle& operator=(UniqueHandle&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
 
   HANDLE Get() const { return handle_; }
   explicit operator bool() const { return handle_ != nullptr; }

@@ -6,6 +6,7 @@
 
 #include "console/completion.h"
 #include "console/console.h"
+#include "console/console_protocol.h"
 #include "console/console_server.h"
 #include "host/headless_plugin.h"
 #include "machine/linux/console_lines.h"
@@ -62,7 +63,7 @@ std::unique_ptr<ConsoleServer> ServeOtherConsoles(EventLoop& loop, ServerHost& h
   try {
     return std::make_unique<ConsoleServer>(loop, host);
   } catch (const RuntimeError& error) {
-    out << "\"rotacasts-host console\" cannot be used: " << error.description << "\n";
+    out << kNoOtherConsoles << error.description << "\n";
     return nullptr;
   }
 }

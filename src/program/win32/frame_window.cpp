@@ -242,6 +242,9 @@ LRESULT FrameWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     case kConsoleLine:
       HandleLine(lParam);
       return 0;
+    case kConsoleQuestion:
+      if (onConsoleQuestion) onConsoleQuestion(*reinterpret_cast<ConsoleQuestion*>(lParam));
+      return 0;
     case WM_ENDSESSION:
       if (wParam != FALSE && onSessionEnd) onSessionEnd();
       return 0;

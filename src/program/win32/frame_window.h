@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "console/win32/console_pipe.h"
 #include "forms/win32/gdi.h"
 #include "host/hosted_plugin.h"
 
@@ -32,6 +33,9 @@ class FrameWindow final : public PluginSite {
   /// The person logs off or the machine is shut down: the process may end once this has returned.
   std::function<void()> onSessionEnd;
   static constexpr UINT kConsoleLine = WM_APP + 1;
+  /// A question of another console arrived (kConsoleQuestion).
+  std::function<void(ConsoleQuestion& question)> onConsoleQuestion;
+  static constexpr UINT kConsoleQuestion = WM_APP + 2;
 
   HWND Window() const { return window_; }
   PluginArea Area() const override;

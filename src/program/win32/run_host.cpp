@@ -42,6 +42,15 @@ std::vector<FrameWindow::Row> RowsOf(const HostProfiles& profiles) {
   return rows;
 }
 
+void ServeOtherConsoles(const std::string& hostFolder, const FrameWindow& frame,
+                        std::ostream& out) {
+  try {
+    ServeConsolePipe(hostFolder, frame.Window(), FrameWindow::kConsoleQuestion);
+  } catch (const RuntimeError& error) {
+    out << kNoOtherConsoles << error.description << "\n" << std::flush;
+  }
+}
+
 }  // namespace
 
 void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
@@ -58,13 +67,18 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   frame.onConsoleLine = [&](const std::string& line) {
     return console.Execute(line) != Console::Outcome::Quit;
   };
+  frame.onConsoleQuestion = [&](ConsoleQuestion& question) {
+    question.answer = AnswerCommand(host, question.line);
+  };
   frame.onSessionEnd = [&] { host.Unload(); };
   console.Start();
   PostConsoleLines(frame.Window(), FrameWindow::kConsoleLine);
+  ServeOtherConsoles(options.folder, frame, out);
   frameToClose = frame.Window();
   ::SetConsoleCtrlHandler(CloseFrame, TRUE);
   RunMessageLoop(frame);  // the handler stays: taking it away would wait for it, if it is at work
   frame.onConsoleLine = nullptr;
+  frame.onConsoleQuestion = nullptr;
   frame.onSessionEnd = nullptr;
   host.Unload();
 }

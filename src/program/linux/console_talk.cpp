@@ -1,9 +1,8 @@
-#include "program/console_command.h"
+#include "program/console_talk.h"
 
 #include <iostream>
 #include <optional>
 
-#include "base/text.h"
 #include "base/word_list.h"
 #include "console/completion.h"
 #include "console/console_client.h"
@@ -12,14 +11,6 @@
 
 namespace rotacasts::host {
 namespace {
-
-constexpr int kRefusedStatus = 1;
-constexpr int kNoHostStatus = 2;
-
-bool IsLeaving(const std::string& line) {
-  const std::string_view command = TrimSpaces(line);
-  return command == "quit" || command == "exit";
-}
 
 std::vector<std::int32_t> IndexesIn(const std::string& hostFolder) {
   std::vector<std::int32_t> indexes;
@@ -45,8 +36,9 @@ LineEditor::Person Asker(ConsoleClient& client, const std::string& hostFolder) {
           }};
 }
 
-/// Returns the exit status.
-int Talk(const std::string& hostFolder, const std::vector<std::string>& words) {
+}  // namespace
+
+int TalkToHost(const std::string& hostFolder, const std::vector<std::string>& words) {
   EventLoop loop;
   ConsoleOutput output(loop);
   std::ostream out(&output);
@@ -61,18 +53,6 @@ int Talk(const std::string& hostFolder, const std::vector<std::string>& words) {
   loop.Run();
   if (client.IsLost()) return kNoHostStatus;
   return client.WasRefused() ? kRefusedStatus : 0;
-}
-
-}  // namespace
-
-void AddConsoleCommand(CLI::App& program, const HostOptions& options, int& status,
-                       const std::function<void(CLI::App&)>& addFolder) {
-  CLI::App* console = program.add_subcommand(
-      "console", "Talk to the host that runs in a folder, or give it the command that follows");
-  addFolder(*console);
-  console->prefix_command();
-  console->callback(
-      [console, &options, &status] { status = Talk(options.folder, console->remaining()); });
 }
 
 }  // namespace rotacasts::host
