@@ -22,7 +22,7 @@ std::string DescribeError(const std::string& label, const RuntimeError& error,
 /// What a profile does again and again, and what can therefore fail again and again.
 struct Work {
   std::int32_t profile = 0;
-  enum class Kind { Tick, Chat };
+  enum class Kind { Tick, Chat, Host };
   Kind kind = Kind::Tick;
 
   auto operator<=>(const Work&) const = default;

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 #include <optional>
+#include <string_view>
 
 #include "base/version.h"
 #include "check/check.h"
@@ -25,6 +26,7 @@ using namespace rotacasts::host;
 
 constexpr int kCannotWork = 2;
 constexpr int kTaken = 3;
+constexpr int kFailed = 4;
 
 std::ostream& Out() {
   static PlainOutput out(std::cout);
@@ -36,7 +38,8 @@ std::ostream& Errors() {
   return errors;
 }
 
-int RunProfiles(const HostOptions& options) {
+/// Runs the folder's profiles, unless another host does. Returns the exit status.
+int RunProfiles(const HostOptions& options, const std::function<HostRunner>& run) {
   HostProfiles profiles(options.folder, Out());
   profiles.PrintSkipped();
   std::optional<HostLock> lock;
@@ -55,8 +58,18 @@ int RunProfiles(const HostOptions& options) {
              << options.folder << "\" sets one up, \"check\" says what is wrong with one\n";
     return kCannotWork;
   }
-  RunHost(profiles, options, Out());
+  run(profiles, options, Out());
   return 0;
+}
+
+int RunHeadless(const HostOptions& options) {
+  HostRun host;
+  return RunProfiles(options, [&host](HostProfiles& profiles, const HostOptions& given,
+                                      std::ostream& out) { host.Run(profiles, given, out); });
+}
+
+int RunWindow(const HostOptions& options) {
+  return RunProfiles(options, kRunInWindow);
 }
 
 /// The profiles that the user named, or all of them.
@@ -101,7 +114,18 @@ int Check(const HostOptions& options) {
 
 constexpr const char* kExitStatus =
     "Exit status: 0 done; 1 check has a warning, or preview misses a profile or its game server;\n"
-    "2 the call is wrong, or the host cannot work there; 3 another host works in the folder.";
+    "2 the call is wrong, or the host cannot work there; 3 another host works in the folder;\n"
+    "4 something failed that may work next time, as when the memory ran out.";
+
+/// 2 for what fails until a person changes the call or the folder, 4 for anything else.
+int StatusOf(const RuntimeError& error) {
+  for (const ErrorNumber lasting : {ErrorNumber::InvalidProcedureCall, ErrorNumber::FileNotFound,
+                                    ErrorNumber::FileAlreadyExists, ErrorNumber::PermissionDenied,
+                                    ErrorNumber::PathFileAccessError, ErrorNumber::PathNotFound}) {
+    if (error.Is(lasting)) return kCannotWork;
+  }
+  return kFailed;
+}
 
 class CommandLine {
  public:
@@ -111,7 +135,7 @@ class CommandLine {
 
  private:
   CLI::App& Add(const char* name, const char* help, int (*command)(const HostOptions&));
-  void AddRun();
+  void AddRun(const char* name, const char* help, int (*command)(const HostOptions&));
   void AddFolder(CLI::App& command);
   /// Reports a wrong call and names the mistake.
   int Refuse(const CLI::ParseError& error) const;
@@ -129,7 +153,10 @@ CommandLine::CommandLine() {
   app_.require_subcommand(1);
   const auto addFolder = [this](CLI::App& command) { AddFolder(command); };
   AddNewCommand(app_, options_, Out(), addFolder);
-  AddRun();
+  AddRun("run", "Start every profile and listen to the console", RunHeadless);
+  if (kRunInWindow != nullptr) {
+    AddRun("window", "Do the same in a window, with the plugin's DLL", RunWindow);
+  }
   Add("preview", "Print what every message would say at this moment", PrintPreviews)
       .add_option("--profile", options_.profiles, "only these profiles");
   Add("check", "Look the whole folder over and warn of what would surprise", Check)
@@ -147,9 +174,9 @@ CLI::App& CommandLine::Add(const char* name, const char* help, int (*command)(co
   return *added;
 }
 
-void CommandLine::AddRun() {
+void CommandLine::AddRun(const char* name, const char* help, int (*command)(const HostOptions&)) {
   const std::map<std::string, std::int64_t> units = {{"ms", 1}, {"s", 1000}, {"m", 60000}};
-  CLI::App& run = Add("run", "Start every profile and listen to the console", RunProfiles);
+  CLI::App& run = Add(name, help, command);
   run.add_option("--admin", options_.administrator, "who the console's changes are logged under")
       ->capture_default_str();
   run.add_flag("--shared-log", options_.sharedLog, "log changes for the whole host");
@@ -199,12 +226,14 @@ int CommandLine::Run(int argc, char** argv) try {
 } catch (const CLI::ParseError& error) {
   return Refuse(error);
 } catch (...) {
-  Errors() << "rotacasts-host: " << CurrentRuntimeError().description << "\n";
-  return kCannotWork;
+  const RuntimeError error = CurrentRuntimeError();
+  Errors() << "rotacasts-host: " << error.description << "\n";
+  return StatusOf(error);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc > 1 && std::string_view(argv[1]) == "run") HoldSignals();
   return CommandLine().Run(argc, argv);
 }

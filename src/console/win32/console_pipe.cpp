@@ -80,8 +80,7 @@ std::string ReadPiece(HANDLE pipe) {
 
 struct Server {
   std::wstring name;
-  HWND window;
-  UINT message;
+  std::function<ConsoleAnswer(const std::string&)> ask;
 };
 
 struct Connection {
@@ -90,13 +89,9 @@ struct Connection {
 };
 
 /// False when the connection is to end.
-bool AnswerLine(const Connection& connection, std::string line) {
-  ConsoleQuestion question{std::move(line)};
-  ::SendMessageW(connection.server.window, connection.server.message, 0,
-                 reinterpret_cast<LPARAM>(&question));
-  const ConsoleAnswer& answer = question.answer;
-  if (answer.bytes.empty()) return false;  // the window is gone
-  return WriteAll(connection.pipe.Get(), answer.bytes) && !answer.isLast;
+bool AnswerLine(const Connection& connection, const std::string& line) {
+  const ConsoleAnswer answer = connection.server.ask(line);
+  return !answer.bytes.empty() && WriteAll(connection.pipe.Get(), answer.bytes) && !answer.isLast;
 }
 
 void Answer(const Connection& connection) {
@@ -171,7 +166,8 @@ win32::UniqueHandle Connect(const std::string& hostFolder) {
 
 }  // namespace
 
-void ServeConsolePipe(const std::string& hostFolder, HWND window, UINT message) {
+void ServeConsolePipe(const std::string& hostFolder,
+                      std::function<ConsoleAnswer(const std::string&)> ask) {
   std::wstring name = NameOf(hostFolder);
   win32::UniqueHandle first = NewInstance(name, true);
   if (!first) {
@@ -179,8 +175,15 @@ void ServeConsolePipe(const std::string& hostFolder, HWND window, UINT message) 
                                                        " can be made (error " +
                                                        std::to_string(::GetLastError()) + ")");
   }
-  StartThread(AcceptConsoles, std::make_unique<Connection>(Connection{
-                                  {std::move(name), window, message}, std::move(first)}));
+  StartThread(AcceptConsoles, std::make_unique<Connection>(
+                                  Connection{{std::move(name), std::move(ask)}, std::move(first)}));
+}
+
+void ServeOtherConsoles(const std::string& hostFolder, std::ostream& out,
+                        std::function<ConsoleAnswer(const std::string&)> ask) try {
+  ServeConsolePipe(hostFolder, std::move(ask));
+} catch (const RuntimeError& error) {
+  out << kNoOtherConsoles << error.description << "\n" << std::flush;
 }
 
 PipeToConsole::PipeToConsole(const std::string& hostFolder, std::ostream& out)

@@ -1,26 +1,25 @@
 // The console of a running host, for the programs of whoever may use its pipe.
 #pragma once
 
+#include <functional>
 #include <ostream>
 #include <string>
 
-#include "com/windows_api.h"
 #include "console/console_protocol.h"
 #include "machine/win32/unique_handle.h"
 
 namespace rotacasts::host {
 
-/// A command on its way to the thread of the windows, and its answer on the way back.
-struct ConsoleQuestion {
-  std::string line;
-  ConsoleAnswer answer = {};
-};
+/// Answers the commands that arrive for the host in a folder from now on: `ask` is called with
+/// each, on threads of the pipe, and an empty answer ends the connection. Only the process's user
+/// and administrators can connect, from this machine. The threads end with the process. Errors: 57
+/// if the system has no pipe left.
+void ServeConsolePipe(const std::string& hostFolder,
+                      std::function<ConsoleAnswer(const std::string& line)> ask);
 
-/// Takes the commands that arrive for the host in a folder from now on, and sends each to `window`:
-/// as `message`, whose lParam is a ConsoleQuestion* to be answered before it returns. Only the
-/// process's user and administrators can connect, from this machine. The threads end with the
-/// process. Errors: 57 if the system has no pipe left.
-void ServeConsolePipe(const std::string& hostFolder, HWND window, UINT message);
+/// The same for a host that goes on without it: then `out` gets the reason.
+void ServeOtherConsoles(const std::string& hostFolder, std::ostream& out,
+                        std::function<ConsoleAnswer(const std::string& line)> ask);
 
 /// A shell's way to the console of a running host.
 class PipeToConsole {

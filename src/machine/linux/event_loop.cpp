@@ -8,21 +8,37 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 #include "base/runtime_error.h"
 
 namespace rotacasts::host {
+namespace {
+
+/// The signals that the loop handles.
+sigset_t Handled() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+  return signals;
+}
+
+}  // namespace
 
 /// Blocks the signals that the loop handles and reads them from a descriptor. The destructor
 /// restores what was set before.
 struct EventLoop::Signals {
   Signals() {
-    sigset_t taken;
-    sigemptyset(&taken);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&taken, signal);
+    const sigset_t taken = Handled();
     sigprocmask(SIG_BLOCK, &taken, &maskBefore);
     descriptor = ::signalfd(-1, &taken, SFD_CLOEXEC | SFD_NONBLOCK);
+    if (descriptor < 0) {
+      const int problem = errno;
+      sigprocmask(SIG_SETMASK, &maskBefore, nullptr);
+      throw RuntimeError(ErrorNumber::DeviceIoError,
+                         std::string("cannot take signals (") + std::strerror(problem) + ")");
+    }
     pipeBefore = ::signal(SIGPIPE, SIG_IGN);
   }
   ~Signals() {
@@ -64,6 +80,11 @@ const timespec* Until(std::optional<EventLoop::Clock::time_point> time, timespec
 
 const short EventLoop::kReadable = POLLIN;
 
+void EventLoop::BlockSignals() {
+  const sigset_t taken = Handled();
+  sigprocmask(SIG_BLOCK, &taken, nullptr);
+}
+
 EventLoop::EventLoop() : signals_(std::make_unique<Signals>()) {}
 EventLoop::~EventLoop() = default;
 
@@ -71,61 +92,44 @@ void EventLoop::Watch(int descriptor, short events, std::function<void(short)> o
   watches_[descriptor] = {events, std::move(onReady), ++lastNumber_};
 }
 
-void EventLoop::AddDeadline(std::function<std::optional<Clock::time_point>()> next,
-                            std::function<void()> run) {
-  deadlines_.push_back({std::move(next), std::move(run)});
-}
-
-std::optional<EventLoop::Clock::time_point> EventLoop::FirstDeadline() const {
-  std::optional<Clock::time_point> first;
-  for (const Deadline& deadline : deadlines_) {
-    const auto next = deadline.next();
-    if (next && (!first || *next < *first)) first = next;
-  }
-  return first;
-}
-
 bool EventLoop::TakeSignals() {
   for (int signal = signals_->Next(); signal != 0; signal = signals_->Next()) {
     if (signal != SIGHUP) return false;
-    if (onReload) onReload();
+    if (onReload) Guard(onReload);
   }
   return true;
 }
 
-void EventLoop::RunTurn() {
-  std::vector<pollfd> sources = {{signals_->descriptor, POLLIN, 0}};
-  std::vector<std::int64_t> numbers = {0};
+void EventLoop::Wait(std::optional<Clock::time_point> latest) {
+  sources_ = {{signals_->descriptor, POLLIN, 0}};
+  numbers_ = {0};
   for (const auto& [descriptor, watch] : watches_) {
-    sources.push_back({descriptor, watch.events, 0});
-    numbers.push_back(watch.number);
+    sources_.push_back({descriptor, watch.events, 0});
+    numbers_.push_back(watch.number);
   }
   timespec wait{};
-  if (::ppoll(sources.data(), sources.size(), Until(FirstDeadline(), wait), nullptr) < 0) {
-    if (errno == EINTR) return;
-    throw RuntimeError(ErrorNumber::DeviceIoError,
-                       std::string("cannot wait (") + std::strerror(errno) + ")");
-  }
-  for (const auto& hook : turnBegins_) hook();
-  if (sources[0].revents != 0 && !TakeSignals()) return Stop();
-  for (std::size_t i = 1; i < sources.size() && !isStopped_; ++i) {
-    const auto found = watches_.find(sources[i].fd);
-    if (sources[i].revents == 0 || found == watches_.end()) continue;
-    if (found->second.number != numbers[i]) continue;  // replaced by a later Watch
-    const auto onReady = found->second.onReady;        // survives an Unwatch by the callback
-    onReady(sources[i].revents);
-  }
-  for (const Deadline& deadline : deadlines_) {
-    if (isStopped_) return;
-    const auto next = deadline.next();
-    if (next && *next <= Clock::now()) deadline.run();
-  }
-  for (const auto& hook : turnEnds_) hook();
+  if (::ppoll(sources_.data(), sources_.size(), Until(latest, wait), nullptr) >= 0) return;
+  const int problem = errno;
+  for (pollfd& source : sources_) source.revents = 0;
+  if (problem == EINTR) return;
+  sources_[0].revents = POLLIN;  // a signal may have come; looking for one does not wait
+  throw RuntimeError(ErrorNumber::DeviceIoError,
+                     std::string("cannot wait (") + std::strerror(problem) + ")");
 }
 
-void EventLoop::Run() {
-  isStopped_ = false;
-  while (!isStopped_) RunTurn();
+void EventLoop::HandleReady() {
+  if (sources_.at(0).revents != 0 && !TakeSignals()) return Stop();
+  for (std::size_t i = 1; i < sources_.size() && !IsStopped(); ++i) {
+    const auto found = watches_.find(sources_[i].fd);
+    if (sources_[i].revents == 0 || found == watches_.end()) continue;
+    if (found->second.number != numbers_[i]) continue;  // replaced by a later Watch
+    const auto onReady = found->second.onReady;         // survives an Unwatch by the callback
+    Guard([&] { onReady(sources_[i].revents); });
+  }
+}
+
+void EventLoop::Sleep(std::chrono::milliseconds time) {
+  std::this_thread::sleep_for(time);
 }
 
 }  // namespace rotacasts::host

@@ -9,23 +9,27 @@
 #include <optional>
 #include <vector>
 
+#include "machine/turn_loop.h"
+
+struct pollfd;
+
 namespace rotacasts::host {
 
-/// Runs everything on one thread, in turns: waits until something is ready, then handles all of it.
 /// A part of the program joins with a descriptor or a deadline; a library that has an event loop
-/// (one descriptor and one timeout) joins with both.
-///
-/// Callbacks must not block, because nothing else runs in the meantime. They may watch and unwatch
-/// any descriptor and stop the loop. Run passes on what they throw.
-class EventLoop {
+/// (one descriptor and one timeout) joins with both. Callbacks may watch and unwatch any
+/// descriptor. SIGHUP asks to reload, SIGINT and SIGTERM to end.
+class EventLoop final : public TurnLoop {
  public:
-  using Clock = std::chrono::steady_clock;
   static const short kReadable;  // POLLIN
+
+  /// Makes SIGINT, SIGTERM and SIGHUP wait from now on, for a loop made later. They wait after its
+  /// end too, so that none of them can end a program that is ending by itself.
+  static void BlockSignals();
 
   /// While the object exists, SIGINT, SIGTERM and SIGHUP wait until Run handles them, and SIGPIPE
   /// is ignored, so that a write without a reader just fails. Only one loop may exist at a time.
   EventLoop();
-  ~EventLoop();
+  ~EventLoop() override;
   EventLoop(const EventLoop&) = delete;
   EventLoop& operator=(const EventLoop&) = delete;
 
@@ -38,48 +42,25 @@ class EventLoop {
   /// watched.
   void Unwatch(int descriptor) { watches_.erase(descriptor); }
 
-  /// Asks `next` before each wait when to wake up at the latest (nullopt for never), and calls
-  /// `run` once that time has come. Lasts as long as the loop.
-  void AddDeadline(std::function<std::optional<Clock::time_point>()> next,
-                   std::function<void()> run);
-
-  /// Called at the beginning of every turn, before anything is handled; in the order of adding.
-  void AtTurnBegin(std::function<void()> hook) { turnBegins_.push_back(std::move(hook)); }
-  /// Called at the end of every turn, before the next wait.
-  void AtTurnEnd(std::function<void()> hook) { turnEnds_.push_back(std::move(hook)); }
-
-  /// Called for SIGHUP.
-  std::function<void()> onReload;
-
-  /// Runs turns until Stop is called or SIGINT or SIGTERM arrives; then skips the rest of the turn.
-  /// Errors: 57 if the system cannot wait.
-  void Run();
-  void Stop() { isStopped_ = true; }
-
  private:
   struct WatchEntry {
     short events;
     std::function<void(short)> onReady;
     std::int64_t number;  // distinguishes it from a later watch of the same descriptor
   };
-  struct Deadline {
-    std::function<std::optional<Clock::time_point>()> next;
-    std::function<void()> run;
-  };
   struct Signals;
 
-  std::optional<Clock::time_point> FirstDeadline() const;
+  void Wait(std::optional<Clock::time_point> latest) override;
+  void HandleReady() override;
+  void Sleep(std::chrono::milliseconds time) override;
   /// False if the program should end.
   bool TakeSignals();
-  void RunTurn();
 
   std::unique_ptr<Signals> signals_;
   std::map<int, WatchEntry> watches_;
-  std::vector<Deadline> deadlines_;
-  std::vector<std::function<void()>> turnBegins_;
-  std::vector<std::function<void()>> turnEnds_;
   std::int64_t lastNumber_ = 0;
-  bool isStopped_ = false;
+  std::vector<pollfd> sources_;        // of this turn; the first one is of the signals
+  std::vector<std::int64_t> numbers_;  // the watches that they belong to
 };
 
 }  // namespace rotacasts::host

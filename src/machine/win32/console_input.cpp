@@ -10,8 +10,7 @@ namespace rotacasts::host {
 namespace {
 
 struct Receiver {
-  HWND window;
-  UINT message;
+  std::function<bool(std::optional<std::string>)> deliver;
   ConsoleReader lines = {};
 };
 
@@ -30,21 +29,13 @@ std::string ReadPiece(HANDLE input) {
   return {bytes, count};
 }
 
-bool PostLine(const Receiver& receiver, std::string line) {
-  auto copy = std::make_unique<std::string>(std::move(line));
-  if (::PostMessageW(receiver.window, receiver.message, 0, reinterpret_cast<LPARAM>(copy.get())) ==
-      FALSE) {
-    return false;
-  }
-  static_cast<void>(copy.release());
-  return true;
-}
-
-DWORD WINAPI PostLines(void* parameter) {
+DWORD WINAPI DeliverLines(void* parameter) {
   const std::unique_ptr<Receiver> receiver(static_cast<Receiver*>(parameter));
   try {
-    while (std::optional<std::string> line = receiver->lines.Next()) {
-      if (!PostLine(*receiver, *std::move(line))) break;
+    for (bool hasMore = true; hasMore;) {
+      std::optional<std::string> line = receiver->lines.Next();
+      hasMore = line.has_value();
+      if (!receiver->deliver(std::move(line))) break;
     }
   } catch (...) {  // out of memory: only the console stops
   }
@@ -67,10 +58,10 @@ std::optional<std::string> ConsoleReader::Next() {
   return line;
 }
 
-void PostConsoleLines(HWND window, UINT message) {
-  auto receiver = std::make_unique<Receiver>(Receiver{window, message});
+void ReadConsoleLines(std::function<bool(std::optional<std::string>)> deliver) {
+  auto receiver = std::make_unique<Receiver>(Receiver{std::move(deliver)});
   const win32::UniqueHandle thread(
-      ::CreateThread(nullptr, 0, PostLines, receiver.get(), 0, nullptr));
+      ::CreateThread(nullptr, 0, DeliverLines, receiver.get(), 0, nullptr));
   if (thread) static_cast<void>(receiver.release());
 }
 

@@ -1,6 +1,7 @@
-// Passes the console's lines to the thread of the windows.
+// Passes the console's lines on.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -19,9 +20,8 @@ class ConsoleReader {
   std::string text_;  // was read, and is no whole line yet
 };
 
-/// Posts every line of the standard input to `window` from now on: as `message`, whose lParam is a
-/// std::string* in UTF-8 that the receiver must delete. Stops at the end of the input or of the
-/// window.
-void PostConsoleLines(HWND window, UINT message);
+/// Hands every line of the standard input to `deliver` from now on, on a thread that waits for
+/// them; nullopt once at the end of the input. Stops there, or when `deliver` returns false.
+void ReadConsoleLines(std::function<bool(std::optional<std::string> line)> deliver);
 
 }  // namespace rotacasts::host

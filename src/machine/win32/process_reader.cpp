@@ -17,6 +17,7 @@ namespace rotacasts::host {
 namespace {
 
 constexpr std::size_t kPage = 4096;
+constexpr DWORD kUnknown = 0;  // the owner of a port where the system does not tell, as under Wine
 
 /// Opens a process. A number beyond the range of process identifiers counts as no process, because
 /// a truncated one would name another process.
@@ -114,10 +115,14 @@ std::vector<ProcessId> FindProcesses(const std::string& programName) {
 }
 
 HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port) {
-  const bool holds = IsInUdpTable([&](const MIB_UDPROW_OWNER_PID& row) {
-    return row.dwOwningPid == process && row.dwLocalPort == ::htons(port);
+  HoldsPort holds = HoldsPort::No;
+  IsInUdpTable([&](const MIB_UDPROW_OWNER_PID& row) {
+    if (row.dwLocalPort != ::htons(port)) return false;
+    if (row.dwOwningPid == process) holds = HoldsPort::Yes;
+    if (row.dwOwningPid == kUnknown) holds = HoldsPort::Perhaps;
+    return holds == HoldsPort::Yes;
   });
-  return holds ? HoldsPort::Yes : HoldsPort::No;
+  return holds;
 }
 
 bool ReceivesUdp(std::uint16_t port) {

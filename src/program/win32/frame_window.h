@@ -6,11 +6,17 @@
 #include <string>
 #include <vector>
 
-#include "console/win32/console_pipe.h"
+#include "console/console_protocol.h"
 #include "forms/win32/gdi.h"
 #include "host/hosted_plugin.h"
 
 namespace rotacasts::host {
+
+/// A command of another console, on its way to the frame's thread, and its answer on the way back.
+struct ConsoleQuestion {
+  std::string line;
+  ConsoleAnswer answer = {};
+};
 
 /// A top-level window, visible from the start and destroyed with this object. Closing it ends the
 /// message loop.

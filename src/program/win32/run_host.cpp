@@ -1,86 +1,52 @@
 #include "program/run_host.h"
 
-#include <atomic>
-
-#include "console/console.h"
+#include "console/win32/console_pipe.h"
+#include "machine/win32/console_end.h"
 #include "machine/win32/console_input.h"
-#include "program/win32/frame_window.h"
-#include "program/win32/late_bound_plugin.h"
-#include "siblings/win32/sibling_objects.h"
+#include "machine/win32/event_loop.h"
+#include "machine/win32/program_starter.h"
+#include "program/headless_host.h"
 
 namespace rotacasts::host {
 namespace {
 
-/// Initialises COM on this thread.
-class Apartment {
- public:
-  Apartment() { ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
-  ~Apartment() { ::CoUninitialize(); }
-  Apartment(const Apartment&) = delete;
-  Apartment& operator=(const Apartment&) = delete;
-};
-
-constexpr DWORD kLongestEnd = 10000;  // milliseconds; the system itself may wait for less
-
-std::atomic<HWND> frameToClose = nullptr;
-
-/// Closes the frame for Ctrl-C, and when the console is closed. Called on a thread of its own. Once
-/// it has returned the system ends the process, so it waits for that to come about in due order,
-/// which ends this thread too.
-BOOL WINAPI CloseFrame(DWORD event) {
-  const BOOL isPosted = ::PostMessageW(frameToClose, WM_CLOSE, 0, 0);
-  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) ::Sleep(kLongestEnd);
-  return isPosted;
-}
-
-std::vector<FrameWindow::Row> RowsOf(const HostProfiles& profiles) {
-  std::vector<FrameWindow::Row> rows;
-  for (const auto& [index, profile] : profiles.All()) {
-    rows.push_back(
-        {index, std::to_string(index) + "  " + profile.folder + "  (" + profile.gameCode + ")"});
-  }
-  return rows;
-}
-
-void ServeOtherConsoles(const std::string& hostFolder, const FrameWindow& frame,
-                        std::ostream& out) {
-  try {
-    ServeConsolePipe(hostFolder, frame.Window(), FrameWindow::kConsoleQuestion);
-  } catch (const RuntimeError& error) {
-    out << kNoOtherConsoles << error.description << "\n" << std::flush;
-  }
+/// Has the loop answer, on its own thread. Empty once the loop is gone.
+ConsoleAnswer Ask(WorkQueue& queue, ServerHost& host, const std::string& line) {
+  ConsoleAnswer answer;
+  queue.Call([&] { answer = AnswerCommand(host, line); });
+  return answer;
 }
 
 }  // namespace
 
-void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
-  const Apartment apartment;
-  const auto memory = profiles.Components().CreateMemory();
-  const auto utility = profiles.Components().CreateUtility();
-  const SiblingRegistration siblings(*memory, *utility);
-  FrameWindow frame(RowsOf(profiles));
-  LateBoundPlugin plugin(options.folder, profiles.Components().Files());
-  if (options.minute != std::chrono::minutes(1)) plugin.ShortenMinute(options.minute);
-  ServerHost host(profiles, plugin, frame, options);
-  Console console(host, out);
-  frame.onChoose = [&](std::int32_t profile) { host.Show(profile); };
-  frame.onConsoleLine = [&](const std::string& line) {
-    return console.Execute(line) != Console::Outcome::Quit;
-  };
-  frame.onConsoleQuestion = [&](ConsoleQuestion& question) {
-    question.answer = AnswerCommand(host, question.line);
-  };
-  frame.onSessionEnd = [&] { host.Unload(); };
-  console.Start();
-  PostConsoleLines(frame.Window(), FrameWindow::kConsoleLine);
-  ServeOtherConsoles(options.folder, frame, out);
-  frameToClose = frame.Window();
-  ::SetConsoleCtrlHandler(CloseFrame, TRUE);
-  RunMessageLoop(frame);  // the handler stays: taking it away would wait for it, if it is at work
-  frame.onConsoleLine = nullptr;
-  frame.onConsoleQuestion = nullptr;
-  frame.onSessionEnd = nullptr;
-  host.Unload();
+void HoldSignals() {}
+
+struct HostRun::Parts {};
+
+HostRun::HostRun() = default;
+HostRun::~HostRun() = default;
+
+void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
+  EventLoop loop;
+  ProgramStarter programs(loop);
+  HeadlessHost host(loop, programs, profiles, options, out);
+  const std::shared_ptr<WorkQueue> queue = loop.Queue();
+  ServeOtherConsoles(options.folder, out, [queue, &host](const std::string& line) {
+    return Ask(*queue, host.Host(), line);
+  });
+  host.Start();
+  ReadConsoleLines([queue, &host, &out](const std::optional<std::string>& line) {
+    queue->Post([&host, &out, line] {
+      if (line) {
+        host.Execute(*line);
+      } else {
+        out << kGoesOnAlone << "\n" << std::flush;
+      }
+    });
+    return line.has_value();
+  });
+  const ConsoleEnd consoleEnd([queue, &loop] { queue->Post([&loop] { loop.Stop(); }); });
+  loop.Run();
 }
 
 }  // namespace rotacasts::host

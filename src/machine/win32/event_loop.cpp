@@ -1,0 +1,94 @@
+#include "machine/win32/event_loop.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/runtime_error.h"
+
+namespace rotacasts::host {
+namespace {
+
+/// Holds the lock while it lives.
+class Locked {
+ public:
+  explicit Locked(CRITICAL_SECTION& lock) : lock_(lock) { ::EnterCriticalSection(&lock_); }
+  ~Locked() { ::LeaveCriticalSection(&lock_); }
+  Locked(const Locked&) = delete;
+  Locked& operator=(const Locked&) = delete;
+
+ private:
+  CRITICAL_SECTION& lock_;
+};
+
+/// Milliseconds, rounded up so that the time has come when the wait ends.
+DWORD Until(std::optional<TurnLoop::Clock::time_point> time) {
+  if (!time) return INFINITE;
+  constexpr std::chrono::milliseconds longest{std::chrono::hours(1)};
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(*time - TurnLoop::Clock::now());
+  return static_cast<DWORD>(std::clamp(left, std::chrono::milliseconds(0), longest).count());
+}
+
+}  // namespace
+
+WorkQueue::WorkQueue() : ready_(::CreateEventW(nullptr, FALSE, FALSE, nullptr)) {
+  ::InitializeCriticalSection(&lock_);
+}
+
+WorkQueue::~WorkQueue() {
+  ::DeleteCriticalSection(&lock_);
+}
+
+void WorkQueue::Post(std::function<void()> work) {
+  {
+    const Locked locked(lock_);
+    if (isClosed_) return;
+    waiting_.push_back(std::move(work));
+  }
+  ::SetEvent(ready_.Get());
+}
+
+bool WorkQueue::Call(const std::function<void()>& work) {
+  /// Wakes the caller when the work has been done, or dropped.
+  struct Waiting {
+    ~Waiting() { ::SetEvent(done.Get()); }
+    const win32::UniqueHandle& done;
+  };
+  const win32::UniqueHandle done(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  bool isDone = false;
+  auto waiting = std::make_shared<Waiting>(done);
+  Post([&work, &isDone, waiting = std::move(waiting)] {
+    work();
+    isDone = true;
+  });
+  ::WaitForSingleObject(done.Get(), INFINITE);
+  return isDone;
+}
+
+std::deque<std::function<void()>> WorkQueue::TakeAll() {
+  const Locked locked(lock_);
+  return std::exchange(waiting_, {});
+}
+
+void WorkQueue::Close() {
+  const Locked locked(lock_);
+  isClosed_ = true;
+}
+
+EventLoop::~EventLoop() {
+  queue_->Close();
+  queue_->TakeAll();
+}
+
+void EventLoop::Wait(std::optional<Clock::time_point> latest) {
+  if (::WaitForSingleObject(queue_->ready_.Get(), Until(latest)) == WAIT_FAILED) {
+    throw RuntimeError(ErrorNumber::DeviceIoError,
+                       "cannot wait (error " + std::to_string(::GetLastError()) + ")");
+  }
+}
+
+void EventLoop::HandleReady() {
+  std::deque<std::function<void()>> ready = queue_->TakeAll();
+  for (; !ready.empty() && !IsStopped(); ready.pop_front()) Guard(ready.front());
+}
+
+}  // namespace rotacasts::host
