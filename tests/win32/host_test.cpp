@@ -8,6 +8,7 @@
 #include "console/console.h"
 #include "console/win32/console_pipe.h"
 #include "machine/win32/console_input.h"
+#include "machine/win32/program_starter.h"
 #include "machine/win32/unique_handle.h"
 #include "program/win32/frame_window.h"
 #include "program/win32/late_bound_plugin.h"
@@ -92,25 +93,72 @@ TEST(RunHost, AnswersAnotherConsoleAndEndsInOrderWhenItsOwnIsClosed) {
   Installed();
   const char* const profile = "C:\\Host\\profiles\\srv1\\profile.ini";
   std::ofstream(profile) << "[Profile]\nIndex=1\nGameCode=JO\nProcess=none.exe\nTarget=4001\n";
-  const win32::UniqueHandle process = StartHost(L"run --host-folder C:\\Host");
-  HWND frame = nullptr;
-  while (frame == nullptr && ::WaitForSingleObject(process.Get(), 10) == WAIT_TIMEOUT) {
-    frame = ::FindWindowW(L"rotacasts.host", nullptr);
+  for (const std::wstring command : {L"window", L"run"}) {
+    const win32::UniqueHandle process = StartHost(command + L" --host-folder C:\\Host");
+    const std::wstring console = L"console --host-folder c:\\host ";
+    while (StatusOf(console + L"status") == 2) {
+      ASSERT_EQ(::WaitForSingleObject(process.Get(), 10), DWORD{WAIT_TIMEOUT}) << command;
+    }
+    EXPECT_EQ(::FindWindowW(L"rotacasts.host", nullptr) != nullptr, command == L"window");
+    EXPECT_EQ(StatusOf(console + L"add 1 From the pipe"), 0U);
+    EXPECT_EQ(StatusOf(console + L"delete 1 99"), 1U);
+    std::ostringstream out;
+    {
+      PipeToConsole pipe("C:\\Host", out);
+      EXPECT_TRUE(pipe.Ask("messages 1"));
+      EXPECT_FALSE(pipe.Ask(std::string(kLongestCommand, 'x')));  // ends this one connection
+    }
+    EXPECT_NE(out.str().find("From the pipe"), std::string::npos) << out.str();
+    EXPECT_EQ(StatusOf(console + L"delete 1 1"), 0U);
+    EXPECT_EQ(StatusAfterItsConsoleIsClosed(process.Get()), 0U) << command;
   }
-  const std::wstring console = L"console --host-folder c:\\host ";
-  EXPECT_EQ(StatusOf(console + L"add 1 From the pipe"), 0U);
-  EXPECT_EQ(StatusOf(console + L"delete 1 99"), 1U);
-  EXPECT_EQ(StatusOf(L"console --host-folder C:\\Elsewhere status"), 2U);
-  std::ostringstream out;
-  {
-    PipeToConsole pipe("C:\\Host", out);
-    EXPECT_TRUE(pipe.Ask("messages 1"));
-    EXPECT_FALSE(pipe.Ask(std::string(kLongestCommand, 'x')));  // ends this one connection
-  }
-  EXPECT_NE(out.str().find("From the pipe"), std::string::npos) << out.str();
-  EXPECT_EQ(StatusOf(console + L"delete 1 1"), 0U);
-  EXPECT_EQ(StatusAfterItsConsoleIsClosed(process.Get()), 0U);
   std::filesystem::remove(profile);
+}
+
+/// What becomes of a program that is started for a chat message.
+std::string EndOf(const std::vector<std::string>& command, std::chrono::milliseconds limit) try {
+  EventLoop loop;
+  ProgramStarter programs(loop, limit);
+  std::string problem;
+  programs.Start(command, [&](const std::string& words) {
+    problem = words;
+    loop.Stop();
+  });
+  loop.Run();
+  return problem;
+} catch (const RuntimeError& error) {
+  return error.description;
+}
+
+TEST(ProgramStarter, PassesEveryWordOnAsItIsAndEndsWhatTakesTooLong) {
+  constexpr std::chrono::seconds kLong{30};
+  const auto bin = OwnFolder() / "..\\..\\bin";
+  const std::string host = (bin / "rotacasts-host.exe").string();
+  EXPECT_EQ(EndOf({host, "--help"}, kLong), "");
+  for (const std::string word :
+       {"a b", "say \"hi\"", "ends with \\", "\\\"both\\\\", "100% & more"}) {
+    EXPECT_NE(EndOf({host, word}, kLong).find("\"" + word + "\" is not known here"), word.npos)
+        << word << ": " << EndOf({host, word}, kLong);
+  }
+  const std::string endless = (bin / "game-server-sim.exe").string();
+  EXPECT_EQ(EndOf({endless, "--game-code", "JO"}, std::chrono::seconds(1)),
+            endless + " took longer than 1 s and was ended");
+  EXPECT_NE(EndOf({"no-such-program"}, kLong).find("is not there"), std::string::npos);
+  std::ofstream("shell.bat") << "@echo off\n";
+  EXPECT_NE(EndOf({"shell.bat", "x & calc"}, kLong).find("is a batch file"), std::string::npos);
+}
+
+TEST(WorkQueue, AnswersNothingOnceTheLoopIsGone) {
+  auto loop = std::make_unique<EventLoop>();
+  const std::shared_ptr<WorkQueue> queue = loop->Queue();
+  queue->Post([&] { throw RuntimeError(ErrorNumber::InternalError); });
+  queue->Post([&] { loop->Stop(); });
+  int errors = 0;
+  loop->onError = [&](const std::string&) { ++errors; };
+  loop->Run();
+  EXPECT_EQ(errors, 1);
+  loop.reset();
+  EXPECT_FALSE(queue->Call([] {}));
 }
 
 TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {
@@ -119,23 +167,22 @@ TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {
   ASSERT_NE(::CreatePipe(&input, &writer, nullptr, 0), FALSE);
   const HANDLE before = ::GetStdHandle(STD_INPUT_HANDLE);
   ::SetStdHandle(STD_INPUT_HANDLE, input);
-  const HWND window =
-      ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-  PostConsoleLines(window, WM_APP);
+  EventLoop loop;
+  std::vector<std::optional<std::string>> lines;
+  ReadConsoleLines([&, queue = loop.Queue()](const std::optional<std::string>& line) {
+    queue->Post([&, line] {
+      lines.push_back(line);
+      if (!line) loop.Stop();
+    });
+    return true;
+  });
   const std::string bytes = "status\r\nadd 1 Grüße";
   DWORD count = 0;
   ::WriteFile(writer, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
   ::CloseHandle(writer);
-  Texts lines;
-  for (int tries = 0; lines.size() < 2 && tries < 500; ++tries) {
-    for (MSG message; ::PeekMessageW(&message, window, WM_APP, WM_APP, PM_REMOVE) != FALSE;) {
-      const std::unique_ptr<std::string> line(reinterpret_cast<std::string*>(message.lParam));
-      lines.push_back(*line);
-    }
-    ::Sleep(10);
-  }
-  EXPECT_EQ(lines, (Texts{"status", "add 1 Grüße"}));
-  ::DestroyWindow(window);
+  loop.Run();
+  EXPECT_EQ(lines,
+            (std::vector<std::optional<std::string>>{"status", "add 1 Grüße", std::nullopt}));
   ::SetStdHandle(STD_INPUT_HANDLE, before);
   ::CloseHandle(input);
 }
