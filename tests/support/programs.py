@@ -1,5 +1,6 @@
 """Starts programs for tests and writes their profiles."""
 
+import functools
 import os
 import select
 import signal
@@ -11,6 +12,9 @@ from pathlib import Path
 
 PROGRAMS = os.environ["ROTACASTS_PROGRAMS"]
 HOST, SIMULATOR = PROGRAMS + "/rotacasts-host", PROGRAMS + "/game-server-sim"
+# Whether the programs are those for Windows, under Wine.
+WINDOWS = "ROTACASTS_WINDOWS" in os.environ
+only_on_linux = functools.partial(unittest.skipIf, WINDOWS)  # with the reason
 # A zone in which the hour is never that of UTC, and often the day is another, for all the programs.
 os.environ["TZ"] = "FAR-13:30"
 time.tzset()
@@ -67,7 +71,8 @@ class Server(Program):
 
     def __init__(self, code="JO", program=SIMULATOR, *options):
         super().__init__(program, "--game-code", code, "--seed", 3, *options)
-        self.port = self.prints("chat on").rsplit(":", 1)[1]
+        words = self.prints("chat on").split()
+        self.id, self.port = int(words[3].strip(",")), words[-1].rsplit(":", 1)[1]
 
 
 class ProgramTest(unittest.TestCase):
