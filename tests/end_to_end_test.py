@@ -52,7 +52,7 @@ class EndToEnd(ProgramTest):
         self.assertEqual(host.end(), 0)
         if not WINDOWS:  # where no signal asks a program to end
             self.assertEqual(hawk.end(SIGTERM), 0)
-        self.assertIn(b"tmrRT", (self.folder / "logs/errors.log").read_bytes())
+        self.assertIn(b" tvxRT.dll ", (self.folder / "logs/errors.log").read_bytes())
         stored = self.folder / "profiles/srv2/settings/Rotacasts.ini"
         self.assertEqual(stored.read_bytes(), messages)
 
