@@ -1,24 +1,82 @@
-"""Kills the stand-alone host again and again while it processes a stream of changes, and lets editors
-save the list while the host changes it. Counts the damage: lost texts, lists that match the state
-neither before nor after a change, refused commands, and saves that were lost. All should be 0.
+"""Kills the stand-alone host again and again while its console, another process's console or the page
+gives it a stream of changes, and lets editors save the list while the host changes it. Counts the
+damage: lost texts, lists that match the state neither before nor after a change, refused commands, and
+saves that were lost. All should be 0.
 Usage: torture.py KILLS SAVES [SEED]"""
 
 import ctypes
+import http.client
 import itertools
+import json
 import os
 import platform
+import queue
 import random
 import signal
 import struct
+import subprocess
 import sys
 import tempfile
+import threading
 import time
+import urllib.error
+import urllib.request
 from pathlib import Path
 
 from programs import HOST, Program, add_profile, message_file
 
 MESSAGES = 30
 COMMANDS_A_ROUND = 30
+
+
+class Page:
+    """Gives the console's commands to the page, one after the other, until the host is gone."""
+
+    def __init__(self, url, texts):
+        self.url, self.texts, self.answers = url.rstrip("/"), texts.copy(), queue.SimpleQueue()
+        login = {"name": "Anna", "password": "correct horse"}
+        self.cookie = ""
+        self.cookie = self.ask("POST", "/api/session", login).headers["Set-Cookie"].split(";")[0]
+
+    def ask(self, method, path, body):
+        headers = {"Origin": self.url, "Content-Type": "application/json", "Cookie": self.cookie}
+        request = urllib.request.Request(self.url + path, json.dumps(body).encode(), headers,
+                                         method=method)
+        with urllib.request.urlopen(request, timeout=20) as answer:
+            answer.read()
+            return answer
+
+    def run(self, commands):
+        for line in commands.splitlines():
+            verb, _, rest = line.split(" ", 2)
+            where = int(rest) - 1 if verb != "add" else len(self.texts)
+            body = {"position": where, "text": rest if verb == "add" else self.texts[where]}
+            place = "messages"
+            if verb == "add":
+                self.texts.append(rest)
+            elif verb == "delete":
+                del self.texts[where]
+            else:
+                place, body["up"] = "moves", verb == "up"
+                upper = where - 1 if verb == "up" else where
+                self.texts[upper:upper + 2] = reversed(self.texts[upper:upper + 2])
+            try:
+                self.ask("DELETE" if verb == "delete" else "POST", f"/api/profiles/1/{place}", body)
+                self.answers.put("added" if verb == "add" else "moved")
+            except urllib.error.HTTPError as refused:
+                self.answers.put(str(refused.read()))
+            except (OSError, http.client.HTTPException):  # the host is gone
+                break
+        self.answers.put(None)
+
+    def write(self, commands):
+        threading.Thread(target=self.run, args=[commands]).start()
+
+    def read_line(self):
+        return self.answers.get()
+
+    def stop(self):
+        pass
 
 
 class Torture:
@@ -29,6 +87,8 @@ class Torture:
         self.wait = 30000  # at most, in microseconds; adjusted so that kills hit any place in the stream
         self.list = [self.new_text() for _ in range(MESSAGES)]  # as found after the last round
         add_profile(folder, 1, "JO", "no-such-program", 4001, message_file(self.list))
+        subprocess.run([HOST, "admin", "set", "Anna", "--host-folder", folder], check=True,
+                       input=b"correct horse\n", stdout=subprocess.DEVNULL)
 
     def new_text(self):
         self.texts += 1
@@ -37,11 +97,16 @@ class Torture:
     def round(self):
         self.states = [self.list]  # the list's states in this round
         commands = [self.change() for _ in range(COMMANDS_A_ROUND)]
-        host = Program(HOST, "run", "--host-folder", self.folder)
+        host = Program(HOST, "run", "--host-folder", self.folder, "--web", "127.0.0.1:0")
+        url = host.prints("the page: ").split()[-1]
         host.prints("profiles started")
-        console = host
-        if self.random.random() < 0.3:  # another process's console
+        way = self.random.random()
+        if way < 0.6:
+            console = host
+        elif way < 0.8:
             console = Program(HOST, "console", "--host-folder", self.folder)
+        else:
+            console = Page(url, self.list)
         console.write("".join(commands))
         time.sleep(self.random.randrange(self.wait) / 1e6)
         host.end(signal.SIGKILL)
@@ -132,11 +197,9 @@ class Editing:
         """Saves a list of its own; returns the texts."""
         texts = [f"save {number} text {i}" for i in range(8)]
         target = self.file.with_name("new") if self.renames else self.file
-        if self.other_user and not self.renames:
-            os.chown(self.file, self.UPLOADER, self.GROUP)  # as after each upload
         parts = [line + b"\n" for line in message_file(texts).split(b"\n")]
         with open(target, "wb", buffering=0) as file:
-            if self.other_user:
+            if self.other_user:  # whose file it is after each upload
                 os.fchown(file.fileno(), self.UPLOADER, self.GROUP)
                 os.fchmod(file.fileno(), 0o660)
             for part in parts if self.slow else [b"".join(parts)]:
@@ -150,7 +213,7 @@ class Editing:
         for number in range(saves):
             time.sleep(0.6 if self.other_user else 0)  # until the host takes the save for complete
             self.host.write("".join(f"add 1 added {number} {i}\n" for i in range(6)))
-            time.sleep(random.random() / 200)
+            time.sleep(random.random() / (20 if self.other_user else 200))
             texts = self.save(number)
             for _ in range(6):
                 line = self.host.read_line()
@@ -159,7 +222,6 @@ class Editing:
             stored = self.file.read_bytes().decode("cp1252")
             if not all(f"={text}\r\n" in stored for text in texts):
                 self.lost += 1
-        self.host.stop()
         return self.lost
 
 
@@ -171,7 +233,10 @@ def edit(saves):
             continue
         with tempfile.TemporaryDirectory(prefix="rotacasts-") as folder:
             editing = Editing(folder, renames, slow, other_user, no_exchange)
-            lost += editing.run(saves)
+            try:
+                lost += editing.run(saves)
+            finally:
+                editing.host.stop()
         words = ["by renaming" if renames else "in place", "slow" if slow else "fast",
                  "another user" if other_user else "the same user",
                  "without exchange" if no_exchange else "with exchange"]

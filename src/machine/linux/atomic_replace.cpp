@@ -118,7 +118,7 @@ bool AtomicReplace::IsStill(const FileBytes& seen) const {
 }
 
 void AtomicReplace::WaitUntilQuiet(const Descriptor& file) const {
-  constexpr std::chrono::milliseconds kLongestWait{100};  // the broadcasts wait, too
+  constexpr std::chrono::milliseconds kLongestWait{50};  // the broadcasts wait, too
   const struct stat before = file.Status(target_);
   const std::chrono::nanoseconds wait = TimeUntilQuiet(before, writtenAt_);
   if (wait <= kLongestWait) {

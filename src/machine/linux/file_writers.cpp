@@ -25,31 +25,28 @@ bool AnyNumbered(const fs::path& folder, const Visit& visit) {
   return false;
 }
 
-/// Whether an open file, as its entry in `fdinfo` describes it, may be written and has this inode.
-bool MayWrite(const fs::path& description, ino_t inode) {
+/// Whether an open file, as its entry in `fdinfo` describes it, may be written.
+bool MayWrite(const fs::path& description) {
   std::ifstream lines(description);
-  bool isWriting = false;
-  bool isSame = false;
+  unsigned flags = O_RDONLY;
   for (std::string label, value; lines >> label >> value;) {
-    if (label == "flags:") {
-      unsigned flags = 0;
-      std::from_chars(value.data(), value.data() + value.size(), flags, 8);
-      isWriting = (flags & O_ACCMODE) != O_RDONLY && (flags & O_PATH) == 0;
-    }
-    if (label == "ino:") isSame = value == std::to_string(inode);
+    if (label == "flags:") std::from_chars(value.data(), value.data() + value.size(), flags, 8);
   }
-  return isWriting && isSame;
+  return (flags & O_ACCMODE) != O_RDONLY && (flags & O_PATH) == 0;
 }
 
-/// Whether one of the processes that this user may look into can write the file.
-bool HasVisibleWriter(const struct stat& file) {
+/// Whether one of the processes that this user may look into can write the file. A machine with
+/// very many of them is not looked through to the end, because the broadcasts wait.
+bool HasVisibleWriter(const Descriptor& file) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point end = Clock::now() + std::chrono::milliseconds(20);
+  std::error_code problem;
+  const fs::path name = fs::read_symlink("/proc/self/fd/" + std::to_string(file.Get()), problem);
   return AnyNumbered("/proc", [&](const fs::path& process) {
-    return AnyNumbered(process / "fdinfo", [&](const fs::path& description) {
-      struct stat open {};
-      return MayWrite(description, file.st_ino) &&
-             ::stat((process / "fd" / description.filename()).c_str(), &open) == 0 &&
-             open.st_dev == file.st_dev;
-    });
+    return Clock::now() < end && AnyNumbered(process / "fd", [&](const fs::path& open) {
+             return fs::read_symlink(open, problem) == name &&
+                    MayWrite(process / "fdinfo" / open.filename());
+           });
   });
 }
 
@@ -62,9 +59,7 @@ Writers WritersOf(const Descriptor& file) {
     return Writers::None;
   }
   if (errno == EAGAIN) return Writers::Some;
-  struct stat status {};
-  if (::fstat(file.Get(), &status) != 0) return Writers::Unknown;
-  return HasVisibleWriter(status) ? Writers::Some : Writers::Unknown;
+  return HasVisibleWriter(file) ? Writers::Some : Writers::Unknown;
 }
 
 std::chrono::nanoseconds TimeUntilQuiet(const struct stat& status, const timespec& now) {
