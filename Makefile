@@ -48,12 +48,12 @@ test: ## compile all that is in the tree, and run every test
 test-windows: ## the part of it that is built for Windows and run under Wine
 	@CI=1 scripts/test-windows
 
-torture: ## kill a host a thousand times while it changes a list, and count what that has cost
+torture: ## kill a host and let editors save while it changes a list, again and again, and count the cost
 	@scripts/bootstrap build test
 	@scripts/quietly cmake --preset release
 	@scripts/quietly cmake --build --preset release --target rotacasts-host
 	ROTACASTS_PROGRAMS=build/release/bin PYTHONPATH=tests/support \
-	  /usr/bin/python3 -B tests/torture.py 1000
+	  /usr/bin/python3 -B tests/torture.py 1000 100
 
 windows: ## the plugin for Windows: build/windows/src/component/tvxRT.dll
 	@scripts/bootstrap build help windows

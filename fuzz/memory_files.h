@@ -20,12 +20,12 @@ class MemoryFiles final : public host::FileLayer {
     const auto found = files.find(path);
     return found != files.end() ? host::FileBytes(found->second) : std::nullopt;
   }
-  bool Replace(const std::string& path, std::string_view bytes,
-               const host::FileBytes* seen) override {
+  host::Replaced Replace(const std::string& path, std::string_view bytes,
+                         const host::FileBytes* seen) override {
     RefuseEmpty(path);
-    if (seen != nullptr && Read(path) != *seen) return false;
+    if (seen != nullptr && Read(path) != *seen) return {false, {}};
     files[path] = bytes;
-    return true;
+    return {};
   }
   void Append(const std::string& path, const std::string& line) override {
     const auto found = files.find(path);

@@ -6,6 +6,7 @@
 
 #include "check/check.h"
 #include "host/profile_settings.h"
+#include "support/file_calls.h"
 #include "support/host_folder.h"
 
 namespace rotacasts::host {
@@ -109,6 +110,13 @@ TEST(Check, WarnsOfWhatWouldSurpriseInAFolder) {
   folder.AddProfile(4, "JO", "one", "", "\xEF\xBB\xBF[Messages]\r\n1=\xC5\x81");
   folder.AddProfile(5, "JO", "one", "x");
   folder.Write("profiles/srv3/settings/rotacasts.ini", "");
+  const std::string list = "profiles/srv1/settings/Rotacasts.ini";
+  folder.Write(list + ".kept-20261124-131200", "");
+  std::filesystem::create_hard_link(folder.File(list), folder.File("other"));
+  EXPECT_FALSE(warned("profiles/srv1/settings", "cannot exchange two files"));
+  hasExchange = false;
+  EXPECT_TRUE(warned("profiles/srv1/settings", "cannot exchange two files"));
+  hasExchange = true;
   const std::string srv = "profiles/srv";
   for (const auto& [place, says] : std::vector<std::pair<std::string, const char*>>{
            {"profiles/old/profile.ini", "is no file"},
@@ -120,6 +128,8 @@ TEST(Check, WarnsOfWhatWouldSurpriseInAFolder) {
            {srv + "1/profile.ini:4", "the game server has ended"},
            {srv + "1/profile.ini:5", "nobody receives at the port 4777"},
            {srv + "3/settings/rotacasts.ini", "rename it to Rotacasts.ini"},
+           {list, "has another name elsewhere"},
+           {list + ".kept-20261124-131200", "take over what is missing there"},
            {srv + "4/profile.ini:5", "Target is missing"},
            {srv + "5/profile.ini:5", "Target is \"x\""}}) {
     EXPECT_TRUE(warned(place, says)) << place << " " << says;

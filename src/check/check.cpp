@@ -7,8 +7,10 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
+#include "host/kept_files.h"
 #include "host/preview.h"
 #include "host/profile_settings.h"
+#include "machine/file_exchange.h"
 #include "machine/native_files.h"
 #include "machine/process_reader.h"
 #include "services/host_folder.h"
@@ -62,14 +64,36 @@ bool CheckProfileFolder(const std::string& hostFolder, const std::string& folder
   return file.IsReadable();
 }
 
+/// Warns about what changes of a message file cannot keep where it is.
+void CheckPlace(const std::string& path, std::vector<std::string>& warnings) {
+  const std::filesystem::path native = NativePath(path);
+  std::error_code problem;
+  const auto names = std::filesystem::hard_link_count(native, problem);
+  if (!problem && names > 1) {
+    warnings.push_back(native.string() +
+                       ": has another name elsewhere (a hard link), which keeps " +
+                       "the old list when the host changes it; make that a symbolic link");
+  }
+  const auto folder = std::filesystem::canonical(native, problem).parent_path();
+  if (problem || CanExchangeFiles(folder.string())) return;
+  warnings.push_back(folder.string() +
+                     ": this file system cannot exchange two files: while the host changes a " +
+                     "list, its file is missing for a moment, and the next start puts it back " +
+                     "after a crash; keep the host folder on a local disk");
+}
+
 void CheckMessageFile(const std::string& hostFolder, const ProfileSettings& profile,
                       std::vector<std::string>& warnings) {
   const HostFolder paths(hostFolder);
   const std::string path = paths.MessageFile(profile.folder);
+  for (std::string& line : TellOfKeptFiles(paths.Settings(profile.folder))) {
+    warnings.push_back(std::move(line));
+  }
   const std::size_t before = warnings.size();
   const std::string found =
       FindFile(paths.Settings(profile.folder), HostFolder::kMessageFile, warnings);
   if (!found.empty()) {
+    CheckPlace(found, warnings);
     FileCheck file(found, warnings);
     if (file.IsReadable() || !file.Ini().Bytes().empty()) CheckMessages(file);
   } else if (warnings.size() == before) {

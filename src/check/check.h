@@ -17,7 +17,8 @@ struct Findings {
   std::size_t profiles = 0;  // the usable ones
 };
 
-/// Checks every file and the game servers as they are now. Writes nothing.
+/// Checks every file and the game servers as they are now. Writes nothing but two empty files for a
+/// moment, to see what the file system can do.
 Findings CheckHostFolder(const std::string& hostFolder);
 
 /// Converts every INI file that was saved as UTF-8, and keeps a copy. Returns a line for each,

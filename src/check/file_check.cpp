@@ -130,7 +130,10 @@ std::string FindFile(const std::string& folder, const std::string& name,
   std::error_code problem;
   for (const auto& entry : std::filesystem::directory_iterator(NativePath(folder), problem)) {
     const std::string found = entry.path().filename().string();
-    if (found == name) {
+    if (found == name && entry.is_symlink(problem) && !entry.exists(problem)) {
+      warnings.push_back(entry.path().string() +
+                         ": is a link that leads to no file; make the file, or remove the link");
+    } else if (found == name) {
       warnings.push_back(entry.path().string() + ": is no file and is ignored; put a file there");
     } else if (EqualsIgnoringCase(found, name)) {
       warnings.push_back(entry.path().string() + ": is ignored; rename it to " + name);

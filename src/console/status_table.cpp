@@ -19,13 +19,17 @@ std::string NextMessage(Preview& preview, const ProfileStatus& status) {
 
 std::vector<std::string> Row(Preview& preview, const ProfileStatus& status) {
   constexpr const char* kGames[] = {"unreachable", "idle", "running"};
+  // A file that cannot be read may say that it is on.
+  const bool isKnown = status.problem.empty() || status.isSwitchedOn;
   const std::string game = kGames[static_cast<int>(status.game.state)];
   return {std::to_string(status.profile.index),
           status.profile.folder,
           status.profile.gameCode,
           status.isStopped ? "stopped, game " + game : game,
-          status.isSwitchedOn ? "on" : "off",
-          status.interval + " min",
+          !isKnown              ? kNotKnown
+          : status.isSwitchedOn ? "on"
+                                : "off",
+          isKnown ? status.interval + " min" : kNotKnown,
           status.progress ? std::to_string(status.progress->elapsedTicks) : kNotKnown,
           status.problem.empty() ? NextMessage(preview, status) : "(cannot be read)"};
 }

@@ -139,11 +139,12 @@ void HeadlessPlugin::Instance::Tell(const std::string& words) {
 
 void HeadlessPlugin::Instance::Load(forms::WindowHandle parent, const HostValue& data) {
   parent_ = parent;
-  const auto failure = files_.Run([&] { plugin_.LoadInterface(index_, parent, data); });
-  if (!failure) return;
-  const std::string words = DescribeError(Label(), *failure, "LoadInterface");
-  Tell(words);
-  profiles_.Record("LoadInterface", words);
+  const IniFiles::Listener unstored(files_, [this](const RuntimeError& error) {
+    const std::string words = DescribeError(Label(), error, "LoadInterface");
+    Tell(words);
+    profiles_.Record("LoadInterface", words);
+  });
+  files_.Run([&] { plugin_.LoadInterface(index_, parent, data); });
 }
 
 HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::string()>& operation,

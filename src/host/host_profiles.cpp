@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/complaint.h"
+#include "host/kept_files.h"
 #include "machine/native_files.h"
 #include "services/host_folder.h"
 #include "services/profile_data.h"
@@ -21,12 +22,6 @@ const std::string& Existing(const std::string& folder) {
     throw RuntimeError(ErrorNumber::PathNotFound, folder + "; a name with \"\\\" cannot be used");
   }
   return folder;
-}
-
-void MakeSettingsFolder(const std::string& settings) {
-  MachineFiles files;
-  if (!files.FolderExists(settings)) files.CreateFolder(settings);
-  RemoveLeftovers(settings);
 }
 
 }  // namespace
@@ -74,6 +69,13 @@ void HostProfiles::MakeWhatIsMissing() {
                 [this](const auto& entry) { return !MakeSettingsFolderOf(entry.second); });
 }
 
+void HostProfiles::MakeSettingsFolder(const std::string& settings) const {
+  MachineFiles files;
+  if (!files.FolderExists(settings)) files.CreateFolder(settings);
+  for (const std::string& line : TidyLeftovers(settings)) out_ << line << "\n";
+  for (const std::string& line : TellOfKeptFiles(settings)) out_ << line << "\n";
+}
+
 bool HostProfiles::MakeSettingsFolderOf(const ProfileSettings& profile) try {
   MakeSettingsFolder(HostFolder(folder_).Settings(profile.folder));
   return true;
@@ -109,7 +111,7 @@ const ProfileSettings& HostProfiles::Reread(std::int32_t index) {
 bool HostProfiles::IsStillDescribed(const ProfileSettings& profile) const try {
   return ReadProfile(folder_, profile.folder).index == profile.index;
 } catch (const RuntimeError&) {  // broken or missing
-  return HasProfileFile(folder_, profile.folder);
+  return HasProfileFile(folder_, profile.folder) || !WhyClosed(folder_, profile.folder).empty();
 }
 
 HostProfiles::Changes HostProfiles::RereadAll() {

@@ -56,6 +56,8 @@ class HostProfiles {
   void Record(std::string procedure, const std::string& words) const;
 
  private:
+  /// Also clears up there, and prints what that has kept.
+  void MakeSettingsFolder(const std::string& settings) const;
   /// Returns false, and prints the reason, if it cannot be created.
   bool MakeSettingsFolderOf(const ProfileSettings& profile);
   void Use(ProfileSettings profile);

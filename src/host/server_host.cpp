@@ -1,5 +1,6 @@
 #include "host/server_host.h"
 
+#include "base/text.h"
 #include "base/word_list.h"
 #include "host/complaint.h"
 #include "host/message_hints.h"
@@ -15,6 +16,7 @@ namespace {
 /// The capacity of a UDP datagram over IPv4.
 constexpr std::size_t kLongestMessage = 65507;
 
+constexpr const char* kOneLine = "a message is one line of Windows-1252 letters";
 constexpr const char* kCannotBeWritten = "the file cannot be written";
 
 [[noreturn]] void RaiseUnchanged(const char* what, const HostedPlugin::Reply& reply,
@@ -34,6 +36,24 @@ std::string HintsAfter(const std::string& text) {
   std::string words;
   for (const std::string& hint : HintsOn(text)) words += "\nbut it " + hint;
   return words;
+}
+
+/// For an addition of which the plugin gives no reason.
+std::string WhyNotAdded(const std::string& text) try {
+  if (ToWindows1252(text).find_first_of("\r\n") == std::string::npos) {
+    return "its file cannot be read or written at this moment; try again";
+  }
+  return kOneLine;
+} catch (const RuntimeError&) {  // another letter
+  return kOneLine;
+}
+
+/// Where an added text stands now; empty if that is not known.
+std::string PlaceOf(const std::string& text, const std::optional<MessageList>& list) {
+  for (std::size_t number = list ? list->messages.size() : 0; number > 0; --number) {
+    if (list->messages[number - 1].text == text) return " as message " + std::to_string(number);
+  }
+  return {};
 }
 
 void RefuseLong(const std::string& text) {
@@ -124,14 +144,13 @@ std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
                                    const std::string& administrator) {
   RequireStarted(index);
   RefuseLong(text);
-  const HostedPlugin::Reply reply = Remote(index, remote::kAdd, EncodeBase64(text), administrator);
+  MessagesOf(index);  // names what is wrong with the file, where the plugin only answers "0"
+  HostedPlugin::Reply reply = Remote(index, remote::kAdd, EncodeBase64(text), administrator);
   if (reply.text != "1") {
-    RaiseUnchanged("not added", reply,
-                   "a message is one line of Windows-1252 letters, in a file that can be written");
+    RaiseUnchanged("not added", reply, WhyNotAdded(text));
   }
-  return Done(
-      "added as message " + std::to_string(MessagesOf(index).messages.size()) + HintsAfter(text),
-      reply);
+  const std::string place = PlaceOf(text, ListAfter(index, reply));
+  return Done("added" + place + HintsAfter(text), reply);
 }
 
 std::string ServerHost::DeleteMessage(std::int32_t index, std::int32_t position,
@@ -139,9 +158,11 @@ std::string ServerHost::DeleteMessage(std::int32_t index, std::int32_t position,
   RequireStarted(index);
   const MessageList before = MessagesOf(index);
   const std::string text = before.TextAt(position);
-  const HostedPlugin::Reply reply = Remote(index, remote::kDelete, position, administrator);
+  HostedPlugin::Reply reply = Remote(index, remote::kDelete, position, administrator);
+  const bool hasProblems = !reply.problems.empty();
+  const auto after = ListAfter(index, reply);
   // The plugin answers "1" also when the message could not be removed.
-  if (reply.text != "1" || MessagesOf(index).messages == before.messages) {
+  if (reply.text != "1" || (after ? after->messages == before.messages : hasProblems)) {
     RaiseUnchanged("not deleted", reply, kCannotBeWritten);
   }
   return Done("deleted: " + text, reply);
@@ -162,8 +183,11 @@ std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, b
 
 std::string ServerHost::SetSwitch(std::int32_t index, bool isOn, const std::string& administrator) {
   RequireStarted(index);
-  const HostedPlugin::Reply reply = Remote(index, remote::kEnable, isOn ? "1" : "0", administrator);
-  if (MessagesOf(index).enable != (isOn ? "1" : "0")) {
+  const std::string value = isOn ? "1" : "0";
+  HostedPlugin::Reply reply = Remote(index, remote::kEnable, value, administrator);
+  const bool hasProblems = !reply.problems.empty();
+  const auto after = ListAfter(index, reply);
+  if (after ? after->enable != value : hasProblems) {
     RaiseUnchanged("not switched", reply, kCannotBeWritten);
   }
   return Done(profiles_.At(index).Label() + " is switched " + (isOn ? "on" : "off"), reply);
@@ -176,12 +200,14 @@ std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
     throw Complaint("not changed: an interval is " + std::to_string(kInterval.lowest) + " to " +
                     std::to_string(kInterval.highest) + " minutes");
   }
-  const HostedPlugin::Reply reply =
-      Remote(index, remote::kChangeInterval, std::to_string(minutes), administrator);
-  if (MessagesOf(index).interval != std::to_string(minutes)) {
+  const std::string value = std::to_string(minutes);
+  HostedPlugin::Reply reply = Remote(index, remote::kChangeInterval, value, administrator);
+  const bool hasProblems = !reply.problems.empty();
+  const auto after = ListAfter(index, reply);
+  if (after ? after->interval != value : hasProblems) {
     RaiseUnchanged("not changed", reply, kCannotBeWritten);
   }
-  return Done(profiles_.At(index).Label() + " says a message every " + std::to_string(minutes) +
+  return Done(profiles_.At(index).Label() + " says a message every " + value +
                   (minutes == 1 ? " minute" : " minutes"),
               reply);
 }
@@ -199,6 +225,14 @@ std::string ServerHost::Say(std::int32_t index, const std::string& text) {
   const SentText& sent = chat.Latest().back();
   if (sent.outcome == SentText::Outcome::Failed) throw Complaint("not said: " + sent.reason);
   return (sent.outcome == SentText::Outcome::Sent ? "said: " : "being said: ") + now.says;
+}
+
+std::optional<MessageList> ServerHost::ListAfter(std::int32_t index,
+                                                 HostedPlugin::Reply& reply) const try {
+  return MessagesOf(index);
+} catch (const RuntimeError& error) {
+  reply.problems.push_back("the list cannot be read again: " + error.description);
+  return std::nullopt;
 }
 
 MessageList ServerHost::MessagesOf(std::int32_t index) const {

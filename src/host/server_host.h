@@ -79,6 +79,9 @@ class ServerHost {
  private:
   /// The progress of its broadcasts; nullopt if the plugin's state is not accessible.
   std::optional<HostedPlugin::Progress> ProgressOf(std::int32_t index) const;
+  /// The list after a change that was made; nullopt, with a problem added to the reply, if it
+  /// cannot be read again.
+  std::optional<MessageList> ListAfter(std::int32_t index, HostedPlugin::Reply& reply) const;
   /// The profile data array for the plugin.
   HostValue DataOf(const ProfileSettings& profile, const std::string& administrator) const;
   void Load(const ProfileSettings& profile);

@@ -10,7 +10,8 @@ FileBytes MachineFiles::Read(const std::string& path) {
   return ReadWholeFile(path);
 }
 
-bool MachineFiles::Replace(const std::string& path, std::string_view bytes, const FileBytes* seen) {
+Replaced MachineFiles::Replace(const std::string& path, std::string_view bytes,
+                               const FileBytes* seen) {
   return ReplaceFile(path, bytes, seen);
 }
 

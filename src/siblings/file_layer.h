@@ -11,7 +11,8 @@ class FileLayer {
   virtual ~FileLayer() = default;
 
   virtual FileBytes Read(const std::string& path) = 0;
-  virtual bool Replace(const std::string& path, std::string_view bytes, const FileBytes* seen) = 0;
+  virtual Replaced Replace(const std::string& path, std::string_view bytes,
+                           const FileBytes* seen) = 0;
   virtual void Append(const std::string& path, const std::string& line) = 0;
 
   /// False for a folder.
@@ -26,7 +27,7 @@ class FileLayer {
 class MachineFiles final : public FileLayer {
  public:
   FileBytes Read(const std::string& path) override;
-  bool Replace(const std::string& path, std::string_view bytes, const FileBytes* seen) override;
+  Replaced Replace(const std::string& path, std::string_view bytes, const FileBytes* seen) override;
   void Append(const std::string& path, const std::string& line) override;
   bool FileExists(const std::string& path) override;
   bool FolderExists(const std::string& path) override;

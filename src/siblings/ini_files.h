@@ -46,7 +46,8 @@ class IniFiles {
   bool Exists(const std::string& path);
 
   /// While it lives, `tell` gets the error of each change that cannot be put on the disk, before it
-  /// is raised. An inner listener takes its place.
+  /// is raised, and what is not as it should be about one that was. An inner listener takes its
+  /// place.
   class Listener {
    public:
     Listener(IniFiles& files, std::function<void(const RuntimeError&)> tell);

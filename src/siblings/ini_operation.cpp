@@ -77,7 +77,7 @@ void IniOperation::Store() {
   } catch (...) {
     failure_ = CurrentRuntimeError();
     DropImages();
-    onFailure_(*failure_);
+    onProblem_(*failure_);
     throw;
   }
 }
@@ -85,7 +85,13 @@ void IniOperation::Store() {
 void IniOperation::StoreImage(const std::string& path, IniImage& image) {
   if (!image.text.IsChanged()) return;
   const std::string bytes = image.text.Bytes();
-  if (image.seen == bytes || layer_.Replace(path, bytes, &image.seen)) {
+  Replaced replaced;
+  if (image.seen != bytes) replaced = layer_.Replace(path, bytes, &image.seen);
+  if (!replaced.warning.empty()) {
+    onProblem_(RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
+                            std::move(replaced.warning)));
+  }
+  if (replaced.isDone) {
     image.text.MarkUnchanged();
     image.exists = true;
     return;

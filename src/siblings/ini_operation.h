@@ -34,10 +34,11 @@ class IniOperation {
                  // disk, and a change raises the reason
   };
 
-  /// `layer` outlives it. In the last run a conflict is no state but error 70. `onFailure` is told
-  /// why a change could not be stored, before that is raised.
-  IniOperation(FileLayer& layer, bool isLastRun, std::function<void(const RuntimeError&)> onFailure)
-      : layer_(layer), isLastRun_(isLastRun), onFailure_(std::move(onFailure)) {}
+  /// `layer` outlives it. In the last run a conflict is no state but error 70. `onProblem` is told
+  /// why a change could not be stored, before that is raised, and what is not as it should be
+  /// about one that was.
+  IniOperation(FileLayer& layer, bool isLastRun, std::function<void(const RuntimeError&)> onProblem)
+      : layer_(layer), isLastRun_(isLastRun), onProblem_(std::move(onProblem)) {}
 
   bool IsInConflict() const { return state_ == State::InConflict; }
   /// The reason why what it has changed is not on the disk, once it has failed.
@@ -68,7 +69,7 @@ class IniOperation {
 
   FileLayer& layer_;
   const bool isLastRun_;
-  const std::function<void(const RuntimeError&)> onFailure_;
+  const std::function<void(const RuntimeError&)> onProblem_;
   State state_ = State::Collecting;
   std::optional<RuntimeError> failure_;
   std::map<std::string, IniImage> images_;           // by path

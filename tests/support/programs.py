@@ -25,9 +25,9 @@ WITH_TEST = ("setpriv", "--pdeathsig", "KILL")
 class Program:
     """A program whose input and output, including errors, are pipes. Reads only on request."""
 
-    def __init__(self, *command):
+    def __init__(self, *command, prepare=None):
         self.process = subprocess.Popen(
-            [*WITH_TEST, *map(str, command)], bufsize=0,
+            [*WITH_TEST, *map(str, command)], bufsize=0, preexec_fn=prepare,
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         self.id, self.unread = self.process.pid, b""
 

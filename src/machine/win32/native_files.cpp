@@ -148,7 +148,7 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
   return ReadAll(file, native);
 }
 
-bool ReplaceFile(const std::string& path, std::string_view bytes, const FileBytes* seen) {
+Replaced ReplaceFile(const std::string& path, std::string_view bytes, const FileBytes* seen) {
   constexpr DWORD kMomentForOthers = 5;  // milliseconds
   RefuseEmpty(path);
   const std::filesystem::path target = NativePath(path);
@@ -162,11 +162,11 @@ bool ReplaceFile(const std::string& path, std::string_view bytes, const FileByte
     file.Close();
     if (seen == nullptr || IsStill(target, *seen)) {
       MoveOver(beside, target);
-      return true;
+      return {};
     }
     ::DeleteFileW(beside.c_str());
     ::Sleep(kMomentForOthers);
-    return false;
+    return {false, {}};
   } catch (...) {
     ::DeleteFileW(beside.c_str());
     throw;
@@ -209,7 +209,7 @@ void AppendLine(const std::string& path, const std::string& line) {
 
 void ShareAsParent(const std::string&) noexcept {}
 
-void RemoveLeftovers(const std::string& folder) noexcept try {
+std::vector<std::string> TidyLeftovers(const std::string& folder) noexcept try {
   for (const auto& entry : std::filesystem::directory_iterator(NativePath(folder))) {
     const std::wstring name = entry.path().filename().native();
     const std::size_t mark = name.rfind(kNewMark);
@@ -217,7 +217,9 @@ void RemoveLeftovers(const std::string& folder) noexcept try {
     const bool isOurs = name.find_first_not_of(L"0123456789-", mark + kNewMark.size()) == name.npos;
     if (isOurs) ::DeleteFileW(entry.path().c_str());
   }
+  return {};
 } catch (...) {  // NOLINT: leftovers only take up space
+  return {};
 }
 
 }  // namespace rotacasts::host

@@ -1,0 +1,9 @@
+#include "machine/file_exchange.h"
+
+namespace rotacasts::host {
+
+bool CanExchangeFiles(const std::string&) noexcept {
+  return true;
+}
+
+}  // namespace rotacasts::host
