@@ -14,7 +14,7 @@ Response Api::Changed(const Call& call, const std::string& words) {
 }
 
 void Api::Say(Call& call) {
-  const std::string words = host_.Say(call.profile, call.Message());
+  const std::string words = host_.Say(call.profile, call.Message()).words;
   out_ << call.admin.name << ", " << host_.Profiles().At(call.profile).Label() << ": " << words
        << "\n"
        << std::flush;
