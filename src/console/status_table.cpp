@@ -25,7 +25,9 @@ std::vector<std::string> Row(Preview& preview, const ProfileStatus& status) {
   return {std::to_string(status.profile.index),
           status.profile.folder,
           status.profile.gameCode,
-          status.isStopped ? "stopped, game " + game : game,
+          status.isStopped          ? "stopped, game " + game
+          : !status.failing.empty() ? "failing, game " + game
+                                    : game,
           !isKnown              ? kNotKnown
           : status.isSwitchedOn ? "on"
                                 : "off",
@@ -44,6 +46,9 @@ void PrintStatus(std::ostream& out, Preview& preview, const std::vector<ProfileS
   for (const ProfileStatus& status : all) {
     if (!status.game.problem.empty()) out << status.game.problem << "\n";
     if (!status.problem.empty()) out << status.profile.Label() << ": " << status.problem << "\n";
+    if (!status.failing.empty()) {
+      out << status.profile.Label() << ": its texts fail: " << status.failing << "\n";
+    }
     if (status.isFileAhead) {
       out << status.profile.Label()
           << ": its message file has another switch or interval; \"reload\" takes them over\n";

@@ -1,5 +1,7 @@
 #include "host/server_host.h"
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "base/word_list.h"
 #include "host/complaint.h"
@@ -8,7 +10,7 @@
 #include "plugin/remote_operations.h"
 #include "services/host_folder.h"
 #include "services/profile_tables.h"
-#include "store/message_file.h"
+#include "store/list_commands.h"
 
 namespace rotacasts::host {
 namespace {
@@ -38,8 +40,8 @@ std::string HintsAfter(const std::string& text) {
   return words;
 }
 
-/// For an addition of which the plugin gives no reason.
-std::string WhyNotAdded(const std::string& text) try {
+/// For a text that was not stored and of which the plugin gives no reason.
+std::string WhyNotStored(const std::string& text) try {
   if (ToWindows1252(text).find_first_of("\r\n") == std::string::npos) {
     return "its file cannot be read or written at this moment; try again";
   }
@@ -147,7 +149,7 @@ std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
   MessagesOf(index);  // names what is wrong with the file, where the plugin only answers "0"
   HostedPlugin::Reply reply = Remote(index, remote::kAdd, EncodeBase64(text), administrator);
   if (reply.text != "1") {
-    RaiseUnchanged("not added", reply, WhyNotAdded(text));
+    RaiseUnchanged("not added", reply, WhyNotStored(text));
   }
   const std::string place = PlaceOf(text, ListAfter(index, reply));
   return Done("added" + place + HintsAfter(text), reply);
@@ -181,6 +183,61 @@ std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, b
   return Done(std::string("moved ") + (up ? "up: " : "down: ") + text, reply);
 }
 
+std::string ServerHost::ChangeMessage(std::int32_t index, std::int32_t position,
+                                      const std::string& text, const std::string& administrator) {
+  RequireStarted(index);
+  RefuseLong(text);
+  if (MessagesOf(index).TextAt(position) == text) {
+    throw Complaint("not changed: the message has this text already");
+  }
+  const HostedPlugin::Reply reply = plugin_.ChangeList(
+      [&](ListCommands& lists, const ProfileData& PDAT) {
+        return lists.ChangeMessage(index, PDAT, static_cast<std::size_t>(position), text);
+      },
+      index, DataOf(profiles_.At(index), administrator));
+  if (reply.text != "1") RaiseUnchanged("not changed", reply, WhyNotStored(text));
+  return Done("changed message " + std::to_string(position + 1) + ": " + text + HintsAfter(text),
+              reply);
+}
+
+std::string ServerHost::PlaceMessage(std::int32_t index, std::int32_t position, std::int32_t to,
+                                     const std::string& administrator) {
+  RequireStarted(index);
+  const MessageList list = MessagesOf(index);
+  const std::string& text = list.TextAt(position);
+  to = std::min(to, static_cast<std::int32_t>(list.messages.size()) - 1);
+  if (to == position) {
+    throw Complaint("not moved: it is message " + std::to_string(to + 1) + " already");
+  }
+  const HostedPlugin::Reply reply = plugin_.ChangeList(
+      [&](ListCommands& lists, const ProfileData& PDAT) {
+        return lists.PlaceMessage(index, PDAT, static_cast<std::size_t>(position),
+                                  static_cast<std::size_t>(to));
+      },
+      index, DataOf(profiles_.At(index), administrator));
+  if (reply.text != "1") RaiseUnchanged("not moved", reply, kCannotBeWritten);
+  return Done("moved to " + std::to_string(to + 1) + ": " + text, reply);
+}
+
+std::string ServerHost::InsertMessages(std::int32_t index, std::int32_t position,
+                                       const std::vector<std::string>& texts,
+                                       const std::string& administrator) {
+  RequireStarted(index);
+  for (const std::string& text : texts) RefuseLong(text);
+  const auto count = static_cast<std::int32_t>(MessagesOf(index).messages.size());
+  const std::int32_t first = std::min(position, count);
+  const HostedPlugin::Reply reply = plugin_.ChangeList(
+      [&](ListCommands& lists, const ProfileData& PDAT) {
+        return lists.InsertMessages(index, PDAT, static_cast<std::size_t>(first), texts);
+      },
+      index, DataOf(profiles_.At(index), administrator));
+  if (reply.text != "1") RaiseUnchanged("not added", reply, WhyNotStored(Join(texts, "")));
+  const std::string words = texts.size() == 1 ? "added" : "added " + std::to_string(texts.size());
+  return Done(words + " as message " + std::to_string(first + 1) +
+                  (texts.size() == 1 ? HintsAfter(texts[0]) : " and those that follow"),
+              reply);
+}
+
 std::string ServerHost::SetSwitch(std::int32_t index, bool isOn, const std::string& administrator) {
   RequireStarted(index);
   const std::string value = isOn ? "1" : "0";
@@ -212,7 +269,7 @@ std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
               reply);
 }
 
-std::string ServerHost::Say(std::int32_t index, const std::string& text) {
+ServerHost::Said ServerHost::Say(std::int32_t index, const std::string& text) {
   const ProfileSettings& profile = profiles_.At(index);
   RefuseLong(text);
   const Preview::Text now = preview_.TextOf(profile, preview_.GameOf(profile), text);
@@ -222,9 +279,10 @@ std::string ServerHost::Say(std::int32_t index, const std::string& text) {
   }
   Chat& chat = profiles_.Components().GetChat();
   chat.Post(index, profile.target, now.says);
-  const SentText& sent = chat.Latest().back();
+  const SentText& sent = chat.LatestOf(index).back();
   if (sent.outcome == SentText::Outcome::Failed) throw Complaint("not said: " + sent.reason);
-  return (sent.outcome == SentText::Outcome::Sent ? "said: " : "being said: ") + now.says;
+  const bool isSent = sent.outcome == SentText::Outcome::Sent;
+  return {(isSent ? "said: " : "being said: ") + now.says, sent.number, sent.outcome};
 }
 
 std::optional<MessageList> ServerHost::ListAfter(std::int32_t index,
@@ -244,7 +302,8 @@ ProfileStatus ServerHost::StatusOf(std::int32_t index) {
 }
 
 ProfileStatus ServerHost::StatusOf(std::int32_t index, const Preview::Game& game) const {
-  return ReadStatus(profiles_, profiles_.At(index), game, ProgressOf(index));
+  return ReadStatus(profiles_, profiles_.At(index), game, ProgressOf(index),
+                    profiles_.Components().GetChat().FailureOf(index));
 }
 
 std::string ServerHost::LogFolderOf(std::int32_t index) const {

@@ -40,8 +40,8 @@ constexpr std::chrono::seconds kPageRetry{2};
 class ServedPage {
  public:
   /// Errors: 5, 53 or 70 if it can never be served there.
-  ServedPage(EventLoop& loop, ServerHost& host, const std::string& address, std::ostream& out)
-      : loop_(loop), host_(host), address_(address), out_(out) {
+  ServedPage(EventLoop& loop, ServerHost& host, const HostOptions& options, std::ostream& out)
+      : loop_(loop), host_(host), options_(options), out_(out) {
     loop_.AddDeadline([this] { return next_; }, [this] { Try(); });
     Try();
   }
@@ -50,8 +50,8 @@ class ServedPage {
   void Try() {
     next_.reset();
     try {
-      RequireFree(address_);
-      site_.emplace(loop_, host_, address_, out_);
+      RequireFree(options_.web);
+      site_.emplace(loop_, host_, options_.web, options_.webHosts, out_);
     } catch (const RuntimeError& error) {
       if (!error.Is(ErrorNumber::DeviceIoError)) throw;
       next_ = EventLoop::Clock::now() + kPageRetry;
@@ -62,7 +62,7 @@ class ServedPage {
 
   EventLoop& loop_;
   ServerHost& host_;
-  const std::string address_;
+  const HostOptions& options_;
   std::ostream& out_;
   std::optional<EventLoop::Clock::time_point> next_;
   bool isTold_ = false;
@@ -101,7 +101,7 @@ void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostre
   ProgramStarter programs(loop);
   HeadlessHost host(loop, programs, profiles, options, out);
   std::optional<ServedPage> page;
-  if (!options.web.empty()) page.emplace(loop, host.Host(), options.web, out);
+  if (!options.web.empty()) page.emplace(loop, host.Host(), options, out);
   const auto others = ServeOtherConsoles(loop, host.Host(), out);
   host.Start();
   const LineEditor::Person person{
