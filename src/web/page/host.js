@@ -134,6 +134,7 @@ function showOutcomes(title, outcomes) {
   $("outcome").replaceChildren(...outcomes.map(([index, isDone, words]) =>
     el("li", { "data-index": index, class: isDone ? "" : "failed" }, el("b", {}, `${isDone ? "✓" : "✗"} ${nameOf(index)}`), " ", el("span", {}, words))));
   $("outcomes").hidden = false;
+  if (failed) $("outcomes").scrollIntoView({ block: "nearest" });
   toast(told, { isBad: failed > 0, isUndoable: failed < outcomes.length, seconds: failed ? 12 : 6 });
 }
 

@@ -286,6 +286,7 @@ function openEditor(row) {
     else if (!faultOf(text)) await change(row, text);
   }), field, hint, el("button", { class: "primary" }, "Save"));
   field.focus();
+  field.setSelectionRange(field.value.length, field.value.length);
 }
 
 function openMover(row) {
@@ -435,7 +436,7 @@ function send(event, title, words, one, after) {
       if (failed.length && done.size) on.retarget(failed);
       if (!failed.length && $("text").value === held) showDraftOfChosen();
       if (done.has(from)) await refreshMessages();
-      if ($("compose").contains(document.activeElement) || document.activeElement === document.body) $("text").focus();
+      if ($("compose").contains(document.activeElement) || document.activeElement === document.body) $("text").focus({ preventScroll: failed.length > 0 });
     }
     after(done, texts);
   });

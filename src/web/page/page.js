@@ -207,6 +207,7 @@ function untilNext(row) {
   return `${Math.floor(seconds / 60)}:${String(seconds % 60).padStart(2, "0")}`;
 }
 
+const listed = (names, most) => names.slice(0, most).join(", ") + (names.length > most ? ` and ${names.length - most} more` : "");
 const nextText = (row) => row.next.text.trim() || "(empty)";
 
 function makeRow(index) {
@@ -237,7 +238,8 @@ function showRows() {
   setText($("troubled"), `Only those in trouble (${troubled.length})`);
   filterRows();
   const elsewhere = troubled.filter((row) => row.index !== state.chosen);
-  setText($("elsewhere"), elsewhere.length ? `In trouble: ${elsewhere.slice(0, 3).map((row) => row.folder).join(", ")}${elsewhere.length > 3 ? ` and ${elsewhere.length - 3} more` : ""}` : "");
+  setText($("elsewhere"), elsewhere.length ? `In trouble: ${listed(elsewhere.map((row) => row.folder), 2)}` : "");
+  $("elsewhere").href = elsewhere.length === 1 ? `#/${elsewhere[0].index}` : "#/";
   if (isLive) {
     $("no-profiles").hidden = all.length > 0;
     if (state.chosen && !rows.has(state.chosen)) return void (location.hash = "#/");
@@ -349,9 +351,11 @@ function showTargets() {
   const isMany = picked.length > 1 || picked[0] !== state.chosen;
   $("targets").hidden = rows.size < 2 || !(may(kAdd) || may(kChange));
   $("targets").classList.toggle("many", isMany);
-  setText($("targets-words"), isMany ? `What you do is done for ${picked.length} ${picked.length > 1 ? "servers" : "server"}: ${picked.map(nameOf).join(", ")}`
-    : "What you do is done for this server.");
+  setText($("targets-words"), isMany
+    ? `Adding, saying, copying and settings are for ${picked.length > 1 ? `${picked.length} servers` : "1 server"}: ${listed(picked.map(nameOf), 8)}.`
+    : "Adding, saying and settings are for this server.");
   setText($("all-servers"), `All ${rows.size} servers`);
+  $("all-servers").hidden = picked.length === rows.size;
   $("one-server").hidden = !isMany;
   const old = new Map([...$("target-list").children].map((item) => [Number(item.dataset.index), item]));
   for (const [index, item] of old) if (!rows.has(index)) item.remove();
@@ -376,7 +380,7 @@ $("target-list").addEventListener("change", () => {
 });
 $("all-servers").addEventListener("click", () => {
   retarget(rows.keys());
-  if (may(kAdd)) $("text").focus();
+  (may(kAdd) ? $("text") : $("one-server")).focus();
 });
 $("one-server").addEventListener("click", () => {
   retarget([]);
