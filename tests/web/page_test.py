@@ -129,7 +129,7 @@ class Page(unittest.TestCase):
     def test_the_tabs_of_a_browser_share_one_stream_and_a_hidden_one_has_none(self):
         page = self.open()
         for _ in range(7):  # a browser has six connections to a host
-            page.driver.switch_to.new_window("tab")
+            page.driver.switch_to.new_window("window")
             page.driver.get(self.host.url + "#/2")
             page.lists(*LIST)
         hide = ("Object.defineProperty(document, 'hidden', {configurable: true, value: arguments[0]});"
