@@ -173,6 +173,18 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
       {"delete 2 4", "deleted:  d ", "a;b;c;1;3;"},
       {"up 2 2", "moved up: b", "b;a;c;1;3;"},
       {"down 2 1", "moved down: b", "a;b;c;1;3;"},
+      {"change 2 3 {C}",
+       "changed message 3: {C}\nbut it has braces at no placeholder's name and is sent as written; "
+       "the console's \"placeholders\" lists them",
+       "a;b;{C};1;3;"},
+      {"move 2 3 1", "moved to 1: {C}", "{C};a;b;1;3;"},
+      {"move 2 1 9", "moved to 3: {C}", "a;b;{C};1;3;"},
+      {"change 2 3 c", "changed message 3: c", "a;b;c;1;3;"},
+      {"change 2 3 c", "not changed: the message has this text already"},
+      {"change 2 3 Ł",
+       "not changed: " + refused + "character Ł (U+0141) is not in Windows-1252; use another one"},
+      {"move 2 2 2", "not moved: it is message 2 already"},
+      {"move 2 4 1", "there is no message 4; \"messages\" lists those there are"},
       {"up 2 1", "not moved: it is the first message"},
       {"down 2 3", "not moved: it is the last message"},
       {"delete 2 4", "there is no message 4; \"messages\" lists those there are"},
@@ -206,8 +218,11 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
     EXPECT_EQ(Contents(), file) << row.line;
   }
   const std::string log = folder.ReadAll("adminlogs");
-  EXPECT_EQ(std::ranges::count(log, '\n'), 8);  // the changes, with "?" for letters it lacks
+  EXPECT_EQ(std::ranges::count(log, '\n'), 12);  // the changes, with "?" for letters it lacks
   EXPECT_EQ(log.find("[Rotacasts] Add Rotacast (Message:  d ) from Zoe\r\n"), 10U) << log;
+  ExpectAll(log,
+            "[Rotacasts] Change Rotacasts (Message: c, New Message: {C}) from Zoe\n"
+            "[Rotacasts] Move Rotacasts (Message: {C}, New Position: 1) from Zoe");
   EXPECT_EQ(folder.ReadAll("profiles/srv2/adminlogs"), "");  // which other tests read
 }
 
@@ -219,6 +234,8 @@ TEST_F(ConsoleTest, WhatCannotBeStoredIsNotDoneAndTheReasonSaid) {
                           " is read-only; make it writable and try again\n";
   for (const auto& [line, says] : {std::pair("delete 2 1", "not deleted: " + why),
                                    {"up 2 2", "not moved: " + why},
+                                   {"move 2 2 1", "not moved: " + why},
+                                   {"change 2 2 c", "not changed: " + why},
                                    {"enable 2 0", "not switched: " + why},
                                    {"interval 2 9", "not changed: " + why},
                                    {"remote 2 ChangeIntervalRem abc", why + "\"\"\n"},
@@ -243,7 +260,7 @@ TEST_F(ConsoleTest, APositionThatCouldMeanAnotherMessageIsRefused) {
                                     {"2=a\r\n1=b\r\n", "1 \"a\" has the key 2"}}) {
     const std::string file = MessageFileBytes({}).insert(12, lines);
     folder.AddProfile(2, "JO", "1", "4002", file);
-    for (const char* line : {"up 2 2", "down 2 1", "delete 2 1"}) {
+    for (const char* line : {"up 2 2", "down 2 1", "move 2 2 1", "delete 2 1"}) {
       EXPECT_EQ(Execute(line), std::string("message ") + says + end);
       EXPECT_EQ(folder.Read(kFile), file) << line;
     }

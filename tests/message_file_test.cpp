@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "base/text.h"
+#include "store/insertion.h"
 #include "support/fake_host.h"
 
 namespace rotacasts {
@@ -112,6 +113,9 @@ TEST_F(MessageFileTest, NoChangeLosesATextWhicheverCallsFail) {
   };
   const auto exchange = [](MessageFile file) { file.ExchangeEntries("2", "3"); };
   const auto renumber = [](MessageFile file) { file.DeleteEntry("9"); };
+  const auto insert = [](MessageFile file) {
+    Execute(file, StepsToInsert(file.Entries(), 1, {"x", "y"}));
+  };
   struct Row {
     const char* before;
     std::function<void(MessageFile)> change;
@@ -127,6 +131,8 @@ TEST_F(MessageFileTest, NoChangeLosesATextWhicheverCallsFail) {
         Row{four, arrange({"c", "a", "b", "a"}), "1=c;2=a;3=b;4=a;"},
         Row{strange, arrange({"c", "b", "a"}), "1=c;2=b;3=a;", false},
         Row{"1=a\r\n2=b\r\n3=c\r\n5=d\r\n", exchange, "1=a;2=c;3=b;5=d;"},
+        Row{three, insert, "1=a;2=x;3=y;4=;5=c;"}, Row{"", insert, "1=x;2=y;"},
+        Row{strange, insert, "1=a;2=x;3=y;4=b;5=c;", false},
         Row{"2=a\r\n4=\r\n6=c\r\n", renumber, "1=a;2=c;", false},
         Row{"6=a\r\n4=b\r\n1=c\r\n", renumber, "1=a;2=b;3=c;", false}}) {
     SetSection(before);

@@ -37,12 +37,17 @@ class Console::Arguments {
     End();
     return number;
   }
-  /// The next word as a message's number, which must be the last: people count from 1, positions
-  /// from 0. Errors: 5.
-  std::int32_t LastPosition() {
-    const std::int32_t number = LastNumber();
+  /// The next word as a message's number: people count from 1, positions from 0. Errors: 5.
+  std::int32_t Position() {
+    const std::int32_t number = Number();
     if (number > 0) return number - 1;
     throw Complaint("there is no message " + std::to_string(number) + "; the first one is 1");
+  }
+  /// The same, which must be the last word.
+  std::int32_t LastPosition() {
+    const std::int32_t position = Position();
+    End();
+    return position;
   }
   bool IsAtEnd() const { return rest_.find_first_not_of(' ') == rest_.npos; }
   /// Errors: 5 if another word follows.
@@ -88,6 +93,19 @@ const Console::Command Console::kCommands[] = {
      [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
        console.out_ << console.host_.AddMessage(profile, arguments.Text()) << "\n";
+     }},
+    {"change PROFILE NUMBER TEXT", "give a message another text",
+     [](Console& console, Arguments& arguments) {
+       const std::int32_t profile = arguments.Number();
+       const std::int32_t position = arguments.Position();
+       console.out_ << console.host_.ChangeMessage(profile, position, arguments.Text()) << "\n";
+     }},
+    {"move PROFILE NUMBER TO", "move a message to another place: 1 is the first",
+     [](Console& console, Arguments& arguments) {
+       const std::int32_t profile = arguments.Number();
+       const std::int32_t position = arguments.Position();
+       const std::int32_t to = arguments.LastPosition();
+       console.out_ << console.host_.PlaceMessage(profile, position, to) << "\n";
      }},
     {"delete PROFILE NUMBER", "delete a message",
      [](Console& console, Arguments& arguments) {

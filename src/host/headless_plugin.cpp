@@ -8,6 +8,7 @@
 #include "plugin/remote_operations.h"
 #include "services/host_folder.h"
 #include "siblings/host_file_system.h"
+#include "store/list_commands.h"
 #include "ui/layout.h"
 
 namespace rotacasts::host {
@@ -36,6 +37,7 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   }
 
   clsPlugin& Plugin() { return plugin_; }
+  ListCommands& Lists() { return lists_; }
   const TimerLoop& Timers() const { return timers_; }
 
  private:
@@ -56,6 +58,7 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   headless::HeadlessToolkit toolkit_;
   PluginState state_;
   clsPlugin plugin_;
+  ListCommands lists_{state_.services, state_.reporter, state_.store, state_.window};
   bool isInTick_ = false;
   std::vector<std::string>* problems_ = nullptr;  // of the current call
 };
@@ -249,6 +252,12 @@ HostedPlugin::Reply HeadlessPlugin::Remote(const RemoteOperation& operation, std
   Instance& instance = At(index);
   return instance.Answer([&] { return (instance.Plugin().*operation.call)(index, data, value); },
                          data);
+}
+
+HostedPlugin::Reply HeadlessPlugin::ChangeList(const ListChange& change, std::int32_t index,
+                                               const HostValue& data) {
+  Instance& instance = At(index);
+  return instance.Answer([&] { return change(instance.Lists(), ProfileData(data)); }, data);
 }
 
 std::optional<HostedPlugin::Progress> HeadlessPlugin::ProgressOf(std::int32_t index) const {

@@ -38,6 +38,7 @@ class HeadlessPlugin : public HostedPlugin {
   void DisableProfile(std::int32_t index) override;
   Reply Remote(const RemoteOperation& operation, std::int32_t index, const HostValue& data,
                const HostValue& value) override;
+  Reply ChangeList(const ListChange& change, std::int32_t index, const HostValue& data) override;
   std::optional<Progress> ProgressOf(std::int32_t index) const override;
 
  private:

@@ -3,16 +3,20 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "base/host_value.h"
+#include "host/complaint.h"
 #include "platform/toolkit.h"
 
 namespace rotacasts {
+class ListCommands;
+class ProfileData;
 struct RemoteOperation;
-}
+}  // namespace rotacasts
 
 namespace rotacasts::host {
 
@@ -51,6 +55,15 @@ class HostedPlugin {
   };
   virtual Reply Remote(const RemoteOperation& operation, std::int32_t index, const HostValue& data,
                        const HostValue& value) = 0;
+
+  /// Calls an operation on the list of messages that no remote administrator knows; `change` gets
+  /// the profile data. Errors: 5 where the plugin has only the remote operations.
+  using ListChange = std::function<std::string(ListCommands&, const ProfileData&)>;
+  virtual Reply ChangeList(const ListChange&, std::int32_t, const HostValue&) {
+    throw Complaint(
+        "the plugin that runs here only adds, deletes and moves by one place; use \"add\", "
+        "\"delete\", \"up\" and \"down\"");
+  }
 
   /// The progress of a profile's broadcasts and the settings that they follow; nullopt if the
   /// plugin's state is not accessible.

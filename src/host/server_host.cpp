@@ -1,5 +1,7 @@
 #include "host/server_host.h"
 
+#include <algorithm>
+
 #include "base/word_list.h"
 #include "host/complaint.h"
 #include "host/message_hints.h"
@@ -7,7 +9,7 @@
 #include "plugin/remote_operations.h"
 #include "services/host_folder.h"
 #include "services/profile_tables.h"
-#include "store/message_file.h"
+#include "store/list_commands.h"
 
 namespace rotacasts::host {
 namespace {
@@ -16,6 +18,8 @@ namespace {
 constexpr std::size_t kLongestMessage = 65507;
 
 constexpr const char* kCannotBeWritten = "the file cannot be written";
+constexpr const char* kNotALine =
+    "a message is one line of Windows-1252 letters, in a file that can be written";
 
 [[noreturn]] void RaiseUnchanged(const char* what, const HostedPlugin::Reply& reply,
                                  const std::string& likely) {
@@ -126,8 +130,7 @@ std::string ServerHost::AddMessage(std::int32_t index, const std::string& text,
   RefuseLong(text);
   const HostedPlugin::Reply reply = Remote(index, remote::kAdd, EncodeBase64(text), administrator);
   if (reply.text != "1") {
-    RaiseUnchanged("not added", reply,
-                   "a message is one line of Windows-1252 letters, in a file that can be written");
+    RaiseUnchanged("not added", reply, kNotALine);
   }
   return Done(
       "added as message " + std::to_string(MessagesOf(index).messages.size()) + HintsAfter(text),
@@ -158,6 +161,61 @@ std::string ServerHost::MoveMessage(std::int32_t index, std::int32_t position, b
                    std::string("it is the ") + (up ? "first" : "last") + " message");
   }
   return Done(std::string("moved ") + (up ? "up: " : "down: ") + text, reply);
+}
+
+std::string ServerHost::ChangeMessage(std::int32_t index, std::int32_t position,
+                                      const std::string& text, const std::string& administrator) {
+  RequireStarted(index);
+  RefuseLong(text);
+  if (MessagesOf(index).TextAt(position) == text) {
+    throw Complaint("not changed: the message has this text already");
+  }
+  const HostedPlugin::Reply reply = plugin_.ChangeList(
+      [&](ListCommands& lists, const ProfileData& PDAT) {
+        return lists.ChangeMessage(index, PDAT, static_cast<std::size_t>(position), text);
+      },
+      index, DataOf(profiles_.At(index), administrator));
+  if (reply.text != "1") RaiseUnchanged("not changed", reply, kNotALine);
+  return Done("changed message " + std::to_string(position + 1) + ": " + text + HintsAfter(text),
+              reply);
+}
+
+std::string ServerHost::PlaceMessage(std::int32_t index, std::int32_t position, std::int32_t to,
+                                     const std::string& administrator) {
+  RequireStarted(index);
+  const MessageList list = MessagesOf(index);
+  const std::string& text = list.TextAt(position);
+  to = std::min(to, static_cast<std::int32_t>(list.messages.size()) - 1);
+  if (to == position) {
+    throw Complaint("not moved: it is message " + std::to_string(to + 1) + " already");
+  }
+  const HostedPlugin::Reply reply = plugin_.ChangeList(
+      [&](ListCommands& lists, const ProfileData& PDAT) {
+        return lists.PlaceMessage(index, PDAT, static_cast<std::size_t>(position),
+                                  static_cast<std::size_t>(to));
+      },
+      index, DataOf(profiles_.At(index), administrator));
+  if (reply.text != "1") RaiseUnchanged("not moved", reply, kCannotBeWritten);
+  return Done("moved to " + std::to_string(to + 1) + ": " + text, reply);
+}
+
+std::string ServerHost::InsertMessages(std::int32_t index, std::int32_t position,
+                                       const std::vector<std::string>& texts,
+                                       const std::string& administrator) {
+  RequireStarted(index);
+  for (const std::string& text : texts) RefuseLong(text);
+  const auto count = static_cast<std::int32_t>(MessagesOf(index).messages.size());
+  const std::int32_t first = std::min(position, count);
+  const HostedPlugin::Reply reply = plugin_.ChangeList(
+      [&](ListCommands& lists, const ProfileData& PDAT) {
+        return lists.InsertMessages(index, PDAT, static_cast<std::size_t>(first), texts);
+      },
+      index, DataOf(profiles_.At(index), administrator));
+  if (reply.text != "1") RaiseUnchanged("not added", reply, kNotALine);
+  const std::string words = texts.size() == 1 ? "added" : "added " + std::to_string(texts.size());
+  return Done(words + " as message " + std::to_string(first + 1) +
+                  (texts.size() == 1 ? HintsAfter(texts[0]) : " and those that follow"),
+              reply);
 }
 
 std::string ServerHost::SetSwitch(std::int32_t index, bool isOn, const std::string& administrator) {

@@ -57,6 +57,16 @@ class ServerHost {
                             const std::string& administrator = {});
   std::string MoveMessage(std::int32_t index, std::int32_t position, bool up,
                           const std::string& administrator = {});
+  /// Gives a message another text; says what looks unintended in it, as after an addition.
+  std::string ChangeMessage(std::int32_t index, std::int32_t position, const std::string& text,
+                            const std::string& administrator = {});
+  /// Moves a message to the position `to`; behind the end this is the last one.
+  std::string PlaceMessage(std::int32_t index, std::int32_t position, std::int32_t to,
+                           const std::string& administrator = {});
+  /// Adds messages before the one at the position, or at the end, in one write.
+  std::string InsertMessages(std::int32_t index, std::int32_t position,
+                             const std::vector<std::string>& texts,
+                             const std::string& administrator = {});
   std::string SetSwitch(std::int32_t index, bool isOn, const std::string& administrator = {});
   /// Requires: 0 to 30 minutes.
   std::string SetInterval(std::int32_t index, std::int32_t minutes,

@@ -18,6 +18,8 @@ inline constexpr std::string_view kInterval = "Change Rotacasts Interval (New In
 inline constexpr std::string_view kMoveDown = "Move Rotacasts Down (Message: ";
 inline constexpr std::string_view kMoveUp = "Move Rotacasts Up (Message: ";
 inline constexpr std::string_view kDelete = "Delete Rotacasts (Message: ";
+inline constexpr std::string_view kChange = "Change Rotacasts (Message: ";
+inline constexpr std::string_view kPlace = "Move Rotacasts (Message: ";
 }  // namespace admin_action
 
 /// One text file a day, in the profile's `adminlogs` folder or in the host's. Lines are only ever
