@@ -116,7 +116,8 @@ export async function askEach(indexes, title, words, one) {
   }
   const done = new Map([...results].filter(([, { answer }]) => answer).map(([index, { answer }]) => [index, answer]));
   if (indexes.length > 1) {
-    showOutcomes(title, indexes.map((index) => [index, done.has(index), done.has(index) ? words(done.get(index), index) : results.get(index).words]));
+    showOutcomes(title, indexes.map((index) => (done.has(index)
+      ? [index, true, words(done.get(index), index)] : [index, false, results.get(index).words])));
   } else if (done.size) {
     tell(words(done.get(indexes[0]), indexes[0]), { isUndoable: true });
   } else {
@@ -131,15 +132,15 @@ function showOutcomes(title, outcomes) {
   const told = failed ? `${title}: ${outcomes.length - failed} did, ${failed} did not` : `${title}: all ${outcomes.length} did`;
   setText($("outcomes-title"), told);
   outcomes.sort((a, b) => a[1] - b[1]);
-  $("outcome").replaceChildren(...outcomes.map(([index, isDone, words]) =>
-    el("li", { "data-index": index, class: isDone ? "" : "failed" }, el("b", {}, `${isDone ? "✓" : "✗"} ${nameOf(index)}`), " ", el("span", {}, words))));
+  $("outcome").replaceChildren(...outcomes.map(([index]) => el("li", { "data-index": index }, el("b"), " ", el("span"))));
+  for (const outcome of outcomes) setOutcome(...outcome);
   $("outcomes").hidden = false;
   if (failed) $("outcomes").scrollIntoView({ block: "nearest" });
   toast(told, { isBad: failed > 0, isUndoable: failed < outcomes.length, seconds: failed ? 12 : 6 });
 }
 
-/** Replaces the words of one server, whose outcome is known only now. */
-export function correctOutcome(index, isDone, words) {
+/** Sets the outcome of one server in the list, also later if it is known only then. */
+export function setOutcome(index, isDone, words) {
   const item = $("outcome").querySelector(`[data-index="${index}"]`);
   if (!item) return;
   item.className = isDone ? "" : "failed";
@@ -277,8 +278,9 @@ function readStream(mine) {
   for (const kind of ["profile", "gone", "messages", "log", "person", "still", "ready", "end", "elsewhere"]) {
     source.addEventListener(kind, (event) => {
       const data = JSON.parse(event.data);
+      const part = kind === "profile" ? `profile ${data.index}` : kind;
       if (kind === "gone") mine.latest.delete(`profile ${data}`);
-      else if (kind !== "still") mine.latest.set(kind === "profile" ? `profile ${data.index}` : kind, { kind, data, at: performance.now() });
+      else if (kind !== "still") mine.latest.set(part, { kind, data, at: performance.now() });
       channel?.postMessage({ name: mine.name, kind, data });
       mine.hear(kind, data);
     });
@@ -291,7 +293,8 @@ if (channel) channel.onmessage = ({ data: { name, kind, data } }) => {
   if (name !== following?.name) return;
   if (kind !== "tell me") return following.hear(kind, data);
   if (!following.latest?.has("ready")) return; // whoever asks hears it when it comes
-  for (const { kind, data, at } of [...following.latest.values()].sort((a, b) => (a.kind === "ready") - (b.kind === "ready"))) {
+  const parts = [...following.latest.values()].sort((a, b) => (a.kind === "ready") - (b.kind === "ready")); // "ready" last
+  for (const { kind, data, at } of parts) {
     const now = data.now + performance.now() - at; // the host's clock has gone on
     channel.postMessage({ name, kind, data: kind === "ready" ? { now } : data });
   }

@@ -1,6 +1,6 @@
 // The messages of the server shown: their list, in which each is changed, moved and deleted where it
 // stands, and the field for new ones.
-import { $, act, ask, askEach, correctOutcome, el, kAdd, may, nameOf, on, remember, request, sentence, setCurrent, setText,
+import { $, act, ask, askEach, setOutcome, el, kAdd, may, nameOf, on, remember, request, sentence, setCurrent, setText,
   state, targets, tell, warn } from "./host.js";
 
 const kSettle = 700; // ms after a row has moved in which a press on it may be meant for another
@@ -131,10 +131,12 @@ function makeRow() {
 function dropRow(row) {
   row.item.remove();
   const draft = row.tool?.elements.text?.value;
-  if (draft && draft !== row.message.text && !row.isDeleting) warn(`Somebody has deleted the message that you were changing. You had: ${quoted(draft)}`);
+  if (!draft || draft === row.message.text || row.isDeleting) return;
+  warn(`Somebody has deleted the message that you were changing. You had: ${quoted(draft)}`);
 }
 
-const kNames = { place: "Drag it, or press it to choose its place; with keys: ↑ ↓ Home End", text: "Change the text", up: "Move up", down: "Move down", delete: "Delete" };
+const kNames = { place: "Drag it, or press it to choose its place; with keys: ↑ ↓ Home End", text: "Change the text",
+  up: "Move up", down: "Move down", delete: "Delete" };
 
 function fillRow(row, message, position) {
   const says = saysNow(message);
@@ -150,7 +152,8 @@ function fillRow(row, message, position) {
   for (const button of row.item.querySelectorAll("button[data-kind]")) {
     const { kind } = button.dataset;
     button.disabled = (kind === "up" && position === 0) || (kind === "down" && position === rows.length - 1);
-    button.setAttribute("aria-label", kind === "place" ? `Place ${position + 1} of ${rows.length}: ${message.text}` : `${kNames[kind]}: ${message.text}`);
+    const name = kind === "place" ? `Place ${position + 1} of ${rows.length}` : kNames[kind];
+    button.setAttribute("aria-label", `${name}: ${message.text}`);
     button.title = kNames[kind];
   }
 }
@@ -270,7 +273,8 @@ function closeTool(row) {
 }
 
 function openEditor(row) {
-  const field = el("input", { name: "text", autocomplete: "off", value: row.message.text, "aria-label": `Text of message ${place(row) + 1}` });
+  const field = el("input", { name: "text", autocomplete: "off", value: row.message.text,
+    "aria-label": `Text of message ${place(row) + 1}` });
   const hint = el("p", { class: "hint", "aria-live": "polite" });
   const showFault = () => {
     const fault = faultOf(field.value.trim());
@@ -290,7 +294,8 @@ function openEditor(row) {
 }
 
 function openMover(row) {
-  const field = el("input", { type: "number", min: 1, max: rows.length, value: place(row) + 1, inputmode: "numeric", "aria-label": "New place" });
+  const field = el("input", { type: "number", min: 1, max: rows.length, value: place(row) + 1, inputmode: "numeric",
+    "aria-label": "New place" });
   const go = (to) => act(row.item, null, () => {
     closeTool(row);
     if (to !== place(row)) return moveTo(row, to);
@@ -436,7 +441,8 @@ function send(event, title, words, one, after) {
       if (failed.length && done.size) on.retarget(failed);
       if (!failed.length && $("text").value === held) showDraftOfChosen();
       if (done.has(from)) await refreshMessages();
-      if ($("compose").contains(document.activeElement) || document.activeElement === document.body) $("text").focus({ preventScroll: failed.length > 0 });
+      const isElsewhere = document.activeElement !== document.body && !$("compose").contains(document.activeElement);
+      if (!isElsewhere) $("text").focus({ preventScroll: failed.length > 0 });
     }
     after(done, texts);
   });
@@ -454,9 +460,11 @@ async function takeAway(index, texts) {
 
 function add(event) {
   event.preventDefault();
-  send(event, "Added", (_, texts) => (texts.length > 1 ? `Added ${texts.length} messages at the end.` : `Added at the end: ${texts[0]}`),
-    (index, texts) => (texts.length > 1 ? request("POST", path(index, "lists"), { texts }) : request("POST", path(index, "messages"), { text: texts[0] })),
-    (done, texts) => remember(`added ${texts.length > 1 ? `${texts.length} messages` : quoted(texts[0])}`, [...done.keys()].map((index) => [index, () => takeAway(index, texts)])));
+  const count = (texts) => (texts.length > 1 ? `${texts.length} messages` : quoted(texts[0]));
+  send(event, "Added", (_, texts) => `Added at the end: ${texts.length > 1 ? count(texts) : texts[0]}`,
+    (index, texts) => (texts.length > 1 ? request("POST", path(index, "lists"), { texts })
+      : request("POST", path(index, "messages"), { text: texts[0] })),
+    (done, texts) => remember(`added ${count(texts)}`, [...done.keys()].map((index) => [index, () => takeAway(index, texts)])));
 }
 
 function say(event) {
@@ -476,7 +484,7 @@ async function awaitOutcome(index, number, text, isOneOfSeveral) {
   } while (sent?.outcome === "under way");
   const isDone = sent?.outcome === "sent";
   const words = isDone ? `Sent: ${text}` : `Not sent: ${sent?.reason || "the host does not know what became of it"}`;
-  if (isOneOfSeveral) correctOutcome(index, isDone, words);
+  if (isOneOfSeveral) setOutcome(index, isDone, words);
   if (!isDone) warn(`${nameOf(index)}: ${words}`);
   else if (!isOneOfSeveral) tell(words);
 }

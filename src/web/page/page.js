@@ -7,6 +7,7 @@ import { forgetDrafts, forgetMessages, loadPlaceholders, markNext, refreshMessag
 
 const kMany = 8; // servers, from which a filter helps
 const kStepPause = 1500; // ms after the last step of the interval until it is sent
+const kTooOften = "You have this page open too often";
 const kHiddenPoll = 60_000; // ms between two looks of a hidden tab, for its title
 const rows = state.rows;
 const isWide = matchMedia("(min-width: 56rem)");
@@ -130,7 +131,7 @@ function connect() {
     } else if (kind === "lost") {
       lost();
     } else if (kind === "elsewhere") {
-      pause("You have this page open too often, so it no longer follows the host here. It does again when you press a key or the pointer.");
+      pause(`${kTooOften}, so this tab no longer follows the host. It does again when you press a key or the pointer.`);
     } else if (kind === "end") {
       on.signedOut("Your session has ended.");
     }
@@ -160,7 +161,7 @@ function lost() {
 
 addEventListener("offline", lost);
 for (const kind of ["pointerdown", "keydown"]) {
-  addEventListener(kind, () => { if (!isLive && $("banner").textContent.startsWith("You have")) connect(); });
+  addEventListener(kind, () => { if (!isLive && $("banner").textContent.startsWith(kTooOften)) connect(); });
 }
 document.addEventListener("visibilitychange", () => {
   if (!state.person) return;
@@ -337,8 +338,8 @@ function showProfile() {
   if (!row) return;
   setText($("profile-name"), row.folder);
   setText($("profile-state"), `${row.gameCode} · ${isLive ? stateOf(row)[1] : "not known"}`);
-  const trouble = troubleOf(row);
-  setText($("profile-problem"), row.failing ? sentence(`texts do not reach the players: ${row.failing}`) : trouble && sentence(trouble));
+  const trouble = row.failing ? `texts do not reach the players: ${row.failing}` : troubleOf(row);
+  setText($("profile-problem"), trouble && sentence(trouble));
   if (!isSwitching) $("switch").checked = row.on;
   if (document.activeElement !== $("interval") && !stepTimer) $("interval").value = row.interval;
   markNext();
@@ -351,8 +352,9 @@ function showTargets() {
   const isMany = picked.length > 1 || picked[0] !== state.chosen;
   $("targets").hidden = rows.size < 2 || !(may(kAdd) || may(kChange));
   $("targets").classList.toggle("many", isMany);
+  const count = (of) => (of === 1 ? "1 server" : `${of} servers`);
   setText($("targets-words"), isMany
-    ? `Adding, saying, copying and settings are for ${picked.length > 1 ? `${picked.length} servers` : "1 server"}: ${listed(picked.map(nameOf), 8)}.`
+    ? `Adding, saying, copying and settings are for ${count(picked.length)}: ${listed(picked.map(nameOf), 8)}.`
     : "Adding, saying and settings are for this server.");
   setText($("all-servers"), `All ${rows.size} servers`);
   $("all-servers").hidden = picked.length === rows.size;
@@ -366,7 +368,7 @@ function showTargets() {
     item.firstChild.checked = picked.includes(index);
   }
   const others = picked.filter((index) => index !== state.chosen).length;
-  setText($("copy"), others ? `Copy this list to ${others} ${others > 1 ? "servers" : "server"}` : "Copy this list to…");
+  setText($("copy"), others ? `Copy this list to ${count(others)}` : "Copy this list to…");
   showDraft();
 }
 
@@ -411,7 +413,8 @@ $("switch").addEventListener("change", () => {
   if (isSwitching) return void ($("switch").checked = !isOn); // the first press is under way
   isSwitching = true;
   act($("switch"), null, async () => {
-    for (const index of (await set("switch", "on", isOn, isOn ? "Switched on." : "Switched off.")).keys()) rows.get(index).on = isOn; // earlier than the events
+    const done = await set("switch", "on", isOn, isOn ? "Switched on." : "Switched off.");
+    for (const index of done.keys()) rows.get(index).on = isOn; // earlier than the events
     isSwitching = false;
     showRows();
   });
