@@ -65,6 +65,7 @@ class Browser:
     acts = 0
 
     def click(self, selector):
+        time.sleep(0.8)  # as long as it takes to see where everything is now
         self.acts += 1
         self.find(selector).click()
 
@@ -91,8 +92,7 @@ class Browser:
         return self.js("return [...document.querySelectorAll('#messages .text')].map(t => t.firstChild.textContent)")
 
     def row(self, position, kind):
-        time.sleep(0.8)  # as long as it takes to see where the rows are now
-        self.find(f"#messages li:nth-child({position + 1}) [data-kind={kind}]").click()
+        self.click(f"#messages li:nth-child({position + 1}) [data-kind={kind}]")
 
     def lists(self, *messages):
         self.wait(lambda: self.messages() == list(messages), f"{messages}, not {self.messages()}")

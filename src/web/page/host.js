@@ -100,10 +100,10 @@ export async function act(control, event, work) {
 
 // --- Several servers ---
 
-/** Asks several servers, each for itself; `one(index)` is a request. Several outcomes are shown as
-    a list under `title`, one as `words(answer, index)`. Returns the indexes and answers of those
-    that did it. */
-export async function askEach(indexes, title, words, one) {
+/** Asks several servers, each for itself; `one(index)` is a request, and `undo(index, answer)`, if
+    given, a function that takes it back with a request. Several outcomes are shown as a list under
+    `title`, one as `words(answer)`. Returns the indexes and answers of those that did it. */
+export async function askEach(indexes, { title, words, one, undo, step }) {
   const results = new Map();
   const waiting = [...indexes];
   const askNext = async () => {
@@ -115,11 +115,14 @@ export async function askEach(indexes, title, words, one) {
     return new Map();
   }
   const done = new Map([...results].filter(([, { answer }]) => answer).map(([index, { answer }]) => [index, answer]));
+  const parts = undo ? [...done].map(([index, answer]) => [index, undo(index, answer)]).filter(([, back]) => back) : [];
+  remember(step, parts);
+  const isUndoable = parts.length > 0;
   if (indexes.length > 1) {
-    showOutcomes(title, indexes.map((index) => (done.has(index)
-      ? [index, true, words(done.get(index), index)] : [index, false, results.get(index).words])));
+    showOutcomes(title, isUndoable, indexes.map((index) => (done.has(index)
+      ? [index, true, words(done.get(index))] : [index, false, results.get(index).words])));
   } else if (done.size) {
-    tell(words(done.get(indexes[0]), indexes[0]), { isUndoable: true });
+    tell(words(done.get(indexes[0])), { isUndoable });
   } else {
     warn(results.get(indexes[0]).words);
   }
@@ -127,7 +130,7 @@ export async function askEach(indexes, title, words, one) {
 }
 
 /** Shows what came of an act on several servers, failures first. */
-function showOutcomes(title, outcomes) {
+function showOutcomes(title, isUndoable, outcomes) {
   const failed = outcomes.filter(([, isDone]) => !isDone).length;
   const told = failed ? `${title}: ${outcomes.length - failed} did, ${failed} did not` : `${title}: all ${outcomes.length} did`;
   setText($("outcomes-title"), told);
@@ -136,7 +139,7 @@ function showOutcomes(title, outcomes) {
   for (const outcome of outcomes) setOutcome(...outcome);
   $("outcomes").hidden = false;
   if (failed) $("outcomes").scrollIntoView({ block: "nearest" });
-  toast(told, { isBad: failed > 0, isUndoable: failed < outcomes.length, seconds: failed ? 12 : 6 });
+  toast(told, { isBad: failed > 0, isUndoable, seconds: failed ? 12 : 6 });
 }
 
 /** Sets the outcome of one server in the list, also later if it is known only then. */
@@ -217,11 +220,12 @@ function undoLast(event) {
     if (!step) return;
     const parts = new Map(step.parts);
     const unanswered = [];
-    await askEach([...parts.keys()], `Undone: ${step.words}`, () => `Undone: ${step.words}`, async (index) => {
+    const undone = `Undone: ${step.words}`;
+    await askEach([...parts.keys()], { title: undone, words: () => undone, one: async (index) => {
       const result = await parts.get(index)();
       if (!result.answer && !result.status) unanswered.push([index, parts.get(index)]);
       return result;
-    });
+    } });
     if (unanswered.length) step.parts = unanswered;
     else if (steps.includes(step)) steps.splice(steps.indexOf(step), 1);
     showSteps();

@@ -262,6 +262,12 @@ function openTool(row, hidden, onsubmit, ...children) {
   row.text.parentElement.hidden = hidden;
   row.opener = document.activeElement;
   row.item.append(row.tool);
+  row.item.scrollIntoView({ block: "nearest" });
+  othersMoved(row);
+}
+
+function othersMoved(row) {
+  for (const other of rows) if (other !== row) other.movedAt = performance.now();
 }
 
 function closeTool(row) {
@@ -269,6 +275,7 @@ function closeTool(row) {
   row.tool?.remove();
   row.tool = null;
   row.text.parentElement.hidden = false;
+  othersMoved(row);
   if (hadFocus) (row.opener?.isConnected ? row.opener : row.text).focus();
 }
 
@@ -426,26 +433,19 @@ async function preview(text) {
 }
 
 /** Sends what is in the field to each server. The field is emptied if it still holds it; if some
-    servers did not do it, it stays, for those alone. */
-function send(event, title, words, one, after) {
-  const held = $("text").value;
-  const texts = linesOf(held);
-  const from = state.chosen;
+    servers did not do it, it stays, for those alone. Returns what askEach() returns. */
+async function send(from, held, how) {
   const to = targets();
-  if (!texts.length || texts.some(faultOf)) return;
-  act($("compose"), event, async () => {
-    const done = await askEach(to, title, (answer) => words(answer, texts), (index) => one(index, texts));
-    const failed = to.filter((index) => !done.has(index));
-    if (!failed.length && drafts.get(from) === held) drafts.delete(from);
-    if (from === state.chosen) {
-      if (failed.length && done.size) on.retarget(failed);
-      if (!failed.length && $("text").value === held) showDraftOfChosen();
-      if (done.has(from)) await refreshMessages();
-      const isElsewhere = document.activeElement !== document.body && !$("compose").contains(document.activeElement);
-      if (!isElsewhere) $("text").focus({ preventScroll: failed.length > 0 });
-    }
-    after(done, texts);
-  });
+  const done = await askEach(to, how);
+  const failed = to.filter((index) => !done.has(index));
+  if (!failed.length && drafts.get(from) === held) drafts.delete(from);
+  if (from !== state.chosen) return done;
+  if (failed.length && done.size) on.retarget(failed);
+  if (!failed.length && $("text").value === held) showDraftOfChosen();
+  if (done.has(from)) await refreshMessages();
+  const isElsewhere = document.activeElement !== document.body && !$("compose").contains(document.activeElement);
+  if (!isElsewhere) $("text").focus({ preventScroll: failed.length > 0 });
+  return done;
 }
 
 /** Takes texts away again that were added at the end. */
@@ -460,19 +460,32 @@ async function takeAway(index, texts) {
 
 function add(event) {
   event.preventDefault();
-  const count = (texts) => (texts.length > 1 ? `${texts.length} messages` : quoted(texts[0]));
-  send(event, "Added", (_, texts) => `Added at the end: ${texts.length > 1 ? count(texts) : texts[0]}`,
-    (index, texts) => (texts.length > 1 ? request("POST", path(index, "lists"), { texts })
-      : request("POST", path(index, "messages"), { text: texts[0] })),
-    (done, texts) => remember(`added ${count(texts)}`, [...done.keys()].map((index) => [index, () => takeAway(index, texts)])));
+  const held = $("text").value;
+  const texts = linesOf(held);
+  if (!texts.length || texts.some(faultOf)) return;
+  const isOne = texts.length === 1;
+  act($("compose"), event, () => send(state.chosen, held, {
+    title: "Added",
+    words: () => `Added at the end: ${isOne ? texts[0] : `${texts.length} messages`}`,
+    one: (index) => (isOne ? request("POST", path(index, "messages"), { text: texts[0] }) : request("POST", path(index, "lists"), { texts })),
+    step: `added ${isOne ? quoted(texts[0]) : `${texts.length} messages`}`,
+    undo: (index) => () => takeAway(index, texts),
+  }));
 }
 
 function say(event) {
-  send(event, "Said once", (answer) => sentence(answer.done),
-    (index, [text]) => request("POST", path(index, "say"), { text }),
-    (done, [text]) => {
-      for (const [index, answer] of done) if (answer.outcome === "under way") awaitOutcome(index, answer.number, text, done.size > 1);
+  const held = $("text").value;
+  const text = held.trim();
+  act($("compose"), event, async () => {
+    const done = await send(state.chosen, held, {
+      title: "Said once",
+      words: (answer) => sentence(answer.done),
+      one: (index) => request("POST", path(index, "say"), { text }),
     });
+    for (const [index, answer] of done) {
+      if (answer.outcome === "under way") awaitOutcome(index, answer.number, text, done.size > 1);
+    }
+  });
 }
 
 /** Tells what became of a text once the host knows it. */
@@ -497,16 +510,18 @@ function copyList(event) {
     $("pick").querySelector("summary").focus();
     return tell("Choose the servers to copy to, then press the button again.");
   }
-  act($("copy"), event, async () => {
-    const done = await askEach(to, `Copied from ${nameOf(from)}`, (answer) => sentence(answer.done),
-      (index) => request("POST", path(index, "copies"), { from }));
-    const parts = [];
-    for (const [index, { added }] of done) {
-      const texts = added ? (await request("GET", path(index, "messages"))).answer?.messages.slice(-added) : null;
-      if (texts) parts.push([index, () => takeAway(index, texts.map(({ text }) => text))]);
-    }
-    remember(`copied the list of ${nameOf(from)}`, parts);
-  });
+  act($("copy"), event, () => askEach(to, {
+    title: `Copied from ${nameOf(from)}`,
+    words: (answer) => sentence(answer.done),
+    one: async (index) => {
+      const result = await request("POST", path(index, "copies"), { from });
+      const now = result.answer?.added ? (await request("GET", path(index, "messages"))).answer : null;
+      if (now) result.answer.texts = now.messages.slice(-result.answer.added).map(({ text }) => text);
+      return result;
+    },
+    step: `copied the list of ${nameOf(from)}`,
+    undo: (index, { texts }) => texts && (() => takeAway(index, texts)),
+  }));
 }
 
 $("text").addEventListener("input", showDraft);

@@ -1,6 +1,6 @@
 // The page around the messages: signing in, the list of servers with trouble first, and the server
 // shown with its settings, what was sent and who changed what. The parts follow the host's events.
-import { $, act, ask, askEach, el, follow, forgetSteps, hideToast, kChange, may, nameOf, on, remember, request, sentence,
+import { $, act, ask, askEach, el, follow, forgetSteps, hideToast, kChange, may, nameOf, on, request, sentence,
   setCurrent, setText, state, stopFollowing, targets, tell, warn, kAdd } from "./host.js";
 import { forgetDrafts, forgetMessages, loadPlaceholders, markNext, refreshMessages, showDraft, showDraftOfChosen, showMessages }
   from "./messages.js";
@@ -402,10 +402,13 @@ let stepTimer = 0;
 async function set(route, field, value, words) {
   const before = new Map(targets().map((index) => [index, field === "on" ? rows.get(index).on : rows.get(index).minutes]));
   const put = (index, to) => request("PUT", `/api/profiles/${index}/${route}`, { [field]: to });
-  const done = await askEach([...before.keys()], words, () => words, (index) => put(index, value));
-  const changed = [...done.keys()].filter((index) => before.get(index) !== null && before.get(index) !== value);
-  remember(words, changed.map((index) => [index, () => put(index, before.get(index))]));
-  return done;
+  return askEach([...before.keys()], {
+    title: words,
+    words: () => words,
+    one: (index) => put(index, value),
+    step: words.toLowerCase().replace(".", ""),
+    undo: (index) => ![null, value].includes(before.get(index)) && (() => put(index, before.get(index))),
+  });
 }
 
 $("switch").addEventListener("change", () => {
