@@ -60,6 +60,8 @@ constexpr RouteRow kRoutes[] = {
     {"DELETE", "/api/profiles/1/messages", 0}, {"POST", "/api/profiles/1/restored", 1},
     {"POST", "/api/profiles/1/moves", 0},      {"PUT", "/api/profiles/1/switch", 0},
     {"PUT", "/api/profiles/1/interval", 0},    {"POST", "/api/profiles/1/say", 0},
+    {"PUT", "/api/profiles/1/messages", 0},    {"POST", "/api/profiles/1/places", 0},
+    {"POST", "/api/profiles/1/lists", 97},     {"POST", "/api/profiles/1/copies", 3},
 };
 
 constexpr const char* kFiles[] = {"", "profiles/srv1/settings/Rotacasts.ini",
@@ -130,7 +132,7 @@ class Arena {
   EventLoop loop_;
   Admins admins_{profiles_.Folder()};
   Sessions sessions_;
-  Api api_{loop_, host_, sessions_, out_};
+  Api api_{loop_, host_, sessions_, {"x"}, out_};
   std::vector<std::string> tokens_;
 };
 

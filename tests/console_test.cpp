@@ -226,6 +226,19 @@ TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {
   EXPECT_EQ(folder.ReadAll("profiles/srv2/adminlogs"), "");  // which other tests read
 }
 
+TEST_F(ConsoleTest, AProfileWhoseTextsFailIsFailingUntilOneGoesOut) {
+  folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"a"}, "1", "3"));
+  const std::string profile = "[Profile]\r\nIndex=2\r\nGameCode=JO\r\nProcess=1\r\n";
+  folder.Write("profiles/srv2/profile.ini", profile + "Say=say\r\n");
+  const std::string failing =
+      "profile 2 (srv2): its texts fail: this host starts no programs; give Target in place of Say";
+  ExpectAll(Execute("say 2 a\nstatus"), "failing, game unreachable\n" + failing);
+  EXPECT_EQ(Execute("enable 2 0\nstatus").find("fail"), std::string::npos);
+  ExpectAll(Execute("enable 2 1\nstatus"), failing);
+  folder.Write("profiles/srv2/profile.ini", profile + "Target=4002\r\n");
+  EXPECT_EQ(Execute("reload\nsay 2 a\nstatus").find("fail"), std::string::npos);
+}
+
 TEST_F(ConsoleTest, WhatCannotBeStoredIsNotDoneAndTheReasonSaid) {
   folder.AddProfile(2, "JO", "1", "4002", MessageFileBytes({"a", "b"}, "1", "3"));
   Execute("");

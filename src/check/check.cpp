@@ -157,7 +157,7 @@ Findings CheckHostFolder(const std::string& hostFolder) {
 
 std::vector<std::string> ConvertHostFolder(const std::string& hostFolder) {
   const HostFolder paths(hostFolder);
-  std::vector<std::string> files = {paths.Configuration()};
+  std::vector<std::string> files = {paths.Configuration(), paths.Administrators()};
   for (const std::string& folder : ProfileFolders(hostFolder)) {
     files.push_back(paths.Description(folder));
     files.push_back(paths.MessageFile(folder));

@@ -137,7 +137,7 @@ const Console::Command Console::kCommands[] = {
     {"say PROFILE TEXT", "say a text now, once; a placeholder with what it says now",
      [](Console& console, Arguments& arguments) {
        const std::int32_t profile = arguments.Number();
-       console.out_ << console.host_.Say(profile, arguments.Text()) << "\n";
+       console.out_ << console.host_.Say(profile, arguments.Text()).words << "\n";
      }},
     {"sent [PROFILE]", "the latest messages sent: when, and what became of them",
      [](Console& console, Arguments& arguments) {

@@ -23,7 +23,9 @@ std::vector<std::string> Row(Preview& preview, const ProfileStatus& status) {
   return {std::to_string(status.profile.index),
           status.profile.folder,
           status.profile.gameCode,
-          status.isStopped ? "stopped, game " + game : game,
+          status.isStopped          ? "stopped, game " + game
+          : !status.failing.empty() ? "failing, game " + game
+                                    : game,
           status.isSwitchedOn ? "on" : "off",
           status.interval + " min",
           status.progress ? std::to_string(status.progress->elapsedTicks) : kNotKnown,
@@ -40,6 +42,9 @@ void PrintStatus(std::ostream& out, Preview& preview, const std::vector<ProfileS
   for (const ProfileStatus& status : all) {
     if (!status.game.problem.empty()) out << status.game.problem << "\n";
     if (!status.problem.empty()) out << status.profile.Label() << ": " << status.problem << "\n";
+    if (!status.failing.empty()) {
+      out << status.profile.Label() << ": its texts fail: " << status.failing << "\n";
+    }
     if (status.isFileAhead) {
       out << status.profile.Label()
           << ": its message file has another switch or interval; \"reload\" takes them over\n";

@@ -192,6 +192,7 @@ HostedPlugin::Progress HeadlessPlugin::Instance::GetProgress() const {
   progress.interval = window->Interval();
   progress.elapsedTicks = state_.tables.ElapsedTicks(index_);
   progress.nextMessage = state_.tables.NextMessage(index_);
+  progress.problem = troubles_.WordsOn({index_});
   try {
     const std::int32_t ticks = TicksUntilDue(progress.interval, progress.elapsedTicks);
     if (ticks > 0) progress.due = *next + (ticks - 1) * minute_;

@@ -73,6 +73,7 @@ class HostedPlugin {
     std::string interval;  // minutes, as in the settings window
     std::int32_t elapsedTicks = 0;
     std::int32_t nextMessage = 0;
+    std::string problem = {};  // why its last tick failed; empty if it did not
     /// When the next message is due if the switch is on and a game is running; nullopt if the
     /// interval is no number.
     std::optional<std::chrono::steady_clock::time_point> due;

@@ -244,7 +244,7 @@ std::string ServerHost::SetInterval(std::int32_t index, std::int32_t minutes,
               reply);
 }
 
-std::string ServerHost::Say(std::int32_t index, const std::string& text) {
+ServerHost::Said ServerHost::Say(std::int32_t index, const std::string& text) {
   const ProfileSettings& profile = profiles_.At(index);
   RefuseLong(text);
   const Preview::Text now = preview_.TextOf(profile, preview_.GameOf(profile), text);
@@ -254,9 +254,10 @@ std::string ServerHost::Say(std::int32_t index, const std::string& text) {
   }
   Chat& chat = profiles_.Components().GetChat();
   chat.Post(index, profile.target, now.says);
-  const SentText& sent = chat.Latest().back();
+  const SentText& sent = chat.LatestOf(index).back();
   if (sent.outcome == SentText::Outcome::Failed) throw Complaint("not said: " + sent.reason);
-  return (sent.outcome == SentText::Outcome::Sent ? "said: " : "being said: ") + now.says;
+  const bool isSent = sent.outcome == SentText::Outcome::Sent;
+  return {(isSent ? "said: " : "being said: ") + now.says, sent.number, sent.outcome};
 }
 
 MessageList ServerHost::MessagesOf(std::int32_t index) const {
@@ -268,7 +269,8 @@ ProfileStatus ServerHost::StatusOf(std::int32_t index) {
 }
 
 ProfileStatus ServerHost::StatusOf(std::int32_t index, const Preview::Game& game) const {
-  return ReadStatus(profiles_, profiles_.At(index), game, ProgressOf(index));
+  return ReadStatus(profiles_, profiles_.At(index), game, ProgressOf(index),
+                    profiles_.Components().GetChat().FailureOf(index));
 }
 
 std::string ServerHost::LogFolderOf(std::int32_t index) const {

@@ -72,9 +72,15 @@ class ServerHost {
   std::string SetInterval(std::int32_t index, std::int32_t minutes,
                           const std::string& administrator = {});
 
-  /// Says a text once, now, even if no game is running; a placeholder with its live text. Returns
-  /// the outcome in words. Errors: 5 or 57, with the reason, if nothing was said.
-  std::string Say(std::int32_t index, const std::string& text);
+  /// What became of a text that was said.
+  struct Said {
+    std::string words;
+    std::int64_t number;  // in the profile's latest texts
+    SentText::Outcome outcome;
+  };
+  /// Says a text once, now, even if no game is running; a placeholder with its live text. Errors: 5
+  /// or 57, with the reason, if nothing was said.
+  Said Say(std::int32_t index, const std::string& text);
 
   MessageList MessagesOf(std::int32_t index) const;
   ProfileStatus StatusOf(std::int32_t index);

@@ -38,7 +38,8 @@ void SetNextMessage(ProfileStatus& status, const MessageList& list) {
 
 ProfileStatus ReadStatus(const HostProfiles& profiles, const ProfileSettings& profile,
                          const Preview::Game& game,
-                         const std::optional<HostedPlugin::Progress>& progress) {
+                         const std::optional<HostedPlugin::Progress>& progress,
+                         const std::string& chatFailure) {
   ProfileStatus status;
   status.profile = profile;
   status.game = game;
@@ -54,6 +55,10 @@ ProfileStatus ReadStatus(const HostProfiles& profiles, const ProfileSettings& pr
     SetNextMessage(status, list);
   } catch (const RuntimeError& error) {
     status.problem = error.description;
+  }
+  if (!status.isStopped && status.isSwitchedOn) {
+    status.failing = chatFailure;
+    if (status.failing.empty() && progress) status.failing = progress->problem;
   }
   return status;
 }

@@ -18,6 +18,9 @@ struct ProfileStatus {
   bool isStopped = false;
   std::string problem;  // why the message file cannot be read; what it says is then empty
 
+  /// Why its texts fail; empty if they do not, and while it is stopped or switched off.
+  std::string failing;
+
   // The settings that the broadcasts follow; for a stopped profile, those of the message file.
   bool isSwitchedOn = false;
   std::string interval;
@@ -31,9 +34,10 @@ struct ProfileStatus {
   std::optional<std::chrono::steady_clock::time_point> due;
 };
 
-/// Reads the profile's message file.
+/// Reads the profile's message file. `chatFailure` is why its latest text failed, if it did.
 ProfileStatus ReadStatus(const HostProfiles& profiles, const ProfileSettings& profile,
                          const Preview::Game& game,
-                         const std::optional<HostedPlugin::Progress>& progress);
+                         const std::optional<HostedPlugin::Progress>& progress,
+                         const std::string& chatFailure);
 
 }  // namespace rotacasts::host

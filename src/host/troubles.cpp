@@ -29,9 +29,15 @@ std::string DescribeError(const std::string& label, const RuntimeError& error,
 }
 
 void Troubles::ReportStarted(const Work& work, const std::string& words, Clock::time_point now) {
-  Trouble& trouble = open_.try_emplace(work, Trouble{now, 0, {}, false}).first->second;
+  Trouble& trouble = open_.try_emplace(work, Trouble{now, 0, {}, {}, false}).first->second;
   if (!std::exchange(trouble.isInThisRun, true)) ++trouble.runs;
+  trouble.latest = words;
   if (trouble.printed.insert(words).second) Print(words);
+}
+
+std::string Troubles::WordsOn(const Work& work) const {
+  const auto found = open_.find(work);
+  return found != open_.end() ? found->second.latest : "";
 }
 
 bool Troubles::IsReported(const Work& work, const std::string& words) const {

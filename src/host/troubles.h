@@ -46,6 +46,8 @@ class Troubles {
                                          Clock::time_point now = Clock::now());
   /// Ends a run that tried nothing, so whatever was wrong may still be.
   void EndUntried(const Work& work);
+  /// The latest words about work whose last run that tried something failed; empty if it did not.
+  std::string WordsOn(const Work& work) const;
   /// Whether these words were printed since the last run without errors, so that there is nothing
   /// new to record.
   bool IsReported(const Work& work, const std::string& words) const;
@@ -55,6 +57,7 @@ class Troubles {
     Clock::time_point since;
     int runs = 0;  // the number that failed
     std::set<std::string> printed;
+    std::string latest;
     bool isInThisRun = false;
   };
 

@@ -9,7 +9,7 @@
 namespace rotacasts::host {
 namespace {
 
-constexpr std::size_t kMostRemembered = 256;
+constexpr std::size_t kMostRemembered = 64;  // texts of a profile
 // The most texts of a profile that may wait for earlier ones. If there are more, its program is
 // stuck.
 constexpr std::size_t kMostWaiting = 8;
@@ -34,18 +34,45 @@ void Chat::SetProgram(std::int32_t profile, const std::string& program) {
 }
 
 SentText& Chat::Remember(std::int32_t profile, const std::string& text) {
-  if (latest_.size() == kMostRemembered) latest_.pop_front();
-  latest_.push_back({++lastNumber_, clock_.Now(), profile, text, SentText::Outcome::UnderWay, {}});
-  return latest_.back();
+  std::deque<SentText>& latest = latest_[profile];
+  if (latest.size() == kMostRemembered) latest.pop_front();
+  latest.push_back({++lastNumber_, clock_.Now(), profile, text, SentText::Outcome::UnderWay, {}});
+  return latest.back();
 }
 
-void Chat::Finish(std::int64_t number, const std::string& problem) {
-  const auto found = std::find_if(latest_.begin(), latest_.end(),
-                                  [&](const SentText& sent) { return sent.number == number; });
-  if (found == latest_.end()) return;  // forgotten: many texts came after it
-  found->outcome = problem.empty() ? SentText::Outcome::Sent : SentText::Outcome::Failed;
-  found->reason = problem;
-  if (onEnd) onEnd(*found);
+const std::deque<SentText>& Chat::LatestOf(std::int32_t profile) const {
+  static const std::deque<SentText> kNone;
+  const auto found = latest_.find(profile);
+  return found != latest_.end() ? found->second : kNone;
+}
+
+std::vector<SentText> Chat::Latest() const {
+  std::vector<SentText> all;
+  for (const auto& [profile, texts] : latest_) all.insert(all.end(), texts.begin(), texts.end());
+  std::ranges::sort(all, {}, &SentText::number);
+  return all;
+}
+
+std::string Chat::FailureOf(std::int32_t profile) const {
+  const std::deque<SentText>& texts = LatestOf(profile);
+  const auto last = std::find_if(texts.rbegin(), texts.rend(), [](const SentText& sent) {
+    return sent.outcome != SentText::Outcome::UnderWay;
+  });
+  return last != texts.rend() ? last->reason : "";
+}
+
+SentText* Chat::Find(std::int32_t profile, std::int64_t number) {
+  std::deque<SentText>& texts = latest_[profile];
+  const auto found = std::ranges::find(texts, number, &SentText::number);
+  return found != texts.end() ? &*found : nullptr;
+}
+
+void Chat::Finish(std::int32_t profile, std::int64_t number, const std::string& problem) {
+  SentText* const sent = Find(profile, number);
+  if (sent == nullptr) return;
+  sent->outcome = problem.empty() ? SentText::Outcome::Sent : SentText::Outcome::Failed;
+  sent->reason = problem;
+  if (onEnd) onEnd(*sent);
 }
 
 void Chat::Post(std::int32_t profile, std::int32_t port, const std::string& words) {
@@ -61,17 +88,17 @@ void Chat::Post(std::int32_t profile, std::int32_t port, const std::string& word
       }
       socket_.Send(static_cast<std::uint16_t>(port), text);
     } catch (const RuntimeError& error) {
-      Finish(number, error.description);
+      Finish(profile, number, error.description);
       throw;
     }
-    return Finish(number, "");
+    return Finish(profile, number, "");
   }
   Queue& queue = found->second;
   if (runner_ == nullptr || queue.waiting.size() > kMostWaiting) {
     const std::string problem = runner_ == nullptr
                                     ? "this host starts no programs; give Target in place of Say"
                                     : queue.program[0] + " does not keep up with the messages";
-    Finish(number, problem);
+    Finish(profile, number, problem);
     throw NotSent(problem);
   }
   queue.waiting.push_back(number);
@@ -82,22 +109,21 @@ void Chat::StartFirst(std::int32_t profile) {
   Queue& queue = programs_.at(profile);
   while (!queue.waiting.empty()) {
     const std::int64_t number = queue.waiting.front();
-    const auto text = std::find_if(latest_.begin(), latest_.end(),
-                                   [&](const SentText& sent) { return sent.number == number; });
+    const SentText* const text = Find(profile, number);
     std::vector<std::string> command = queue.program;
-    if (text != latest_.end() && !command.empty()) {
+    if (text != nullptr && !command.empty()) {
       command.push_back(text->text);
       try {
         return runner_->Start(command, [this, profile, number](const std::string& problem) {
           programs_.at(profile).waiting.pop_front();
-          Finish(number, problem);
+          Finish(profile, number, problem);
           StartFirst(profile);
         });
       } catch (const RuntimeError& error) {
-        Finish(number, error.description);
+        Finish(profile, number, error.description);
       }
     } else {
-      Finish(number, "Say was taken out of profile.ini");
+      Finish(profile, number, "Say was taken out of profile.ini");
     }
     queue.waiting.pop_front();
   }

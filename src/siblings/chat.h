@@ -32,7 +32,7 @@ struct SentText {
 };
 
 /// Posts a text as one UTF-8 datagram to a port of 127.0.0.1, or through a program of the profile:
-/// one text at a time, in order. Remembers the latest texts.
+/// one text at a time, in order. Remembers each profile's latest texts.
 class Chat {
  public:
   explicit Chat(const LocalClock& clock) : clock_(clock) {}
@@ -47,9 +47,13 @@ class Chat {
   /// only later is told by onEnd.
   void Post(std::int32_t profile, std::int32_t port, const std::string& words);
 
-  /// The latest texts, the newest at the end.
-  const std::deque<SentText>& Latest() const { return latest_; }
-  /// Called when a text was sent or has failed; Latest() contains it.
+  /// The latest texts of a profile, the newest at the end. Empty only if nothing was posted.
+  const std::deque<SentText>& LatestOf(std::int32_t profile) const;
+  /// Those of all profiles.
+  std::vector<SentText> Latest() const;
+  /// Why the profile's latest text failed; empty if it went out, and before the first one.
+  std::string FailureOf(std::int32_t profile) const;
+  /// Called when a text was sent or has failed; LatestOf its profile contains it.
   std::function<void(const SentText&)> onEnd;
 
  private:
@@ -59,14 +63,16 @@ class Chat {
   };
 
   SentText& Remember(std::int32_t profile, const std::string& text);
-  void Finish(std::int64_t number, const std::string& problem);
+  /// The text of that number; null if it was forgotten because many came after it.
+  SentText* Find(std::int32_t profile, std::int64_t number);
+  void Finish(std::int32_t profile, std::int64_t number, const std::string& problem);
   void StartFirst(std::int32_t profile);
 
   const LocalClock& clock_;
   ChatSocket socket_;
   ProgramRunner* runner_ = nullptr;
-  std::map<std::int32_t, Queue> programs_;  // of the profiles that have one
-  std::deque<SentText> latest_;
+  std::map<std::int32_t, Queue> programs_;               // of the profiles that have one
+  std::map<std::int32_t, std::deque<SentText>> latest_;  // of each profile
   std::int64_t lastNumber_ = 0;
 };
 

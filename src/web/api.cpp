@@ -8,8 +8,8 @@
 #include "broadcast/placeholders.h"
 #include "machine/linux/tcp.h"
 #include "web/call.h"
-#include "web/live_events.h"
 #include "web/page_files.h"
+#include "web/without_paths.h"
 
 namespace rotacasts::host::web {
 
@@ -18,15 +18,31 @@ using nlohmann::json;
 namespace {
 
 constexpr const char* kCookie = "rotacasts";
+constexpr const char* kKnownCookie = "rotacasts-known";
+constexpr const char* kKnownFor = "; Max-Age=7776000";  // 90 days
+
+constexpr std::size_t kMostPagesOfPerson = 16;
+// Below HttpServer's limit for an address, which can be a proxy, so that other requests pass.
+constexpr std::size_t kMostPagesOfAddress = 150;
 
 enum class Need { Nothing, Session, ChangeMessages, ChangeSettings };
 
-/// The client's address. A proxy on this machine is trusted to name its client.
+/// The client's address. A proxy on this machine is trusted to name its client, last of all.
 std::string ClientOf(const Request& request) {
   if (!IsLoopback(request.address)) return request.address;
   const std::string forwarded = request.Header("X-Forwarded-For");
-  const std::string last(TrimSpaces(forwarded.substr(forwarded.rfind(',') + 1)));
-  return last.empty() ? request.address : last.substr(0, 64);
+  const std::string_view last = std::string_view(forwarded).substr(forwarded.rfind(',') + 1);
+  return ClientAddressIn(std::string(TrimSpaces(last))).value_or(request.address);
+}
+
+Refusal Busy() {
+  return {503, "busy", "many are signing in; try again", {{"Retry-After", "1"}}};
+}
+
+/// The name in a Host header, without the port.
+std::string HostNameIn(const std::string& header) {
+  const std::size_t colon = header.find(':', header.starts_with('[') ? header.find(']') : 0);
+  return header.substr(0, colon);
 }
 
 /// Whether the request comes from a page of this host; browsers send the origin with every change.
@@ -41,15 +57,6 @@ bool IsJson(const Request& request) {
   const std::string type = request.Header("Content-Type");
   return EqualsIgnoringCase(TrimSpaces(std::string_view(type).substr(0, type.find(';'))),
                             "application/json");
-}
-
-json DescriptionOf(const Admin& admin) {
-  json rights = json::array();
-  for (const Right right : admin.rights) rights.push_back(NameOf(right));
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
-  return {{"name", admin.name},
-          {"rights", rights},
-          {"now", std::chrono::duration_cast<std::chrono::milliseconds>(now).count()}};
 }
 
 }  // namespace
@@ -83,22 +90,30 @@ const Api::Route Api::kRoutes[] = {
     {"GET", "/api/events", Need::Session, &Api::Follow},
     {"GET", "/api/profiles/*/messages", Need::Session, &Api::ShowMessages},
     {"GET", "/api/profiles/*/log", Need::Session, &Api::ShowLog},
+    {"GET", "/api/profiles/*/sent", Need::Session, &Api::ShowSent},
     {"POST", "/api/profiles/*/preview", Need::Session, &Api::Preview},
     {"POST", "/api/profiles/*/say", Need::ChangeMessages, &Api::Say},
     {"POST", "/api/profiles/*/messages", Need::ChangeMessages, &Api::Add},
+    {"PUT", "/api/profiles/*/messages", Need::ChangeMessages, &Api::ChangeText},
     {"DELETE", "/api/profiles/*/messages", Need::ChangeMessages, &Api::Delete},
     {"POST", "/api/profiles/*/restored", Need::ChangeMessages, &Api::Restore},
     {"POST", "/api/profiles/*/moves", Need::ChangeMessages, &Api::Move},
+    {"POST", "/api/profiles/*/places", Need::ChangeMessages, &Api::Place},
+    {"POST", "/api/profiles/*/lists", Need::ChangeMessages, &Api::AddList},
+    {"POST", "/api/profiles/*/copies", Need::ChangeMessages, &Api::CopyList},
     {"PUT", "/api/profiles/*/switch", Need::ChangeSettings, &Api::Switch},
     {"PUT", "/api/profiles/*/interval", Need::ChangeSettings, &Api::SetInterval},
 };
 
-Api::Api(EventLoop& loop, ServerHost& host, Sessions& sessions, std::ostream& out)
+Api::Api(EventLoop& loop, ServerHost& host, Sessions& sessions, std::vector<std::string> names,
+         std::ostream& out)
     : host_(host),
       sessions_(sessions),
+      names_(std::move(names)),
       out_(out),
       admins_(host.Profiles().Folder()),
       snapshots_(host),
+      additions_(loop, host),
       checks_(loop),
       nobody_(HashOfNobody()) {}
 
@@ -108,14 +123,31 @@ void Api::Handle(const std::shared_ptr<Exchange>& exchange) {
   } catch (const Refusal& refusal) {
     exchange->Answer(refusal);
   } catch (const RuntimeError& error) {
-    exchange->Answer(Refusal{422, "refused", error.description});
+    exchange->Answer(
+        Refusal{422, "refused", WithoutPaths(error.description, host_.Profiles().Folder())});
   } catch (...) {
-    exchange->Answer(Refusal{500, "failed", CurrentRuntimeError().description});
+    exchange->Answer(Refusal{
+        500, "failed", WithoutPaths(CurrentRuntimeError().description, host_.Profiles().Folder())});
   }
+}
+
+// A foreign page can make its own name mean this machine; then the browser sends that name. An
+// address in its place can only be one that the page was fetched from.
+void Api::RequireHost(const Request& request) const {
+  const std::string name = HostNameIn(request.Header("Host"));
+  if (EqualsIgnoringCase(name, "localhost") || ClientAddressIn(name)) return;
+  if (std::ranges::any_of(
+          names_, [&](const std::string& known) { return EqualsIgnoringCase(known, name); })) {
+    return;
+  }
+  throw Refusal{421, "host",
+                "the host does not know itself by the name \"" + name.substr(0, 100) +
+                    "\"; start it with --web-host and that name"};
 }
 
 void Api::Find(const std::shared_ptr<Exchange>& exchange) {
   const Request& request = exchange->Asked();
+  RequireHost(request);
   const std::string method = request.method == "HEAD" ? "GET" : request.method;
   std::string allowed;
   for (const PageFile& file : kPageFiles) {
@@ -153,10 +185,7 @@ void Api::Admit(const Route& route, Call& call) {
     if (!admin) throw Refusal{401, "signed out", "sign in first"};
     call.admin = std::move(*admin);
   }
-  if (call.profile != 0 &&
-      (!call.admin.Sees(call.profile) || !host_.Profiles().All().contains(call.profile))) {
-    throw Refusal{404, "unknown", "there is no such profile, or it is not one of yours"};
-  }
+  if (call.profile != 0) RequireSeen(call.admin, call.profile);
   for (const auto& [need, right] : {std::pair(Need::ChangeMessages, Right::ChangeMessages),
                                     {Need::ChangeSettings, Right::ChangeSettings}}) {
     if (route.need != need || call.admin.May(right)) continue;
@@ -165,6 +194,11 @@ void Api::Admit(const Route& route, Call& call) {
   if (!isChange) return;
   call.body = json::parse(request.body, nullptr, false);
   if (!call.body.is_object()) throw Refusal{400, "form", "this is no JSON object"};
+}
+
+void Api::RequireSeen(const Admin& admin, std::int32_t profile) const {
+  if (admin.Sees(profile) && host_.Profiles().All().contains(profile)) return;
+  throw Refusal{404, "unknown", "there is no such profile, or it is not one of yours"};
 }
 
 const std::vector<Admin>& Api::People() {
@@ -191,8 +225,25 @@ std::optional<Admin> Api::PersonOf(const Request& request) {
 
 // --- Sessions ---
 
+struct Api::Attempt {
+  std::weak_ptr<Exchange> exchange;
+  std::optional<Admin> admin;  // nullopt if nobody has the name or can sign in under it
+  std::string name;
+  std::string client;  // for the brake
+  bool isSecure = false;
+
+  void Answer(Response response) const {
+    if (const auto waiting = exchange.lock()) waiting->Answer(std::move(response));
+  }
+};
+
 void Api::SignIn(Call& call) {
-  const std::string client = ClientOf(call.Asked());
+  const std::string name(TrimSpaces(call.Text("name")));
+  const std::string password = call.Text("password");
+  peopleAt_ = {};
+  auto admin = FindAdmin(People(), name);
+  const bool isKnown = admin && browsers_.IsProof(call.Asked().Cookie(kKnownCookie), *admin);
+  const std::string client = isKnown ? "known " + LowerCase(name) : ClientOf(call.Asked());
   if (const auto wait = brake_.WaitOf(client); wait.count() > 0) {
     const std::string seconds = std::to_string(wait.count());
     throw Refusal{429,
@@ -200,30 +251,44 @@ void Api::SignIn(Call& call) {
                   "too many failures; try again in " + seconds + " s",
                   {{"Retry-After", seconds}}};
   }
-  const std::string name = call.Text("name");
-  const std::string password = call.Text("password");
-  peopleAt_ = {};
-  const auto admin = FindAdmin(People(), name);
-  const bool isSecure = call.Asked().Header("Origin").starts_with("https:");
-  const std::weak_ptr<Exchange> waiting = call.exchange;
-  const auto finish = [this, waiting, admin, client, isSecure](bool isRight) {
-    const auto exchange = waiting.lock();
-    if (isRight && admin) brake_.Succeeded(client);
-    if (!exchange) return;
-    if (!isRight || !admin) {
-      return exchange->Answer(Refusal{401, "wrong", "the name or the password is wrong"});
-    }
-    sessions_.End(exchange->Asked().Cookie(kCookie));
-    const std::string cookie = std::string(kCookie) + "=" + sessions_.Begin(*admin) +
-                               "; Path=/; HttpOnly; SameSite=Strict" + (isSecure ? "; Secure" : "");
-    exchange->Answer(
-        {200, "application/json", JsonText(DescriptionOf(*admin)), {{"Set-Cookie", cookie}}});
-  };
-  brake_.Attempted(client);
-  if (!checks_.Check(admin ? admin->password : nobody_, password.substr(0, kLongestPassword),
-                     finish)) {
-    throw Refusal{503, "busy", "many are signing in; try again", {{"Retry-After", "1"}}};
+  if (password.size() > kLongestPassword) {
+    throw Refusal{422, "refused",
+                  "a password has " + std::to_string(kLongestPassword) + " bytes at most"};
   }
+  // A hash that somebody has broken must take as long as a good one.
+  if (admin && !IsPasswordHash(admin->password)) admin.reset();
+  const std::string hash = admin ? admin->password : nobody_;
+  const Attempt attempt{call.exchange, std::move(admin), name, client,
+                        call.Asked().Header("Origin").starts_with("https:")};
+  const auto lane = isKnown ? PasswordChecks::Lane::Known : PasswordChecks::Lane::Stranger;
+  const auto finish = [this, attempt](std::optional<bool> isRight) {
+    FinishSignIn(attempt, isRight);
+  };
+  if (!checks_.Check(lane, hash, password, finish)) throw Busy();
+  brake_.Attempted(client, name);
+}
+
+void Api::FinishSignIn(const Attempt& attempt, std::optional<bool> isRight) {
+  if (!isRight) {
+    brake_.Untried(attempt.client, attempt.name);
+    return attempt.Answer(Busy());
+  }
+  if (!*isRight || !attempt.admin) {
+    return attempt.Answer(Refusal{401, "wrong", "the name or the password is wrong"});
+  }
+  brake_.Succeeded(attempt.client, attempt.name);
+  const auto exchange = attempt.exchange.lock();
+  if (!exchange) return;
+  sessions_.End(exchange->Asked().Cookie(kCookie));
+  const std::string ends =
+      std::string("; Path=/; HttpOnly; SameSite=Strict") + (attempt.isSecure ? "; Secure" : "");
+  exchange->Answer(
+      {200,
+       "application/json",
+       JsonText(DescriptionOf(*attempt.admin)),
+       {{"Set-Cookie", std::string(kCookie) + "=" + sessions_.Begin(*attempt.admin) + ends},
+        {"Set-Cookie",
+         std::string(kKnownCookie) + "=" + browsers_.ProofOf(*attempt.admin) + ends + kKnownFor}}});
 }
 
 void Api::WhoAmI(Call& call) {
@@ -263,13 +328,46 @@ void Api::ShowLog(Call& call) {
   call.exchange->Answer({200, "application/json", snapshots_.LogOf(call.profile).json});
 }
 
+void Api::ShowSent(Call& call) {
+  const std::int32_t number = WholeNumber(call.Asked().Query("number")).value_or(0);
+  const json sent = snapshots_.SentText(call.profile, number);
+  if (sent.is_null()) throw Refusal{404, "unknown", "the host no longer knows this text"};
+  call.Answer(sent);
+}
+
+std::shared_ptr<Follower> Api::MakeFollower(const Call& call) {
+  auto fresh =
+      std::make_shared<Follower>(Follower{call.admin.name, call.exchange->Asked().address});
+  std::size_t ofPerson = 0;
+  std::size_t ofClient = 0;
+  std::shared_ptr<Follower> oldest;
+  std::erase_if(followers_, [](const auto& follower) { return follower.expired(); });
+  for (const auto& weak : followers_) {
+    const auto follower = weak.lock();
+    if (follower->isReplaced) continue;
+    if (follower->client == fresh->client) ++ofClient;
+    if (follower->person != fresh->person) continue;
+    ++ofPerson;
+    if (!oldest) oldest = follower;
+  }
+  if (ofPerson >= kMostPagesOfPerson) {
+    oldest->isReplaced = true;
+    if (onChange) onChange();
+  } else if (ofClient >= kMostPagesOfAddress) {
+    throw Refusal{503, "busy", "too many pages are open; close some", {{"Retry-After", "30"}}};
+  }
+  followers_.push_back(fresh);
+  return fresh;
+}
+
 void Api::Follow(Call& call) {
   const std::int32_t profile = WholeNumber(call.Asked().Query("profile")).value_or(0);
+  auto follower = MakeFollower(call);
   snapshots_.FreshRows();
   call.exchange->AnswerBitByBit(std::make_unique<LiveEvents>(
       snapshots_,
       [this, token = call.Asked().Cookie(kCookie)] { return sessions_.Find(token, People()); },
-      profile));
+      profile, std::move(follower)));
 }
 
 void Api::Preview(Call& call) {
@@ -277,7 +375,9 @@ void Api::Preview(Call& call) {
   const ProfileSettings& profile = host_.Profiles().At(call.profile);
   auto& previews = host_.Previews();
   const auto now = previews.TextOf(profile, previews.GameOf(profile), text);
-  call.Answer({{"says", now.says}, {"problem", now.problem}, {"live", IsPlaceholder(text)}});
+  call.Answer({{"says", now.says},
+               {"problem", WithoutPaths(now.problem, host_.Profiles().Folder())},
+               {"live", IsPlaceholder(text)}});
 }
 
 }  // namespace rotacasts::host::web

@@ -1,6 +1,7 @@
 // A request with its route: its contents, and how it is refused.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -61,12 +62,17 @@ struct Call {
   }
   /// A text that can be sent to players: one line of characters that the message file can hold.
   /// Errors: a Refusal, or error 5 for a character that Windows-1252 lacks.
-  std::string Message() const {
-    std::string text(TrimSpaces(Text("text")));
-    if (text.empty()) throw Refusal{422, "refused", "there is no text"};
-    if (HasControl(text)) throw Refusal{422, "refused", "a message is one line"};
-    ToWindows1252(text);
-    return text;
+  std::string Message(const char* name = "text") const { return AsMessage(Text(name)); }
+  /// A list of such texts.
+  std::vector<std::string> Messages(const char* name) const {
+    const nlohmann::json& value = Field(name);
+    const auto isText = [](const nlohmann::json& one) { return one.is_string(); };
+    if (!value.is_array() || value.empty() || !std::ranges::all_of(value, isText)) {
+      throw WrongKind(name, "a list of texts");
+    }
+    std::vector<std::string> texts;
+    for (const nlohmann::json& one : value) texts.push_back(AsMessage(one.get<std::string>()));
+    return texts;
   }
   /// The position in the request. By itself it would mean another message once somebody else has
   /// changed the list. Errors: a Refusal if its message is no longer the one that the client saw.
@@ -84,6 +90,15 @@ struct Call {
     static const nlohmann::json kNone;
     const auto found = body.find(name);
     return found != body.end() ? *found : kNone;
+  }
+  static std::string AsMessage(const std::string& given) {
+    std::string text(TrimSpaces(given));
+    if (text.empty()) throw Refusal{422, "refused", "there is no text"};
+    if (HasControl(text)) {
+      throw Refusal{422, "refused", "a message is one line without characters of control"};
+    }
+    ToWindows1252(text);
+    return text;
   }
   static Refusal WrongKind(const char* name, const char* kind) {
     return {400, "form", std::string("\"") + name + "\" has to be " + kind};

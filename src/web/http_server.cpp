@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 #include "machine/linux/tcp.h"
 #include "web/microhttpd.h"
 
@@ -44,7 +45,18 @@ std::string AddressOf(MHD_Connection* connection) {
 class ReceivedRequest final : public Request {
  public:
   explicit ReceivedRequest(MHD_Connection* from) : connection(from) { address = AddressOf(from); }
-  std::string Header(const char* name) const override { return Value(MHD_HEADER_KIND, name); }
+  std::string Header(const char* name) const override {
+    std::pair<std::string_view, std::string> found(name, {});
+    const auto collect = [](void* target, MHD_ValueKind, const char* key, const char* value) {
+      auto& [wanted, values] = *static_cast<decltype(found)*>(target);
+      if (value != nullptr && EqualsIgnoringCase(key, wanted)) {
+        values += (values.empty() ? "" : ", ") + std::string(value);
+      }
+      return MHD_YES;
+    };
+    Mhd().get_connection_values(connection, MHD_HEADER_KIND, collect, &found);
+    return found.second;
+  }
   std::string Cookie(const char* name) const override { return Value(MHD_COOKIE_KIND, name); }
   std::string Query(const char* name) const override { return Value(MHD_GET_ARGUMENT_KIND, name); }
 

@@ -30,6 +30,7 @@ class Request {
   bool isTooLong = false;  // the body, of which nothing is kept
 
   // Empty if there is none.
+  /// The values of all headers of that name, separated by ", ".
   virtual std::string Header(const char* name) const = 0;
   virtual std::string Cookie(const char* name) const = 0;
   /// A value from the query string.

@@ -31,6 +31,7 @@ Microhttpd::Microhttpd(const char* fileName) {
   Find(library, "MHD_create_response_from_callback", create_response_from_callback);
   Find(library, "MHD_destroy_response", destroy_response);
   Find(library, "MHD_get_connection_info", get_connection_info);
+  Find(library, "MHD_get_connection_values", get_connection_values);
   Find(library, "MHD_get_daemon_info", get_daemon_info);
   Find(library, "MHD_get_timeout", get_timeout);
   Find(library, "MHD_lookup_connection_value", lookup_connection_value);

@@ -19,6 +19,7 @@ struct Microhttpd {
   decltype(&MHD_create_response_from_callback) create_response_from_callback;
   decltype(&MHD_destroy_response) destroy_response;
   decltype(&MHD_get_connection_info) get_connection_info;
+  decltype(&MHD_get_connection_values) get_connection_values;
   decltype(&MHD_get_daemon_info) get_daemon_info;
   decltype(&MHD_get_timeout) get_timeout;
   decltype(&MHD_lookup_connection_value) lookup_connection_value;

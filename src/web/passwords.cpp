@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+#include "base/runtime_error.h"
+
 namespace rotacasts::host::web {
 namespace {
 
@@ -30,29 +32,50 @@ std::string HashOfNobody() {
   return HashPassword({reinterpret_cast<const char*>(bytes), sizeof bytes});
 }
 
-bool PasswordChecks::Check(std::string hash, std::string password,
-                           std::function<void(bool)> onAnswer) {
-  if (waiting_.size() >= kMostWaiting) return false;
-  waiting_.push_back({std::move(hash), std::move(password), std::move(onAnswer)});
-  if (waiting_.size() == 1) StartFirst();
+bool IsPasswordHash(const std::string& text) {
+  return crypto_pwhash_str_needs_rehash(text.c_str(), kOperations, kMemory) >= 0;
+}
+
+bool PasswordChecks::Check(Lane lane, std::string hash, std::string password, OnAnswer onAnswer) {
+  std::deque<Entry>& waiting = lanes_.at(static_cast<std::size_t>(lane));
+  Entry entry{std::move(hash), std::move(password), std::move(onAnswer)};
+  if (!current_) return Start(entry);
+  if (waiting.size() >= kMostWaiting) return false;
+  waiting.push_back(std::move(entry));
   return true;
 }
 
-void PasswordChecks::StartFirst() {
-  const Waiting& first = waiting_.front();
-  current_.emplace(
-      loop_,
-      [&first] {
-        return crypto_pwhash_str_verify(first.hash.c_str(), first.password.data(),
-                                        first.password.size()) == 0;
-      },
-      [this](bool isRight) { Finish(isRight); });
+bool PasswordChecks::Start(Entry& entry) {
+  try {
+    check_.emplace(
+        loop_,
+        [&entry] {
+          return crypto_pwhash_str_verify(entry.hash.c_str(), entry.password.data(),
+                                          entry.password.size()) == 0;
+        },
+        [this](BackgroundCheck::Answer isRight) { Finish(isRight); });
+  } catch (const RuntimeError&) {  // the machine has no process or no pipe left
+    return false;
+  }
+  current_ = std::move(entry);
+  return true;
 }
 
-void PasswordChecks::Finish(bool isRight) {
-  const Waiting done = std::move(waiting_.front());
-  waiting_.pop_front();
-  if (!waiting_.empty()) StartFirst();
+// Each entry is started or told at once that it cannot be: nobody else would start it later.
+void PasswordChecks::StartNext() {
+  for (std::deque<Entry>& lane : lanes_) {
+    while (!current_ && !lane.empty()) {
+      Entry next = std::move(lane.front());
+      lane.pop_front();
+      if (!Start(next)) next.onAnswer(std::nullopt);
+    }
+  }
+}
+
+void PasswordChecks::Finish(BackgroundCheck::Answer isRight) {
+  const Entry done = std::move(*current_);
+  current_.reset();
+  StartNext();
   done.onAnswer(isRight);
 }
 

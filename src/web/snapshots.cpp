@@ -5,8 +5,10 @@
 
 #include "base/text.h"
 #include "broadcast/placeholders.h"
+#include "broadcast/schedule.h"
 #include "machine/native_files.h"
 #include "store/admin_log.h"
+#include "web/without_paths.h"
 
 namespace rotacasts::host::web {
 namespace {
@@ -23,22 +25,21 @@ constexpr std::size_t kMostLines = 100;  // of the log
 constexpr const char* kGames[] = {"unreachable", "idle", "running"};
 constexpr const char* kOutcomes[] = {"under way", "sent", "failed"};
 
-/// A moment of the steady clock in milliseconds since 1970; always the same for the same moment.
-std::int64_t Epoch(std::chrono::steady_clock::time_point time) {
-  static const auto offset = std::chrono::system_clock::now().time_since_epoch() -
-                             std::chrono::steady_clock::now().time_since_epoch();
-  return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch() + offset)
-      .count();
-}
-
 json NextOf(const ProfileStatus& status) {
   if (!status.position) return nullptr;
   return {{"position", *status.position},
           {"text", status.message},
-          {"at", status.due ? json(Epoch(*status.due)) : json()}};
+          {"at", status.due ? json(Milliseconds(*status.due)) : json()}};
 }
 
-json RowOf(const ProfileStatus& status) {
+/// The interval as the timer computes it; null if every tick fails at it.
+json MinutesOf(const ProfileStatus& status) try {
+  return TicksUntilDue(status.interval, 0);
+} catch (const RuntimeError&) {
+  return nullptr;
+}
+
+json RowOf(const ProfileStatus& status, const std::string& folder) {
   return {{"index", status.profile.index},
           {"folder", status.profile.folder},
           {"gameCode", status.profile.gameCode},
@@ -46,12 +47,35 @@ json RowOf(const ProfileStatus& status) {
           {"stopped", status.isStopped},
           {"on", status.isSwitchedOn},
           {"interval", status.interval},
+          {"minutes", MinutesOf(status)},
+          {"failing", WithoutPaths(status.failing, folder)},
           {"messages", status.messages},
           {"next", NextOf(status)},
-          {"problem", status.problem.empty() ? status.game.problem : status.problem}};
+          {"problem",
+           WithoutPaths(status.problem.empty() ? status.game.problem : status.problem, folder)}};
+}
+
+json JsonOf(const host::SentText& sent, const std::string& folder) {
+  return {{"number", sent.number},
+          {"time", FormatTime(sent.time)},
+          {"text", sent.text},
+          {"outcome", kOutcomes[static_cast<int>(sent.outcome)]},
+          {"reason", WithoutPaths(sent.reason, folder)}};
 }
 
 }  // namespace
+
+std::int64_t Milliseconds(std::chrono::steady_clock::time_point time) {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
+}
+
+json DescriptionOf(const Admin& admin) {
+  json rights = json::array();
+  for (const Right right : admin.rights) rights.push_back(NameOf(right));
+  return {{"name", admin.name},
+          {"rights", rights},
+          {"now", Milliseconds(std::chrono::steady_clock::now())}};
+}
 
 std::string JsonText(const json& value) {
   return value.dump(-1, ' ', false, json::error_handler_t::replace);
@@ -79,7 +103,9 @@ void Snapshots::RefreshRow(std::int32_t index) {
   const auto& all = host_.Profiles().All();
   const auto profile = all.find(index);
   const bool isThere = profile != all.end();
-  Update(rows_[index], isThere ? RowOf(host_.StatusOf(index, GameOf(profile->second))) : json());
+  Update(rows_[index],
+         isThere ? RowOf(host_.StatusOf(index, GameOf(profile->second)), host_.Profiles().Folder())
+                 : json());
 }
 
 const Snapshots::Rows& Snapshots::FreshRows() {
@@ -136,12 +162,12 @@ json Snapshots::List(const ProfileSettings& profile, Messages& known) {
       if (live != known.live.end()) {
         const bool isRead = live->second.at != Clock::time_point();
         row["says"] = isRead ? json(live->second.text.says) : json();
-        row["problem"] = live->second.text.problem;
+        row["problem"] = WithoutPaths(live->second.text.problem, host_.Profiles().Folder());
       }
       rows.push_back(std::move(row));
     }
   } catch (const RuntimeError& error) {
-    problem = error.description;
+    problem = WithoutPaths(error.description, host_.Profiles().Folder());
   }
   return {{"index", profile.index},
           {"messages", std::move(rows)},
@@ -151,16 +177,17 @@ json Snapshots::List(const ProfileSettings& profile, Messages& known) {
 
 json Snapshots::Sent(std::int32_t index) const {
   json rows = json::array();
-  const auto& latest = host_.Profiles().Components().GetChat().Latest();
+  const auto& latest = host_.Profiles().Components().GetChat().LatestOf(index);
   for (auto sent = latest.rbegin(); sent != latest.rend() && rows.size() < kMostSent; ++sent) {
-    if (sent->profile != index) continue;
-    rows.push_back({{"number", sent->number},
-                    {"time", FormatTime(sent->time)},
-                    {"text", sent->text},
-                    {"outcome", kOutcomes[static_cast<int>(sent->outcome)]},
-                    {"reason", sent->reason}});
+    rows.push_back(JsonOf(*sent, host_.Profiles().Folder()));
   }
   return rows;
+}
+
+json Snapshots::SentText(std::int32_t index, std::int64_t number) const {
+  const auto& latest = host_.Profiles().Components().GetChat().LatestOf(index);
+  const auto sent = std::ranges::find(latest, number, &host::SentText::number);
+  return sent != latest.end() ? JsonOf(*sent, host_.Profiles().Folder()) : json();
 }
 
 json Snapshots::Log(std::int32_t index) const {
@@ -171,7 +198,7 @@ json Snapshots::Log(std::int32_t index) const {
         ReadWholeFile(AdminLog::FileIn(host_.LogFolderOf(index), today)).value_or(""), kMostLines);
   } catch (const RuntimeError& error) {
     log["lines"] = json::array();
-    log["problem"] = error.description;
+    log["problem"] = WithoutPaths(error.description, host_.Profiles().Folder());
   }
   return log;
 }

@@ -38,6 +38,9 @@ class Snapshots {
   const Text& MessagesOf(std::int32_t index);
   const Text& LogOf(std::int32_t index);
 
+  /// What became of a text that was posted for the profile; null if the host no longer knows.
+  nlohmann::json SentText(std::int32_t index, std::int64_t number) const;
+
   /// Renews a tenth of the rows, the next tenth each time.
   void RefreshSome();
   /// Marks the profile's texts as out of date and renews its row.
@@ -79,5 +82,10 @@ class Snapshots {
 
 /// The value as JSON text; invalid UTF-8 is replaced.
 std::string JsonText(const nlohmann::json& value);
+
+/// A moment on the page's clock: milliseconds of one that nobody can set.
+std::int64_t Milliseconds(std::chrono::steady_clock::time_point time);
+/// The person's name and rights, and the present moment.
+nlohmann::json DescriptionOf(const Admin& admin);
 
 }  // namespace rotacasts::host::web

@@ -14,8 +14,9 @@ std::string UrlOf(const std::string& address, std::uint16_t port) {
 
 }  // namespace
 
-WebSite::WebSite(EventLoop& loop, ServerHost& host, const std::string& address, std::ostream& out)
-    : api_(loop, host, sessions_, out),
+WebSite::WebSite(EventLoop& loop, ServerHost& host, const std::string& address,
+                 std::vector<std::string> names, std::ostream& out)
+    : api_(loop, host, sessions_, std::move(names), out),
       server_(loop, address,
               [this](const std::shared_ptr<Exchange>& exchange) { api_.Handle(exchange); }) {
   api_.onChange = [this] { server_.Pump(); };

@@ -10,9 +10,10 @@ namespace rotacasts::host::web {
 class WebSite {
  public:
   /// Serves the page at `address`, ADDRESS:PORT, in the event loop's turns, and prints its URL to
-  /// `out`. Errors: 5, 53 or 57 if it cannot be served there. `loop`, `host` and `out` must outlive
-  /// it.
-  WebSite(EventLoop& loop, ServerHost& host, const std::string& address, std::ostream& out);
+  /// `out`. Browsers ask by that address or by one of `names`. Errors: 5, 53 or 57 if it cannot be
+  /// served there. `loop`, `host` and `out` must outlive it.
+  WebSite(EventLoop& loop, ServerHost& host, const std::string& address,
+          std::vector<std::string> names, std::ostream& out);
 
  private:
   Sessions sessions_;

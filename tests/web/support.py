@@ -91,7 +91,14 @@ class Host:
                 "Cookie": cookie, **{name.replace("_", "-"): value for name, value in headers.items()}}
         data = body if isinstance(body, bytes) or body is None else json.dumps(body)
         connection = self.connect()
-        connection.request(method, path, data, {k: v for k, v in sent.items() if v is not None})
+        connection.putrequest(method, path, skip_host="Host" in sent)
+        for name, value in sent.items():
+            for one in value if isinstance(value, list) else [value] if value is not None else []:
+                connection.putheader(name, one)
+        if data is not None:
+            data = data if isinstance(data, bytes) else data.encode()
+            connection.putheader("Content-Length", len(data))
+        connection.endheaders(data)
         answer = connection.getresponse()
         text = answer.read()
         connection.close()

@@ -73,9 +73,31 @@ std::string ClientAddressOf(const sockaddr& address) {
   }
   in6_addr network = reinterpret_cast<const sockaddr_in6&>(address).sin6_addr;
   if (IN6_IS_ADDR_LOOPBACK(&network)) return "::1";
+  if (IN6_IS_ADDR_V4MAPPED(&network)) {  // a client of IPv4
+    ::inet_ntop(AF_INET, network.s6_addr + 12, text, sizeof text);
+    return text;
+  }
   std::fill(network.s6_addr + 8, network.s6_addr + 16, std::uint8_t{0});
   ::inet_ntop(AF_INET6, &network, text, sizeof text);
   return text;
+}
+
+std::optional<std::string> ClientAddressIn(const std::string& text) {
+  std::string address = text;
+  if (address.starts_with('[')) {
+    address = address.substr(1, address.find(']') - 1);
+  } else if (std::ranges::count(address, ':') == 1) {
+    address.resize(address.find(':'));
+  }
+  sockaddr_in v4{};
+  v4.sin_family = AF_INET;
+  if (::inet_pton(AF_INET, address.c_str(), &v4.sin_addr) == 1) {
+    return ClientAddressOf(reinterpret_cast<const sockaddr&>(v4));
+  }
+  sockaddr_in6 v6{};
+  v6.sin6_family = AF_INET6;
+  if (::inet_pton(AF_INET6, address.c_str(), &v6.sin6_addr) != 1) return std::nullopt;
+  return ClientAddressOf(reinterpret_cast<const sockaddr&>(v6));
 }
 
 void CutOff(int connection) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 struct addrinfo;
@@ -32,6 +33,10 @@ class ListenAddress {
 /// The client's address without the port. A network of IPv6 counts as one client, this machine
 /// excepted.
 std::string ClientAddressOf(const sockaddr& address);
+
+/// The same for the address in a text, with or without a port: "1.2.3.4:5", "[2001:db8::1]:5";
+/// nullopt if it has none.
+std::optional<std::string> ClientAddressIn(const std::string& text);
 
 /// Whether a client at this address is on this machine.
 bool IsLoopback(const std::string& address);

@@ -82,7 +82,7 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   HeadlessSite site;
   ServerHost host(profiles, plugin, site, options);
   std::optional<web::WebSite> page;
-  if (!options.web.empty()) page.emplace(loop, host, options.web, out);
+  if (!options.web.empty()) page.emplace(loop, host, options.web, options.webHosts, out);
   Console console(host, out);
   loop.AddDeadline([&plugin] { return plugin.NextDue(); }, [&plugin] { plugin.RunDue(); });
   GameProcesses& servers = profiles.Components().Processes();

@@ -114,6 +114,8 @@ void AddWebCommands(CLI::App& program, CLI::App& run, HostOptions& options, std:
                     const std::function<void(CLI::App&)>& addFolder) {
   run.add_option("--web", options.web,
                  "serve the page for administrators here, such as 127.0.0.1:8480");
+  run.add_option("--web-host", options.webHosts,
+                 "a name by which browsers ask for the page, such as that of its proxy");
   CLI::App* admin = program.add_subcommand("admin", "Say who may sign in to the page");
   admin->require_subcommand(1);
   const auto wanted = std::make_shared<AdminOptions>();
