@@ -2,6 +2,8 @@
 set(rows "")
 foreach(row "/|index.html|text/html; charset=utf-8" "/page.css|page.css|text/css; charset=utf-8"
             "/page.js|page.js|text/javascript; charset=utf-8"
+            "/host.js|host.js|text/javascript; charset=utf-8"
+            "/messages.js|messages.js|text/javascript; charset=utf-8"
             "/icon.svg|icon.svg|image/svg+xml")
   string(REPLACE "|" ";" cells "${row}")
   list(GET cells 0 path)

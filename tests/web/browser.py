@@ -3,9 +3,11 @@
 import os
 import shutil
 import tempfile
+import time
 
 from selenium import webdriver
 from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
@@ -59,6 +61,27 @@ class Browser:
         field.send_keys(Keys.CONTROL + "a")
         field.send_keys(text)
 
+    # Acts, counted as a person counts them: a click, a key or a text that is typed or pasted.
+    acts = 0
+
+    def click(self, selector):
+        time.sleep(0.8)  # as long as it takes to see where everything is now
+        self.acts += 1
+        self.find(selector).click()
+
+    def keys(self, *keys):
+        self.acts += 1
+        self.driver.switch_to.active_element.send_keys(*keys)
+
+    def paste(self, text):
+        self.acts += 1
+        self.js("document.execCommand('insertText', false, arguments[0])", text)
+
+    def drag(self, selector, to):
+        self.acts += 2  # take and let go
+        move = ActionChains(self.driver).click_and_hold(self.find(selector))
+        move.move_to_element(self.find(to)).move_by_offset(0, -15).release().perform()
+
     def sign_in(self, name, password):
         self.sees("#sign-in")
         self.type("#person", name)
@@ -66,10 +89,10 @@ class Browser:
         self.find("#sign-in button").click()
 
     def messages(self):
-        return self.js("return [...document.querySelectorAll('#messages .text')].map(t => t.firstChild.innerText)")
+        return self.js("return [...document.querySelectorAll('#messages .text')].map(t => t.firstChild.textContent)")
 
     def row(self, position, kind):
-        self.find(f"#messages li:nth-child({position + 1}) [data-kind={kind}]").click()
+        self.click(f"#messages li:nth-child({position + 1}) [data-kind={kind}]")
 
     def lists(self, *messages):
         self.wait(lambda: self.messages() == list(messages), f"{messages}, not {self.messages()}")

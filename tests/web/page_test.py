@@ -1,13 +1,15 @@
 """The page in a browser: what people see, and what their game servers receive."""
 
 import os
+import signal
 import sys
+import time
 import unittest
 
 from support import PASSWORD, Host
 
 try:
-    from browser import Browser, Keys
+    from browser import ActionChains, Browser, Keys
     HAS_BROWSER = all(map(os.path.exists, ("/usr/bin/chromium", "/usr/bin/chromedriver")))
 except ImportError:
     HAS_BROWSER = False
@@ -16,15 +18,133 @@ LIST = ["Hello", "{ShowNextMap}", "Grüße"]
 
 
 class Page(unittest.TestCase):
-    def open(self, name="Anna", width=1280, **host):
+    def open(self, name="Anna", width=1280, minute="300ms", **host):
         if not hasattr(self, "host"):
-            self.host = Host("--minute", "300ms", **host)
+            self.host = Host("--minute", minute, **host)
             self.addCleanup(self.host.stop)
         page = Browser(self.host.url, width)
         self.addCleanup(page.close)
         page.sign_in(name, PASSWORD)
         page.sees("#desk")
         return page
+
+    def test_the_daily_jobs_take_few_acts_and_write_one_line_each(self):
+        texts = [f"Message {i}" for i in range(1, 26)]
+        page = self.open(messages=texts, more=(4, 5, 6, 7), minute="10m")
+        page.lists(*texts)
+        self.assertEqual(page.text("#profiles li strong"), "srv3")  # trouble stands first, without an act
+        page.wait(lambda: page.driver.title == "(1 in trouble) srv2 – Rotacasts", "the trouble in the title")
+
+        def job(acts, lines, *wanted):
+            page.lists(*wanted)
+            page.wait(lambda: len(self.host.log()) == logged + lines, f"{lines} lines: {self.host.log()}")
+            self.assertEqual((self.host.messages(), page.acts), (list(wanted), acts))
+            page.acts = 0
+            return logged + lines
+
+        logged = 0
+        page.click("#messages li:nth-child(3) [data-kind=text]")
+        page.keys(Keys.BACKSPACE + "drei")
+        page.keys(Keys.ENTER)
+        changed = texts[:2] + ["Message drei"] + texts[3:]
+        logged = job(3, 1, *changed)
+        last, first = "#messages li:last-child [data-kind=place]", "#messages li:first-child [data-kind=place]"
+        page.click(last)
+        page.click("#messages [data-kind=top]")
+        moved = changed[-1:] + changed[:-1]
+        logged = job(2, 1, *moved)
+        page.keys(Keys.END)  # on the number, which has kept the focus
+        logged = job(1, 1, *changed)
+        page.js("scrollTo(0, 1e6)")
+        page.drag("#messages li:nth-child(25) [data-kind=place]", "#messages li:nth-child(21)")
+        logged = job(2, 1, *changed[:20], changed[-1], *changed[20:-1])
+        for wanted in (changed, moved, changed, texts):  # several steps back
+            page.keys(Keys.CONTROL + "z")
+            logged = job(1, 1, *wanted)
+        ten = [f"Pasted {i}" for i in range(10)]
+        page.click("#all-servers")
+        page.paste("\n".join(ten) + "\n\n")
+        page.keys(Keys.ENTER)
+        page.sees("#outcomes", "Added: all 6 did")
+        logged = job(3, 10, *texts, *ten)
+        for index, own in ((3, "Three"), (7, "List 7")):  # the unreachable server's list is a file, too
+            self.assertEqual(self.host.messages(index), [own, *ten])
+        page.click("#one-server")
+        page.acts = 0
+        page.click("#all-servers")
+        page.keys("Maintenance at nine")
+        page.click("#say")
+        page.sees("#outcomes", "Said once: 5 did, 1 did not")
+        page.sees("#outcome li:first-child", "srv3")  # with the reason
+        for _ in range(5):
+            self.assertTrue(self.host.server.prints("Maintenance at nine", 5))
+        self.assertEqual((page.acts, page.js("return document.querySelector('#text').value")), (3, "Maintenance at nine"))
+        page.click("#all-servers")
+        page.click("#copy")
+        page.sees("#outcomes", "Copied from srv2: all 5 did")
+        self.assertEqual(self.host.messages(5), ["List 5", *ten, *texts])
+
+    def test_no_press_is_done_twice_or_to_another_message(self):
+        page, other = self.open(messages=["One", "Two", "Three", "Four", "Five"]), self.open()
+        page.lists("One", "Two", "Three", "Four", "Five")
+        twice = lambda kind, place: ActionChains(page.driver).double_click(page.find(f"#messages li:nth-child({place}) [data-kind={kind}]")).perform()
+        twice("delete", 2)
+        page.lists("One", "Three", "Four", "Five")
+        page.row(1, "up")
+        page.lists("Three", "One", "Four", "Five")
+        ActionChains(page.driver).click().perform()  # where the button of "Three" was
+        page.sees("#toast", "Nothing was done")
+        page.js("document.querySelector('#messages li:nth-child(3) [data-kind=delete]').focus()")
+        other.row(0, "delete")
+        page.lists("One", "Four", "Five")
+        page.keys(Keys.SPACE)  # the focus has followed "Four"
+        page.lists("One", "Five")
+        page.js("const real = fetch; window.fetch = async (...request) => {"
+                " await new Promise((go) => setTimeout(go, 800)); return real(...request); }")
+        page.type("#text", "Once" + Keys.ENTER + Keys.ENTER)
+        page.find("#text").send_keys(" and more")
+        page.sees("#toast", "Under way")
+        page.lists("One", "Five", "Once")
+        time.sleep(1)
+        self.assertEqual((self.host.messages(), page.js("return document.querySelector('#text').value")),
+                         (["One", "Five", "Once"], "Once and more"))
+        page.click("#profiles [data-index='3'] a")
+        page.sees("#profile-name", "srv3")
+        self.assertEqual(page.js("return document.querySelector('#text').value"), "")
+        page.click("#profiles [data-index='2'] a")
+        page.sees("#profile-name", "srv2")
+        self.assertEqual(page.js("return document.querySelector('#text').value"), "Once and more")
+        page.js("document.querySelector('.skip').focus()")
+        page.keys(Keys.ENTER)
+        self.assertEqual(page.js("return [location.hash, document.activeElement.id]"), ["#/2", "main"])
+        page.js("document.querySelector('#interval').focus()")
+        for _ in range(4):
+            page.keys(Keys.ARROW_UP)
+        page.sees("#toast", "A message every 5 min")
+        self.assertEqual(sum("Interval" in line for line in self.host.log()), 1)
+        page.js("AbortSignal.timeout = ((real) => () => real(1000))(AbortSignal.timeout)")
+        os.kill(self.host.program.id, signal.SIGSTOP)  # the line is dead, but not broken
+        page.row(0, "delete")
+        page.sees("#toast.bad", "has not answered for 10 seconds")
+        os.kill(self.host.program.id, signal.SIGCONT)
+
+    def test_the_tabs_of_a_browser_share_one_stream_and_a_hidden_one_has_none(self):
+        page = self.open()
+        for _ in range(7):  # a browser has six connections to a host
+            page.driver.switch_to.new_window("window")
+            page.driver.get(self.host.url + "#/2")
+            page.lists(*LIST)
+        hide = ("Object.defineProperty(document, 'hidden', {configurable: true, value: arguments[0]});"
+                "document.dispatchEvent(new Event('visibilitychange'))")
+        page.js(hide, True)
+        page.driver.switch_to.window(page.driver.window_handles[0])
+        page.row(0, "delete")
+        page.driver.switch_to.window(page.driver.window_handles[1])
+        page.lists(*LIST[1:])
+        page.driver.switch_to.window(page.driver.window_handles[-1])
+        self.assertEqual(page.messages(), LIST)
+        page.js(hide, False)
+        page.lists(*LIST[1:])
 
     def test_a_person_changes_the_list_and_players_read_it(self):
         page = self.open()
@@ -119,7 +239,7 @@ class Page(unittest.TestCase):
         page.sees("#profiles", "srv3")
         self.assertFalse(page.find("#profile").is_displayed())
         keys = lambda *names: page.find(":focus").send_keys(*names)
-        page.js("document.querySelector('#profiles a').focus()")
+        page.js("document.querySelector('#profiles [data-index=\"2\"] a').focus()")
         keys(Keys.ENTER)
         page.sees("#profile-name", "srv2")
         self.assertEqual(page.js("return document.activeElement.id"), "profile-name")

@@ -21,7 +21,7 @@ http {
   client_body_temp_path body; proxy_temp_path proxy;
   fastcgi_temp_path fastcgi; uwsgi_temp_path uwsgi; scgi_temp_path scgi;
   server {
-    listen 127.0.0.1:%s ssl;
+    listen 127.0.0.1:%s ssl http2;
     ssl_certificate certificate.pem;
     ssl_certificate_key key.pem;
     %s

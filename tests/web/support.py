@@ -20,12 +20,14 @@ class Host:
     """A host whose profile 2 has a server and profile 3 none. Anna may do everything, Eve may only
     change the settings of profile 2, and Ben may only look at profile 3."""
 
-    def __init__(self, *options, messages=("Hello", "{ShowNextMap}", "Grüße")):
+    def __init__(self, *options, messages=("Hello", "{ShowNextMap}", "Grüße"), more=()):
         self.folder = tempfile.mkdtemp(prefix="rotacasts-")
         self.options = options
         self.server = Server()
         add_profile(self.folder, 2, "JO", self.server.id, self.server.port, message_file(messages))
         add_profile(self.folder, 3, "JO", "no-such-program", 4003, message_file(["Three"]))
+        for index in more:  # profiles of the same server
+            add_profile(self.folder, index, "JO", self.server.id, self.server.port, message_file([f"List {index}"]))
         self.admin("set", "Anna")
         self.admin("set", "Eve", "--profiles", "2", "--rights", CHANGE)
         self.admin("set", "Ben", "--profiles", "3", "--rights", "")
