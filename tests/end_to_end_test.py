@@ -82,7 +82,6 @@ class EndToEnd(ProgramTest):
         self.assertEqual(host.end(), 0)
         self.assertEqual((self.folder / "logs/errors.log").read_text().count("\n"), 2)
 
-    @only_on_linux("it sends signals")
     def test_nothing_that_is_printed_or_asked_holds_the_host_up(self):
         server = self.server("JO")
         self.profile(1, "JO", server.id, server.port, message_file(["Hello"]))
@@ -93,6 +92,8 @@ class EndToEnd(ProgramTest):
         host.process.stdin.close()
         self.expect(server, "x", "x", "x")
         self.expect(host, " lines were not shown, for nobody was reading")
+        if WINDOWS:  # where no signal asks for anything
+            return
         self.profile(2, "JO", 1, 4002)
         host.process.send_signal(SIGHUP)
         self.expect(host, "added: profile 2")

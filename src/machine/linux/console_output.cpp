@@ -12,7 +12,6 @@
 namespace rotacasts::host {
 namespace {
 
-constexpr std::size_t kMostKept = std::size_t{256} * 1024;
 // A pipe with any room takes this much at once.
 constexpr std::size_t kPiece = 4096;
 
@@ -58,7 +57,7 @@ std::streamsize ConsoleOutput::xsputn(const char* text, std::streamsize count) {
 int ConsoleOutput::sync() {
   if (text_.empty()) return 0;
   if (onBefore) onBefore();
-  Keep(text_);
+  if (!isBroken_) kept_.Add(text_);
   text_.clear();
   if (onAfter) onAfter();
   WriteKept();
@@ -66,38 +65,21 @@ int ConsoleOutput::sync() {
 }
 
 void ConsoleOutput::Write(std::string_view bytes) {
-  if (!isBroken_ && kept_.size() + bytes.size() <= kMostKept) kept_ += bytes;
+  if (!isBroken_) kept_.AddBytes(bytes);
   WriteKept();
 }
 
-void ConsoleOutput::Keep(std::string_view text) {
-  while (!text.empty() && !isBroken_) {
-    const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-    if (kept_.size() + end <= kMostKept) {
-      kept_ += text.substr(0, end);
-    } else {
-      ++dropped_;
-    }
-    text.remove_prefix(end);
-  }
-}
-
 void ConsoleOutput::WriteKept() {
-  std::size_t written = 0;
-  while (written < kept_.size() && (isOwn_ || HasRoom(descriptor_))) {
-    const std::size_t size = std::min(kept_.size() - written, kPiece);
-    const ssize_t count = ::write(descriptor_, kept_.data() + written, size);
+  const std::string& bytes = kept_.Bytes();
+  while (!bytes.empty() && (isOwn_ || HasRoom(descriptor_))) {
+    const ssize_t count = ::write(descriptor_, bytes.data(), std::min(bytes.size(), kPiece));
     if (count < 0 && errno == EINTR) continue;
     isBroken_ = count < 0 && errno != EAGAIN;
     if (count < 0) break;
-    written += static_cast<std::size_t>(count);
+    kept_.Remove(static_cast<std::size_t>(count));
   }
-  kept_.erase(0, isBroken_ ? kept_.size() : written);
-  if (kept_.empty() && dropped_ > 0 && !isBroken_) {
-    kept_ = "(" + std::to_string(std::exchange(dropped_, 0)) +
-            " lines were not shown, for nobody was reading)\n";
-  }
-  if (kept_.empty()) {
+  if (isBroken_) kept_.Clear();
+  if (bytes.empty()) {
     loop_.Unwatch(descriptor_);
   } else {
     loop_.Watch(descriptor_, POLLOUT, [this](short) { WriteKept(); });

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "machine/linux/event_loop.h"
+#include "machine/unread_lines.h"
 
 namespace rotacasts::host {
 
@@ -35,15 +36,13 @@ class ConsoleOutput final : public std::streambuf {
 
  private:
   ConsoleOutput(EventLoop& loop, int own);
-  void Keep(std::string_view text);
   void WriteKept();
 
   EventLoop& loop_;
   const int descriptor_;
-  const bool isOwn_;          // whether this object closes it
-  std::string text_;          // since the last flush
-  std::string kept_;          // waiting to be written
-  std::int64_t dropped_ = 0;  // lines
+  const bool isOwn_;  // whether this object closes it
+  std::string text_;  // since the last flush
+  UnreadLines kept_;
   bool isBroken_ = false;
 };
 

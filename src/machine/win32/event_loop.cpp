@@ -8,18 +8,6 @@
 namespace rotacasts::host {
 namespace {
 
-/// Holds the lock while it lives.
-class Locked {
- public:
-  explicit Locked(CRITICAL_SECTION& lock) : lock_(lock) { ::EnterCriticalSection(&lock_); }
-  ~Locked() { ::LeaveCriticalSection(&lock_); }
-  Locked(const Locked&) = delete;
-  Locked& operator=(const Locked&) = delete;
-
- private:
-  CRITICAL_SECTION& lock_;
-};
-
 /// Milliseconds, rounded up so that the time has come when the wait ends.
 DWORD Until(std::optional<TurnLoop::Clock::time_point> time) {
   if (!time) return INFINITE;
@@ -30,17 +18,11 @@ DWORD Until(std::optional<TurnLoop::Clock::time_point> time) {
 
 }  // namespace
 
-WorkQueue::WorkQueue() : ready_(::CreateEventW(nullptr, FALSE, FALSE, nullptr)) {
-  ::InitializeCriticalSection(&lock_);
-}
-
-WorkQueue::~WorkQueue() {
-  ::DeleteCriticalSection(&lock_);
-}
+WorkQueue::WorkQueue() : ready_(::CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
 
 void WorkQueue::Post(std::function<void()> work) {
   {
-    const Locked locked(lock_);
+    const win32::Lock::Held held(lock_);
     if (isClosed_) return;
     waiting_.push_back(std::move(work));
   }
@@ -65,12 +47,12 @@ bool WorkQueue::Call(const std::function<void()>& work) {
 }
 
 std::deque<std::function<void()>> WorkQueue::TakeAll() {
-  const Locked locked(lock_);
+  const win32::Lock::Held held(lock_);
   return std::exchange(waiting_, {});
 }
 
 void WorkQueue::Close() {
-  const Locked locked(lock_);
+  const win32::Lock::Held held(lock_);
   isClosed_ = true;
 }
 

@@ -7,6 +7,7 @@
 
 #include "com/windows_api.h"
 #include "machine/turn_loop.h"
+#include "machine/win32/lock.h"
 #include "machine/win32/unique_handle.h"
 
 namespace rotacasts::host {
@@ -18,7 +19,6 @@ class WorkQueue {
   WorkQueue();
   WorkQueue(const WorkQueue&) = delete;
   WorkQueue& operator=(const WorkQueue&) = delete;
-  ~WorkQueue();
 
   /// Has the loop call `work` in one of its next turns. From any thread.
   void Post(std::function<void()> work);
@@ -31,7 +31,7 @@ class WorkQueue {
   std::deque<std::function<void()>> TakeAll();
   void Close();
 
-  CRITICAL_SECTION lock_;
+  win32::Lock lock_;
   std::deque<std::function<void()>> waiting_;
   bool isClosed_ = false;
   const win32::UniqueHandle ready_;

@@ -13,25 +13,12 @@
 #include "machine/linux/program_starter.h"
 #include "machine/linux/tcp.h"
 #include "program/headless_host.h"
+#include "program/redirection.h"
 #include "web/web_site.h"
 
 namespace rotacasts::host {
 
 namespace {
-
-/// Redirects a stream to another buffer while this object exists.
-class Redirection {
- public:
-  Redirection(std::ostream& stream, std::streambuf& buffer)
-      : stream_(stream), before_(stream.rdbuf(&buffer)) {}
-  ~Redirection() { stream_.rdbuf(before_); }
-  Redirection(const Redirection&) = delete;
-  Redirection& operator=(const Redirection&) = delete;
-
- private:
-  std::ostream& stream_;
-  std::streambuf* const before_;
-};
 
 constexpr std::chrono::seconds kPageRetry{2};
 
@@ -106,7 +93,8 @@ void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostre
   host.Start();
   const LineEditor::Person person{
       [&host](const std::string& line) { return host.Execute(line); },
-      [&out] { out << kGoesOnAlone << " (SIGTERM ends it, SIGHUP reloads)\n" << std::flush; },
+      [&out] { out << kGoesOnAlone << " (SIGTERM ends it, SIGHUP reloads)\n"
+                   << std::flush; },
       [&host](const std::string& before) { return Completions(before, host.Indexes()); }};
   const ConsoleLines lines(loop, parts_->output, person);
   loop.Run();

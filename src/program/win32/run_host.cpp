@@ -1,11 +1,15 @@
 #include "program/run_host.h"
 
+#include <iostream>
+
 #include "console/win32/console_pipe.h"
 #include "machine/win32/console_end.h"
 #include "machine/win32/console_input.h"
+#include "machine/win32/console_output.h"
 #include "machine/win32/event_loop.h"
 #include "machine/win32/program_starter.h"
 #include "program/headless_host.h"
+#include "program/redirection.h"
 
 namespace rotacasts::host {
 namespace {
@@ -21,9 +25,12 @@ ConsoleAnswer Ask(WorkQueue& queue, ServerHost& host, const std::string& line) {
 
 void HoldSignals() {}
 
-struct HostRun::Parts {};
+struct HostRun::Parts {
+  ConsoleOutput output;
+  const Redirection redirection{std::cout, output};
+};
 
-HostRun::HostRun() = default;
+HostRun::HostRun() : parts_(std::make_unique<Parts>()) {}
 HostRun::~HostRun() = default;
 
 void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
