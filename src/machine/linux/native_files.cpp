@@ -13,7 +13,7 @@ namespace {
 
 /// The file to replace: the target of a symbolic link, so that the link survives.
 std::filesystem::path Target(const std::string& path) {
-  const std::filesystem::path native = NativePath(path);
+  std::filesystem::path native = NativePath(path);
   struct stat status {};
   if (::lstat(native.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return native;
   std::error_code problem;
