@@ -146,6 +146,16 @@ TEST(Check, ConvertsUtf8FilesAndKeepsThemAsTheyWere) {
     EXPECT_EQ(folder.Read(name), "[Messages]\n1=Gr\xFC\xDF\x65 \x80\n");
     EXPECT_EQ(folder.Read(copy), bytes);
   }
+  const std::string admins = "settings/admins.ini";
+  folder.Write(admins, "\xEF\xBB\xBF[J\xC3\xBCrgen]\n");
+  std::filesystem::permissions(folder.File(admins), std::filesystem::perms::owner_read |
+                                                        std::filesystem::perms::owner_write);
+  EXPECT_NE(CheckHostFolder(folder.Path()).warnings.at(0).find("is a UTF-8 file, which"),
+            std::string::npos);
+  EXPECT_EQ(ConvertHostFolder(folder.Path()).size(), 1U);
+  EXPECT_EQ(folder.Read(admins), "[J\xFCrgen]\n");
+  EXPECT_EQ(std::filesystem::status(folder.File(admins + ".utf-8")).permissions(),
+            std::filesystem::status(folder.File(admins)).permissions());
   folder.Write(name, "1=Łódź");
   EXPECT_NE(ConvertHostFolder(folder.Path()).at(0).find("not converted: "), std::string::npos);
   EXPECT_EQ(folder.Read(name), "1=Łódź");

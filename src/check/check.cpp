@@ -12,6 +12,7 @@
 #include "machine/native_files.h"
 #include "machine/process_reader.h"
 #include "services/host_folder.h"
+#include "siblings/file_layer.h"
 
 namespace rotacasts::host {
 namespace {
@@ -40,6 +41,12 @@ void CheckConfiguration(const std::string& hostFolder, std::vector<std::string>&
   file.WarnAt("Settings", "ReportErrors",
               "ReportErrors is \"" + value +
                   "\"; write 0, or 1 for a report of each error, below [Settings]");
+}
+
+void CheckAdministrators(const std::string& hostFolder, std::vector<std::string>& warnings) {
+  const std::string path = HostFolder(hostFolder).Administrators();
+  if (!MachineFiles().FileExists(path)) return;  // nobody may sign in to the page
+  FileCheck(path, warnings).CheckLines();
 }
 
 /// Returns false if the profile's description is there but cannot be read.
@@ -130,6 +137,7 @@ void CheckServers(const std::string& hostFolder, std::vector<std::string>& warni
 Findings CheckHostFolder(const std::string& hostFolder) {
   Findings found;
   CheckConfiguration(hostFolder, found.warnings);
+  CheckAdministrators(hostFolder, found.warnings);
   std::set<std::string> unreadable;  // folders whose problem is already in the warnings
   for (const std::string& folder : ProfileFolders(hostFolder)) {
     if (!CheckProfileFolder(hostFolder, folder, found.warnings)) unreadable.insert(folder);

@@ -117,6 +117,8 @@ std::string ConvertFromUtf8(const std::string& path) {
   const std::string_view text =
       std::string_view(bytes).substr(bytes.starts_with(kUtf8Mark) ? 3 : 0);
   const std::string converted = ToWindows1252(text);
+  // The copy is for the same readers: one of the administrators holds their passwords.
+  std::filesystem::copy_file(NativePath(path), NativePath(copy));
   ReplaceFile(copy, bytes);
   ReplaceFile(path, converted);
   return copy;

@@ -19,7 +19,7 @@ class Additions {
  public:
   /// The messages that one turn adds. With their lines in the log they take a few hundredths of a
   /// second.
-  static constexpr std::size_t kPiece = 100;
+  static constexpr std::size_t kPiece = 50;
 
   /// What became of a list: how many messages were added, and the error that ended it.
   struct Outcome {
