@@ -67,6 +67,7 @@ class Browser:
     def click(self, selector):
         time.sleep(0.8)  # as long as it takes to see where everything is now
         self.acts += 1
+        self.js("arguments[0].scrollIntoView({block: 'center'})", self.find(selector))
         self.find(selector).click()
 
     def keys(self, *keys):

@@ -26,8 +26,9 @@ class Host:
         self.server = Server()
         add_profile(self.folder, 2, "JO", self.server.id, self.server.port, message_file(messages))
         add_profile(self.folder, 3, "JO", "no-such-program", 4003, message_file(["Three"]))
-        for index in more:  # profiles of the same server
-            add_profile(self.folder, index, "JO", self.server.id, self.server.port, message_file([f"List {index}"]))
+        for index in more:  # profiles of the same server; that of index 9 cannot post to it
+            target = f"{self.server.port}\nSay=/bin/false" if index == 9 else self.server.port
+            add_profile(self.folder, index, "JO", self.server.id, target, message_file([f"List {index}"]))
         self.admin("set", "Anna")
         self.admin("set", "Eve", "--profiles", "2", "--rights", CHANGE)
         self.admin("set", "Ben", "--profiles", "3", "--rights", "")
