@@ -1,8 +1,10 @@
 """The programs: a simulated game server, the host that serves it, and how each of them ends."""
 
 import os
+import re
 import shlex
 import shutil
+import socket
 import time
 import unittest
 from pathlib import Path
@@ -99,7 +101,9 @@ class EndToEnd(ProgramTest):
         self.assertEqual(host.end(SIGTERM), 0)
 
     def test_a_terminal_has_a_prompt_that_completes_commands(self):
-        self.profile(1, "JO", 1, 4001)
+        receiver = self.enterContext(socket.socket(socket.AF_INET, socket.SOCK_DGRAM))
+        receiver.bind(("127.0.0.1", 0))
+        self.profile(1, "JO", 1, receiver.getsockname()[1])
         command = shlex.join([*WITH_TEST, "env", "LC_ALL=C", "TERM=xterm",  # it still takes UTF-8
                               HOST, "run", "--host-folder", str(self.folder)])
         host = self.start(Program, "script", "-qfec", "exec " + command, "/dev/null")
@@ -120,15 +124,48 @@ class EndToEnd(ProgramTest):
 
     def test_one_host_works_in_a_folder_until_its_end(self):
         self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
+        self.profile(2, "NOPE", 1, 4001)
         for _ in range(2):
             first = self.host()
-            self.expect(first, "profiles started: 1")
+            self.expect(first, "skipped: ", "profiles started: 1")
             second = self.host()
             self.expect(second, f"{self.folder} has a host at work, process {first.id} since ")
             self.assertEqual(second.end(), 3)
-            self.expect(self.host("check"), "profiles checked: 1")
+            self.expect(self.host("check"), "profiles checked: ")
             self.expect(self.host("preview"), "1       a        a")
             first.end(SIGKILL)
+
+    def test_no_signal_at_its_start_or_end_kills_it(self):
+        self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
+        lock = self.folder / "host.lock"
+        for delay in range(50):
+            lock.unlink(missing_ok=True)
+            host = self.host()
+            isHeld = False
+            while not isHeld:
+                isMade = lock.exists()  # long after the beginning of main
+                status = Path(f"/proc/{host.id}/status").read_text()
+                isHeld = int(re.search("SigBlk:\t(.*)", status)[1], 16) & 1 << SIGHUP - 1
+                self.assertTrue(isHeld or not isMade, delay)
+            time.sleep(delay / 2000)
+            host.process.send_signal(SIGHUP)
+            self.expect(host, "read again; profiles: 1")
+            host.process.send_signal(SIGTERM)
+            while host.process.poll() is None:
+                host.process.send_signal(SIGHUP)
+            self.assertEqual(host.end(), 0, delay)
+
+    def test_a_page_whose_address_is_not_free_yet_is_served_later(self):
+        self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
+        with socket.create_server(("127.0.0.1", 0)) as other:
+            address = f"127.0.0.1:{other.getsockname()[1]}"
+            host = self.start(Program, HOST, "run", "--host-folder", self.folder, "--web", address)
+            self.expect(host, "it is tried again", "profiles started: 1")
+        self.expect(host, f"the page: http://{address}/")
+        self.assertEqual(host.end(SIGTERM), 0)
+        host = self.start(Program, HOST, "run", "--host-folder", self.folder, "--web", "nowhere:4")
+        self.expect(host, "is no address to listen at")
+        self.assertEqual(host.end(), 2)
 
     def test_what_an_editor_saves_while_the_list_is_changed_is_not_lost(self):
         self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))

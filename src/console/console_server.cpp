@@ -10,12 +10,11 @@
 #include "console/console.h"
 #include "console/console_protocol.h"
 #include "console/plain_output.h"
+#include "machine/linux/descriptor_shares.h"
 
 namespace rotacasts::host {
 namespace {
 
-/// Enough for everybody who looks after one machine.
-constexpr std::size_t kMostConnections = 16;
 /// How long to listen no more when the system has no descriptor left.
 constexpr std::chrono::milliseconds kPause{500};
 
@@ -48,7 +47,11 @@ void ConsoleServer::Accept() {
     listensAgain_ = EventLoop::Clock::now() + kPause;
     return;
   }
-  if (connections_.size() >= kMostConnections) return;
+  if (connections_.size() >= OwnDescriptorShares().consoles) {
+    const std::string busy = std::string("the host is busy with other consoles\n") + kRefused;
+    (void)!::send(socket.Get(), busy.data(), busy.size(), 0);
+    return;
+  }
   const int descriptor = socket.Get();
   connections_.emplace(descriptor, Connection{std::move(socket), {}, {}});
   loop_.Watch(descriptor, POLLIN, [this, descriptor](short) { Serve(descriptor); });

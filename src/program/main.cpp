@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 #include <optional>
+#include <string_view>
 
 #include "base/version.h"
 #include "check/check.h"
@@ -25,6 +26,7 @@ using namespace rotacasts::host;
 
 constexpr int kCannotWork = 2;
 constexpr int kTaken = 3;
+constexpr int kFailed = 4;
 
 std::ostream& Out() {
   static PlainOutput out(std::cout);
@@ -37,6 +39,7 @@ std::ostream& Errors() {
 }
 
 int RunProfiles(const HostOptions& options) {
+  HostRun run;
   HostProfiles profiles(options.folder, Out());
   profiles.PrintSkipped();
   std::optional<HostLock> lock;
@@ -55,7 +58,7 @@ int RunProfiles(const HostOptions& options) {
              << options.folder << "\" sets one up, \"check\" says what is wrong with one\n";
     return kCannotWork;
   }
-  RunHost(profiles, options, Out());
+  run.Run(profiles, options, Out());
   return 0;
 }
 
@@ -101,7 +104,18 @@ int Check(const HostOptions& options) {
 
 constexpr const char* kExitStatus =
     "Exit status: 0 done; 1 check has a warning, or preview misses a profile or its game server;\n"
-    "2 the call is wrong, or the host cannot work there; 3 another host works in the folder.";
+    "2 the call is wrong, or the host cannot work there; 3 another host works in the folder;\n"
+    "4 something failed that may work next time, as when the memory ran out.";
+
+/// 2 for what fails until a person changes the call or the folder, 4 for anything else.
+int StatusOf(const RuntimeError& error) {
+  for (const ErrorNumber lasting : {ErrorNumber::InvalidProcedureCall, ErrorNumber::FileNotFound,
+                                    ErrorNumber::FileAlreadyExists, ErrorNumber::PermissionDenied,
+                                    ErrorNumber::PathFileAccessError, ErrorNumber::PathNotFound}) {
+    if (error.Is(lasting)) return kCannotWork;
+  }
+  return kFailed;
+}
 
 class CommandLine {
  public:
@@ -199,12 +213,14 @@ int CommandLine::Run(int argc, char** argv) try {
 } catch (const CLI::ParseError& error) {
   return Refuse(error);
 } catch (...) {
-  Errors() << "rotacasts-host: " << CurrentRuntimeError().description << "\n";
-  return kCannotWork;
+  const RuntimeError error = CurrentRuntimeError();
+  Errors() << "rotacasts-host: " << error.description << "\n";
+  return StatusOf(error);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc > 1 && std::string_view(argv[1]) == "run") HoldSignals();
   return CommandLine().Run(argc, argv);
 }

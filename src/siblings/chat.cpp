@@ -39,12 +39,12 @@ SentText& Chat::Remember(std::int32_t profile, const std::string& text) {
   return latest_.back();
 }
 
-void Chat::Finish(std::int64_t number, const std::string& problem) {
+void Chat::Finish(std::int64_t number, SentText::Outcome outcome, const std::string& reason) {
   const auto found = std::find_if(latest_.begin(), latest_.end(),
                                   [&](const SentText& sent) { return sent.number == number; });
   if (found == latest_.end()) return;  // forgotten: many texts came after it
-  found->outcome = problem.empty() ? SentText::Outcome::Sent : SentText::Outcome::Failed;
-  found->reason = problem;
+  found->outcome = outcome;
+  found->reason = reason;
   if (onEnd) onEnd(*found);
 }
 
@@ -61,17 +61,17 @@ void Chat::Post(std::int32_t profile, std::int32_t port, const std::string& word
       }
       socket_.Send(static_cast<std::uint16_t>(port), text);
     } catch (const RuntimeError& error) {
-      Finish(number, error.description);
+      Finish(number, SentText::Outcome::Failed, error.description);
       throw;
     }
-    return Finish(number, "");
+    return Finish(number, SentText::Outcome::Sent, "");
   }
   Queue& queue = found->second;
   if (runner_ == nullptr || queue.waiting.size() > kMostWaiting) {
     const std::string problem = runner_ == nullptr
                                     ? "this host starts no programs; give Target in place of Say"
                                     : queue.program[0] + " does not keep up with the messages";
-    Finish(number, problem);
+    Finish(number, SentText::Outcome::Failed, problem);
     throw NotSent(problem);
   }
   queue.waiting.push_back(number);
@@ -88,16 +88,17 @@ void Chat::StartFirst(std::int32_t profile) {
     if (text != latest_.end() && !command.empty()) {
       command.push_back(text->text);
       try {
-        return runner_->Start(command, [this, profile, number](const std::string& problem) {
+        return runner_->Start(command, [this, profile, number](const ProgramEnd& end) {
           programs_.at(profile).waiting.pop_front();
-          Finish(number, problem);
+          Finish(number, end.isDone ? SentText::Outcome::Sent : SentText::Outcome::Failed,
+                 end.words);
           StartFirst(profile);
         });
       } catch (const RuntimeError& error) {
-        Finish(number, error.description);
+        Finish(number, SentText::Outcome::Failed, error.description);
       }
     } else {
-      Finish(number, "Say was taken out of profile.ini");
+      Finish(number, SentText::Outcome::Failed, "Say was taken out of profile.ini");
     }
     queue.waiting.pop_front();
   }

@@ -192,6 +192,7 @@ std::optional<Admin> Api::PersonOf(const Request& request) {
 // --- Sessions ---
 
 void Api::SignIn(Call& call) {
+  static const Refusal kBusy{503, "busy", "many are signing in; try again", {{"Retry-After", "1"}}};
   const std::string client = ClientOf(call.Asked());
   if (const auto wait = brake_.WaitOf(client); wait.count() > 0) {
     const std::string seconds = std::to_string(wait.count());
@@ -206,11 +207,12 @@ void Api::SignIn(Call& call) {
   const auto admin = FindAdmin(People(), name);
   const bool isSecure = call.Asked().Header("Origin").starts_with("https:");
   const std::weak_ptr<Exchange> waiting = call.exchange;
-  const auto finish = [this, waiting, admin, client, isSecure](bool isRight) {
+  const auto finish = [this, waiting, admin, client, isSecure](BackgroundCheck::Answer isRight) {
     const auto exchange = waiting.lock();
-    if (isRight && admin) brake_.Succeeded(client);
+    if (isRight == true && admin) brake_.Succeeded(client);
     if (!exchange) return;
-    if (!isRight || !admin) {
+    if (!isRight) return exchange->Answer(kBusy);
+    if (!*isRight || !admin) {
       return exchange->Answer(Refusal{401, "wrong", "the name or the password is wrong"});
     }
     sessions_.End(exchange->Asked().Cookie(kCookie));
@@ -222,7 +224,7 @@ void Api::SignIn(Call& call) {
   brake_.Attempted(client);
   if (!checks_.Check(admin ? admin->password : nobody_, password.substr(0, kLongestPassword),
                      finish)) {
-    throw Refusal{503, "busy", "many are signing in; try again", {{"Retry-After", "1"}}};
+    throw kBusy;
   }
 }
 

@@ -5,10 +5,12 @@
 #include <new>
 #include <utility>
 
+#include "base/runtime_error.h"
+#include "machine/linux/descriptor_shares.h"
+
 namespace rotacasts::host::web {
 namespace {
 
-constexpr std::size_t kMostWaiting = 8;
 constexpr auto kOperations = crypto_pwhash_OPSLIMIT_INTERACTIVE;
 constexpr auto kMemory = crypto_pwhash_MEMLIMIT_INTERACTIVE;
 
@@ -30,15 +32,14 @@ std::string HashOfNobody() {
   return HashPassword({reinterpret_cast<const char*>(bytes), sizeof bytes});
 }
 
-bool PasswordChecks::Check(std::string hash, std::string password,
-                           std::function<void(bool)> onAnswer) {
-  if (waiting_.size() >= kMostWaiting) return false;
+bool PasswordChecks::Check(std::string hash, std::string password, OnAnswer onAnswer) {
+  if (waiting_.size() >= OwnDescriptorShares().signIns) return false;
   waiting_.push_back({std::move(hash), std::move(password), std::move(onAnswer)});
   if (waiting_.size() == 1) StartFirst();
   return true;
 }
 
-void PasswordChecks::StartFirst() {
+void PasswordChecks::StartFirst() try {
   const Waiting& first = waiting_.front();
   current_.emplace(
       loop_,
@@ -46,10 +47,12 @@ void PasswordChecks::StartFirst() {
         return crypto_pwhash_str_verify(first.hash.c_str(), first.password.data(),
                                         first.password.size()) == 0;
       },
-      [this](bool isRight) { Finish(isRight); });
+      [this](BackgroundCheck::Answer isRight) { Finish(isRight); });
+} catch (const RuntimeError&) {  // the system has no process left
+  Finish(std::nullopt);
 }
 
-void PasswordChecks::Finish(bool isRight) {
+void PasswordChecks::Finish(BackgroundCheck::Answer isRight) {
   const Waiting done = std::move(waiting_.front());
   waiting_.pop_front();
   if (!waiting_.empty()) StartFirst();

@@ -26,18 +26,19 @@ class PasswordChecks {
   /// `loop` must outlive this. The end of this object ends the current check without an answer.
   explicit PasswordChecks(EventLoop& loop) : loop_(loop) {}
 
-  /// Calls `onAnswer` in a later turn. Returns false, without a call, if too many checks are
-  /// waiting.
-  bool Check(std::string hash, std::string password, std::function<void(bool)> onAnswer);
+  using OnAnswer = std::function<void(BackgroundCheck::Answer isRight)>;
+  /// Calls `onAnswer` in this turn or a later one, without an answer if the check was not possible
+  /// at that moment. Returns false, without a call, if too many checks are waiting.
+  bool Check(std::string hash, std::string password, OnAnswer onAnswer);
 
  private:
   struct Waiting {
     std::string hash;
     std::string password;
-    std::function<void(bool)> onAnswer;
+    OnAnswer onAnswer;
   };
   void StartFirst();
-  void Finish(bool isRight);
+  void Finish(BackgroundCheck::Answer isRight);
 
   EventLoop& loop_;
   std::deque<Waiting> waiting_;  // the first one is being checked

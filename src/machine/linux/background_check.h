@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "machine/linux/event_loop.h"
 
@@ -11,10 +12,12 @@ namespace rotacasts::host {
 /// host.
 class BackgroundCheck {
  public:
-  /// Calls `onAnswer` once, in a later turn; it may destroy this object. A child that cannot be
-  /// started, or that ends without an answer, answers no. Errors: std::bad_alloc without a pipe.
+  /// nullopt if the child process has ended without an answer.
+  using Answer = std::optional<bool>;
+  /// Calls `onAnswer` once, in a later turn; it may destroy this object. Errors: 57 if no child
+  /// process can be started.
   BackgroundCheck(EventLoop& loop, const std::function<bool()>& question,
-                  std::function<void(bool)> onAnswer);
+                  std::function<void(Answer)> onAnswer);
   /// No answer follows.
   ~BackgroundCheck();
   BackgroundCheck(const BackgroundCheck&) = delete;
@@ -25,9 +28,9 @@ class BackgroundCheck {
   void Close();
 
   EventLoop& loop_;
-  std::function<void(bool)> onAnswer_;
+  std::function<void(Answer)> onAnswer_;
   int process_ = -1;
-  int answer_ = -1;  // a pipe's end: one byte for yes, none for no
+  int answer_ = -1;  // a pipe's end: a byte, "y" for yes
 };
 
 }  // namespace rotacasts::host

@@ -8,21 +8,41 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 #include "base/runtime_error.h"
 
 namespace rotacasts::host {
 
+namespace {
+
+// How long the loop pauses after an error, so that one that comes back does not take all the time.
+constexpr std::chrono::milliseconds kPause{100};
+
+/// The signals that the loop handles.
+sigset_t Handled() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+  return signals;
+}
+
+}  // namespace
+
 /// Blocks the signals that the loop handles and reads them from a descriptor. The destructor
 /// restores what was set before.
 struct EventLoop::Signals {
   Signals() {
-    sigset_t taken;
-    sigemptyset(&taken);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&taken, signal);
+    const sigset_t taken = Handled();
     sigprocmask(SIG_BLOCK, &taken, &maskBefore);
     descriptor = ::signalfd(-1, &taken, SFD_CLOEXEC | SFD_NONBLOCK);
+    if (descriptor < 0) {
+      const int problem = errno;
+      sigprocmask(SIG_SETMASK, &maskBefore, nullptr);
+      throw RuntimeError(ErrorNumber::DeviceIoError,
+                         std::string("cannot take signals (") + std::strerror(problem) + ")");
+    }
     pipeBefore = ::signal(SIGPIPE, SIG_IGN);
   }
   ~Signals() {
@@ -64,6 +84,11 @@ const timespec* Until(std::optional<EventLoop::Clock::time_point> time, timespec
 
 const short EventLoop::kReadable = POLLIN;
 
+void EventLoop::BlockSignals() {
+  const sigset_t taken = Handled();
+  sigprocmask(SIG_BLOCK, &taken, nullptr);
+}
+
 EventLoop::EventLoop() : signals_(std::make_unique<Signals>()) {}
 EventLoop::~EventLoop() = default;
 
@@ -88,9 +113,29 @@ std::optional<EventLoop::Clock::time_point> EventLoop::FirstDeadline() const {
 bool EventLoop::TakeSignals() {
   for (int signal = signals_->Next(); signal != 0; signal = signals_->Next()) {
     if (signal != SIGHUP) return false;
-    if (onReload) onReload();
+    if (onReload) Guard(onReload);
   }
   return true;
+}
+
+void EventLoop::Guard(const std::function<void()>& work) try { work(); } catch (...) {
+  if (!onError) throw;
+  hasFailed_ = true;
+  try {
+    onError(CurrentRuntimeError().description);
+  } catch (...) {  // not even the words can be said
+  }
+}
+
+void EventLoop::Wait(std::vector<pollfd>& sources) {
+  timespec wait{};
+  if (::ppoll(sources.data(), sources.size(), Until(FirstDeadline(), wait), nullptr) >= 0) return;
+  const int problem = errno;
+  for (pollfd& source : sources) source.revents = 0;
+  if (problem == EINTR) return;
+  sources[0].revents = POLLIN;  // a signal may have come; looking for one does not wait
+  throw RuntimeError(ErrorNumber::DeviceIoError,
+                     std::string("cannot wait (") + std::strerror(problem) + ")");
 }
 
 void EventLoop::RunTurn() {
@@ -100,32 +145,32 @@ void EventLoop::RunTurn() {
     sources.push_back({descriptor, watch.events, 0});
     numbers.push_back(watch.number);
   }
-  timespec wait{};
-  if (::ppoll(sources.data(), sources.size(), Until(FirstDeadline(), wait), nullptr) < 0) {
-    if (errno == EINTR) return;
-    throw RuntimeError(ErrorNumber::DeviceIoError,
-                       std::string("cannot wait (") + std::strerror(errno) + ")");
-  }
-  for (const auto& hook : turnBegins_) hook();
+  Guard([&] { Wait(sources); });
+  for (const auto& hook : turnBegins_) Guard(hook);
   if (sources[0].revents != 0 && !TakeSignals()) return Stop();
   for (std::size_t i = 1; i < sources.size() && !isStopped_; ++i) {
     const auto found = watches_.find(sources[i].fd);
     if (sources[i].revents == 0 || found == watches_.end()) continue;
     if (found->second.number != numbers[i]) continue;  // replaced by a later Watch
     const auto onReady = found->second.onReady;        // survives an Unwatch by the callback
-    onReady(sources[i].revents);
+    Guard([&] { onReady(sources[i].revents); });
   }
   for (const Deadline& deadline : deadlines_) {
     if (isStopped_) return;
-    const auto next = deadline.next();
-    if (next && *next <= Clock::now()) deadline.run();
+    Guard([&] {
+      const auto next = deadline.next();
+      if (next && *next <= Clock::now()) deadline.run();
+    });
   }
-  for (const auto& hook : turnEnds_) hook();
+  for (const auto& hook : turnEnds_) Guard(hook);
 }
 
 void EventLoop::Run() {
   isStopped_ = false;
-  while (!isStopped_) RunTurn();
+  while (!isStopped_) {
+    Guard([this] { RunTurn(); });
+    if (std::exchange(hasFailed_, false)) std::this_thread::sleep_for(kPause);
+  }
 }
 
 }  // namespace rotacasts::host

@@ -4,10 +4,14 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
+
+struct pollfd;
 
 namespace rotacasts::host {
 
@@ -16,11 +20,15 @@ namespace rotacasts::host {
 /// (one descriptor and one timeout) joins with both.
 ///
 /// Callbacks must not block, because nothing else runs in the meantime. They may watch and unwatch
-/// any descriptor and stop the loop. Run passes on what they throw.
+/// any descriptor and stop the loop. What they throw goes to onError, and the others run as ever.
 class EventLoop {
  public:
   using Clock = std::chrono::steady_clock;
   static const short kReadable;  // POLLIN
+
+  /// Makes SIGINT, SIGTERM and SIGHUP wait from now on, for a loop made later. They wait after its
+  /// end too, so that none of them can end a program that is ending by itself.
+  static void BlockSignals();
 
   /// While the object exists, SIGINT, SIGTERM and SIGHUP wait until Run handles them, and SIGPIPE
   /// is ignored, so that a write without a reader just fails. Only one loop may exist at a time.
@@ -50,9 +58,12 @@ class EventLoop {
 
   /// Called for SIGHUP.
   std::function<void()> onReload;
+  /// Called with words for the person for whatever a callback throws, and if the system cannot
+  /// wait, as when it has no memory left. The loop then pauses for a moment and goes on. Without
+  /// this function Run throws it.
+  std::function<void(const std::string& words)> onError;
 
   /// Runs turns until Stop is called or SIGINT or SIGTERM arrives; then skips the rest of the turn.
-  /// Errors: 57 if the system cannot wait.
   void Run();
   void Stop() { isStopped_ = true; }
 
@@ -71,15 +82,20 @@ class EventLoop {
   std::optional<Clock::time_point> FirstDeadline() const;
   /// False if the program should end.
   bool TakeSignals();
+  /// Calls `work`. What it throws goes to onError, if there is one.
+  void Guard(const std::function<void()>& work);
+  /// Waits until one of them is ready.
+  void Wait(std::vector<pollfd>& sources);
   void RunTurn();
 
   std::unique_ptr<Signals> signals_;
   std::map<int, WatchEntry> watches_;
-  std::vector<Deadline> deadlines_;
+  std::list<Deadline> deadlines_;  // a callback may add one
   std::vector<std::function<void()>> turnBegins_;
   std::vector<std::function<void()>> turnEnds_;
   std::int64_t lastNumber_ = 0;
   bool isStopped_ = false;
+  bool hasFailed_ = false;  // something in this turn
 };
 
 }  // namespace rotacasts::host

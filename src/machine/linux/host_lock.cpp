@@ -32,8 +32,9 @@ HostLock::~HostLock() = default;
 HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
   const std::string path = NativePath(HostFolder(hostFolder).Lock()).string();
   const auto raise = [&path, &hostFolder] {
+    const bool isForbidden = errno == EACCES || errno == EPERM || errno == EROFS || errno == ELOOP;
     throw RuntimeError(
-        ErrorNumber::PermissionDenied,
+        isForbidden ? ErrorNumber::PermissionDenied : ErrorNumber::DeviceIoError,
         path + " (" + std::strerror(errno) + "); let the host's user write it, and " + hostFolder);
   };
   file_ = std::make_unique<File>(path);

@@ -5,11 +5,13 @@
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 
-#include "base/runtime_error.h"
 #include "base/text.h"
+#include "machine/linux/local_socket.h"
 
 namespace rotacasts::host {
 
@@ -42,6 +44,27 @@ ListenAddress::ListenAddress(const std::string& text) {
                      "\"" + text +
                          "\" is no address to listen at; give one such as 127.0.0.1:8480, with a "
                          "port of at most 65535");
+}
+
+void RequireFree(const std::string& address) {
+  const ListenAddress listen(address);
+  const SocketDescriptor socket(::socket(listen.Get()->sa_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  const int yes = 1;
+  const socklen_t size = listen.IsIPv6() ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
+  if (!socket.IsOpen() ||
+      ::setsockopt(socket.Get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes) != 0 ||
+      ::bind(socket.Get(), listen.Get(), size) != 0) {
+    throw NotServed(address, errno);
+  }
+}
+
+RuntimeError NotServed(const std::string& address, int problem) {
+  const bool isForbidden = problem == EACCES || problem == EPERM;
+  const ErrorNumber number =
+      isForbidden ? ErrorNumber::PermissionDenied : ErrorNumber::DeviceIoError;
+  return {static_cast<std::int32_t>(number), "the page cannot be served at " + address + " (" +
+                                                 std::strerror(problem) +
+                                                 "); give --web another address or port"};
 }
 
 void ListenAddress::Free::operator()(addrinfo* list) const {

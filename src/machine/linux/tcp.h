@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "base/runtime_error.h"
+
 struct addrinfo;
 struct sockaddr;
 
@@ -28,6 +30,13 @@ class ListenAddress {
   };
   std::unique_ptr<addrinfo, Free> list_;
 };
+
+/// Errors: 57 if the address is not there or is taken at this moment, 70 if this user may not
+/// listen at it, 5 if it is none; each in words for the person.
+void RequireFree(const std::string& address);
+
+/// Why the page cannot be served at an address; `problem` is an errno value.
+RuntimeError NotServed(const std::string& address, int problem);
 
 /// The client's address without the port. A network of IPv6 counts as one client, this machine
 /// excepted.

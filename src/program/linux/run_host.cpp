@@ -3,6 +3,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "console/completion.h"
 #include "console/console.h"
@@ -10,6 +11,7 @@
 #include "host/headless_plugin.h"
 #include "machine/linux/console_lines.h"
 #include "machine/linux/program_starter.h"
+#include "machine/linux/tcp.h"
 #include "web/web_site.h"
 
 namespace rotacasts::host {
@@ -51,9 +53,45 @@ class Redirection {
   std::streambuf* const before_;
 };
 
+constexpr std::chrono::seconds kPageRetry{2};
+
 constexpr const char* kGoesOnAlone =
     "the console's input has ended; the host goes on, and \"rotacasts-host console\" reaches it "
     "(SIGTERM ends it, SIGHUP reloads)\n";
+
+/// The page. While its address is taken or not there yet, as when the machine starts, it is tried
+/// again from time to time.
+class ServedPage {
+ public:
+  /// Errors: 5, 53 or 70 if it can never be served there.
+  ServedPage(EventLoop& loop, ServerHost& host, const std::string& address, std::ostream& out)
+      : loop_(loop), host_(host), address_(address), out_(out) {
+    loop_.AddDeadline([this] { return next_; }, [this] { Try(); });
+    Try();
+  }
+
+ private:
+  void Try() {
+    next_.reset();
+    try {
+      RequireFree(address_);
+      site_.emplace(loop_, host_, address_, out_);
+    } catch (const RuntimeError& error) {
+      if (!error.Is(ErrorNumber::DeviceIoError)) throw;
+      next_ = EventLoop::Clock::now() + kPageRetry;
+      if (std::exchange(isTold_, true)) return;
+      out_ << error.description << ", or wait: it is tried again and again\n" << std::flush;
+    }
+  }
+
+  EventLoop& loop_;
+  ServerHost& host_;
+  const std::string address_;
+  std::ostream& out_;
+  std::optional<EventLoop::Clock::time_point> next_;
+  bool isTold_ = false;
+  std::optional<web::WebSite> site_;
+};
 
 /// What serves the consoles of other processes; null, with the reason in `out`, if that is
 /// impossible.
@@ -69,10 +107,21 @@ std::unique_ptr<ConsoleServer> ServeOtherConsoles(EventLoop& loop, ServerHost& h
 
 }  // namespace
 
-void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
+void HoldSignals() {
+  EventLoop::BlockSignals();
+}
+
+struct HostRun::Parts {
   EventLoop loop;
-  ConsoleOutput output(loop);
-  const Redirection redirection(std::cout, output);
+  ConsoleOutput output{loop};
+  const Redirection redirection{std::cout, output};
+};
+
+HostRun::HostRun() : parts_(std::make_unique<Parts>()) {}
+HostRun::~HostRun() = default;
+
+void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
+  EventLoop& loop = parts_->loop;
   Troubles troubles(out);
   ProgramStarter programs(loop);
   Chat& chat = profiles.Components().GetChat();
@@ -81,13 +130,16 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
   HeadlessPlugin plugin(profiles, troubles, options.minute);
   HeadlessSite site;
   ServerHost host(profiles, plugin, site, options);
-  std::optional<web::WebSite> page;
+  std::optional<ServedPage> page;
   if (!options.web.empty()) page.emplace(loop, host, options.web, out);
   Console console(host, out);
   loop.AddDeadline([&plugin] { return plugin.NextDue(); }, [&plugin] { plugin.RunDue(); });
   GameProcesses& servers = profiles.Components().Processes();
   loop.AtTurnBegin([&servers] { servers.BeginTurn(); });
   loop.AtTurnEnd([&servers] { servers.EndTurn(); });
+  loop.onError = [&troubles](const std::string& words) {
+    troubles.ReportStarted({0, Work::Kind::Host}, "the host: " + words + "; it goes on");
+  };
   loop.onReload = [&console] { console.Reload(); };
   const auto others = ServeOtherConsoles(loop, host, out);
   console.Start();
@@ -99,7 +151,7 @@ void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& o
       },
       [&out] { out << kGoesOnAlone << std::flush; },
       [&profiles](const std::string& before) { return Completions(before, IndexesOf(profiles)); }};
-  const ConsoleLines lines(loop, output, person);
+  const ConsoleLines lines(loop, parts_->output, person);
   loop.Run();
   chat.onEnd = nullptr;
   chat.SetRunner(nullptr);

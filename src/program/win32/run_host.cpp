@@ -44,7 +44,14 @@ std::vector<FrameWindow::Row> RowsOf(const HostProfiles& profiles) {
 
 }  // namespace
 
-void RunHost(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
+void HoldSignals() {}
+
+struct HostRun::Parts {};
+
+HostRun::HostRun() = default;
+HostRun::~HostRun() = default;
+
+void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
   const Apartment apartment;
   const auto memory = profiles.Components().CreateMemory();
   const auto utility = profiles.Components().CreateUtility();
