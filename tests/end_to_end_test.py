@@ -1,14 +1,19 @@
 """The programs: a simulated game server, the host that serves it, and how each of them ends."""
 
+import fcntl
 import os
+import pty
 import re
 import shlex
+import select
 import shutil
 import socket
+import struct
+import termios
 import time
 import unittest
 from pathlib import Path
-from signal import SIGHUP, SIGKILL, SIGTERM
+from signal import SIGCONT, SIGHUP, SIGKILL, SIGTERM
 
 from programs import (HOST, SIMULATOR, WITH_TEST, Program, ProgramTest, Server, add_profile,
                       message_file)
@@ -86,6 +91,12 @@ class EndToEnd(ProgramTest):
         server = self.server("JO")
         self.profile(1, "JO", server.id, server.port, message_file(["Hello"]))
         host = self.host()
+        begin = time.monotonic()
+        for _ in range(300):
+            host.write("x" * 100_000)
+        host.write("\n")  # a line of 30 MB
+        self.expect(host, "the line has more than 131072 bytes; nothing was done")
+        self.assertLess(time.monotonic() - begin, 5)
         for _ in range(300):  # far more than a pipe holds, and nobody reads it
             host.write("help\n")
         host.write("messages 1\nadd 1 x")  # the last line needs no line feed
@@ -134,6 +145,53 @@ class EndToEnd(ProgramTest):
             self.expect(self.host("check"), "profiles checked: ")
             self.expect(self.host("preview"), "1       a        a")
             first.end(SIGKILL)
+
+    def test_a_terminal_survives_ctrl_z_and_a_new_size(self):
+        self.profile(1, "JO", 1, 4001)
+        here = ("--host-folder", self.folder)
+        for words, prompt, flag in ((("run", *here), b"rotacasts> ", termios.ICANON),
+                                    (("admin", "set", "Anna", *here), b"Password: ", termios.ECHO)):
+            child, terminal = pty.fork()
+            if child == 0:
+                os.execvp(WITH_TEST[0], [*WITH_TEST, HOST, *map(str, words)])
+
+            def reads(text):
+                seen, end = b"", time.monotonic() + 20
+                while text not in seen and time.monotonic() < end:
+                    if select.select([terminal], [], [], 1)[0]:
+                        seen += os.read(terminal, 4096)
+                return text in seen
+
+            def comes(condition):
+                end = time.monotonic() + 20
+                while not (met := condition()) and time.monotonic() < end:
+                    time.sleep(0.01)
+                return met
+
+            def is_plain():
+                return bool(termios.tcgetattr(terminal)[3] & flag)
+
+            def state():
+                return Path(f"/proc/{child}/stat").read_text().rsplit(") ", 1)[1][0]
+
+            self.assertTrue(reads(prompt), words)
+            self.assertFalse(is_plain())
+            os.write(terminal, b"\x1a")
+            self.assertTrue(comes(lambda: state() == "T" and is_plain()), words)
+            os.kill(child, SIGCONT)
+            self.assertTrue(comes(lambda: not is_plain()), words)
+            if prompt == b"rotacasts> ":
+                self.assertTrue(reads(prompt))
+                os.write(terminal, b"hel")
+                self.assertTrue(reads(b"hel"))
+                fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("4H", 30, 40, 0, 0))
+                self.assertTrue(reads(prompt + b"hel"))  # without a key
+                os.write(terminal, b"p\n")
+                self.assertTrue(reads(b"this list"))
+            os.kill(child, SIGTERM)
+            self.assertTrue(comes(lambda: state() == "Z" and is_plain()), words)
+            os.waitpid(child, 0)
+            os.close(terminal)
 
     def test_no_signal_at_its_start_or_end_kills_it(self):
         self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))

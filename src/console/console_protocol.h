@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+#include "machine/terminal.h"
+
 namespace rotacasts::host {
 
 /// The socket's name in the host folder.
@@ -14,7 +16,7 @@ inline constexpr const char* kConsoleSocket = "host.console";
 inline constexpr char kDone = '\x06';
 inline constexpr char kRefused = '\x15';
 
-/// The most bytes of one command, more than the longest message and its verb.
-inline constexpr std::size_t kLongestCommand = std::size_t{128} * 1024;
+/// The most bytes of one command; a line that is too long is refused by the console itself.
+inline constexpr std::size_t kLongestCommand = kLongestLine + 2;
 
 }  // namespace rotacasts::host

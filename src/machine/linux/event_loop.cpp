@@ -24,7 +24,7 @@ constexpr std::chrono::milliseconds kPause{100};
 sigset_t Handled() {
   sigset_t signals;
   sigemptyset(&signals);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGTSTP, SIGWINCH}) sigaddset(&signals, signal);
   return signals;
 }
 
@@ -112,8 +112,21 @@ std::optional<EventLoop::Clock::time_point> EventLoop::FirstDeadline() const {
 
 bool EventLoop::TakeSignals() {
   for (int signal = signals_->Next(); signal != 0; signal = signals_->Next()) {
-    if (signal != SIGHUP) return false;
-    if (onReload) Guard(onReload);
+    switch (signal) {
+      case SIGHUP:
+        if (onReload) Guard(onReload);
+        break;
+      case SIGTSTP:
+        if (onStop) Guard([this] { onStop(true); });
+        ::raise(SIGSTOP);
+        if (onStop) Guard([this] { onStop(false); });
+        break;
+      case SIGWINCH:
+        if (onResize) Guard(onResize);
+        break;
+      default:
+        return false;
+    }
   }
   return true;
 }

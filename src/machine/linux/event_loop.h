@@ -26,11 +26,12 @@ class EventLoop {
   using Clock = std::chrono::steady_clock;
   static const short kReadable;  // POLLIN
 
-  /// Makes SIGINT, SIGTERM and SIGHUP wait from now on, for a loop made later. They wait after its
+  /// Makes its signals wait from now on, for a loop made later. They wait after its
   /// end too, so that none of them can end a program that is ending by itself.
   static void BlockSignals();
 
-  /// While the object exists, SIGINT, SIGTERM and SIGHUP wait until Run handles them, and SIGPIPE
+  /// While the object exists, SIGINT, SIGTERM, SIGHUP, SIGTSTP and SIGWINCH wait until Run
+  /// handles them, and SIGPIPE
   /// is ignored, so that a write without a reader just fails. Only one loop may exist at a time.
   EventLoop();
   ~EventLoop();
@@ -58,6 +59,10 @@ class EventLoop {
 
   /// Called for SIGHUP.
   std::function<void()> onReload;
+  /// Called for SIGTSTP, before the program stops and after it goes on.
+  std::function<void(bool isStopping)> onStop;
+  /// Called when the terminal has another size.
+  std::function<void()> onResize;
   /// Called with words for the person for whatever a callback throws, and if the system cannot
   /// wait, as when it has no memory left. The loop then pauses for a moment and goes on. Without
   /// this function Run throws it.
