@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 
@@ -245,6 +246,31 @@ Duel CrowdDuel(const std::shared_ptr<Arena>& arena) {
           }};
 }
 
+/// A read that first looks again whether its process still receives at the Target port.
+Duel LookDuel(const std::shared_ptr<Arena>& arena) {
+  const auto processes = std::make_shared<host::GameProcesses>();
+  const auto port = static_cast<std::uint16_t>(std::stoi(arena->small.port));
+  const std::string name = std::filesystem::path(SIMULATOR_PROGRAM).filename().string();
+  const std::int32_t handle = processes->Register({name, port, "profile 1"});
+  std::string socket;
+  const std::string files = "/proc/" + std::to_string(arena->small.process.Id()) + "/fd";
+  for (const auto& file : std::filesystem::directory_iterator(files)) {
+    const bool isSocket = std::filesystem::read_symlink(file).string().starts_with("socket:");
+    if (isSocket) socket = file.path().string();
+  }
+  constexpr std::int32_t kGameState = 0x00C87598;
+  return {"read that looks who receives at the port", "bare readlink and read", "1.50",
+          [processes, handle, arena] {
+            processes->LookAgain();
+            processes->ReadLong(handle, kGameState);
+          },
+          [socket, reader = BareReader(arena->small.process.Id())] {
+            char target[64];
+            if (::readlink(socket.c_str(), target, sizeof target) <= 0) std::abort();
+            reader.Long(kGameState);
+          }};
+}
+
 }  // namespace
 
 std::vector<Duel> ProcessDuels() {
@@ -258,6 +284,7 @@ std::vector<Duel> ProcessDuels() {
   AddScanDuels("33", arena->small, arena, duels);
   AddScanDuels("251", arena->large, arena, duels);
   duels.push_back(CrowdDuel(arena));
+  duels.push_back(LookDuel(arena));
   duels.push_back({"tick that is not due", "bare read of the game state", "",
                    [plugin, arena] {
                      plugin->state.tables.ElapsedTicks(1) = 0;

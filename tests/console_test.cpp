@@ -2,6 +2,8 @@
 
 #include "console/console.h"
 
+#include <arpa/inet.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <regex>
@@ -60,6 +62,10 @@ class ConsoleTest : public ::testing::Test {
     running_->profiles.PrintSkipped();
     running_->profiles.MakeWhatIsMissing();
     running_->host.LoadEveryProfile();
+  }
+  /// Runs the profiles' ticks. Needs a minute of a nanosecond.
+  void Tick(int count) {
+    for (int i = 0; i < count; ++i) running_->plugin.RunDue();
   }
   /// Makes the plugin answer like one in a component, whose state is not accessible.
   void HidePlugin() { running_->plugin.isHidden = true; }
@@ -161,6 +167,30 @@ TEST_F(ConsoleTest, SaysOfAGameThatIsOtherThanItsCodeWhatCannotBeTold) {
 is GameCode the right one?
 {ShowNextMap}    Unknown!!! (profile 1
 JO    idle)");
+}
+
+TEST_F(ConsoleTest, ATroubleIsOverOnlyWhenWhatFailedHasSucceeded) {
+  simulator::MappedMemory game;
+  const auto state = MemoryMapFor(false, false, "DFX2").Address(location::kGameState);
+  game.Reserve(state, 4);
+  game.WriteLong(state, 2);  // running
+  sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
+  socklen_t size = sizeof address;
+  const int receiver = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  ::bind(receiver, reinterpret_cast<sockaddr*>(&address), size);
+  ::getsockname(receiver, reinterpret_cast<sockaddr*>(&address), &size);
+  folder.AddProfile(1, "DFX2", std::to_string(::getpid()), std::to_string(ntohs(address.sin_port)),
+                    MessageFileBytes({"a", "{ShowMostKills}", "b"}, "1", "3"));
+  Restart({folder.Path(), std::chrono::nanoseconds(1)});
+  Execute("");
+  Tick(30);
+  const std::string first = Execute("sent");
+  ExpectAll(first, "has no memory at\nsent     a\nsent     b");
+  EXPECT_EQ(first.find("has no memory at"), first.rfind("has no memory at")) << first;
+  EXPECT_EQ(first.find("well again"), first.npos) << first;
+  ::close(receiver);
+  Tick(10);
+  ExpectAll(Execute("sent"), "nobody receives at port \nnot sent  a");
 }
 
 TEST_F(ConsoleTest, ChangesAreDoneToldAndLoggedUnderTheAdministratorsName) {

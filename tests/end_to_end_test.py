@@ -1,12 +1,19 @@
 """The programs: a simulated game server, the host that serves it, and how each of them ends."""
 
+import fcntl
 import os
+import pty
+import re
 import shlex
+import select
 import shutil
+import socket
+import struct
+import termios
 import time
 import unittest
 from pathlib import Path
-from signal import SIGHUP, SIGKILL, SIGTERM
+from signal import SIGCONT, SIGHUP, SIGKILL, SIGTERM
 
 from programs import (HOST, SIMULATOR, WINDOWS, WITH_TEST, Program, ProgramTest, Server,
                       add_profile, message_file, only_on_linux)
@@ -86,6 +93,12 @@ class EndToEnd(ProgramTest):
         server = self.server("JO")
         self.profile(1, "JO", server.id, server.port, message_file(["Hello"]))
         host = self.host()
+        begin = time.monotonic()
+        for _ in range(300):
+            host.write("x" * 100_000)
+        host.write("\n")  # a line of 30 MB
+        self.expect(host, "the line has more than 131072 bytes; nothing was done")
+        self.assertLess(time.monotonic() - begin, 5)
         for _ in range(300):  # far more than a pipe holds, and nobody reads it
             host.write("help\n")
         host.write("messages 1\nadd 1 x")  # the last line needs no line feed
@@ -104,7 +117,9 @@ class EndToEnd(ProgramTest):
 
     @only_on_linux("it needs a terminal of Linux")
     def test_a_terminal_has_a_prompt_that_completes_commands(self):
-        self.profile(1, "JO", 1, 4001)
+        receiver = self.enterContext(socket.socket(socket.AF_INET, socket.SOCK_DGRAM))
+        receiver.bind(("127.0.0.1", 0))
+        self.profile(1, "JO", 1, receiver.getsockname()[1])
         command = shlex.join([*WITH_TEST, "env", "LC_ALL=C", "TERM=xterm",  # it still takes UTF-8
                               HOST, "run", "--host-folder", str(self.folder)])
         host = self.start(Program, "script", "-qfec", "exec " + command, "/dev/null")
@@ -126,15 +141,98 @@ class EndToEnd(ProgramTest):
     @only_on_linux("its paths are of Linux")
     def test_one_host_works_in_a_folder_until_its_end(self):
         self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
+        self.profile(2, "NOPE", 1, 4001)
         for _ in range(2):
             first = self.host()
-            self.expect(first, "profiles started: 1")
+            self.expect(first, "skipped: ", "profiles started: 1")
             second = self.host()
             self.expect(second, f"{self.folder} has a host at work, process {first.id} since ")
             self.assertEqual(second.end(), 3)
-            self.expect(self.host("check"), "profiles checked: 1")
+            self.expect(self.host("check"), "profiles checked: ")
             self.expect(self.host("preview"), "1       a        a")
             first.end(SIGKILL)
+
+    @only_on_linux("it needs a terminal of Linux")
+    def test_a_terminal_survives_ctrl_z_and_a_new_size(self):
+        self.profile(1, "JO", 1, 4001)
+        here = ("--host-folder", self.folder)
+        for words, prompt, flag in ((("run", *here), b"rotacasts> ", termios.ICANON),
+                                    (("admin", "set", "Anna", *here), b"Password: ", termios.ECHO)):
+            child, terminal = pty.fork()
+            if child == 0:
+                os.execvp(WITH_TEST[0], [*WITH_TEST, HOST, *map(str, words)])
+
+            def reads(text):
+                seen, end = b"", time.monotonic() + 20
+                while text not in seen and time.monotonic() < end:
+                    if select.select([terminal], [], [], 1)[0]:
+                        seen += os.read(terminal, 4096)
+                return text in seen
+
+            def comes(condition):
+                end = time.monotonic() + 20
+                while not (met := condition()) and time.monotonic() < end:
+                    time.sleep(0.01)
+                return met
+
+            def is_plain():
+                return bool(termios.tcgetattr(terminal)[3] & flag)
+
+            def state():
+                return Path(f"/proc/{child}/stat").read_text().rsplit(") ", 1)[1][0]
+
+            self.assertTrue(reads(prompt), words)
+            self.assertFalse(is_plain())
+            os.write(terminal, b"\x1a")
+            self.assertTrue(comes(lambda: state() == "T" and is_plain()), words)
+            os.kill(child, SIGCONT)
+            self.assertTrue(comes(lambda: not is_plain()), words)
+            if prompt == b"rotacasts> ":
+                self.assertTrue(reads(prompt))
+                os.write(terminal, b"hel")
+                self.assertTrue(reads(b"hel"))
+                fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("4H", 30, 40, 0, 0))
+                self.assertTrue(reads(prompt + b"hel"))  # without a key
+                os.write(terminal, b"p\n")
+                self.assertTrue(reads(b"this list"))
+            os.kill(child, SIGTERM)
+            self.assertTrue(comes(lambda: state() == "Z" and is_plain()), words)
+            os.waitpid(child, 0)
+            os.close(terminal)
+
+    @only_on_linux("it sends signals")
+    def test_no_signal_at_its_start_or_end_kills_it(self):
+        self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
+        lock = self.folder / "host.lock"
+        for delay in range(50):
+            lock.unlink(missing_ok=True)
+            host = self.host()
+            isHeld = False
+            while not isHeld:
+                isMade = lock.exists()  # long after the beginning of main
+                status = Path(f"/proc/{host.id}/status").read_text()
+                isHeld = int(re.search("SigBlk:\t(.*)", status)[1], 16) & 1 << SIGHUP - 1
+                self.assertTrue(isHeld or not isMade, delay)
+            time.sleep(delay / 2000)
+            host.process.send_signal(SIGHUP)
+            self.expect(host, "read again; profiles: 1")
+            host.process.send_signal(SIGTERM)
+            while host.process.poll() is None:
+                host.process.send_signal(SIGHUP)
+            self.assertEqual(host.end(), 0, delay)
+
+    @only_on_linux("the page is served on Linux")
+    def test_a_page_whose_address_is_not_free_yet_is_served_later(self):
+        self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
+        with socket.create_server(("127.0.0.1", 0)) as other:
+            address = f"127.0.0.1:{other.getsockname()[1]}"
+            host = self.start(Program, HOST, "run", "--host-folder", self.folder, "--web", address)
+            self.expect(host, "it is tried again", "profiles started: 1")
+        self.expect(host, f"the page: http://{address}/")
+        self.assertEqual(host.end(SIGTERM), 0)
+        host = self.start(Program, HOST, "run", "--host-folder", self.folder, "--web", "nowhere:4")
+        self.expect(host, "is no address to listen at")
+        self.assertEqual(host.end(), 2)
 
     @only_on_linux("Wine holds no editor of Linux to what the host shares")
     def test_what_an_editor_saves_while_the_list_is_changed_is_not_lost(self):

@@ -131,7 +131,7 @@ class FirstHour(ProgramTest):
             self.addCleanup(one.close)
             one.connect("host.console")
         crowd[-1].settimeout(10)
-        self.assertEqual(crowd[-1].recv(1), b"")  # more than are served
+        self.assertIn(b"busy", crowd[-1].recv(100))  # more than are served
         self.assertEqual(host.end(SIGTERM), 0)
         self.assertFalse((self.folder / "host.console").exists())
 

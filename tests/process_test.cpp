@@ -1,8 +1,13 @@
 // Reading another process's memory, in turns.
 
+#include <arpa/inet.h>
+#include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 #include <list>
 
@@ -81,6 +86,80 @@ TEST_F(GameProcessesTest, ATurnAnswersFromItsPagesAndNoLaterOneDoes) {
   pages.clear();
   processes.BeginTurn();
   EXPECT_EQ(ErrorOf([&] { Long(kLow + 8); }), 57);
+}
+
+/// A game server: a child process of this program, so with this program's name, that holds a letter
+/// and receives at a port until it is told to give that up.
+class ChildServer {
+ public:
+  ChildServer(LowPage& page, char letter, std::uint16_t wanted) {
+    sockaddr_in address{AF_INET, htons(wanted), {htonl(INADDR_LOOPBACK)}, {}};
+    socklen_t size = sizeof address;
+    const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    while (::bind(socket, reinterpret_cast<sockaddr*>(&address), size) != 0) ::usleep(1000);
+    ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
+    port = ntohs(address.sin_port);
+    int ends[2] = {-1, -1};
+    EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    page.bytes[0] = letter;
+    id = ::fork();
+    if (id == 0) {
+      ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+      (void)!::read(ends[0], &letter, 1);
+      ::close(socket);
+      for (;;) ::pause();
+    }
+    ::close(socket);
+    ::close(ends[0]);
+    end_ = ends[1];
+  }
+  ~ChildServer() {
+    ::kill(id, SIGKILL);
+    ::waitpid(id, nullptr, 0);
+    ::close(end_);
+  }
+  void GiveUpItsPort() const { EXPECT_EQ(::write(end_, "", 1), 1); }
+
+  std::uint16_t port = 0;
+  pid_t id = 0;
+
+ private:
+  int end_ = -1;
+};
+
+TEST_F(GameProcessesTest, ReadsWhoeverReceivesAtThePortAlsoWhenTheOneBeforeIsStillRunning) {
+  for (const bool isAsked : {false, true}) {
+    const ChildServer old(first, 'A', 0);
+    const std::int32_t server = processes.Register({"host_tests", old.port, "profile 2"});
+    std::string news;
+    processes.onNews = [&](ServerNews, const std::string& words) { news += words; };
+    auto now = GameProcesses::Clock::now();
+    const auto read = [&] {
+      processes.BeginTurn(now);
+      const std::string text = processes.ReadBytes(server, kLow, WhenAway::ReadsAsZero);
+      processes.EndTurn();
+      return text;
+    };
+    EXPECT_EQ(read(), "A");
+    old.GiveUpItsPort();
+    const ChildServer successor(first, 'B', old.port);
+    if (isAsked) {
+      processes.LookAgain();
+    } else {
+      now += GameProcesses::kLookPeriod;
+    }
+    EXPECT_EQ(read(), "B");
+    EXPECT_EQ(news, "profile 2: another process receives at the Target port " +
+                        std::to_string(old.port) + " now, " + std::to_string(successor.id));
+    successor.GiveUpItsPort();
+    const ChildServer last(first, 'C', old.port);
+    EXPECT_EQ(read(), "B");  // without a look
+    now += GameProcesses::kLookPeriod;
+    last.GiveUpItsPort();
+    while (ReceivesUdp(old.port)) ::usleep(1000);
+    EXPECT_EQ(ErrorOf([&] { read(); }), 57);
+    EXPECT_NE(news.find("none receives at the Target port"), news.npos) << news;
+  }
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "console/text_table.h"
 #include "host/complaint.h"
 #include "machine/native_files.h"
+#include "machine/terminal.h"
 
 namespace rotacasts::host {
 
@@ -194,6 +195,10 @@ Console::Outcome Console::Execute(const std::string& line) {
 }
 
 void Console::Run(std::string_view line) {
+  if (line.size() > kLongestLine) {
+    throw Complaint("the line has more than " + std::to_string(kLongestLine) +
+                    " bytes; nothing was done");
+  }
   const std::string_view word = line.substr(0, line.find(' '));
   if (word.empty()) return;
   const std::string_view name = word == "exit" ? "quit" : word == "?" ? "help" : word;

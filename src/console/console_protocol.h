@@ -10,6 +10,8 @@
 
 #include "host/server_host.h"
 
+#include "machine/terminal.h"
+
 namespace rotacasts::host {
 
 /// The socket's name in the host folder.
@@ -19,11 +21,8 @@ inline constexpr const char* kConsoleSocket = "host.console";
 inline constexpr char kDone = '\x06';
 inline constexpr char kRefused = '\x15';
 
-/// The most bytes of one command, more than the longest message and its verb.
-inline constexpr std::size_t kLongestCommand = std::size_t{128} * 1024;
-
-/// How many consoles a host serves at a time: enough for everybody who looks after one machine.
-inline constexpr int kMostConsoles = 16;
+/// The most bytes of one command; a line that is too long is refused by the console itself.
+inline constexpr std::size_t kLongestCommand = kLongestLine + 2;
 
 /// The answer to a command, and whether the console leaves after it.
 struct ConsoleAnswer {

@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "console/console_protocol.h"
+#include "machine/linux/descriptor_shares.h"
 
 namespace rotacasts::host {
 namespace {
@@ -43,7 +44,11 @@ void ConsoleServer::Accept() {
     listensAgain_ = EventLoop::Clock::now() + kPause;
     return;
   }
-  if (connections_.size() >= kMostConsoles) return;
+  if (connections_.size() >= OwnDescriptorShares().consoles) {
+    const std::string busy = std::string("the host is busy with other consoles\n") + kRefused;
+    (void)!::send(socket.Get(), busy.data(), busy.size(), 0);
+    return;
+  }
   const int descriptor = socket.Get();
   connections_.emplace(descriptor, Connection{std::move(socket), {}, {}});
   loop_.Watch(descriptor, POLLIN, [this, descriptor](short) { Serve(descriptor); });

@@ -42,6 +42,21 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
 
  private:
   class Errors;
+
+  /// What a tick does, as parts of its work that can fail. A message is its position, from 0.
+  enum Part : std::int32_t { kSending = -4, kFile, kSettings, kGame };
+  /// How far the broadcasts are.
+  struct Place {
+    std::int32_t nextMessage = 0;
+    std::int32_t elapsedTicks = 0;
+    std::int64_t posted = 0;  // the number of the last text
+  };
+  Place PlaceNow() const;
+  /// The part that a failure of a tick belongs to.
+  std::int32_t PartOf(const Failure& failure) const;
+  /// Whether a tick that ran between the two places has done this part.
+  static bool HasDone(std::int32_t part, const Place& before, const Place& after);
+
   /// Reports a problem, in words that begin with the profile's label.
   void Tell(const std::string& words);
   std::string Label() const;
@@ -60,6 +75,7 @@ class HeadlessPlugin::Instance final : public ComponentFactory {
   clsPlugin plugin_;
   ListCommands lists_{state_.services, state_.reporter, state_.store, state_.window};
   bool isInTick_ = false;
+  std::int32_t failedPart_ = 0;                   // of the tick
   std::vector<std::string>* problems_ = nullptr;  // of the current call
 };
 
@@ -73,6 +89,7 @@ class HeadlessPlugin::Instance::Errors final : public ErrorReporter {
   void ReportError(const Failure& failure) override try {
     if (!instance_.files_.Settle()) return;  // the operation will run again
     const std::string words = Describe(failure);
+    instance_.failedPart_ = instance_.PartOf(failure);
     const bool isReported = instance_.troubles_.IsReported({instance_.index_}, words);
     if (!IsServerAway(failure.error)) instance_.Tell(words);  // HostProfiles tells of that
     if (isReported) return;
@@ -134,7 +151,7 @@ void HeadlessPlugin::Instance::Tell(const std::string& words) {
   if (problems_ != nullptr) {
     if (std::ranges::find(*problems_, words) == problems_->end()) problems_->push_back(words);
   } else if (isInTick_) {
-    troubles_.ReportStarted({index_}, words);
+    troubles_.ReportStarted({index_}, words, Troubles::Clock::now(), failedPart_);
   } else {
     troubles_.Print(words);
   }
@@ -142,6 +159,7 @@ void HeadlessPlugin::Instance::Tell(const std::string& words) {
 
 void HeadlessPlugin::Instance::Load(forms::WindowHandle parent, const HostValue& data) {
   parent_ = parent;
+  troubles_.Forget({index_});
   const IniFiles::Listener unstored(files_, [this](const RuntimeError& error) {
     const std::string words = DescribeError(Label(), error, "LoadInterface");
     Tell(words);
@@ -172,13 +190,51 @@ HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::st
   return reply;
 }
 
+HeadlessPlugin::Instance::Place HeadlessPlugin::Instance::PlaceNow() const {
+  const auto& texts = profiles_.Components().GetChat().Latest();
+  Place place;
+  place.posted = texts.empty() ? 0 : texts.back().number;
+  if (!state_.window.IfLoaded()) return place;
+  place.nextMessage = state_.tables.NextMessage(index_);
+  place.elapsedTicks = state_.tables.ElapsedTicks(index_);
+  return place;
+}
+
+std::int32_t HeadlessPlugin::Instance::PartOf(const Failure& failure) const {
+  if (failure.procedure == "tmrRT") {  // its steps
+    if (failure.line <= 3) return kGame;
+    if (failure.line == 4) return kSettings;
+    if (failure.line <= 6) return kFile;
+    if (failure.line >= 12) return kSending;
+  }
+  return PlaceNow().nextMessage;
+}
+
+bool HeadlessPlugin::Instance::HasDone(std::int32_t part, const Place& before, const Place& after) {
+  const bool hasPosted = after.posted != before.posted;
+  const bool hasTried = hasPosted || after.nextMessage != before.nextMessage ||
+                        after.elapsedTicks < before.elapsedTicks;
+  if (part == kGame) return true;
+  if (part == kSettings) return hasTried || after.elapsedTicks > before.elapsedTicks;
+  if (part == kFile) return hasTried;
+  if (part == kSending) return hasPosted;
+  const bool hasComeRound = after.nextMessage <= before.nextMessage;
+  const bool isBehind = part >= before.nextMessage;
+  const bool isBefore = part < after.nextMessage;
+  return hasTried && (hasComeRound ? isBehind || isBefore : isBehind && isBefore);
+}
+
 void HeadlessPlugin::Instance::RunDue() {
+  const Place before = PlaceNow();
   isInTick_ = true;
   const int ran = timers_.RunDue();
   isInTick_ = false;
   if (ran == 0) return;
   if (profiles_.IsServerAway(index_)) return troubles_.EndUntried({index_});
-  if (const auto ended = troubles_.ReportEnded({index_}, Label())) {
+  const Place after = PlaceNow();
+  const auto hasDone = [&](std::int32_t part) { return HasDone(part, before, after); };
+  if (const auto ended =
+          troubles_.ReportEnded({index_}, Label(), Troubles::Clock::now(), hasDone)) {
     profiles_.Record("tmrRT", *ended);
   }
 }

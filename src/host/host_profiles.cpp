@@ -38,6 +38,7 @@ HostProfiles::HostProfiles(const std::string& hostFolder, std::ostream& out)
 
 bool HostProfiles::PrintSkipped() const {
   for (const auto& problem : skipped_) out_ << "skipped: " << problem.words << "\n";
+  out_ << std::flush;
   return skipped_.empty();
 }
 
@@ -86,7 +87,7 @@ bool HostProfiles::MakeSettingsFolderOf(const ProfileSettings& profile) try {
     out_ << "; let the host's user write "
          << NativePath(HostFolder(folder_).Profile(profile.folder)).string();
   }
-  out_ << "\n";
+  out_ << "\n" << std::flush;
   return false;
 }
 
@@ -116,6 +117,7 @@ bool HostProfiles::IsStillDescribed(const ProfileSettings& profile) const try {
 
 HostProfiles::Changes HostProfiles::RereadAll() {
   Changes changes;
+  platform_.Processes().LookAgain();
   LoadedProfiles loaded = LoadProfiles(folder_);
   for (const auto& problem : loaded.problems) out_ << "not used: " << problem.words << "\n";
   for (ProfileSettings& profile : loaded.profiles) {

@@ -1,5 +1,6 @@
 #include "host/troubles.h"
 
+#include <iterator>
 #include <utility>
 
 #include "siblings/game_processes.h"
@@ -28,8 +29,10 @@ std::string DescribeError(const std::string& label, const RuntimeError& error,
   return words;
 }
 
-void Troubles::ReportStarted(const Work& work, const std::string& words, Clock::time_point now) {
-  Trouble& trouble = open_.try_emplace(work, Trouble{now, 0, {}, {}, false}).first->second;
+void Troubles::ReportStarted(const Work& work, const std::string& words, Clock::time_point now,
+                             std::int32_t part) {
+  Trouble& trouble = open_.try_emplace(work, Trouble{now, 0, {}, {}, {}, false}).first->second;
+  trouble.parts[part] = true;
   if (!std::exchange(trouble.isInThisRun, true)) ++trouble.runs;
   trouble.latest = words;
   if (trouble.printed.insert(words).second) Print(words);
@@ -47,13 +50,24 @@ bool Troubles::IsReported(const Work& work, const std::string& words) const {
 
 void Troubles::EndUntried(const Work& work) {
   const auto found = open_.find(work);
-  if (found != open_.end()) found->second.isInThisRun = false;
+  if (found == open_.end()) return;
+  found->second.isInThisRun = false;
+  for (auto& [part, isInThisRun] : found->second.parts) isInThisRun = false;
 }
 
 std::optional<std::string> Troubles::ReportEnded(const Work& work, const std::string& label,
-                                                 Clock::time_point now) {
+                                                 Clock::time_point now,
+                                                 const HasSucceeded& hasSucceeded) {
   const auto found = open_.find(work);
-  if (found == open_.end() || std::exchange(found->second.isInThisRun, false)) return std::nullopt;
+  if (found == open_.end()) return std::nullopt;
+  found->second.isInThisRun = false;
+  std::map<std::int32_t, bool>& parts = found->second.parts;
+  for (auto part = parts.begin(); part != parts.end();) {
+    const bool hasFailed = std::exchange(part->second, false);
+    const bool isOver = !hasFailed && (!hasSucceeded || hasSucceeded(part->first));
+    part = isOver ? parts.erase(part) : std::next(part);
+  }
+  if (!parts.empty()) return std::nullopt;
   const Trouble trouble = found->second;
   open_.erase(found);
   const std::string words = label + ": all is well again after " + Length(now - trouble.since) +

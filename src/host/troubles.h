@@ -4,6 +4,7 @@
 #include <chrono>
 #include <compare>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -37,13 +38,21 @@ class Troubles {
 
   /// Prints at once; for errors that do not recur.
   void Print(const std::string& words) { out_ << words << "\n" << std::flush; }
-  /// Reports an error of the current run, unless it was reported since the last run without errors.
+  /// Reports an error of the current run, unless it was reported since all was well. `part` names
+  /// what failed; the meaning is the caller's.
   void ReportStarted(const Work& work, const std::string& words,
-                     Clock::time_point now = Clock::now());
-  /// Ends a run. If it had no error but earlier ones had, prints and returns that all is well
-  /// again, for how long it was not and how many runs failed. Returns nullopt otherwise.
+                     Clock::time_point now = Clock::now(), std::int32_t part = 0);
+  /// Whether a run has done without an error what had failed. A run that did not try it proves
+  /// nothing.
+  using HasSucceeded = std::function<bool(std::int32_t part)>;
+  /// Ends a run. If every part that had failed has now succeeded, prints and returns that all is
+  /// well again, for how long it was not and how many runs failed. Returns nullopt otherwise.
+  /// Without a function a run tries every part.
   std::optional<std::string> ReportEnded(const Work& work, const std::string& label,
-                                         Clock::time_point now = Clock::now());
+                                         Clock::time_point now = Clock::now(),
+                                         const HasSucceeded& hasSucceeded = {});
+  /// Forgets what was wrong, so that it is reported again if it still is.
+  void Forget(const Work& work) { open_.erase(work); }
   /// Ends a run that tried nothing, so whatever was wrong may still be.
   void EndUntried(const Work& work);
   /// The latest words about work whose last run that tried something failed; empty if it did not.
@@ -58,6 +67,7 @@ class Troubles {
     int runs = 0;  // the number that failed
     std::set<std::string> printed;
     std::string latest;
+    std::map<std::int32_t, bool> parts = {};  // that failed; true: in this run
     bool isInThisRun = false;
   };
 

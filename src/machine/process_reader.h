@@ -26,11 +26,25 @@ ReadOutcome ReadProcessUpTo(ProcessId process, std::uint32_t address, void* buff
 /// it does on this system. A Windows program under Wine is found by its Windows name.
 std::vector<ProcessId> FindProcesses(const std::string& programName);
 
-/// Whether the process receives UDP at the port. Perhaps: the socket belongs to a process that
-/// holds sockets for several others, as Wine's server does. NotAllowed: the process cannot be
-/// inspected.
+/// How certain it is that a process receives UDP at a port. Perhaps: the socket belongs to a
+/// process that holds sockets for several others, as Wine's server does. NotAllowed: the process
+/// cannot be inspected.
 enum class HoldsPort { No, Perhaps, Yes, NotAllowed };
-HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port);
+
+/// A UDP port at which a process receives, and the open socket that shows it.
+struct ReceivedPort {
+  std::uint16_t port = 0;
+  HoldsPort holds = HoldsPort::No;
+  ProcessId holder = 0;      // the process that has the socket open
+  int file = -1;             // its number among the holder's files, where the system tells
+  std::uint64_t socket = 0;  // the system's number for it, where the system tells
+};
+
+/// The ports at which the process receives, or may. If it cannot be inspected, all ports of its
+/// network, as NotAllowed.
+std::vector<ReceivedPort> UdpPortsOf(ProcessId process);
+/// Whether the socket that UdpPortsOf found is still there. On Linux this takes one system call.
+bool IsStillOpen(const ReceivedPort& port);
 /// Whether any process of this machine receives UDP at the port.
 bool ReceivesUdp(std::uint16_t port);
 

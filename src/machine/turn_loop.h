@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <functional>
+#include <list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -65,7 +66,7 @@ class TurnLoop {
   std::optional<Clock::time_point> FirstDeadline() const;
   void RunTurn();
 
-  std::vector<Deadline> deadlines_;
+  std::list<Deadline> deadlines_;  // a callback may add one
   std::vector<std::function<void()>> turnBegins_;
   std::vector<std::function<void()>> turnEnds_;
   bool isStopped_ = false;

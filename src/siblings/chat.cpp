@@ -58,7 +58,8 @@ std::string Chat::FailureOf(std::int32_t profile) const {
   const auto last = std::find_if(texts.rbegin(), texts.rend(), [](const SentText& sent) {
     return sent.outcome != SentText::Outcome::UnderWay;
   });
-  return last != texts.rend() ? last->reason : "";
+  const bool hasFailed = last != texts.rend() && last->outcome == SentText::Outcome::Failed;
+  return hasFailed ? last->reason : "";
 }
 
 SentText* Chat::Find(std::int32_t profile, std::int64_t number) {
@@ -67,11 +68,12 @@ SentText* Chat::Find(std::int32_t profile, std::int64_t number) {
   return found != texts.end() ? &*found : nullptr;
 }
 
-void Chat::Finish(std::int32_t profile, std::int64_t number, const std::string& problem) {
+void Chat::Finish(std::int32_t profile, std::int64_t number, SentText::Outcome outcome,
+                  const std::string& reason) {
   SentText* const sent = Find(profile, number);
   if (sent == nullptr) return;
-  sent->outcome = problem.empty() ? SentText::Outcome::Sent : SentText::Outcome::Failed;
-  sent->reason = problem;
+  sent->outcome = outcome;
+  sent->reason = reason;
   if (onEnd) onEnd(*sent);
 }
 
@@ -88,17 +90,17 @@ void Chat::Post(std::int32_t profile, std::int32_t port, const std::string& word
       }
       socket_.Send(static_cast<std::uint16_t>(port), text);
     } catch (const RuntimeError& error) {
-      Finish(profile, number, error.description);
+      Finish(profile, number, SentText::Outcome::Failed, error.description);
       throw;
     }
-    return Finish(profile, number, "");
+    return Finish(profile, number, SentText::Outcome::Sent, "");
   }
   Queue& queue = found->second;
   if (runner_ == nullptr || queue.waiting.size() > kMostWaiting) {
     const std::string problem = runner_ == nullptr
                                     ? "this host starts no programs; give Target in place of Say"
                                     : queue.program[0] + " does not keep up with the messages";
-    Finish(profile, number, problem);
+    Finish(profile, number, SentText::Outcome::Failed, problem);
     throw NotSent(problem);
   }
   queue.waiting.push_back(number);
@@ -114,16 +116,17 @@ void Chat::StartFirst(std::int32_t profile) {
     if (text != nullptr && !command.empty()) {
       command.push_back(text->text);
       try {
-        return runner_->Start(command, [this, profile, number](const std::string& problem) {
+        return runner_->Start(command, [this, profile, number](const ProgramEnd& end) {
           programs_.at(profile).waiting.pop_front();
-          Finish(profile, number, problem);
+          Finish(profile, number, end.isDone ? SentText::Outcome::Sent : SentText::Outcome::Failed,
+                 end.words);
           StartFirst(profile);
         });
       } catch (const RuntimeError& error) {
-        Finish(profile, number, error.description);
+        Finish(profile, number, SentText::Outcome::Failed, error.description);
       }
     } else {
-      Finish(profile, number, "Say was taken out of profile.ini");
+      Finish(profile, number, SentText::Outcome::Failed, "Say was taken out of profile.ini");
     }
     queue.waiting.pop_front();
   }

@@ -28,7 +28,7 @@ struct SentText {
   std::string text;  // as posted
   enum class Outcome { UnderWay, Sent, Failed };
   Outcome outcome = Outcome::UnderWay;
-  std::string reason;  // why it failed
+  std::string reason;  // why it failed, or what a program that has sent it warned of
 };
 
 /// Posts a text as one UTF-8 datagram to a port of 127.0.0.1, or through a program of the profile:
@@ -65,7 +65,8 @@ class Chat {
   SentText& Remember(std::int32_t profile, const std::string& text);
   /// The text of that number; null if it was forgotten because many came after it.
   SentText* Find(std::int32_t profile, std::int64_t number);
-  void Finish(std::int32_t profile, std::int64_t number, const std::string& problem);
+  void Finish(std::int32_t profile, std::int64_t number, SentText::Outcome outcome,
+              const std::string& reason);
   void StartFirst(std::int32_t profile);
 
   const LocalClock& clock_;

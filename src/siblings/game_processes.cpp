@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <tuple>
 #include <utility>
 
 namespace rotacasts::host {
@@ -20,19 +21,9 @@ ProcessId AsNumber(const std::string& text) {
   return error == std::errc() && end == text.data() + text.size() && number > 0 ? number : 0;
 }
 
-/// The processes that certainly receive at the port, or else those that may. `secret` becomes one
-/// that cannot be inspected.
-std::vector<ProcessId> Receiving(const std::vector<ProcessId>& processes, std::uint16_t port,
-                                 ProcessId& secret) {
-  std::vector<ProcessId> certain;
-  std::vector<ProcessId> possible;
-  for (const ProcessId process : processes) {
-    const HoldsPort holds = HoldsUdpPort(process, port);
-    if (holds == HoldsPort::Yes) certain.push_back(process);
-    if (holds == HoldsPort::Perhaps) possible.push_back(process);
-    if (holds == HoldsPort::NotAllowed) secret = process;
-  }
-  return certain.empty() ? possible : certain;
+std::string Running(std::size_t count, const std::string& name) {
+  return count == 1 ? "a program " + name + " is running"
+                    : std::to_string(count) + " programs " + name + " are running";
 }
 
 // The sources of the errors of reads.
@@ -61,7 +52,7 @@ bool IsServerAway(const RuntimeError& error) {
 }
 
 std::int32_t GameProcesses::Register(GameProcess process) {
-  entries_.push_back({std::move(process)});
+  entries_.emplace_back(std::move(process));
   return static_cast<std::int32_t>(entries_.size());
 }
 
@@ -70,8 +61,22 @@ void GameProcesses::Change(std::int32_t handle, GameProcess process) {
   if (entry == process) {
     entry.found = 0;
   } else {
-    entry = {std::move(process)};
+    entry = Entry(std::move(process));
   }
+}
+
+void GameProcesses::LookAgain() {
+  for (Entry& entry : entries_) entry.lookedAt = {};
+}
+
+void GameProcesses::BeginTurn(Clock::time_point now) {
+  turn_ = now;
+  reader_.BeginTurn();
+}
+
+void GameProcesses::EndTurn() {
+  turn_.reset();
+  reader_.EndTurn();
 }
 
 GameProcesses::Entry& GameProcesses::At(std::int32_t handle) {
@@ -82,33 +87,65 @@ GameProcesses::Entry& GameProcesses::At(std::int32_t handle) {
   return entries_[static_cast<std::size_t>(handle) - 1];
 }
 
+bool GameProcesses::IsStillServing(Entry& entry) {
+  if (entry.found == 0) return false;
+  if (entry.receives.holds == HoldsPort::No) return true;  // not chosen by its port
+  const Clock::time_point now = turn_ ? *turn_ : Clock::now();
+  if (now - entry.lookedAt < kLookPeriod) return true;
+  entry.lookedAt = now;
+  return IsStillOpen(entry.receives);
+}
+
 ProcessId GameProcesses::Find(Entry& entry) {
-  if (entry.found != 0) return entry.found;
-  const std::string& name = entry.process;
-  if (const ProcessId number = AsNumber(name); number != 0) return entry.found = number;
-  std::vector<ProcessId> processes = reader_.Find(name);
+  if (IsStillServing(entry)) return entry.found;
+  const ProcessId before = std::exchange(entry.found, 0);
+  entry.receives = {};
+  if (const ProcessId number = AsNumber(entry.process); number != 0) return entry.found = number;
+  const std::vector<ProcessId> processes = reader_.Find(entry.process);
   if (processes.empty()) {
-    throw ServerAway(entry.label + ": no program " + name + " is running; start it");
+    throw ServerAway(entry.label + ": no program " + entry.process + " is running; start it");
   }
-  const std::size_t running = processes.size();
+  if (entry.port != 0) {
+    Choose(entry, processes);
+  } else if (processes.size() == 1) {
+    entry.found = processes.front();
+  } else {
+    throw ServerError(entry.label + ": " + Running(processes.size(), entry.process) +
+                      "; name one by its process id");
+  }
+  if (before != 0 && before != entry.found && onNews) {
+    onNews(ServerNews::Replaced, entry.label + ": another process receives at the Target port " +
+                                     std::to_string(entry.port) + " now, " +
+                                     std::to_string(entry.found));
+  }
+  return entry.found;
+}
+
+void GameProcesses::Choose(Entry& entry, const std::vector<ProcessId>& processes) {
+  std::vector<std::pair<ProcessId, ReceivedPort>> certain;
+  std::vector<std::pair<ProcessId, ReceivedPort>> possible;
   ProcessId secret = 0;
-  if (entry.port != 0) processes = Receiving(processes, entry.port, secret);
-  if (processes.size() == 1) return entry.found = processes.front();
-  if (processes.empty() && secret != 0) {
+  for (const ProcessId process : processes) {
+    const ReceivedPort port = reader_.Receives(process, entry.port);
+    if (port.holds == HoldsPort::Yes) certain.emplace_back(process, port);
+    if (port.holds == HoldsPort::Perhaps) possible.emplace_back(process, port);
+    if (port.holds == HoldsPort::NotAllowed) secret = process;
+  }
+  const auto& receiving = certain.empty() ? possible : certain;
+  if (receiving.size() == 1) {
+    std::tie(entry.found, entry.receives) = receiving.front();
+    entry.lookedAt = turn_ ? *turn_ : Clock::now();
+    return;
+  }
+  if (receiving.empty() && secret != 0) {
     throw ServerError(entry.label + ": process " + std::to_string(secret) + kNotAllowed);
   }
-  const std::string programs = running == 1
-                                   ? "a program " + name + " is running"
-                                   : std::to_string(running) + " programs " + name + " are running";
-  if (entry.port == 0) {
-    throw ServerError(entry.label + ": " + programs + "; name one by its process id");
-  }
-  const bool isAway = processes.empty();
   const std::string words =
-      entry.label + ": " + programs + ", but " + (isAway ? "none" : "more than one") +
-      " receives at the Target port " + std::to_string(entry.port) +
+      entry.label + ": " + Running(processes.size(), entry.process) + ", but " +
+      (receiving.empty() ? "none" : "more than one") + " receives at the Target port " +
+      std::to_string(entry.port) +
       "; start this profile's server, correct Target, or name the process by its id";
-  if (isAway) throw ServerAway(words);
+  if (receiving.empty()) throw ServerAway(words);
   throw ServerError(words);
 }
 

@@ -4,8 +4,22 @@
 #include <cstring>
 
 namespace rotacasts::host {
+namespace {
+
+/// Of several sockets at the port the most certain one; HoldsPort::No if there is none.
+ReceivedPort MostCertain(const std::vector<ReceivedPort>& ports, std::uint16_t port) {
+  ReceivedPort best{port};
+  for (const ReceivedPort& one : ports) {
+    if (one.port != port || best.holds == HoldsPort::Yes) continue;
+    best = one;
+  }
+  return best;
+}
+
+}  // namespace
 
 void ReadAhead::BeginTurn() {
+  EndTurn();  // an error may have left the last one open
   isInTurn_ = true;
 }
 
@@ -13,6 +27,7 @@ void ReadAhead::EndTurn() {
   isInTurn_ = false;
   pages_.clear();  // keeps the memory for the next turn
   programs_.clear();
+  ports_.clear();
 }
 
 std::vector<ReadAhead::Page>::iterator ReadAhead::LeastUsed() {
@@ -83,6 +98,13 @@ std::vector<ProcessId> ReadAhead::Find(const std::string& programName) {
   const auto [found, isNew] = programs_.try_emplace(programName);
   if (isNew) found->second = FindProcesses(programName);
   return found->second;
+}
+
+ReceivedPort ReadAhead::Receives(ProcessId process, std::uint16_t port) {
+  if (!isInTurn_) return MostCertain(UdpPortsOf(process), port);
+  const auto [found, isNew] = ports_.try_emplace(process);
+  if (isNew) found->second = UdpPortsOf(process);
+  return MostCertain(found->second, port);
 }
 
 }  // namespace rotacasts::host

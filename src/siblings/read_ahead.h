@@ -29,6 +29,9 @@ class ReadAhead {
                        std::size_t& count);
   /// The running processes of the program; within a turn, as they were when it first asked.
   std::vector<ProcessId> Find(const std::string& programName);
+  /// How the process receives at the port; within a turn, as it was when the turn first asked about
+  /// the process.
+  ReceivedPort Receives(ProcessId process, std::uint16_t port);
 
   static constexpr std::size_t kMostPages = 8;
 
@@ -50,6 +53,7 @@ class ReadAhead {
   std::vector<Page> pages_;
   std::uint64_t uses_ = 0;
   std::map<std::string, std::vector<ProcessId>> programs_;
+  std::map<ProcessId, std::vector<ReceivedPort>> ports_;
 };
 
 }  // namespace rotacasts::host

@@ -6,6 +6,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "machine/linux/descriptor_shares.h"
 #include "machine/linux/tcp.h"
 #include "web/microhttpd.h"
 
@@ -18,8 +19,6 @@ const Microhttpd& Mhd() {
   return Microhttpd::Get();
 }
 
-constexpr unsigned kMostConnections = 600;
-constexpr unsigned kMostOfOneAddress = 200;
 constexpr unsigned kQuietSeconds = 30;
 constexpr std::size_t kMemoryOfConnection = std::size_t{16} * 1024;
 constexpr std::size_t kMostBytesDropped = std::size_t{1024} * 1024;
@@ -154,8 +153,12 @@ void HttpServer::Conversation::Answer(Response response) {
 
 void HttpServer::Conversation::AnswerBitByBit(std::unique_ptr<EventSource> source) {
   source_ = std::move(source);
-  const auto read = [](void* self, std::uint64_t, char* buffer, std::size_t room) {
-    return static_cast<Conversation*>(self)->Read(buffer, room);
+  const auto read = [](void* self, std::uint64_t, char* buffer, std::size_t room) -> ssize_t {
+    try {
+      return static_cast<Conversation*>(self)->Read(buffer, room);
+    } catch (...) {  // no memory left
+      return MHD_CONTENT_READER_END_WITH_ERROR;
+    }
   };
   response_ = Mhd().create_response_from_callback(MHD_SIZE_UNKNOWN, kBlock, read, this, nullptr);
   SetHeaders({200, "text/event-stream", {}, {{"X-Accel-Buffering", "no"}}});
@@ -201,7 +204,14 @@ struct HttpServer::Callbacks {
   static MHD_Result Access(void* self, MHD_Connection* connection, const char* url,
                            const char* method, const char*, const char* bytes, std::size_t* size,
                            void** state) {
-    auto& server = *static_cast<HttpServer*>(self);
+    try {
+      return Take(*static_cast<HttpServer*>(self), connection, url, method, bytes, size, state);
+    } catch (...) {  // no memory left; nothing may pass through the library
+      return MHD_NO;
+    }
+  }
+  static MHD_Result Take(HttpServer& server, MHD_Connection* connection, const char* url,
+                         const char* method, const char* bytes, std::size_t* size, void** state) {
     if (*state == nullptr) {
       auto conversation = std::make_shared<Conversation>(server, connection, method, url);
       *state = conversation.get();
@@ -243,6 +253,9 @@ HttpServer::HttpServer(EventLoop& loop, const std::string& address, Handler hand
 void HttpServer::Start(const std::string& address) {
   const ListenAddress listen(address);
   const unsigned v6 = listen.IsIPv6() ? unsigned{MHD_USE_IPv6} : 0U;
+  const DescriptorShares& shares = OwnDescriptorShares();
+  const auto connections = static_cast<unsigned>(shares.connections);
+  const auto ofOneAddress = static_cast<unsigned>(shares.ofOneAddress);
   errno = 0;
   daemon_ = Mhd().start_daemon(MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG | v6, 0,
                                nullptr, nullptr, &Callbacks::Access, this,                 //
@@ -250,16 +263,14 @@ void HttpServer::Start(const std::string& address) {
                                MHD_OPTION_SOCK_ADDR, listen.Get(),                         //
                                MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::Completed, this,   //
                                MHD_OPTION_NOTIFY_CONNECTION, &Callbacks::Connected, this,  //
-                               MHD_OPTION_CONNECTION_LIMIT, kMostConnections,              //
-                               MHD_OPTION_PER_IP_CONNECTION_LIMIT, kMostOfOneAddress,      //
+                               MHD_OPTION_CONNECTION_LIMIT, connections,                   //
+                               MHD_OPTION_PER_IP_CONNECTION_LIMIT, ofOneAddress,           //
                                MHD_OPTION_CONNECTION_TIMEOUT, kQuietSeconds,               //
                                MHD_OPTION_CONNECTION_MEMORY_LIMIT, kMemoryOfConnection,    //
                                MHD_OPTION_STRICT_FOR_CLIENT, 1,                            //
                                MHD_OPTION_END);
   if (daemon_ != nullptr) return;
-  throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
-                     "the page cannot be served at " + address + " (" + std::strerror(errno) +
-                         "); give --web another address or port");
+  throw NotServed(address, errno);
 }
 
 HttpServer::~HttpServer() {

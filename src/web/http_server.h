@@ -66,7 +66,7 @@ class Exchange {
 };
 
 /// Limits: 16 KiB for a body and for headers; half a minute for a request to arrive and for its
-/// answer to be taken; 600 connections, 200 from one address.
+/// answer to be taken; as many connections as OwnDescriptorShares() says.
 class HttpServer {
  public:
   static constexpr std::size_t kLongestBody = std::size_t{16} * 1024;

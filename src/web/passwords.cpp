@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "base/runtime_error.h"
+#include "machine/linux/descriptor_shares.h"
 
 namespace rotacasts::host::web {
 namespace {
 
-constexpr std::size_t kMostWaiting = 8;
 constexpr auto kOperations = crypto_pwhash_OPSLIMIT_INTERACTIVE;
 constexpr auto kMemory = crypto_pwhash_MEMLIMIT_INTERACTIVE;
 
@@ -40,7 +40,7 @@ bool PasswordChecks::Check(Lane lane, std::string hash, std::string password, On
   std::deque<Entry>& waiting = lanes_.at(static_cast<std::size_t>(lane));
   Entry entry{std::move(hash), std::move(password), std::move(onAnswer)};
   if (!current_) return Start(entry);
-  if (waiting.size() >= kMostWaiting) return false;
+  if (waiting.size() >= OwnDescriptorShares().signIns) return false;
   waiting.push_back(std::move(entry));
   return true;
 }

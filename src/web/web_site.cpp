@@ -1,5 +1,6 @@
 #include "web/web_site.h"
 
+#include "base/runtime_error.h"
 #include "machine/linux/tcp.h"
 
 namespace rotacasts::host::web {
@@ -35,9 +36,12 @@ WebSite::WebSite(EventLoop& loop, ServerHost& host, const std::string& address,
     out << "warning: whoever is on the way to the page can read passwords, because it is not "
            "encrypted; serve it at 127.0.0.1, behind a proxy with TLS\n";
   }
-  if (Admins(host.Profiles().Folder()).All().empty()) {
-    out << "nobody may sign in yet; \"rotacasts-host admin set NAME --host-folder DIR\" lets "
-           "somebody\n";
+  try {
+    if (Admins(host.Profiles().Folder()).All().empty()) {
+      out << "nobody may sign in yet; \"rotacasts-host admin set NAME --host-folder DIR\" lets "
+             "somebody\n";
+    }
+  } catch (const RuntimeError&) {  // told when somebody asks for the page
   }
   out << std::flush;
 }

@@ -120,8 +120,8 @@ std::string EndOf(const std::vector<std::string>& command, std::chrono::millisec
   EventLoop loop;
   ProgramStarter programs(loop, limit);
   std::string problem;
-  programs.Start(command, [&](const std::string& words) {
-    problem = words;
+  programs.Start(command, [&](const ProgramEnd& end) {
+    problem = end.words;
     loop.Stop();
   });
   loop.Run();

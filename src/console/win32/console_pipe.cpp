@@ -13,6 +13,8 @@
 namespace rotacasts::host {
 namespace {
 
+/// How many consoles a host serves at a time: enough for everybody who looks after one machine.
+constexpr DWORD kMostConsoles = 16;
 constexpr DWORD kBufferSize = 4096;    // bytes; only a guess at what is on its way
 constexpr DWORD kPause = 500;          // milliseconds without a free instance
 constexpr DWORD kStartingHost = 1000;  // milliseconds in which a host may still be starting

@@ -3,8 +3,11 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
+
+#include "machine/terminal.h"
 
 namespace rotacasts::host {
 
@@ -19,24 +22,32 @@ ConsoleInput::~ConsoleInput() {
 }
 
 void ConsoleInput::Read() {
-  char buffer[4096];
+  char buffer[64 * 1024];
   const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
   if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
-  if (count > 0) text_.append(buffer, static_cast<std::size_t>(count));
-  if (count <= 0 && !text_.empty()) text_ += '\n';
-  TakeLines();
-  if (count > 0) return;
+  if (count > 0) {
+    Take({buffer, static_cast<std::size_t>(count)});
+    return;
+  }
+  if (!text_.empty() && !Take("\n")) return;
   loop_.Unwatch(STDIN_FILENO);
   onEnd_();
 }
 
-void ConsoleInput::TakeLines() {
-  for (auto end = text_.find('\n'); end != text_.npos; end = text_.find('\n')) {
-    std::string line = text_.substr(0, end);
-    text_.erase(0, end + 1);
+bool ConsoleInput::Take(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const std::size_t size = std::min(bytes.find('\n'), bytes.size());
+    const std::size_t room = kLongestLine + 1 - text_.size();
+    text_ += bytes.substr(0, std::min(size, room));
+    if (size == bytes.size()) return true;
+    bytes.remove_prefix(size + 1);
+    std::string line = std::exchange(text_, {});
     if (line.ends_with('\r')) line.pop_back();
-    if (!onLine_(line)) return loop_.Unwatch(STDIN_FILENO);
+    if (onLine_(line)) continue;
+    loop_.Unwatch(STDIN_FILENO);
+    return false;
   }
+  return true;
 }
 
 }  // namespace rotacasts::host

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "machine/linux/event_loop.h"
 
@@ -20,12 +21,13 @@ class ConsoleInput {
 
  private:
   void Read();
-  void TakeLines();
+  /// Passes the lines on; false if no more are wanted.
+  bool Take(std::string_view bytes);
 
   EventLoop& loop_;
   const std::function<bool(const std::string&)> onLine_;
   const std::function<void()> onEnd_;
-  std::string text_;  // read, but without its line feed yet
+  std::string text_;  // read, but without its line feed yet; at most kLongestLine + 1 bytes
 };
 
 }  // namespace rotacasts::host

@@ -20,7 +20,7 @@ namespace {
 sigset_t Handled() {
   sigset_t signals;
   sigemptyset(&signals);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGTSTP, SIGWINCH}) sigaddset(&signals, signal);
   return signals;
 }
 
@@ -94,8 +94,21 @@ void EventLoop::Watch(int descriptor, short events, std::function<void(short)> o
 
 bool EventLoop::TakeSignals() {
   for (int signal = signals_->Next(); signal != 0; signal = signals_->Next()) {
-    if (signal != SIGHUP) return false;
-    if (onReload) Guard(onReload);
+    switch (signal) {
+      case SIGHUP:
+        if (onReload) Guard(onReload);
+        break;
+      case SIGTSTP:
+        if (onStop) Guard([this] { onStop(true); });
+        ::raise(SIGSTOP);
+        if (onStop) Guard([this] { onStop(false); });
+        break;
+      case SIGWINCH:
+        if (onResize) Guard(onResize);
+        break;
+      default:
+        return false;
+    }
   }
   return true;
 }

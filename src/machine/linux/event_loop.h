@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -22,11 +23,12 @@ class EventLoop final : public TurnLoop {
  public:
   static const short kReadable;  // POLLIN
 
-  /// Makes SIGINT, SIGTERM and SIGHUP wait from now on, for a loop made later. They wait after its
-  /// end too, so that none of them can end a program that is ending by itself.
+  /// Makes its signals wait from now on, for a loop made later. They wait after its end too, so
+  /// that none of them can end a program that is ending by itself.
   static void BlockSignals();
 
-  /// While the object exists, SIGINT, SIGTERM and SIGHUP wait until Run handles them, and SIGPIPE
+  /// While the object exists, SIGINT, SIGTERM, SIGHUP, SIGTSTP and SIGWINCH wait until Run handles
+  /// them, and SIGPIPE
   /// is ignored, so that a write without a reader just fails. Only one loop may exist at a time.
   EventLoop();
   ~EventLoop() override;
@@ -41,6 +43,11 @@ class EventLoop final : public TurnLoop {
   /// Stops the calls at once, even one due in this turn. Does nothing if the descriptor is not
   /// watched.
   void Unwatch(int descriptor) { watches_.erase(descriptor); }
+
+  /// Called for SIGTSTP, before the program stops and after it goes on.
+  std::function<void(bool isStopping)> onStop;
+  /// Called when the terminal has another size.
+  std::function<void()> onResize;
 
  private:
   struct WatchEntry {

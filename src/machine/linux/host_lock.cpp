@@ -76,7 +76,9 @@ HostLock::~HostLock() = default;
 HostLock::HostLock(const std::string& hostFolder, const std::string& time) {
   const auto raise = [&hostFolder] {
     const int problem = errno;
-    throw RuntimeError(ErrorNumber::PermissionDenied,
+    const bool isForbidden =
+        problem == EACCES || problem == EPERM || problem == EROFS || problem == ELOOP;
+    throw RuntimeError(isForbidden ? ErrorNumber::PermissionDenied : ErrorNumber::DeviceIoError,
                        NativePath(HostFolder(hostFolder).Lock()).string() + " (" +
                            std::strerror(problem) + "); " + WayOut(problem, hostFolder));
   };

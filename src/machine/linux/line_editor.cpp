@@ -17,6 +17,8 @@ namespace {
 // How long to wait for the rest of a key that sends several bytes. The host does nothing meanwhile.
 constexpr int kKeyTime = 50;  // milliseconds
 constexpr int kRememberedLines = 500;
+// Letters of a line. Each key draws the line again, so a very long one would take the host's time.
+constexpr std::size_t kLongestTyped = 4096;
 constexpr const char* kClearKey = "\x1f";  // Ctrl-_, which only the editor itself types
 
 ssize_t WriteToOutput(void* output, const char* bytes, std::size_t size) {
@@ -85,6 +87,8 @@ LineEditor::LineEditor(EventLoop& loop, ConsoleOutput& output, Person person)
   Begin();
   output_.onBefore = [this] { Hide(); };
   output_.onAfter = [this] { Show(); };
+  loop_.onStop = [this](bool isStopping) { Pause(isStopping); };
+  loop_.onResize = [this] { Resize(); };
   loop_.Watch(STDIN_FILENO, POLLIN, [this](short ready) { HandleInput(ready); });
 }
 
@@ -178,8 +182,8 @@ void LineEditor::HandleInput(short ready) {
   const bool isGone = (ready & (POLLHUP | POLLERR)) != 0;
   int count = 0;
   if (!isGone) {
-    ::el_resize(editor_.get());
     ::el_wgets(editor_.get(), &count);
+    RefuseLonger();
   }
   if (isGone || endIsAsked_) {
     End();
@@ -202,10 +206,16 @@ void LineEditor::Take() {
   std::wstring line = LineOf(editor_.get());
   line.pop_back();
   const std::string text = Narrow(line);
+  const bool isTooLong = line.size() > kLongestTyped;
   HistEvent event;
-  if (!text.empty()) ::history(history_.get(), &event, H_ENTER, text.c_str());
+  if (!text.empty() && !isTooLong) ::history(history_.get(), &event, H_ENTER, text.c_str());
   ::el_set(editor_.get(), EL_UNBUFFERED, 0);
   isPrompting_ = isShowing_ = false;
+  if (isTooLong) {
+    output_.Write("a line is typed with at most " + std::to_string(kLongestTyped) +
+                  " letters; nothing was done\n");
+    return Begin();
+  }
   if (person_.onLine(text)) return Begin();
   End();
 }
@@ -232,11 +242,41 @@ void LineEditor::Show() {
   ::el_set(editor_.get(), EL_REFRESH);
 }
 
+void LineEditor::Pause(bool isStopping) {
+  if (!isPrompting_) return;
+  if (isStopping) {
+    Hide();
+    ::el_set(editor_.get(), EL_UNBUFFERED, 0);
+    return;
+  }
+  ::el_set(editor_.get(), EL_UNBUFFERED, 1);
+  ::el_resize(editor_.get());
+  Show();
+}
+
+/// The line is wrapped anew.
+void LineEditor::Resize() {
+  if (!isShowing_) return;
+  Hide();
+  ::el_resize(editor_.get());
+  Show();
+}
+
+/// Takes away what would make the line longer than any command.
+void LineEditor::RefuseLonger() {
+  const LineInfoW* line = ::el_wline(editor_.get());
+  const auto size = static_cast<std::size_t>(line->lastchar - line->buffer);
+  if (size <= kLongestTyped + 1 || line->lastchar[-1] == L'\n') return;
+  ::el_deletestr(editor_.get(), 1);
+}
+
 void LineEditor::End() {
   hasEnded_ = true;
   isPrompting_ = isShowing_ = false;
   ::el_set(editor_.get(), EL_UNBUFFERED, 0);
   output_.onBefore = output_.onAfter = nullptr;
+  loop_.onStop = nullptr;
+  loop_.onResize = nullptr;
   loop_.Unwatch(STDIN_FILENO);
 }
 

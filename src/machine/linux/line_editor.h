@@ -50,6 +50,10 @@ class LineEditor {
   void Begin();
   void Hide();
   void Show();
+  /// Gives the terminal back while the program is stopped, and takes it again.
+  void Pause(bool isStopping);
+  void Resize();
+  void RefuseLonger();
   void End();
 
   EventLoop& loop_;

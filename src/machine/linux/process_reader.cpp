@@ -6,13 +6,15 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <set>
+#include <functional>
+#include <map>
+#include <optional>
 #include <span>
-#include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "base/text.h"
@@ -99,38 +101,54 @@ std::string WineServerFolder(const fs::path& process) {
   return name;
 }
 
-HoldsPort HoldsOneOf(const fs::path& process, const std::set<std::string>& sockets) {
-  std::error_code problem;
-  fs::directory_iterator open(process / "fd", problem);
-  const fs::directory_iterator end;
-  while (!problem && open != end) {
-    std::error_code gone;
-    const std::string file = fs::read_symlink(open->path(), gone).string();
-    if (sockets.contains(file)) return HoldsPort::Yes;
-    if (gone == std::errc::permission_denied) return HoldsPort::NotAllowed;
-    open.increment(problem);
-  }
-  return problem == std::errc::permission_denied ? HoldsPort::NotAllowed : HoldsPort::No;
-}
+/// The UDP sockets of a network, by the system's number: the port of each.
+using PortOfSocket = std::map<std::uint64_t, std::uint16_t>;
 
-/// The sockets that receive at the port, in the process's network.
-std::set<std::string> UdpSockets(const fs::path& process, std::uint16_t port) {
-  char ending[6];  // of a local address such as "0100007F:0FA1"
-  std::snprintf(ending, sizeof ending, ":%04X", static_cast<unsigned>(port));
-  std::set<std::string> inodes;
+/// The sockets of the process's network.
+PortOfSocket UdpSockets(const fs::path& process) {
+  PortOfSocket ports;
   for (const char* table : {"net/udp", "net/udp6"}) {
     std::ifstream rows(process / table);
     for (std::string row; std::getline(rows, row);) {
-      std::istringstream columns(row);
-      const std::vector<std::string> cells(std::istream_iterator<std::string>(columns), {});
-      constexpr std::size_t kLocalAddress = 1;
-      constexpr std::size_t kInode = 9;
-      if (cells.size() > kInode && cells[kLocalAddress].ends_with(ending)) {
-        inodes.insert("socket:[" + cells[kInode] + "]");
+      // The local address, "0100007F:0FA1", is the second column, and the socket the tenth.
+      unsigned port = 0;
+      unsigned long long socket = 0;
+      constexpr const char* kColumns = "%*s %*[0-9A-F]:%4x %*s %*s %*s %*s %*s %*s %*s %llu";
+      if (std::sscanf(row.c_str(), kColumns, &port, &socket) == 2) {
+        ports[socket] = static_cast<std::uint16_t>(port);
       }
     }
   }
-  return inodes;
+  return ports;
+}
+
+/// The number of an open socket; nullopt for any other file. `error` is 0 unless it cannot be read.
+std::optional<std::uint64_t> SocketAt(const char* file, int& error) {
+  constexpr std::string_view kKind = "socket:[";
+  char target[64];
+  const ssize_t size = ::readlink(file, target, sizeof target);
+  error = size < 0 ? errno : 0;
+  if (size < 0) return std::nullopt;
+  const std::string_view text(target, static_cast<std::size_t>(size));
+  if (!text.starts_with(kKind)) return std::nullopt;
+  std::uint64_t socket = 0;
+  std::from_chars(text.data() + kKind.size(), text.data() + text.size(), socket);
+  return socket;
+}
+
+/// Which of the sockets the process has open. False if it cannot be inspected.
+bool FindOpen(const fs::path& process, const PortOfSocket& sockets,
+              const std::function<void(int file, std::uint64_t socket)>& onOpen) {
+  std::error_code problem;
+  fs::directory_iterator open(process / "fd", problem);
+  for (const fs::directory_iterator end; !problem && open != end; open.increment(problem)) {
+    int error = 0;
+    const auto socket = SocketAt(open->path().c_str(), error);
+    if (error == EACCES) return false;
+    if (!socket || !sockets.contains(*socket)) continue;
+    onOpen(std::stoi(open->path().filename().string()), *socket);
+  }
+  return problem != std::errc::permission_denied;
 }
 
 }  // namespace
@@ -168,26 +186,44 @@ std::vector<ProcessId> FindProcesses(const std::string& programName) {
   return found;
 }
 
-HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port) {
+std::vector<ReceivedPort> UdpPortsOf(ProcessId process) {
   const fs::path folder = fs::path("/proc") / std::to_string(process);
-  const std::set<std::string> sockets = UdpSockets(folder, port);
-  if (sockets.empty()) return HoldsPort::No;
-  const HoldsPort own = HoldsOneOf(folder, sockets);
-  if (own != HoldsPort::No) return own;
+  PortOfSocket sockets = UdpSockets(folder);
+  std::vector<ReceivedPort> ports;
+  const auto add = [&](HoldsPort holds, ProcessId holder, int file, std::uint64_t socket) {
+    ports.push_back({sockets.at(socket), holds, holder, file, socket});
+  };
+  const bool isAllowed = FindOpen(folder, sockets, [&](int file, std::uint64_t socket) {
+    add(HoldsPort::Yes, process, file, socket);
+  });
+  if (!isAllowed) {
+    for (const auto& [socket, port] : sockets) add(HoldsPort::NotAllowed, process, -1, socket);
+    return ports;
+  }
   const std::string prefix = WineServerFolder(folder);
-  if (prefix.empty()) return HoldsPort::No;
+  if (prefix.empty()) return ports;
   for (const fs::path& other : AllProcesses()) {
     std::error_code problem;
-    if (fs::read_symlink(other / "cwd", problem).filename() == prefix &&
-        HoldsOneOf(other, sockets) == HoldsPort::Yes) {
-      return HoldsPort::Perhaps;
-    }
+    if (fs::read_symlink(other / "cwd", problem).filename() != prefix) continue;
+    const ProcessId holder = std::stoll(other.filename().string());
+    FindOpen(other, sockets, [&](int file, std::uint64_t socket) {
+      add(HoldsPort::Perhaps, holder, file, socket);
+    });
   }
-  return HoldsPort::No;
+  return ports;
+}
+
+bool IsStillOpen(const ReceivedPort& port) {
+  char file[64];
+  std::snprintf(file, sizeof file, "/proc/%lld/fd/%d", static_cast<long long>(port.holder),
+                port.file);
+  int error = 0;
+  return SocketAt(file, error) == port.socket;
 }
 
 bool ReceivesUdp(std::uint16_t port) {
-  return !UdpSockets("/proc/self", port).empty();
+  const PortOfSocket sockets = UdpSockets("/proc/self");
+  return std::ranges::any_of(sockets, [port](const auto& entry) { return entry.second == port; });
 }
 
 }  // namespace rotacasts::host

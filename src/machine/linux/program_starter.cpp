@@ -11,8 +11,13 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+#include <thread>
 
 #include "base/runtime_error.h"
+#include "machine/linux/descriptor_shares.h"
 
 namespace rotacasts::host {
 namespace {
@@ -57,6 +62,59 @@ std::string Outcome(int status) {
   return code == 0 ? "" : "ended with status " + std::to_string(code);
 }
 
+// Names the program that a process belongs to, in its environment. A process can leave its group,
+// its session and its parent, and then only what it was given at its start tells where it comes
+// from.
+constexpr const char* kMark = "ROTACASTS_SAY=";
+
+/// The environment of this process with the mark.
+std::vector<char*> MarkedEnvironment(std::string& mark) {
+  std::vector<char*> variables;
+  for (char** variable = environ; *variable != nullptr; ++variable) {
+    if (!std::string_view(*variable).starts_with(kMark)) variables.push_back(*variable);
+  }
+  variables.push_back(mark.data());
+  variables.push_back(nullptr);
+  return variables;
+}
+
+bool HasMark(const std::filesystem::path& process, const std::string& mark) {
+  std::ifstream file(process / "environ", std::ios::binary);
+  for (std::string variable; std::getline(file, variable, '\0');) {
+    if (variable == mark) return true;
+  }
+  return false;
+}
+
+/// Kills the processes with the mark. Returns whether there were any.
+bool KillMarked(const std::string& mark) {
+  bool found = false;
+  std::error_code problem;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc", problem)) {
+    const std::string name = entry.path().filename().string();
+    if (name.find_first_not_of("0123456789") != name.npos || !HasMark(entry.path(), mark)) continue;
+    // The descriptor stays with this process, and the second look shows that it is the one meant.
+    const int process = static_cast<int>(::syscall(SYS_pidfd_open, std::stoi(name), 0));
+    if (process < 0) continue;
+    if (HasMark(entry.path(), mark)) {
+      ::syscall(SYS_pidfd_send_signal, process, SIGKILL, nullptr, 0);
+      found = true;
+    }
+    ::close(process);
+  }
+  return found;
+}
+
+/// Kills the program and whatever it has started, wherever that has gone.
+void KillAll(pid_t leader, const std::string& mark) {
+  ::kill(-leader, SIGKILL);
+  ::kill(leader, SIGKILL);        // it may have joined another group
+  constexpr int kMostLooks = 10;  // one may start another while the look goes on
+  for (int looks = 0; looks < kMostLooks && KillMarked(mark); ++looks) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+}
+
 }  // namespace
 
 struct ProgramStarter::Child {
@@ -74,11 +132,12 @@ struct ProgramStarter::Child {
   }
 
   std::string name;
+  std::string mark;
   int process = -1;  // a descriptor that becomes ready when the process ends
   int errors = -1;   // reads its standard error
   bool isLate = false;
   EventLoop::Clock::time_point limit;
-  std::function<void(const std::string&)> onEnd;
+  std::function<void(const ProgramEnd&)> onEnd;
   std::string words;
 };
 
@@ -89,37 +148,67 @@ ProgramStarter::ProgramStarter(EventLoop& loop, std::chrono::milliseconds timeLi
 
 ProgramStarter::~ProgramStarter() {
   for (const auto& [id, program] : running_) {
-    ::kill(-id, SIGKILL);
+    KillAll(id, program->mark);
     loop_.Unwatch(program->process);
     loop_.Unwatch(program->errors);
   }
 }
 
 void ProgramStarter::Start(const std::vector<std::string>& command,
-                           std::function<void(const std::string&)> onEnd) {
+                           std::function<void(const ProgramEnd& end)> onEnd) {
+  Waiting program{command, std::move(onEnd)};
+  if (running_.size() >= OwnDescriptorShares().programs) {
+    waiting_.push_back(std::move(program));
+  } else {
+    Launch(std::move(program));
+  }
+}
+
+void ProgramStarter::LaunchWaiting() {
+  while (!waiting_.empty() && running_.size() < OwnDescriptorShares().programs) {
+    Waiting next = std::move(waiting_.front());
+    waiting_.pop_front();
+    const auto onEnd = next.onEnd;
+    try {
+      Launch(std::move(next));
+    } catch (const RuntimeError& error) {
+      onEnd({false, error.description});
+    }
+  }
+}
+
+void ProgramStarter::Launch(Waiting wanted) {
   auto program = std::make_unique<Child>();
-  program->name = command.at(0);
+  program->name = wanted.command.at(0);
+  program->mark = kMark + std::to_string(::getpid()) + "." + std::to_string(++started_);
   int ends[2] = {-1, -1};
   int problem = ::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0 ? errno : 0;
   program->errors = ends[0];
   std::vector<char*> words;
-  words.reserve(command.size() + 1);
-  for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
+  words.reserve(wanted.command.size() + 1);
+  for (std::string& word : wanted.command) words.push_back(word.data());
   words.push_back(nullptr);
   pid_t id = 0;
   if (problem == 0) {
     const SpawnSettings settings(ends[1]);
     problem = ::posix_spawnp(&id, words[0], &settings.actions, &settings.attributes, words.data(),
-                             environ);
+                             MarkedEnvironment(program->mark).data());
+    ::close(ends[1]);
   }
-  ::close(ends[1]);
+  if (problem == 0) {
+    program->process = static_cast<int>(::syscall(SYS_pidfd_open, id, 0));
+    if (program->process < 0) {  // nothing would tell of its end
+      problem = errno;
+      KillAll(id, program->mark);
+      ::waitpid(id, nullptr, 0);
+    }
+  }
   if (problem != 0) {
     throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
                        program->name + " cannot be started (" + std::strerror(problem) + ")");
   }
-  program->process = static_cast<int>(::syscall(SYS_pidfd_open, id, 0));
   program->limit = EventLoop::Clock::now() + timeLimit_;
-  program->onEnd = std::move(onEnd);
+  program->onEnd = std::move(wanted.onEnd);
   Child& running = *(running_[id] = std::move(program));
   loop_.Watch(running.process, POLLIN, [this, id](short) { Ended(id); });
   loop_.Watch(running.errors, POLLIN, [this, &running](short ready) {
@@ -140,7 +229,7 @@ void ProgramStarter::KillLate() {
   for (const auto& [id, program] : running_) {
     if (program->isLate || program->limit > EventLoop::Clock::now()) continue;
     program->isLate = true;
-    ::kill(-id, SIGKILL);
+    KillAll(id, program->mark);
   }
 }
 
@@ -151,16 +240,18 @@ void ProgramStarter::Ended(int process) {
   loop_.Unwatch(program->process);
   loop_.Unwatch(program->errors);
   program->ReadErrors();
+  LaunchWaiting();
   std::string problem = Outcome(status);
   if (program->isLate) {
     problem = "took longer than " +
               std::to_string(std::chrono::duration_cast<std::chrono::seconds>(timeLimit_).count()) +
               " s and was ended";
   }
+  const bool isDone = problem.empty();
   std::replace(program->words.begin(), program->words.end(), '\n', ' ');
   program->words.erase(program->words.find_last_not_of(' ') + 1);
   if (!program->words.empty()) problem += (problem.empty() ? "said: " : ": ") + program->words;
-  program->onEnd(problem.empty() ? "" : program->name + " " + problem);
+  program->onEnd({isDone, problem.empty() ? "" : program->name + " " + problem});
 }
 
 }  // namespace rotacasts::host

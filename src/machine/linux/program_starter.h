@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 
@@ -10,21 +12,28 @@
 
 namespace rotacasts::host {
 
-/// Runs programs with a time limit. The destructor kills those that still run. `loop` must not run
-/// again after this object is gone.
+/// Runs programs with a time limit, no more at a time than OwnDescriptorShares() says; the others
+/// wait. The destructor kills those that still run. `loop` must not run again after this object is
+/// gone.
 class ProgramStarter final : public ProgramRunner {
  public:
   explicit ProgramStarter(EventLoop& loop, std::chrono::milliseconds timeLimit = kTimeLimit);
   ~ProgramStarter() override;
 
   void Start(const std::vector<std::string>& command,
-             std::function<void(const std::string& problem)> onEnd) override;
+             std::function<void(const ProgramEnd& end)> onEnd) override;
 
   static constexpr auto kTimeLimit = std::chrono::seconds(10);
 
  private:
   struct Child;
+  struct Waiting {
+    std::vector<std::string> command;
+    std::function<void(const ProgramEnd& end)> onEnd;
+  };
 
+  void Launch(Waiting program);
+  void LaunchWaiting();
   std::optional<EventLoop::Clock::time_point> NextLimit() const;
   void KillLate();
   void Ended(int process);
@@ -32,6 +41,8 @@ class ProgramStarter final : public ProgramRunner {
   EventLoop& loop_;
   const std::chrono::milliseconds timeLimit_;
   std::map<int, std::unique_ptr<Child>> running_;  // by process id
+  std::deque<Waiting> waiting_;
+  std::int64_t started_ = 0;  // their number so far
 };
 
 }  // namespace rotacasts::host

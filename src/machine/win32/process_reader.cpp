@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cwchar>
-#include <functional>
 #include <utility>
+#include <vector>
 
 // clang-format off
 #include "machine/win32/sockets.h"
@@ -62,7 +62,8 @@ bool HasName(const wchar_t* programFile, const std::wstring& name) {
          ::_wcsicmp(programFile, (name + L".exe").c_str()) == 0;
 }
 
-bool IsInUdpTable(const std::function<bool(const MIB_UDPROW_OWNER_PID&)>& isMeant) {
+/// The rows of the system's table of UDP sockets; empty if it cannot be read.
+std::vector<MIB_UDPROW_OWNER_PID> UdpTable() {
   std::vector<char> bytes;
   DWORD size = 0;
   DWORD outcome = ERROR_INSUFFICIENT_BUFFER;
@@ -70,9 +71,13 @@ bool IsInUdpTable(const std::function<bool(const MIB_UDPROW_OWNER_PID&)>& isMean
     bytes.resize(size);
     outcome = ::GetExtendedUdpTable(bytes.data(), &size, FALSE, AF_INET, UDP_TABLE_OWNER_PID, 0);
   }
-  if (outcome != NO_ERROR || bytes.size() < sizeof(DWORD)) return false;
+  if (outcome != NO_ERROR || bytes.size() < sizeof(DWORD)) return {};
   const auto* table = reinterpret_cast<const MIB_UDPTABLE_OWNER_PID*>(bytes.data());
-  return std::any_of(table->table, table->table + table->dwNumEntries, isMeant);
+  return {table->table, table->table + table->dwNumEntries};
+}
+
+std::uint16_t PortOf(const MIB_UDPROW_OWNER_PID& row) {
+  return ::ntohs(static_cast<u_short>(row.dwLocalPort));
 }
 
 }  // namespace
@@ -114,20 +119,26 @@ std::vector<ProcessId> FindProcesses(const std::string& programName) {
   return found;
 }
 
-HoldsPort HoldsUdpPort(ProcessId process, std::uint16_t port) {
-  HoldsPort holds = HoldsPort::No;
-  IsInUdpTable([&](const MIB_UDPROW_OWNER_PID& row) {
-    if (row.dwLocalPort != ::htons(port)) return false;
-    if (row.dwOwningPid == process) holds = HoldsPort::Yes;
-    if (row.dwOwningPid == kUnknown) holds = HoldsPort::Perhaps;
-    return holds == HoldsPort::Yes;
+std::vector<ReceivedPort> UdpPortsOf(ProcessId process) {
+  std::vector<ReceivedPort> ports;
+  for (const MIB_UDPROW_OWNER_PID& row : UdpTable()) {
+    if (row.dwOwningPid == process) ports.push_back({PortOf(row), HoldsPort::Yes, process});
+    if (row.dwOwningPid == kUnknown) ports.push_back({PortOf(row), HoldsPort::Perhaps, kUnknown});
+  }
+  return ports;
+}
+
+bool IsStillOpen(const ReceivedPort& port) {
+  const std::vector<MIB_UDPROW_OWNER_PID> table = UdpTable();
+  return std::any_of(table.begin(), table.end(), [&](const MIB_UDPROW_OWNER_PID& row) {
+    return row.dwOwningPid == port.holder && PortOf(row) == port.port;
   });
-  return holds;
 }
 
 bool ReceivesUdp(std::uint16_t port) {
-  return IsInUdpTable(
-      [&](const MIB_UDPROW_OWNER_PID& row) { return row.dwLocalPort == ::htons(port); });
+  const std::vector<MIB_UDPROW_OWNER_PID> table = UdpTable();
+  return std::any_of(table.begin(), table.end(),
+                     [&](const MIB_UDPROW_OWNER_PID& row) { return PortOf(row) == port; });
 }
 
 }  // namespace rotacasts::host

@@ -113,8 +113,8 @@ struct ProgramStarter::Child {
   /// Waits until it ends, and ends it when it takes too long.
   void Wait();
   void ReadErrors();
-  /// What is wrong with the way it ended; empty if nothing is.
-  std::string Problem();
+  /// How it ended, and what it wrote.
+  ProgramEnd End();
 };
 
 void ProgramStarter::Child::Start(const std::vector<std::string>& command) {
@@ -174,7 +174,7 @@ void ProgramStarter::Child::Wait() {
   ReadErrors();
 }
 
-std::string ProgramStarter::Child::Problem() {
+ProgramEnd ProgramStarter::Child::End() {
   DWORD status = 0;
   ::GetExitCodeProcess(process.Get(), &status);
   std::string problem = status == 0 ? "" : "ended with status " + std::to_string(status);
@@ -182,12 +182,13 @@ std::string ProgramStarter::Child::Problem() {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(timeLimit);
     problem = "took longer than " + std::to_string(seconds.count()) + " s and was ended";
   }
+  const bool isDone = problem.empty();
   std::replace_if(
       words.begin(), words.end(), [](char letter) { return letter == '\r' || letter == '\n'; },
       ' ');
   words.erase(words.find_last_not_of(' ') + 1);
-  if (!words.empty()) problem += (problem.empty() ? "said: " : ": ") + words;
-  return problem.empty() ? "" : name + " " + problem;
+  if (!words.empty()) problem += (isDone ? "said: " : ": ") + words;
+  return {isDone, problem.empty() ? "" : name + " " + problem};
 }
 
 ProgramStarter::~ProgramStarter() {
@@ -212,13 +213,13 @@ struct ProgramStarter::Waiter {
 };
 
 void ProgramStarter::Start(const std::vector<std::string>& command,
-                           std::function<void(const std::string&)> onEnd) {
+                           std::function<void(const ProgramEnd&)> onEnd) {
   const auto child = std::make_shared<Child>();
   child->timeLimit = timeLimit_;
   child->Start(command);
   auto waiter = std::make_unique<Waiter>(Waiter{child, queue_, [this, child, onEnd] {
                                                   std::erase(running_, child);
-                                                  onEnd(child->Problem());
+                                                  onEnd(child->End());
                                                 }});
   const win32::UniqueHandle thread(
       ::CreateThread(nullptr, 0, &Waiter::Run, waiter.get(), 0, nullptr));

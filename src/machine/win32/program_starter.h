@@ -22,7 +22,7 @@ class ProgramStarter final : public ProgramRunner {
 
   /// Errors: also 5 for a batch file.
   void Start(const std::vector<std::string>& command,
-             std::function<void(const std::string& problem)> onEnd) override;
+             std::function<void(const ProgramEnd& end)> onEnd) override;
 
   static constexpr auto kTimeLimit = std::chrono::seconds(10);
 

@@ -3,6 +3,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
 #include <iostream>
 #include <memory>
 
@@ -19,23 +21,56 @@ namespace {
 using web::Admin;
 using web::Admins;
 
-/// Hides what is typed on the terminal while this object exists.
+/// Hides what is typed on the terminal while this object exists. A signal that stops or ends the
+/// program gives the terminal back first; when the program goes on, it hides again. Only one may
+/// exist at a time.
 class NoEcho {
  public:
   NoEcho() : isTerminal_(::tcgetattr(STDIN_FILENO, &before_) == 0) {
-    termios quiet = before_;
-    quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    if (isTerminal_) ::tcsetattr(STDIN_FILENO, TCSANOW, &quiet);
+    if (!isTerminal_) return;
+    quiet_ = before_;
+    quiet_.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    current_ = this;
+    for (const int signal : kSignals) Handle(signal, GiveBack);
+    Set(quiet_);
   }
   ~NoEcho() {
-    if (isTerminal_) ::tcsetattr(STDIN_FILENO, TCSANOW, &before_);
+    if (!isTerminal_) return;
+    Set(before_);
+    for (const int signal : kSignals) Handle(signal, SIG_DFL);
+    current_ = nullptr;
   }
   NoEcho(const NoEcho&) = delete;
   NoEcho& operator=(const NoEcho&) = delete;
   bool IsTerminal() const { return isTerminal_; }
 
  private:
+  static constexpr int kSignals[] = {SIGTSTP, SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+
+  static void Handle(int signal, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    ::sigaction(signal, &action, nullptr);
+  }
+  static void Set(const termios& mode) { ::tcsetattr(STDIN_FILENO, TCSANOW, &mode); }
+  /// Calls only what a signal handler may call.
+  static void GiveBack(int signal) {
+    const int problem = errno;
+    Set(current_->before_);
+    if (signal == SIGTSTP) {
+      ::raise(SIGSTOP);
+      Set(current_->quiet_);
+    } else {
+      Handle(signal, SIG_DFL);
+      ::raise(signal);  // as soon as this handler is over
+    }
+    errno = problem;
+  }
+
+  static inline const NoEcho* current_ = nullptr;
   termios before_{};
+  termios quiet_{};
   const bool isTerminal_;
 };
 
