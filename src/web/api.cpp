@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "broadcast/placeholders.h"
+#include "machine/linux/descriptor_shares.h"
 #include "machine/linux/tcp.h"
 #include "web/call.h"
 #include "web/page_files.h"
@@ -22,8 +23,12 @@ constexpr const char* kKnownCookie = "rotacasts-known";
 constexpr const char* kKnownFor = "; Max-Age=7776000";  // 90 days
 
 constexpr std::size_t kMostPagesOfPerson = 16;
-// Below HttpServer's limit for an address, which can be a proxy, so that other requests pass.
-constexpr std::size_t kMostPagesOfAddress = 150;
+
+/// How many pages an address may have open. It can be a proxy's, so room is left in HttpServer's
+/// limit for other requests.
+std::size_t MostPagesOfAddress() {
+  return std::max<std::size_t>(OwnDescriptorShares().ofOneAddress * 3 / 4, 1);
+}
 
 enum class Need { Nothing, Session, ChangeMessages, ChangeSettings };
 
@@ -353,7 +358,7 @@ std::shared_ptr<Follower> Api::MakeFollower(const Call& call) {
   if (ofPerson >= kMostPagesOfPerson) {
     oldest->isReplaced = true;
     if (onChange) onChange();
-  } else if (ofClient >= kMostPagesOfAddress) {
+  } else if (ofClient >= MostPagesOfAddress()) {
     throw Refusal{503, "busy", "too many pages are open; close some", {{"Retry-After", "30"}}};
   }
   followers_.push_back(fresh);
