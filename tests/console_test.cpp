@@ -2,8 +2,6 @@
 
 #include "console/console.h"
 
-#include <arpa/inet.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <regex>
@@ -12,6 +10,7 @@
 #include "console/plain_output.h"
 #include "host/headless_plugin.h"
 #include "services/memory_map.h"
+#include "simulator/chat_listener.h"
 #include "simulator/mapped_memory.h"
 #include "support/fake_host.h"
 #include "support/host_folder.h"
@@ -174,12 +173,8 @@ TEST_F(ConsoleTest, ATroubleIsOverOnlyWhenWhatFailedHasSucceeded) {
   const auto state = MemoryMapFor(false, false, "DFX2").Address(location::kGameState);
   game.Reserve(state, 4);
   game.WriteLong(state, 2);  // running
-  sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
-  socklen_t size = sizeof address;
-  const int receiver = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  ::bind(receiver, reinterpret_cast<sockaddr*>(&address), size);
-  ::getsockname(receiver, reinterpret_cast<sockaddr*>(&address), &size);
-  folder.AddProfile(1, "DFX2", std::to_string(::getpid()), std::to_string(ntohs(address.sin_port)),
+  std::optional<simulator::ChatListener> receiver(0);
+  folder.AddProfile(1, "DFX2", std::to_string(::getpid()), std::to_string(receiver->Port()),
                     MessageFileBytes({"a", "{ShowMostKills}", "b"}, "1", "3"));
   Restart({folder.Path(), std::chrono::nanoseconds(1)});
   Execute("");
@@ -188,7 +183,7 @@ TEST_F(ConsoleTest, ATroubleIsOverOnlyWhenWhatFailedHasSucceeded) {
   ExpectAll(first, "has no memory at\nsent     a\nsent     b");
   EXPECT_EQ(first.find("has no memory at"), first.rfind("has no memory at")) << first;
   EXPECT_EQ(first.find("well again"), first.npos) << first;
-  ::close(receiver);
+  receiver.reset();
   Tick(10);
   ExpectAll(Execute("sent"), "nobody receives at port \nnot sent  a");
 }
@@ -266,7 +261,9 @@ TEST_F(ConsoleTest, AProfileWhoseTextsFailIsFailingUntilOneGoesOut) {
   ExpectAll(Execute("say 2 a\nstatus"), "failing, game unreachable\n" + failing);
   EXPECT_EQ(Execute("enable 2 0\nstatus").find("fail"), std::string::npos);
   ExpectAll(Execute("enable 2 1\nstatus"), failing);
-  folder.Write("profiles/srv2/profile.ini", profile + "Target=4002\r\n");
+  const simulator::ChatListener receiver(0);
+  folder.Write("profiles/srv2/profile.ini",
+               profile + "Target=" + std::to_string(receiver.Port()) + "\r\n");
   EXPECT_EQ(Execute("reload\nsay 2 a\nstatus").find("fail"), std::string::npos);
 }
 

@@ -6,6 +6,7 @@ import os
 import re
 import shutil
 import signal
+import socket
 import subprocess
 import tempfile
 import time
@@ -25,7 +26,10 @@ class Host:
         self.options = options
         self.server = Server()
         add_profile(self.folder, 2, "JO", self.server.id, self.server.port, message_file(messages))
-        add_profile(self.folder, 3, "JO", "no-such-program", 4003, message_file(["Three"]))
+        self.nobody = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)  # receives chat, and no more
+        self.nobody.bind(("127.0.0.1", 0))
+        port = self.nobody.getsockname()[1]
+        add_profile(self.folder, 3, "JO", "no-such-program", port, message_file(["Three"]))
         for index in more:  # profiles of the same server; that of index 9 cannot post to it
             target = f"{self.server.port}\nSay=/bin/false" if index == 9 else self.server.port
             add_profile(self.folder, index, "JO", self.server.id, target, message_file([f"List {index}"]))
@@ -53,6 +57,7 @@ class Host:
     def stop(self):
         status = self.end()
         self.server.stop()
+        self.nobody.close()
         shutil.rmtree(self.folder)
         assert status == 0, "the host ended badly"
 

@@ -61,11 +61,11 @@ void ChatSocket::Send(std::uint16_t port, std::string_view bytes) {
   }
   const std::string place = "port " + std::to_string(port);
   if (sent != static_cast<ssize_t>(bytes.size())) {
-    throw RuntimeError(ErrorNumber::DeviceIoError,
+    throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
                        "cannot send to " + place + " (" + std::strerror(errno) + ")");
   }
   if (!handle_->WasRefused(port)) return;
-  throw RuntimeError(ErrorNumber::DeviceIoError,
+  throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
                      "nobody receives at " + place +
                          " of this machine; correct Target, or run this host where the game "
                          "server's network is");

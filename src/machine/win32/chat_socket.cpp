@@ -20,7 +20,7 @@ void ChatSocket::Send(std::uint16_t port, std::string_view bytes) {
   const int sent = ::sendto(handle_->socket.Get(), bytes.data(), static_cast<int>(bytes.size()), 0,
                             reinterpret_cast<const sockaddr*>(&target), sizeof target);
   if (sent != static_cast<int>(bytes.size())) {
-    throw RuntimeError(ErrorNumber::DeviceIoError,
+    throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::DeviceIoError),
                        "cannot send to port " + std::to_string(port) + " (" +
                            win32::DescribeResult(::WSAGetLastError()) + ")");
   }
