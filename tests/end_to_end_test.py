@@ -234,27 +234,6 @@ class EndToEnd(ProgramTest):
         self.expect(host, "is no address to listen at")
         self.assertEqual(host.end(), 2)
 
-    @only_on_linux("Wine holds no editor of Linux to what the host shares")
-    def test_what_an_editor_saves_while_the_list_is_changed_is_not_lost(self):
-        self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
-        file = self.folder / "profiles/srv1/settings/Rotacasts.ini"
-        saved = self.folder / "saved"
-        host = self.host()
-        self.expect(host, "profiles started: 1")
-        for version in range(1, 61):
-            end = f"end-{version}"  # not a command, and answered as such
-            host.write(f"add 1 x\nenable 1 0\ndelete 1 201\ninterval 1 5\n{end}\n")
-            time.sleep(version * 7919 % 9000 / 1e6)
-            messages = message_file([end] * 200)
-            if version % 2 == 0:
-                file.write_bytes(messages)
-            else:
-                saved.write_bytes(messages)
-                saved.rename(file)
-            self.expect(host, end)
-            lines = messages.split(b"[Options]")[0]
-            self.assertEqual(file.read_bytes()[:len(lines)], lines, version)
-
     @only_on_linux("its paths are of Linux")
     def test_preview_touches_no_file_and_neither_a_bad_profile_nor_a_message_commands_it(self):
         server = self.server("DFX2")

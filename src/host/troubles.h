@@ -26,7 +26,7 @@ struct Work {
   enum class Kind { Tick, Chat, Host };
   Kind kind = Kind::Tick;
 
-  auto operator<=>(const Work&) const = default;
+  auto operator<=>(const Work&) const = default;  // NOLINT(modernize-use-nullptr): sees a 0 in it
 };
 
 /// Reports an error of recurring work once when it starts and once when it ends, not on every run.

@@ -16,6 +16,7 @@
 #include "program/console_command.h"
 #include "program/new_command.h"
 #include "program/run_host.h"
+#include "program/service_command.h"
 #include "program/web_commands.h"
 #include "services/host_folder.h"
 
@@ -62,10 +63,14 @@ int RunProfiles(const HostOptions& options, const std::function<HostRunner>& run
   return 0;
 }
 
-int RunHeadless(const HostOptions& options) {
-  HostRun host;
+int RunHeadless(const HostOptions& options, HostRun::Output output) {
+  HostRun host(output);
   return RunProfiles(options, [&host](HostProfiles& profiles, const HostOptions& given,
                                       std::ostream& out) { host.Run(profiles, given, out); });
+}
+
+int RunInConsole(const HostOptions& options) {
+  return RunHeadless(options, HostRun::Output::Console);
 }
 
 int RunWindow(const HostOptions& options) {
@@ -127,6 +132,13 @@ int StatusOf(const RuntimeError& error) {
   return kFailed;
 }
 
+/// The exit status of what `work` does, or of its error, which it prints.
+int Status(const std::function<int()>& work) try { return work(); } catch (...) {
+  const RuntimeError error = CurrentRuntimeError();
+  Errors() << "rotacasts-host: " << error.description << "\n";
+  return StatusOf(error);
+}
+
 class CommandLine {
  public:
   CommandLine();
@@ -153,7 +165,7 @@ CommandLine::CommandLine() {
   app_.require_subcommand(1);
   const auto addFolder = [this](CLI::App& command) { AddFolder(command); };
   AddNewCommand(app_, options_, Out(), addFolder);
-  AddRun("run", "Start every profile and listen to the console", RunHeadless);
+  AddRun("run", "Start every profile and listen to the console", RunInConsole);
   if (kRunInWindow != nullptr) {
     AddRun("window", "Do the same in a window, with the plugin's DLL", RunWindow);
   }
@@ -162,6 +174,10 @@ CommandLine::CommandLine() {
   Add("check", "Look the whole folder over and warn of what would surprise", Check)
       .add_flag("--fix", options_.fix,
                 "first convert files saved as UTF-8, keeping a copy of each");
+  AddServiceCommand(
+      app_, options_, Out(), addFolder,
+      [this] { return Status([this] { return RunHeadless(options_, HostRun::Output::AsItIs); }); },
+      [](int status) { return status == kFailed; });
   AddConsoleCommand(app_, options_, status_, addFolder);
   AddWebCommands(app_, *app_.get_subcommand("run"), options_, Out(), addFolder);
 }
@@ -225,15 +241,11 @@ int CommandLine::Run(int argc, char** argv) try {
   return app_.exit(asked);
 } catch (const CLI::ParseError& error) {
   return Refuse(error);
-} catch (...) {
-  const RuntimeError error = CurrentRuntimeError();
-  Errors() << "rotacasts-host: " << error.description << "\n";
-  return StatusOf(error);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc > 1 && std::string_view(argv[1]) == "run") HoldSignals();
-  return CommandLine().Run(argc, argv);
+  return Status([&] { return CommandLine().Run(argc, argv); });
 }

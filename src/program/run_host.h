@@ -16,7 +16,9 @@ void HoldSignals();
 /// The host at work. Once this object exists, the output never waits for a reader.
 class HostRun {
  public:
-  HostRun();
+  /// AsItIs leaves the output to the caller, where the system has other places for it.
+  enum class Output { Console, AsItIs };
+  explicit HostRun(Output output = Output::Console);
   ~HostRun();
   HostRun(const HostRun&) = delete;
   HostRun& operator=(const HostRun&) = delete;

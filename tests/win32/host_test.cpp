@@ -9,6 +9,7 @@
 #include "console/win32/console_pipe.h"
 #include "machine/win32/console_input.h"
 #include "machine/win32/program_starter.h"
+#include "machine/win32/service_manager.h"
 #include "machine/win32/unique_handle.h"
 #include "program/win32/frame_window.h"
 #include "program/win32/late_bound_plugin.h"
@@ -112,6 +113,25 @@ TEST(RunHost, AnswersAnotherConsoleAndEndsInOrderWhenItsOwnIsClosed) {
     EXPECT_EQ(StatusOf(console + L"delete 1 1"), 0U);
     EXPECT_EQ(StatusAfterItsConsoleIsClosed(process.Get()), 0U) << command;
   }
+  std::filesystem::remove(profile);
+}
+
+TEST(RunHost, AsAServiceStartsStopsAndIsRemoved) {
+  Installed();
+  const char* const profile = "C:\\Host\\profiles\\srv1\\profile.ini";
+  std::ofstream(profile) << "[Profile]\nIndex=1\nGameCode=JO\nProcess=none.exe\nTarget=4001\n";
+  const Service service(L"rotacasts-host c--host");
+  EXPECT_EQ(StatusOf(L"service start --host-folder C:\\Host"), 2U);
+  EXPECT_EQ(service.State(), "not installed");
+  for (const wchar_t* step : {L"install", L"install", L"start", L"start"}) {
+    EXPECT_EQ(StatusOf(std::wstring(L"service ") + step + L" --host-folder C:\\Host"), 0U);
+  }
+  EXPECT_EQ(service.State(), "running");
+  EXPECT_EQ(StatusOf(L"console --host-folder C:\\Host status"), 0U);
+  EXPECT_EQ(StatusOf(L"service stop --host-folder C:\\Host"), 0U);
+  EXPECT_EQ(service.State(), "stopped");
+  EXPECT_EQ(StatusOf(L"service remove --host-folder C:\\Host"), 0U);
+  EXPECT_EQ(service.State(), "not installed");
   std::filesystem::remove(profile);
 }
 

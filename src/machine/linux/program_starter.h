@@ -32,7 +32,7 @@ class ProgramStarter final : public ProgramRunner {
     std::function<void(const ProgramEnd& end)> onEnd;
   };
 
-  void Launch(Waiting program);
+  void Launch(Waiting wanted);
   void LaunchWaiting();
   std::optional<EventLoop::Clock::time_point> NextLimit() const;
   void KillLate();

@@ -1,9 +1,11 @@
 #include "machine/win32/console_input.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
 #include "com/com_support.h"
+#include "machine/terminal.h"
 #include "machine/win32/unique_handle.h"
 
 namespace rotacasts::host {
@@ -45,15 +47,21 @@ DWORD WINAPI DeliverLines(void* parameter) {
 }  // namespace
 
 std::optional<std::string> ConsoleReader::Next() {
-  std::size_t end = text_.find('\n');
-  while (end == text_.npos) {
-    const std::string piece = ReadPiece(input_);
-    if (piece.empty() && text_.empty()) return std::nullopt;
-    text_ += piece.empty() ? "\n" : piece;  // a last line needs no line feed
-    end = text_.find('\n');
+  std::string line;
+  for (bool isWhole = false; !isWhole;) {
+    if (at_ == piece_.size()) {
+      piece_ = ReadPiece(input_);
+      at_ = 0;
+    }
+    if (piece_.empty()) {  // a last line needs no line feed
+      if (line.empty()) return std::nullopt;
+      break;
+    }
+    const std::size_t end = std::min(piece_.find('\n', at_), piece_.size());
+    line.append(piece_, at_, std::min(end - at_, kLongestLine + 1 - line.size()));
+    isWhole = end < piece_.size();
+    at_ = end + (isWhole ? 1 : 0);
   }
-  std::string line = text_.substr(0, end);
-  text_.erase(0, end + 1);
   if (line.ends_with('\r')) line.pop_back();
   return line;
 }

@@ -80,7 +80,7 @@ struct HostRun::Parts {
   const Redirection redirection{std::cout, output};
 };
 
-HostRun::HostRun() : parts_(std::make_unique<Parts>()) {}
+HostRun::HostRun(Output) : parts_(std::make_unique<Parts>()) {}
 HostRun::~HostRun() = default;
 
 void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {

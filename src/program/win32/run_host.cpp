@@ -3,10 +3,10 @@
 #include <iostream>
 
 #include "console/win32/console_pipe.h"
-#include "machine/win32/console_end.h"
 #include "machine/win32/console_input.h"
 #include "machine/win32/console_output.h"
 #include "machine/win32/event_loop.h"
+#include "machine/win32/program_end.h"
 #include "machine/win32/program_starter.h"
 #include "program/headless_host.h"
 #include "program/redirection.h"
@@ -30,7 +30,8 @@ struct HostRun::Parts {
   const Redirection redirection{std::cout, output};
 };
 
-HostRun::HostRun() : parts_(std::make_unique<Parts>()) {}
+HostRun::HostRun(Output output)
+    : parts_(output == Output::Console ? std::make_unique<Parts>() : nullptr) {}
 HostRun::~HostRun() = default;
 
 void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostream& out) {
@@ -52,7 +53,7 @@ void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostre
     });
     return line.has_value();
   });
-  const ConsoleEnd consoleEnd([queue, &loop] { queue->Post([&loop] { loop.Stop(); }); });
+  const ProgramEndHandler endHandler([queue, &loop] { queue->Post([&loop] { loop.Stop(); }); });
   loop.Run();
 }
 

@@ -5,8 +5,8 @@
 
 #include "console/console.h"
 #include "console/win32/console_pipe.h"
-#include "machine/win32/console_end.h"
 #include "machine/win32/console_input.h"
+#include "machine/win32/program_end.h"
 #include "program/win32/frame_window.h"
 #include "program/win32/late_bound_plugin.h"
 #include "siblings/win32/sibling_objects.h"
@@ -74,7 +74,7 @@ void RunWindow(HostProfiles& profiles, const HostOptions& options, std::ostream&
   });
   ServeOtherConsoles(options.folder, out,
                      [window](const std::string& line) { return Ask(window, line); });
-  const ConsoleEnd consoleEnd([window] { ::PostMessageW(window, WM_CLOSE, 0, 0); });
+  const ProgramEndHandler endHandler([window] { ::PostMessageW(window, WM_CLOSE, 0, 0); });
   RunMessageLoop(frame);
   frame.onConsoleLine = nullptr;
   frame.onConsoleQuestion = nullptr;

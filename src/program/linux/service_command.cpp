@@ -1,0 +1,10 @@
+#include "program/service_command.h"
+
+namespace rotacasts::host {
+
+/// Adds nothing: systemd runs the program as it is.
+void AddServiceCommand(CLI::App&, const HostOptions&, std::ostream&,
+                       const std::function<void(CLI::App&)>&, std::function<int()>,
+                       std::function<bool(int)>) {}
+
+}  // namespace rotacasts::host
