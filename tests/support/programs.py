@@ -32,7 +32,8 @@ class Program:
         self.id, self.unread = self.process.pid, b""
 
     def write(self, text):
-        self.process.stdin.write(text.encode())
+        line_end = "\r\n" if WINDOWS else "\n"  # as a console there ends a line
+        self.process.stdin.write(text.replace("\n", line_end).encode())
 
     def read_line(self, seconds=10):
         """The next line; None at the end of the output or if none comes in time."""

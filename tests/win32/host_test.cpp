@@ -7,7 +7,6 @@
 
 #include "console/console.h"
 #include "console/win32/console_pipe.h"
-#include "machine/win32/console_input.h"
 #include "machine/win32/program_starter.h"
 #include "machine/win32/service_manager.h"
 #include "machine/win32/unique_handle.h"
@@ -181,33 +180,7 @@ TEST(WorkQueue, AnswersNothingOnceTheLoopIsGone) {
   EXPECT_FALSE(queue->Call([] {}));
 }
 
-TEST(ConsoleInput, TheLastLineNeedsNoLineFeed) {
-  HANDLE input = nullptr;
-  HANDLE writer = nullptr;
-  ASSERT_NE(::CreatePipe(&input, &writer, nullptr, 0), FALSE);
-  const HANDLE before = ::GetStdHandle(STD_INPUT_HANDLE);
-  ::SetStdHandle(STD_INPUT_HANDLE, input);
-  EventLoop loop;
-  std::vector<std::optional<std::string>> lines;
-  ReadConsoleLines([&, queue = loop.Queue()](const std::optional<std::string>& line) {
-    queue->Post([&, line] {
-      lines.push_back(line);
-      if (!line) loop.Stop();
-    });
-    return true;
-  });
-  const std::string bytes = "status\r\nadd 1 Grüße";
-  DWORD count = 0;
-  ::WriteFile(writer, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
-  ::CloseHandle(writer);
-  loop.Run();
-  EXPECT_EQ(lines,
-            (std::vector<std::optional<std::string>>{"status", "add 1 Grüße", std::nullopt}));
-  ::SetStdHandle(STD_INPUT_HANDLE, before);
-  ::CloseHandle(input);
-}
-
-/// The host as `run` puts it together, with the DLL, its window and real files. The game is a fake.
+/// The host as `window` puts it together, with the DLL, its window and real files. The game is a fake.
 class HostedPluginTest : public ComponentTest, public PluginSite {
  protected:
   HostedPluginTest() {
