@@ -34,6 +34,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kProfiles = 200;
 constexpr int kPages = 100;
+constexpr int kPagesOfPerson = 10;  // below the host's limit for one
 constexpr int kRounds = 40;
 constexpr int kRequestsARound = 100;
 constexpr std::chrono::seconds kWatched{60};  // contains a tick of every profile
@@ -216,20 +217,23 @@ class PageHost {
       folder_.AddProfile(i, "JO", std::to_string(server_.Id()), std::to_string(arrivals.port),
                          MessageFileOf(20, "Profile " + std::to_string(i)));
     }
-    ChildProcess admin(
-        {ROTACASTS_HOST_PROGRAM, "admin", "set", "Anna", "--host-folder", folder_.Path()});
-    admin.WriteLine("correct horse");
-    admin.Wait();
+    for (int person = 0; person < kPages / kPagesOfPerson; ++person) {
+      ChildProcess admin({ROTACASTS_HOST_PROGRAM, "admin", "set", NameOf(person), "--host-folder",
+                          folder_.Path()});
+      admin.WriteLine("correct horse");
+      admin.Wait();
+    }
     host_ = std::make_unique<ChildProcess>(
         std::vector<std::string>{ROTACASTS_HOST_PROGRAM, "run", "--host-folder", folder_.Path(),
                                  "--minute", minute, "--web", "127.0.0.1:0"});
     const std::string url = host_->ReadUntil("the page: ").value_or(":0");
     port = std::stoi(url.substr(url.rfind(':') + 1));
     host_->ReadUntil("profiles started");
-    SignIn();
+    for (int person = 0; person < kPages / kPagesOfPerson; ++person) SignIn(NameOf(person));
   }
-  std::string Get(const std::string& path) const {
-    return "GET " + path + " HTTP/1.1\r\nHost: x\r\nCookie: " + cookie_ + "\r\n\r\n";
+  std::string Get(const std::string& path, int person = 0) const {
+    return "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nCookie: " +
+           cookies_.at(static_cast<std::size_t>(person)) + "\r\n\r\n";
   }
   std::int64_t Id() const { return host_->Id(); }
   double KiB() const {
@@ -242,22 +246,25 @@ class PageHost {
   Arrivals arrivals;
 
  private:
-  void SignIn() {
-    const std::string body = R"({"name":"Anna","password":"correct horse"})";
+  static std::string NameOf(int person) { return "Person" + std::to_string(person); }
+
+  void SignIn(const std::string& name) {
+    const std::string body = R"({"name":")" + name + R"(","password":"correct horse"})";
     Client client(port);
     client.Send(
-        "POST /api/session HTTP/1.1\r\nHost: x\r\nOrigin: http://x\r\nContent-Type: "
+        "POST /api/session HTTP/1.1\r\nHost: 127.0.0.1\r\nOrigin: "
+        "http://127.0.0.1\r\nContent-Type: "
         "application/json\r\nContent-Length: " +
         std::to_string(body.size()) + "\r\n\r\n" + body);
     const std::string answer = client.Receive();
     const std::size_t begin = answer.find("rotacasts=");
-    cookie_ = answer.substr(begin, answer.find(';', begin) - begin);
+    cookies_.push_back(answer.substr(begin, answer.find(';', begin) - begin));
   }
 
   TestFolder folder_;
   ChildProcess server_;
   std::unique_ptr<ChildProcess> host_;
-  std::string cookie_;
+  std::vector<std::string> cookies_;  // of each person
 };
 
 /// The host's processor time, in percent of a core, while these pages are open.
@@ -278,7 +285,7 @@ Pages OpenPages(const PageHost& host) {
   Pages pages;
   for (int i = 0; i < kPages; ++i) {
     pages.push_back(std::make_unique<Client>(host.port));
-    pages.back()->Send(host.Get("/api/events?profile=7"));
+    pages.back()->Send(host.Get("/api/events?profile=7", i / kPagesOfPerson));
   }
   Client::Drain(pages, std::chrono::seconds(3));
   return pages;
