@@ -195,8 +195,12 @@ void FrameWindow::HandleChoice() {
   }
 }
 
-void FrameWindow::HandleLine(LPARAM line) {
-  const std::unique_ptr<std::string> text(reinterpret_cast<std::string*>(line));
+void FrameWindow::HandleConsole(UINT message, LPARAM what) {
+  if (message == kConsoleQuestion) {
+    if (onConsoleQuestion) onConsoleQuestion(*reinterpret_cast<ConsoleQuestion*>(what));
+    return;
+  }
+  const std::unique_ptr<std::string> text(reinterpret_cast<std::string*>(what));
   if (onConsoleLine && !onConsoleLine(*text)) ::PostQuitMessage(0);
 }
 
@@ -240,10 +244,8 @@ LRESULT FrameWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
       ::SetFocus(::IsChild(window_, lastFocus_) != FALSE ? lastFocus_ : list_);
       return 0;
     case kConsoleLine:
-      HandleLine(lParam);
-      return 0;
     case kConsoleQuestion:
-      if (onConsoleQuestion) onConsoleQuestion(*reinterpret_cast<ConsoleQuestion*>(lParam));
+      HandleConsole(message, lParam);
       return 0;
     case WM_ENDSESSION:
       if (wParam != FALSE && onSessionEnd) onSessionEnd();

@@ -61,7 +61,7 @@ class FrameWindow final : public PluginSite {
   void HandleChoice();
   void LimitSize(MINMAXINFO& limits) const;
   void EraseBackground(HDC target);
-  void HandleLine(LPARAM line);
+  void HandleConsole(UINT message, LPARAM what);
 
   const std::vector<Row> rows_;
   win32::Fonts fonts_;
