@@ -180,7 +180,8 @@ TEST(WorkQueue, AnswersNothingOnceTheLoopIsGone) {
   EXPECT_FALSE(queue->Call([] {}));
 }
 
-/// The host as `window` puts it together, with the DLL, its window and real files. The game is a fake.
+/// The host as `window` puts it together, with the DLL, its window and real files. The game is a
+/// fake.
 class HostedPluginTest : public ComponentTest, public PluginSite {
  protected:
   HostedPluginTest() {
