@@ -99,6 +99,9 @@ class EndToEnd(ProgramTest):
         host.write("\n")  # a line of 30 MB
         self.expect(host, "the line has more than 131072 bytes; nothing was done")
         self.assertLess(time.monotonic() - begin, 5)
+        letters = [letter * 60_000 for letter in "abc"]
+        host.write("".join(f"add 1 {text}\n" for text in letters) + "messages 1\n" + "delete 1 2\n" * 3)
+        self.expect(host, "Number", *letters, "deleted")  # more than is kept for nobody
         for _ in range(300):  # far more than a pipe holds, and nobody reads it
             host.write("help\n")
         host.write("messages 1\nadd 1 x")  # the last line needs no line feed

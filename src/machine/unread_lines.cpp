@@ -6,9 +6,10 @@
 namespace rotacasts::host {
 
 void UnreadLines::Add(std::string_view text) {
+  const bool isRead = kept_.empty();
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
-    if (kept_.size() + end <= kMost) {
+    if (isRead || kept_.size() + end <= kMost) {
       kept_ += text.substr(0, end);
     } else {
       ++dropped_;

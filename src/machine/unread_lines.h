@@ -12,7 +12,8 @@ namespace rotacasts::host {
 /// more line once everything before has been read.
 class UnreadLines {
  public:
-  /// Takes text that ends where a flush was asked for.
+  /// Takes text that ends where a flush was asked for: all of it if everything before has been
+  /// read, because then somebody reads, however long the text is.
   void Add(std::string_view text);
   /// Takes bytes that are no lines, unless there is no room for them.
   void AddBytes(std::string_view bytes);
