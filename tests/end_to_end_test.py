@@ -107,7 +107,7 @@ class EndToEnd(ProgramTest):
         host.write("messages 1\nadd 1 x")  # the last line needs no line feed
         host.process.stdin.close()
         self.expect(server, "x", "x", "x")
-        self.expect(host, " lines were not shown, for nobody was reading")
+        self.expect(host, " lines were not shown because nobody was reading")
         if WINDOWS:  # where no signal asks for anything
             return
         self.profile(2, "JO", 1, 4002)

@@ -191,7 +191,7 @@ HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::st
 }
 
 HeadlessPlugin::Instance::Place HeadlessPlugin::Instance::PlaceNow() const {
-  const auto& texts = profiles_.Components().GetChat().Latest();
+  const auto& texts = profiles_.Components().GetChat().LatestOf(index_);
   Place place;
   place.posted = texts.empty() ? 0 : texts.back().number;
   if (!state_.window.IfLoaded()) return place;

@@ -26,7 +26,7 @@ void UnreadLines::Remove(std::size_t count) {
   kept_.erase(0, count);
   if (!kept_.empty() || dropped_ == 0) return;
   kept_ = "(" + std::to_string(std::exchange(dropped_, 0)) +
-          " lines were not shown, for nobody was reading)\n";
+          " lines were not shown because nobody was reading)\n";
 }
 
 }  // namespace rotacasts::host

@@ -50,7 +50,8 @@ class Access {
   PSECURITY_DESCRIPTOR descriptor_ = nullptr;
 };
 
-/// An instance of the pipe, for one console. `first` is refused if another program has the name.
+/// Creates an instance of the pipe, which serves one console. The first one fails if another
+/// program has the name.
 win32::UniqueHandle NewInstance(const std::wstring& name, bool isFirst) {
   const Access access;
   SECURITY_ATTRIBUTES attributes = access.Attributes();

@@ -1,4 +1,4 @@
-// The console of a running host, for the programs of whoever may use its pipe.
+// A pipe through which other programs reach the console of a running host.
 #pragma once
 
 #include <functional>

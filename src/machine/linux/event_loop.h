@@ -23,13 +23,13 @@ class EventLoop final : public TurnLoop {
  public:
   static const short kReadable;  // POLLIN
 
-  /// Makes its signals wait from now on, for a loop made later. They wait after its end too, so
-  /// that none of them can end a program that is ending by itself.
+  /// Blocks the signals until a loop handles them. They stay blocked after its end, so that none of
+  /// them can end a program that is ending by itself.
   static void BlockSignals();
 
   /// While the object exists, SIGINT, SIGTERM, SIGHUP, SIGTSTP and SIGWINCH wait until Run handles
-  /// them, and SIGPIPE
-  /// is ignored, so that a write without a reader just fails. Only one loop may exist at a time.
+  /// them, and SIGPIPE is ignored, so that a write without a reader just fails. Only one loop may
+  /// exist at a time.
   EventLoop();
   ~EventLoop() override;
   EventLoop(const EventLoop&) = delete;

@@ -11,7 +11,8 @@ namespace rotacasts::host {
 namespace {
 
 constexpr const char* kAccessList = "system.posix_acl_access";
-constexpr std::size_t kLongest = 65536;  // a list of names or a value, for the system
+constexpr std::size_t kLongest =
+    65536;  // bytes; the system's limit for a list of names and for a value
 
 bool CopyAttribute(const std::filesystem::path& path, const char* name, const Descriptor& made) {
   std::string value(kLongest, '\0');

@@ -254,7 +254,7 @@ void LineEditor::Pause(bool isStopping) {
   Show();
 }
 
-/// The line is wrapped anew.
+/// Wraps the line again.
 void LineEditor::Resize() {
   if (!isShowing_) return;
   Hide();
