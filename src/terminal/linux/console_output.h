@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "machine/linux/event_loop.h"
-#include "machine/unread_lines.h"
+#include "terminal/unread_lines.h"
 
 namespace rotacasts::host {
 

@@ -1,13 +1,13 @@
-#include "machine/win32/console_output.h"
+#include "terminal/win32/console_output.h"
 
 #include <atomic>
 #include <cstdio>
 #include <utility>
 
 #include "com/com_support.h"
-#include "machine/unread_lines.h"
+#include "com/unique_handle.h"
 #include "machine/win32/lock.h"
-#include "machine/win32/unique_handle.h"
+#include "terminal/unread_lines.h"
 
 namespace rotacasts::host {
 namespace {

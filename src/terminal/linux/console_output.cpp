@@ -1,4 +1,4 @@
-#include "machine/linux/console_output.h"
+#include "terminal/linux/console_output.h"
 
 #include <fcntl.h>
 #include <poll.h>
