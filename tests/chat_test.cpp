@@ -5,7 +5,7 @@
 
 #include <csignal>
 
-#include "machine/linux/descriptor_shares.h"
+#include "machine/descriptor_shares.h"
 #include "machine/linux/program_starter.h"
 #include "siblings/chat.h"
 #include "siblings/host_platform.h"

@@ -7,7 +7,7 @@
 #include <cerrno>
 
 #include "console/console_protocol.h"
-#include "machine/linux/descriptor_shares.h"
+#include "machine/descriptor_shares.h"
 
 namespace rotacasts::host {
 namespace {

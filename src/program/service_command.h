@@ -13,7 +13,7 @@ namespace rotacasts::host {
 /// `run` runs the host and returns the exit status, which `isCrash` judges: the service is started
 /// again after a crash. `addFolder` gives a command the option that sets options.folder. Everything
 /// passed by reference must outlive the parsing.
-void AddServiceCommand(CLI::App& program, const HostOptions& options, std::ostream& out,
+void AddServiceCommand(CLI::App& program, HostOptions& options, std::ostream& out,
                        const std::function<void(CLI::App&)>& addFolder, std::function<int()> run,
                        std::function<bool(int)> isCrash);
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "event_loop.h"
 #include "host/server_host.h"
-#include "machine/linux/event_loop.h"
 
 namespace rotacasts::host::web {
 

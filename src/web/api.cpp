@@ -6,8 +6,8 @@
 
 #include "base/text.h"
 #include "broadcast/placeholders.h"
-#include "machine/linux/descriptor_shares.h"
-#include "machine/linux/tcp.h"
+#include "machine/descriptor_shares.h"
+#include "machine/tcp.h"
 #include "web/call.h"
 #include "web/page_files.h"
 #include "web/without_paths.h"

@@ -1,14 +1,12 @@
 #include "web/http_server.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 
 #include "base/runtime_error.h"
 #include "base/text.h"
-#include "machine/linux/descriptor_shares.h"
-#include "machine/linux/tcp.h"
-#include "web/microhttpd.h"
+#include "machine/descriptor_shares.h"
+#include "machine/tcp.h"
 
 namespace rotacasts::host::web {
 namespace {
@@ -245,8 +243,7 @@ HttpServer::HttpServer(EventLoop& loop, const std::string& address, Handler hand
                        std::chrono::milliseconds longest)
     : loop_(loop), handler_(std::move(handler)), longest_(longest) {
   Start(address);
-  const auto* events = Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD);
-  loop_.Watch(events->epoll_fd, EventLoop::kReadable, [this](short) { Run(); });
+  watch_.emplace(loop_, daemon_, [this] { Run(); });
   loop_.AddDeadline([this] { return NextRun(); }, [this] { Run(); });
 }
 
@@ -256,25 +253,26 @@ void HttpServer::Start(const std::string& address) {
   const DescriptorShares& shares = OwnDescriptorShares();
   const auto connections = static_cast<unsigned>(shares.connections);
   const auto ofOneAddress = static_cast<unsigned>(shares.ofOneAddress);
-  errno = 0;
-  daemon_ = Mhd().start_daemon(MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG | v6, 0,
-                               nullptr, nullptr, &Callbacks::Access, this,                 //
-                               MHD_OPTION_EXTERNAL_LOGGER, &Callbacks::Log, nullptr,       //
-                               MHD_OPTION_SOCK_ADDR, listen.Get(),                         //
-                               MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::Completed, this,   //
-                               MHD_OPTION_NOTIFY_CONNECTION, &Callbacks::Connected, this,  //
-                               MHD_OPTION_CONNECTION_LIMIT, connections,                   //
-                               MHD_OPTION_PER_IP_CONNECTION_LIMIT, ofOneAddress,           //
-                               MHD_OPTION_CONNECTION_TIMEOUT, kQuietSeconds,               //
-                               MHD_OPTION_CONNECTION_MEMORY_LIMIT, kMemoryOfConnection,    //
-                               MHD_OPTION_STRICT_FOR_CLIENT, 1,                            //
-                               MHD_OPTION_END);
+  daemon_ =
+      Mhd().start_daemon(DaemonWatch::kFlags | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG | v6, 0,
+                         nullptr, nullptr, &Callbacks::Access, this,                 //
+                         MHD_OPTION_EXTERNAL_LOGGER, &Callbacks::Log, nullptr,       //
+                         MHD_OPTION_SOCK_ADDR, listen.Get(),                         //
+                         MHD_OPTION_ARRAY, DaemonWatch::kOptions,                    //
+                         MHD_OPTION_NOTIFY_COMPLETED, &Callbacks::Completed, this,   //
+                         MHD_OPTION_NOTIFY_CONNECTION, &Callbacks::Connected, this,  //
+                         MHD_OPTION_CONNECTION_LIMIT, connections,                   //
+                         MHD_OPTION_PER_IP_CONNECTION_LIMIT, ofOneAddress,           //
+                         MHD_OPTION_CONNECTION_TIMEOUT, kQuietSeconds,               //
+                         MHD_OPTION_CONNECTION_MEMORY_LIMIT, kMemoryOfConnection,    //
+                         MHD_OPTION_STRICT_FOR_CLIENT, 1,                            //
+                         MHD_OPTION_END);
   if (daemon_ != nullptr) return;
-  throw NotServed(address, errno);
+  throw NotServed(address);
 }
 
 HttpServer::~HttpServer() {
-  loop_.Unwatch(Mhd().get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd);
+  watch_.reset();
   for (const auto& [handle, connection] : connections_) {
     if (connection.conversation) connection.conversation->Resume();
   }
@@ -289,13 +287,16 @@ void HttpServer::Run() {
   mustRun_ = false;
   Mhd().run(daemon_);
   CutOff();
+  watch_->HasRun();
 }
 
 std::optional<Clock::time_point> HttpServer::NextRun() const {
   if (mustRun_) return Clock::now();
   MHD_UNSIGNED_LONG_LONG milliseconds = 0;
-  if (Mhd().get_timeout(daemon_, &milliseconds) != MHD_YES) return std::nullopt;
-  return Clock::now() + std::chrono::milliseconds(milliseconds);
+  const auto ofWatch = watch_->Next();
+  if (Mhd().get_timeout(daemon_, &milliseconds) != MHD_YES) return ofWatch;
+  const auto ofServer = Clock::now() + std::chrono::milliseconds(milliseconds);
+  return ofWatch ? std::min(*ofWatch, ofServer) : ofServer;
 }
 
 void HttpServer::CutOff() {
@@ -305,7 +306,8 @@ void HttpServer::CutOff() {
   const Clock::time_point limit = now - longest_;
   for (auto& [handle, connection] : connections_) {
     if (connection.sendsEvents || connection.since > limit) continue;
-    host::CutOff(Mhd().get_connection_info(handle, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd);
+    const auto* info = Mhd().get_connection_info(handle, MHD_CONNECTION_INFO_CONNECTION_FD);
+    host::CutOff(static_cast<std::intptr_t>(info->connect_fd));
     connection.since = now;
   }
 }

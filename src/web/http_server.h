@@ -7,12 +7,13 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "machine/linux/event_loop.h"
+#include "daemon_watch.h"
 
 struct MHD_Connection;
 struct MHD_Daemon;
@@ -111,6 +112,7 @@ class HttpServer {
   EventLoop::Clock::time_point nextCut_;
   bool mustRun_ = false;  // a connection was resumed, which the library does not signal
   MHD_Daemon* daemon_ = nullptr;
+  std::optional<DaemonWatch> watch_;
 };
 
 }  // namespace rotacasts::host::web

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "base/runtime_error.h"
-#include "machine/linux/descriptor_shares.h"
+#include "machine/descriptor_shares.h"
 
 namespace rotacasts::host::web {
 namespace {
@@ -49,9 +49,8 @@ bool PasswordChecks::Start(Entry& entry) {
   try {
     check_.emplace(
         loop_,
-        [&entry] {
-          return crypto_pwhash_str_verify(entry.hash.c_str(), entry.password.data(),
-                                          entry.password.size()) == 0;
+        [hash = entry.hash, password = entry.password] {
+          return crypto_pwhash_str_verify(hash.c_str(), password.data(), password.size()) == 0;
         },
         [this](BackgroundCheck::Answer isRight) { Finish(isRight); });
   } catch (const RuntimeError&) {  // the machine has no process or no pipe left

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "machine/linux/background_check.h"
+#include "background_check.h"
 
 namespace rotacasts::host::web {
 

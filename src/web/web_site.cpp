@@ -1,7 +1,7 @@
 #include "web/web_site.h"
 
 #include "base/runtime_error.h"
-#include "machine/linux/tcp.h"
+#include "machine/tcp.h"
 
 namespace rotacasts::host::web {
 namespace {

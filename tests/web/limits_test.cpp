@@ -7,9 +7,9 @@
 #include <unistd.h>
 
 #include "base/runtime_error.h"
-#include "machine/linux/tcp.h"
+#include "machine/linux/load_microhttpd.h"
+#include "machine/tcp.h"
 #include "web/http_server.h"
-#include "web/microhttpd.h"
 #include "web/passwords.h"
 #include "web/sessions.h"
 #include "web/without_paths.h"
@@ -126,7 +126,7 @@ TEST(SignInBrake, SlowsDownOneAddressMoreAndMore) {
 
 TEST(HttpServer, SaysWhichLibraryTheMachineLacks) {
   try {
-    Microhttpd("libnone.so.1");
+    LoadMicrohttpd("libnone.so.1");
     ADD_FAILURE() << "it has it";
   } catch (const RuntimeError& error) {
     EXPECT_NE(error.description.find("libnone.so.1"), std::string::npos) << error.description;

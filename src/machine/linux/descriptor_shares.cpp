@@ -1,4 +1,4 @@
-#include "machine/linux/descriptor_shares.h"
+#include "machine/descriptor_shares.h"
 
 #include <sys/resource.h>
 

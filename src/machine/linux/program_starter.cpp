@@ -17,7 +17,7 @@
 #include <thread>
 
 #include "base/runtime_error.h"
-#include "machine/linux/descriptor_shares.h"
+#include "machine/descriptor_shares.h"
 
 namespace rotacasts::host {
 namespace {

@@ -62,15 +62,28 @@ EventLoop::~EventLoop() {
 }
 
 void EventLoop::Wait(std::optional<Clock::time_point> latest) {
-  if (::WaitForSingleObject(queue_->ready_.Get(), Until(latest)) == WAIT_FAILED) {
+  std::vector<HANDLE> events = {queue_->ready_.Get()};
+  for (const WatchEntry& watch : watches_) events.push_back(watch.event);
+  signalled_ = nullptr;
+  const auto count = static_cast<DWORD>(events.size());
+  const DWORD first = ::WaitForMultipleObjects(count, events.data(), FALSE, Until(latest));
+  if (first == WAIT_FAILED) {
     throw RuntimeError(ErrorNumber::DeviceIoError,
                        "cannot wait (error " + std::to_string(::GetLastError()) + ")");
   }
+  if (first < count) signalled_ = events[first];
 }
 
 void EventLoop::HandleReady() {
+  // Looks at the queue in every turn: its event comes first and would hide the others.
   std::deque<std::function<void()>> ready = queue_->TakeAll();
   for (; !ready.empty() && !IsStopped(); ready.pop_front()) Guard(ready.front());
+  const auto found =
+      std::find_if(watches_.begin(), watches_.end(),
+                   [this](const WatchEntry& watch) { return watch.event == signalled_; });
+  if (found == watches_.end() || IsStopped()) return;
+  const auto onSignal = found->onSignal;  // survives an Unwatch by the callback
+  Guard(onSignal);
 }
 
 }  // namespace rotacasts::host

@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "com/unique_handle.h"
 #include "com/windows_api.h"
@@ -48,12 +49,30 @@ class EventLoop final : public TurnLoop {
 
   const std::shared_ptr<WorkQueue>& Queue() const { return queue_; }
 
+  /// From the next wait on, calls `onSignal` in each turn in which the event is signalled, which
+  /// must reset itself. At most 63 events. The caller owns the event and must unwatch it before
+  /// closing it.
+  void Watch(HANDLE event, std::function<void()> onSignal) {
+    watches_.push_back({event, std::move(onSignal)});
+  }
+  /// Stops the calls at once. Does nothing if the event is not watched.
+  void Unwatch(HANDLE event) {
+    std::erase_if(watches_, [event](const WatchEntry& watch) { return watch.event == event; });
+  }
+
  private:
+  struct WatchEntry {
+    HANDLE event;
+    std::function<void()> onSignal;
+  };
+
   void Wait(std::optional<Clock::time_point> latest) override;
   void HandleReady() override;
   void Sleep(std::chrono::milliseconds time) override { ::Sleep(static_cast<DWORD>(time.count())); }
 
   const std::shared_ptr<WorkQueue> queue_;
+  std::vector<WatchEntry> watches_;
+  HANDLE signalled_ = nullptr;  // the event that ended the last wait
 };
 
 }  // namespace rotacasts::host

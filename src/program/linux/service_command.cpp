@@ -3,7 +3,7 @@
 namespace rotacasts::host {
 
 /// Adds nothing: systemd runs the program as it is.
-void AddServiceCommand(CLI::App&, const HostOptions&, std::ostream&,
+void AddServiceCommand(CLI::App&, HostOptions&, std::ostream&,
                        const std::function<void(CLI::App&)>&, std::function<int()>,
                        std::function<bool(int)>) {}
 

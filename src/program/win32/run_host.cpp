@@ -8,6 +8,7 @@
 #include "machine/win32/program_starter.h"
 #include "program/headless_host.h"
 #include "program/redirection.h"
+#include "program/served_page.h"
 #include "terminal/win32/console_input.h"
 #include "terminal/win32/console_output.h"
 
@@ -38,6 +39,7 @@ void HostRun::Run(HostProfiles& profiles, const HostOptions& options, std::ostre
   EventLoop loop;
   ProgramStarter programs(loop);
   HeadlessHost host(loop, programs, profiles, options, out);
+  const ServedPage page(loop, host.Host(), options, out);
   const std::shared_ptr<WorkQueue> queue = loop.Queue();
   ServeOtherConsoles(options.folder, out, [queue, &host](const std::string& line) {
     return Ask(*queue, host.Host(), line);

@@ -5,10 +5,12 @@
 #include <memory>
 
 #include "com/com_support.h"
+#include "machine/tcp.h"
 #include "machine/win32/event_log.h"
 #include "machine/win32/service_manager.h"
 #include "program/redirection.h"
-#include "terminal/terminal.h"
+#include "program/web_commands.h"
+#include "terminal/hidden_input.h"
 
 namespace rotacasts::host {
 namespace {
@@ -28,26 +30,30 @@ std::wstring OwnProgram() {
   return {path, ::GetModuleFileNameW(nullptr, path, MAX_PATH)};
 }
 
-/// Asks without showing what is typed.
 std::string AskPassword(const std::string& account) {
-  const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
-  DWORD mode = 0;
-  const bool isConsole = ::GetConsoleMode(input, &mode) != FALSE;
-  if (isConsole) ::SetConsoleMode(input, mode & ~DWORD{ENABLE_ECHO_INPUT});
+  HiddenInput input;
   std::cout << "Password of " << account << " (empty if it has none): " << std::flush;
-  std::string password;
-  std::getline(std::cin, password);
-  if (isConsole) ::SetConsoleMode(input, mode);
+  std::string password = input.Line();
   std::cout << "\n";
   return password;
 }
 
-void Install(const std::string& folder, const std::string& account, std::ostream& out) {
+/// The options for the page, as they were given.
+std::string PageOptions(const HostOptions& options) {
+  if (options.web.empty()) return "";
+  ListenAddress{options.web};  // which refuses what is none
+  std::string text = " --web " + options.web;
+  for (const std::string& name : options.webHosts) text += " --web-host " + name;
+  return text;
+}
+
+void Install(const HostOptions& options, const std::string& account, std::ostream& out) {
+  const std::string& folder = options.folder;
   Service::Setup setup;
   setup.shownName = L"Rotacasts (" + win32::ToWide(folder) + L")";
   setup.description = L"Posts chat messages to game servers.";
-  setup.command =
-      L"\"" + OwnProgram() + L"\" service run --host-folder \"" + win32::ToWide(folder) + L"\"";
+  setup.command = L"\"" + OwnProgram() + L"\" service run --host-folder \"" +
+                  win32::ToWide(folder) + L"\"" + win32::ToWide(PageOptions(options));
   setup.account = win32::ToWide(account);
   if (!account.empty()) setup.password = win32::ToWide(AskPassword(account));
   Service(NameOf(folder)).Install(setup);
@@ -69,7 +75,7 @@ int RunInService(const std::function<int()>& run) {
 
 }  // namespace
 
-void AddServiceCommand(CLI::App& program, const HostOptions& options, std::ostream& out,
+void AddServiceCommand(CLI::App& program, HostOptions& options, std::ostream& out,
                        const std::function<void(CLI::App&)>& addFolder, std::function<int()> run,
                        std::function<bool(int)> isCrash) {
   CLI::App* const all =
@@ -82,9 +88,10 @@ void AddServiceCommand(CLI::App& program, const HostOptions& options, std::ostre
     return command;
   };
   const auto account = std::make_shared<std::string>();
-  add("install", "Make the service, or change the one that is there", [&options, &out, account] {
-    Install(options.folder, *account, out);
-  })->add_option("--account", *account, "as whom it runs; the system itself by default");
+  CLI::App* const install = add("install", "Make the service, or change the one that is there",
+                                [&options, &out, account] { Install(options, *account, out); });
+  install->add_option("--account", *account, "as whom it runs; the system itself by default");
+  AddPageOptions(*install, options);
   add("remove", "Stop the service and remove it", [&options, &out] {
     Service(NameOf(options.folder)).Remove();
     UnregisterEvents();
@@ -100,14 +107,16 @@ void AddServiceCommand(CLI::App& program, const HostOptions& options, std::ostre
   });
   add("status", "Print whether the service runs",
       [&options, &out] { out << Service(NameOf(options.folder)).State() << "\n"; });
-  add("run", "What the system calls",
-      [&options, &out, run = std::move(run), isCrash = std::move(isCrash)] {
-        const auto work = [&run] { return RunInService(run); };
-        if (!RunAsService(NameOf(options.folder), work, isCrash)) {
-          out << "the system starts this itself; type \"service start\"\n";
-        }
-      })
-      ->group("");  // not shown
+  CLI::App* const called =
+      add("run", "What the system calls",
+          [&options, &out, run = std::move(run), isCrash = std::move(isCrash)] {
+            const auto work = [&run] { return RunInService(run); };
+            if (!RunAsService(NameOf(options.folder), work, isCrash)) {
+              out << "the system starts this itself; type \"service start\"\n";
+            }
+          });
+  called->group("");  // not shown
+  AddPageOptions(*called, options);
 }
 
 }  // namespace rotacasts::host

@@ -1,17 +1,15 @@
-// libmicrohttpd, loaded when the page is first served. It needs a TLS library, and a host without
-// the page should not load either.
+// libmicrohttpd. On Linux it is loaded when the page is first served: it needs a TLS library, and a
+// host without the page should not load either. On Windows it is a part of the program.
 #pragma once
 
 #include <microhttpd.h>
 
-namespace rotacasts::host::web {
+namespace rotacasts::host {
 
 /// The library's functions that are used here, named without "MHD_".
 struct Microhttpd {
-  /// Loads the library for the rest of the program's life. Errors: 53, with how to install it, if
-  /// the machine does not have it.
-  explicit Microhttpd(const char* fileName);
-  /// The library that the program was built with, loaded by the first call. Errors: as above.
+  /// The library that the program was built with, loaded by the first call for the rest of the
+  /// program's life. Errors: 53, with how to install it, if the machine does not have it.
   static const Microhttpd& Get();
 
   decltype(&MHD_add_response_header) add_response_header;
@@ -21,6 +19,7 @@ struct Microhttpd {
   decltype(&MHD_get_connection_info) get_connection_info;
   decltype(&MHD_get_connection_values) get_connection_values;
   decltype(&MHD_get_daemon_info) get_daemon_info;
+  decltype(&MHD_get_fdset2) get_fdset2;
   decltype(&MHD_get_timeout) get_timeout;
   decltype(&MHD_lookup_connection_value) lookup_connection_value;
   decltype(&MHD_queue_response) queue_response;
@@ -31,4 +30,4 @@ struct Microhttpd {
   decltype(&MHD_suspend_connection) suspend_connection;
 };
 
-}  // namespace rotacasts::host::web
+}  // namespace rotacasts::host

@@ -1,17 +1,12 @@
 #include "program/web_commands.h"
 
-#include <termios.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <csignal>
-#include <iostream>
 #include <memory>
 
 #include "base/text.h"
 #include "console/text_table.h"
 #include "host/complaint.h"
 #include "siblings/file_layer.h"
+#include "terminal/hidden_input.h"
 #include "web/admins.h"
 #include "web/passwords.h"
 
@@ -21,70 +16,15 @@ namespace {
 using web::Admin;
 using web::Admins;
 
-/// Hides what is typed on the terminal while this object exists. A signal that stops or ends the
-/// program gives the terminal back first; when the program goes on, it hides again. Only one may
-/// exist at a time.
-class NoEcho {
- public:
-  NoEcho() : isTerminal_(::tcgetattr(STDIN_FILENO, &before_) == 0) {
-    if (!isTerminal_) return;
-    quiet_ = before_;
-    quiet_.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    current_ = this;
-    for (const int signal : kSignals) Handle(signal, GiveBack);
-    Set(quiet_);
-  }
-  ~NoEcho() {
-    if (!isTerminal_) return;
-    Set(before_);
-    for (const int signal : kSignals) Handle(signal, SIG_DFL);
-    current_ = nullptr;
-  }
-  NoEcho(const NoEcho&) = delete;
-  NoEcho& operator=(const NoEcho&) = delete;
-  bool IsTerminal() const { return isTerminal_; }
-
- private:
-  static constexpr int kSignals[] = {SIGTSTP, SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-
-  static void Handle(int signal, void (*handler)(int)) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;
-    ::sigaction(signal, &action, nullptr);
-  }
-  static void Set(const termios& mode) { ::tcsetattr(STDIN_FILENO, TCSANOW, &mode); }
-  /// Calls only what a signal handler may call.
-  static void GiveBack(int signal) {
-    const int problem = errno;
-    Set(current_->before_);
-    if (signal == SIGTSTP) {
-      ::raise(SIGSTOP);
-      Set(current_->quiet_);
-    } else {
-      Handle(signal, SIG_DFL);
-      ::raise(signal);  // as soon as this handler is over
-    }
-    errno = problem;
-  }
-
-  static inline const NoEcho* current_ = nullptr;
-  termios before_{};
-  termios quiet_{};
-  const bool isTerminal_;
-};
-
 /// Reads a password: twice on a terminal, else one line of the input. Errors: 5 if the two differ
 /// or the password is too short or too long.
 std::string AskForPassword(std::ostream& out) {
-  const NoEcho noEcho;
-  std::string password;
-  if (noEcho.IsTerminal()) out << "Password: " << std::flush;
-  std::getline(std::cin, password);
-  if (noEcho.IsTerminal()) {
-    std::string again;
+  HiddenInput input;
+  if (input.IsTerminal()) out << "Password: " << std::flush;
+  const std::string password = input.Line();
+  if (input.IsTerminal()) {
     out << "\nOnce more: " << std::flush;
-    std::getline(std::cin, again);
+    const std::string again = input.Line();
     out << "\n" << std::flush;
     if (again != password) throw Complaint("the two are not the same; nothing was changed");
   }
@@ -145,12 +85,16 @@ void ListAdmins(const Admins& admins, std::ostream& out) {
 
 }  // namespace
 
-void AddWebCommands(CLI::App& program, CLI::App& run, HostOptions& options, std::ostream& out,
-                    const std::function<void(CLI::App&)>& addFolder) {
+void AddPageOptions(CLI::App& run, HostOptions& options) {
   run.add_option("--web", options.web,
                  "serve the page for administrators here, such as 127.0.0.1:8480");
   run.add_option("--web-host", options.webHosts,
                  "a name by which browsers ask for the page, such as that of its proxy");
+}
+
+void AddWebCommands(CLI::App& program, CLI::App& run, HostOptions& options, std::ostream& out,
+                    const std::function<void(CLI::App&)>& addFolder) {
+  AddPageOptions(run, options);
   CLI::App* admin = program.add_subcommand("admin", "Say who may sign in to the page");
   admin->require_subcommand(1);
   const auto wanted = std::make_shared<AdminOptions>();

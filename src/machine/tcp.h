@@ -1,6 +1,7 @@
 // TCP addresses and connections of the page's server.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,8 +37,8 @@ class ListenAddress {
 /// listen at it, 5 if it is none; each in words for the person.
 void RequireFree(const std::string& address);
 
-/// Why the page cannot be served at an address; `problem` is an errno value.
-RuntimeError NotServed(const std::string& address, int problem);
+/// Why the page cannot be served at an address, from the system's error of a moment ago.
+RuntimeError NotServed(const std::string& address);
 
 /// The client's address without the port. A network of IPv6 counts as one client, this machine
 /// excepted.
@@ -50,7 +51,7 @@ std::optional<std::string> ClientAddressIn(const std::string& text);
 /// Whether a client at this address is on this machine.
 bool IsLoopback(const std::string& address);
 
-/// Ends a connection in both directions; its socket stays open.
-void CutOff(int connection);
+/// Ends a connection in both directions; its socket, a number of the system's, stays open.
+void CutOff(std::intptr_t socket);
 
 }  // namespace rotacasts::host
