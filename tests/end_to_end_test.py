@@ -224,7 +224,6 @@ class EndToEnd(ProgramTest):
                 host.process.send_signal(SIGHUP)
             self.assertEqual(host.end(), 0, delay)
 
-    @only_on_linux("the page is served on Linux")
     def test_a_page_whose_address_is_not_free_yet_is_served_later(self):
         self.profile(1, "JO", "no-such-program", 4001, message_file(["a"]))
         with socket.create_server(("127.0.0.1", 0)) as other:
@@ -232,7 +231,8 @@ class EndToEnd(ProgramTest):
             host = self.start(Program, HOST, "run", "--host-folder", self.folder, "--web", address)
             self.expect(host, "it is tried again", "profiles started: 1")
         self.expect(host, f"the page: http://{address}/")
-        self.assertEqual(host.end(SIGTERM), 0)
+        host.write("quit\n")
+        self.assertEqual(host.end(), 0)
         host = self.start(Program, HOST, "run", "--host-folder", self.folder, "--web", "nowhere:4")
         self.expect(host, "is no address to listen at")
         self.assertEqual(host.end(), 2)

@@ -49,6 +49,9 @@ void AppendLine(const std::string& path, const std::string& line);
 /// Gives a new folder the owner and the access rights of the folder that it is in, as far as this
 /// user may. On Windows it has them already.
 void ShareAsParent(const std::string& folder) noexcept;
+/// Lets nobody but its owner read and write the file; on Windows the system and the machine's
+/// administrators too. Its later replacements keep that. Errors: those of the system.
+void MakePrivate(const std::string& path);
 /// In the names of files that hold what another program saved while the host replaced the file:
 /// "FILE.kept-DATE-TIME".
 inline constexpr std::string_view kKeptMark = ".kept-";

@@ -113,19 +113,20 @@ void Admins::Make() const {
   const std::string folder = file_.substr(0, file_.rfind('\\'));
   if (!files.FolderExists(folder)) files.CreateFolder(folder);
   ReplaceFile(file_, "");
-  std::filesystem::permissions(
-      NativePath(file_), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  MakePrivate(file_);
 }
 
 void Admins::Set(const Admin& admin) const {
   RefuseName(admin.name);
-  if (!MachineFiles().FileExists(file_)) Make();
+  const bool isNew = !MachineFiles().FileExists(file_);
+  if (isNew) Make();
   IniText ini = ReadIni(file_);
   const std::string section = ToWindows1252(admin.name);
   ini.SetValue(section, kPassword, admin.password);
   ini.SetValue(section, kProfiles, ProfilesText(admin));
   ini.SetValue(section, kRightsKey, RightsText(admin));
   ReplaceFile(file_, ini.Bytes());
+  if (isNew) MakePrivate(file_);  // Wine gives a replaced file the rights of its folder
 }
 
 void Admins::Remove(const std::string& name) const {

@@ -11,7 +11,7 @@ import subprocess
 import tempfile
 import time
 
-from programs import HOST, Program, Server, add_profile, message_file
+from programs import HOST, WINDOWS, Program, Server, add_profile, message_file
 
 PASSWORD = "correct horse"
 ADD, CHANGE = "Add/Remove Rotacasts", "Change Rotacasts Settings"
@@ -50,7 +50,9 @@ class Host:
         self.port = int(self.url.rsplit(":", 1)[1].strip("/"))
 
     def end(self):
-        status = self.program.end(signal.SIGTERM)
+        if WINDOWS:  # where no signal asks a program to end
+            self.program.write("quit\n")
+        status = self.program.end(None if WINDOWS else signal.SIGTERM)
         self.program.stop()
         return status
 

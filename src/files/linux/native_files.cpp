@@ -74,6 +74,11 @@ void AppendLine(const std::string& path, const std::string& line) {
   }
 }
 
+void MakePrivate(const std::string& path) {
+  using std::filesystem::perms;
+  std::filesystem::permissions(NativePath(path), perms::owner_read | perms::owner_write);
+}
+
 void ShareAsParent(const std::string& folder) noexcept {
   const Descriptor made(NativePath(folder), O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
   struct stat parent {};

@@ -4,6 +4,11 @@
 #include "com/com_support.h"
 #include "com/unique_handle.h"
 
+// clang-format off
+#include <aclapi.h>
+#include <sddl.h>
+// clang-format on
+
 #undef ReplaceFile  // a macro of the system headers
 
 namespace rotacasts::host {
@@ -204,6 +209,29 @@ void AppendLine(const std::string& path, const std::string& line) {
     moveTo(size.QuadPart);
     ::SetEndOfFile(file.Get());
     throw;
+  }
+}
+
+void MakePrivate(const std::string& path) {
+  const std::filesystem::path native = NativePath(path);
+  /// What the system allocates.
+  struct Freed {
+    ~Freed() { ::LocalFree(memory); }
+    void* memory = nullptr;
+  } current, name, rights;
+  PSID owner = nullptr;
+  DWORD problem =
+      ::GetNamedSecurityInfoW(native.c_str(), SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION, &owner,
+                              nullptr, nullptr, nullptr, &current.memory);
+  if (problem != ERROR_SUCCESS) Raise(problem, native);
+  wchar_t* text = nullptr;
+  if (::ConvertSidToStringSidW(owner, &text) == FALSE) Raise(::GetLastError(), native);
+  name.memory = text;
+  const std::wstring wanted = L"D:P(A;;FA;;;SY)(A;;FA;;;BA)(A;;FA;;;" + std::wstring(text) + L")";
+  if (::ConvertStringSecurityDescriptorToSecurityDescriptorW(wanted.c_str(), SDDL_REVISION_1,
+                                                             &rights.memory, nullptr) == FALSE ||
+      ::SetFileSecurityW(native.c_str(), DACL_SECURITY_INFORMATION, rights.memory) == FALSE) {
+    Raise(::GetLastError(), native);
   }
 }
 
