@@ -118,15 +118,13 @@ void Admins::Make() const {
 
 void Admins::Set(const Admin& admin) const {
   RefuseName(admin.name);
-  const bool isNew = !MachineFiles().FileExists(file_);
-  if (isNew) Make();
+  if (!MachineFiles().FileExists(file_)) Make();
   IniText ini = ReadIni(file_);
   const std::string section = ToWindows1252(admin.name);
   ini.SetValue(section, kPassword, admin.password);
   ini.SetValue(section, kProfiles, ProfilesText(admin));
   ini.SetValue(section, kRightsKey, RightsText(admin));
   ReplaceFile(file_, ini.Bytes());
-  if (isNew) MakePrivate(file_);  // Wine gives a replaced file the rights of its folder
 }
 
 void Admins::Remove(const std::string& name) const {
