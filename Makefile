@@ -25,13 +25,16 @@ web: ## the same with the page for administrators, at a printed address (port 84
 	@scripts/quietly cmake --build --preset release --target rotacasts-host game-server-sim
 	@setpriv --pdeathsig TERM scripts/web build/release/bin $(PORT)
 
-demo-windows: ## the Windows host and plugin on Wine, clicked through; leaves pictures
-	@scripts/bootstrap build help windows
+demo-windows: ## the Windows host, plugin and page on Wine, clicked through; leaves pictures
+	@scripts/bootstrap build help windows browser
 	@preset=$$(scripts/windows-preset) && scripts/quietly cmake --preset $$preset && \
 	scripts/quietly cmake --build --preset $$preset \
 	  --target keeper tvxRT rotacasts-host game-server-sim && \
 	scripts/under-wine build/$$preset/tests/win32/keeper.exe \
-	  scripts/demo-windows build/$$preset build/demo-windows
+	  scripts/demo-windows build/$$preset build/demo-windows && \
+	scripts/under-wine build/$$preset/tests/win32/keeper.exe \
+	  scripts/page-picture build/$$preset/under-wine build/demo-windows/windows-page.png && \
+	echo "Six Windows game servers on the Windows host's page: build/demo-windows/windows-page.png"
 
 test: ## compile all that is in the tree, and run every test
 	@scripts/bootstrap build help test bench lint
