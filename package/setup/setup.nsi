@@ -1,5 +1,6 @@
-; RotacastsSetup: puts the plugin into an administration host, upgrades and repairs it there, and takes
-; it out again so that every file and registry key is as before.
+; RotacastsSetup: puts the plugin into an administration host, or the stand-alone host and its service
+; into a folder, upgrades and repairs them there, and takes them out again so that every file and registry
+; key is as before.
 ; Given by scripts/package: VERSION, VENDOR, COPYRIGHT, ICON, FILES (the folder of what is installed),
 ; OUTPUT, and the plugin's identifiers CLSID, IID and LIBID.
 Unicode true
@@ -33,6 +34,9 @@ VIAddVersionKey LegalCopyright "${COPYRIGHT}"
 ; value "Made NAME" for each thing that was not there before.
 !define ENTRY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Rotacasts"
 !define KEPT "$INSTDIR\RotacastsSetup\before"
+; The stand-alone host lies beside it and goes with it.
+!define HOST_FOLDER "$INSTDIR\RotacastsSetup\host"
+!define SHORTCUT "$SMPROGRAMS\Rotacasts host.lnk"
 
 Var PluginFolder  ; where tvxRT.dll lies
 Var OtherFolder   ; another host that Rotacasts is installed in
@@ -42,6 +46,7 @@ Var FolderHint
 !define MUI_UNICON "${ICON}"
 !define MUI_WELCOMEPAGE_TEXT "$(WelcomeText)"
 !insertmacro MUI_PAGE_WELCOME
+!insertmacro MUI_PAGE_COMPONENTS
 !define MUI_PAGE_HEADER_TEXT "$(FolderTitle)"
 !define MUI_PAGE_HEADER_SUBTEXT "$(FolderSubtitle)"
 !define MUI_DIRECTORYPAGE_TEXT_TOP "$FolderHint"
@@ -170,10 +175,26 @@ SpaceTexts none
   ${EndIf}
 !macroend
 
+; Has the stand-alone host manage its service; "result" is empty if there was none to manage.
+!macro Service command result
+  StrCpy ${result} ""
+  ReadRegStr $0 HKLM "${ENTRY}" "Made service"
+  ${If} $0 != ""
+    nsExec::Exec '"${HOST_FOLDER}\rotacasts-host.exe" service ${command} --host-folder "$INSTDIR"'
+    Pop ${result}
+  ${EndIf}
+!macroend
+
 ; Puts everything back as it was before the first setup, however far a setup has come.
 !macro PutEverythingBack
-  UnRegDLL "$PluginFolder\tvxRT.dll"
-  !insertmacro EachKey PutBackKey
+  !insertmacro Service remove $1
+  SetShellVarContext all
+  Delete "${SHORTCUT}"
+  ReadRegStr $0 HKLM "${ENTRY}" "Kept"
+  ${If} $0 != ""
+    UnRegDLL "$PluginFolder\tvxRT.dll"
+    !insertmacro EachKey PutBackKey
+  ${EndIf}
   !insertmacro PutBack tvxRT.dll
   !insertmacro PutBack tvxRT_help.chm
   !insertmacro RemovePicture butup.gif
@@ -248,19 +269,6 @@ Function FindPluginFolder
   ${EndIf}
 FunctionEnd
 
-Function RequireHost
-  ${IfNot} ${FileExists} "$INSTDIR\profiles\*.*"
-  ${AndIfNot} ${FileExists} "$INSTDIR\settings\config.ini"
-    MessageBox MB_OK|MB_ICONEXCLAMATION "$(NoHost)" /SD IDOK
-    SetErrorLevel ${NO_HOST}
-    Abort
-  ${EndIf}
-FunctionEnd
-
-Function .onInit
-  !insertmacro RequireRights
-  Call FindHost
-FunctionEnd
 
 ; The class can be registered once on a machine, so another host has to give it up.
 Function LeaveOtherHost
@@ -281,26 +289,16 @@ Function LeaveOtherHost
   RMDir /r "$OtherFolder\RotacastsSetup"  ; run in its place, it could not take itself away
 FunctionEnd
 
-Function WriteEntry
-  SectionGetSize 0 $0
-  WriteRegStr HKLM "${ENTRY}" "DisplayName" "Rotacasts"
-  WriteRegStr HKLM "${ENTRY}" "DisplayVersion" "${VERSION}"
-  WriteRegStr HKLM "${ENTRY}" "Publisher" "${VENDOR}"
-  WriteRegStr HKLM "${ENTRY}" "HelpLink" "$PluginFolder\tvxRT_help.chm"
-  WriteRegStr HKLM "${ENTRY}" "DisplayIcon" "$INSTDIR\RotacastsSetup\Uninstall.exe"
-  WriteRegStr HKLM "${ENTRY}" "InstallLocation" "$INSTDIR"
-  WriteRegStr HKLM "${ENTRY}" "PluginFolder" "$PluginFolder"
-  WriteRegStr HKLM "${ENTRY}" "UninstallString" '"$INSTDIR\RotacastsSetup\Uninstall.exe"'
-  WriteRegStr HKLM "${ENTRY}" "QuietUninstallString" '"$INSTDIR\RotacastsSetup\Uninstall.exe" /S'
-  WriteRegDWORD HKLM "${ENTRY}" "EstimatedSize" $0
-  WriteRegDWORD HKLM "${ENTRY}" "NoModify" 1
-  WriteRegDWORD HKLM "${ENTRY}" "NoRepair" 1
-FunctionEnd
-
 Section
   Call RequireHost
-  Call FindPluginFolder
-  !insertmacro RequireFree
+  Call IsForPlugin
+  Pop $0
+  ${If} $0 == "yes"
+    Call FindPluginFolder
+    !insertmacro RequireFree
+  ${Else}
+    ReadRegStr $PluginFolder HKLM "${ENTRY}" "PluginFolder"
+  ${EndIf}
   Call LeaveOtherHost
   ; The way back comes first, so that it is there however far this comes.
   CreateDirectory "${KEPT}"
@@ -310,6 +308,9 @@ Section
     !insertmacro End "$(NotKept)" ${IN_USE} Abort
   ${EndIf}
   Call WriteEntry
+SectionEnd
+
+Section "$(PluginName)" Plugin
   ReadRegStr $0 HKLM "${ENTRY}" "Kept"
   ${If} $0 == ""
     !insertmacro EachKey KeepKey
@@ -330,6 +331,94 @@ Section
   ${EndIf}
   SetErrorLevel 0
 SectionEnd
+
+; A service that is there already keeps its options, and stands still while its program is replaced.
+Section /o "$(HostName)" Host
+  !insertmacro Service stop $1
+  SetOutPath "${HOST_FOLDER}"
+  File "${FILES}/host/rotacasts-host.exe"
+  File "${FILES}/host/game-server-sim.exe"
+  File "${FILES}/LICENSE.txt"
+  SetShellVarContext all
+  CreateShortcut "${SHORTCUT}" "${HOST_FOLDER}\rotacasts-host.exe" 'window --host-folder "$INSTDIR"'
+  !insertmacro Service start $1
+SectionEnd
+
+; It starts once there is a profile.
+Section /o "$(ServiceName)" HostService
+  ReadRegStr $0 HKLM "${ENTRY}" "Made service"
+  ${If} $0 == ""
+    nsExec::Exec '"${HOST_FOLDER}\rotacasts-host.exe" service install --host-folder "$INSTDIR" --web 127.0.0.1:8480'
+    Pop $0
+    ${If} $0 == 0
+      WriteRegStr HKLM "${ENTRY}" "Made service" "yes"
+      !insertmacro Service start $1
+    ${EndIf}
+  ${EndIf}
+SectionEnd
+
+; Functions that name a section stand below it.
+Function IsForPlugin
+  ${If} ${SectionIsSelected} ${Plugin}
+    Push "yes"
+  ${Else}
+    Push "no"
+  ${EndIf}
+FunctionEnd
+
+Function RequireHost
+  ${IfNot} ${SectionIsSelected} ${Plugin}
+    Return  ; the stand-alone host works in any folder
+  ${EndIf}
+  ${IfNot} ${FileExists} "$INSTDIR\profiles\*.*"
+  ${AndIfNot} ${FileExists} "$INSTDIR\settings\config.ini"
+    MessageBox MB_OK|MB_ICONEXCLAMATION "$(NoHost)" /SD IDOK
+    SetErrorLevel ${NO_HOST}
+    Abort
+  ${EndIf}
+FunctionEnd
+
+Function WriteEntry
+  SectionGetSize ${Plugin} $0
+  WriteRegStr HKLM "${ENTRY}" "DisplayName" "Rotacasts"
+  WriteRegStr HKLM "${ENTRY}" "DisplayVersion" "${VERSION}"
+  WriteRegStr HKLM "${ENTRY}" "Publisher" "${VENDOR}"
+  ${If} $PluginFolder != ""
+    WriteRegStr HKLM "${ENTRY}" "HelpLink" "$PluginFolder\tvxRT_help.chm"
+  ${EndIf}
+  WriteRegStr HKLM "${ENTRY}" "DisplayIcon" "$INSTDIR\RotacastsSetup\Uninstall.exe"
+  WriteRegStr HKLM "${ENTRY}" "InstallLocation" "$INSTDIR"
+  WriteRegStr HKLM "${ENTRY}" "PluginFolder" "$PluginFolder"
+  WriteRegStr HKLM "${ENTRY}" "UninstallString" '"$INSTDIR\RotacastsSetup\Uninstall.exe"'
+  WriteRegStr HKLM "${ENTRY}" "QuietUninstallString" '"$INSTDIR\RotacastsSetup\Uninstall.exe" /S'
+  WriteRegDWORD HKLM "${ENTRY}" "EstimatedSize" $0
+  WriteRegDWORD HKLM "${ENTRY}" "NoModify" 1
+  WriteRegDWORD HKLM "${ENTRY}" "NoRepair" 1
+FunctionEnd
+
+Function .onInit
+  !insertmacro RequireRights
+  Call FindHost
+  ; What is there already is upgraded.
+  ReadRegStr $0 HKLM "${ENTRY}" "InstallLocation"
+  ${If} $0 != ""
+  ${AndIf} $0 == $INSTDIR
+    ReadRegStr $0 HKLM "${ENTRY}" "Kept"
+    ${If} $0 == ""
+      !insertmacro UnselectSection ${Plugin}
+    ${EndIf}
+    ${If} ${FileExists} "${HOST_FOLDER}\rotacasts-host.exe"
+      !insertmacro SelectSection ${Host}
+    ${EndIf}
+  ${EndIf}
+FunctionEnd
+
+; The service needs its program.
+Function .onSelChange
+  ${If} ${SectionIsSelected} ${HostService}
+    !insertmacro SelectSection ${Host}
+  ${EndIf}
+FunctionEnd
 
 Function un.onInit
   !insertmacro RequireRights

@@ -3,9 +3,12 @@
 !define HERE ${LANG_ENGLISH}
 
 LangString WelcomeText ${HERE} "Rotacasts posts chat messages to your game servers, round and round.$\r$\n$\r$\nPlease close the administration host first.$\r$\n$\r$\nWhat is there now is kept, and is put back when you remove Rotacasts again. Messages and options are never touched."
+LangString PluginName ${HERE} "The plugin of an administration host"
+LangString HostName ${HERE} "The stand-alone host"
+LangString ServiceName ${HERE} "The stand-alone host as a service"
 LangString FolderTitle ${HERE} "The administration host"
 LangString FolderSubtitle ${HERE} "Where is the host that Rotacasts shall work in?"
-LangString FolderText ${HERE} "Setup puts the plugin into the host's folder. Please choose the folder that the host itself is installed in; it has a folder named profiles."
+LangString FolderText ${HERE} "Setup puts the plugin into the host's folder. Please choose the folder that the host itself is installed in; it has a folder named profiles. Without the plugin, choose any folder for the stand-alone host."
 LangString FolderFound ${HERE} "A Rotacasts plugin is registered in the host below. Setup takes its place; please choose another folder if you have another host in mind."
 LangString FolderLabel ${HERE} "Folder of the host"
 LangString NoHost ${HERE} "This is no host's folder:$\r$\n$\r$\n$INSTDIR$\r$\n$\r$\nIt has neither a folder named profiles nor a file settings\config.ini. Please choose the folder that the host itself is installed in."
