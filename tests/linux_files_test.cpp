@@ -9,8 +9,8 @@
 
 #include <csignal>
 
+#include "files/host_lock.h"
 #include "host/host_profiles.h"
-#include "machine/host_lock.h"
 #include "support/host_files.h"
 
 namespace rotacasts::host {

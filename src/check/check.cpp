@@ -7,11 +7,11 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
+#include "files/file_exchange.h"
+#include "files/native_files.h"
 #include "host/kept_files.h"
 #include "host/preview.h"
 #include "host/profile_settings.h"
-#include "machine/file_exchange.h"
-#include "machine/native_files.h"
 #include "machine/process_reader.h"
 #include "services/host_folder.h"
 #include "siblings/file_layer.h"

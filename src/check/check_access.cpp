@@ -1,8 +1,8 @@
 #include <filesystem>
 
 #include "check/check.h"
+#include "files/native_files.h"
 #include "machine/host_user.h"
-#include "machine/native_files.h"
 #include "services/host_folder.h"
 
 namespace rotacasts::host {

@@ -7,7 +7,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "base/word_list.h"
-#include "machine/native_files.h"
+#include "files/native_files.h"
 #include "siblings/file_layer.h"
 
 namespace rotacasts::host {

@@ -7,9 +7,9 @@
 #include "broadcast/placeholders.h"
 #include "console/status_table.h"
 #include "console/text_table.h"
+#include "files/native_files.h"
 #include "host/complaint.h"
-#include "machine/native_files.h"
-#include "machine/terminal.h"
+#include "terminal/terminal.h"
 
 namespace rotacasts::host {
 

@@ -10,7 +10,7 @@
 
 #include "host/server_host.h"
 
-#include "machine/terminal.h"
+#include "terminal/terminal.h"
 
 namespace rotacasts::host {
 

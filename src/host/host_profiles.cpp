@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "files/native_files.h"
 #include "host/complaint.h"
 #include "host/kept_files.h"
-#include "machine/native_files.h"
 #include "services/host_folder.h"
 #include "services/profile_data.h"
 #include "services/profile_tables.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "machine/native_files.h"
+#include "files/native_files.h"
 
 namespace rotacasts::host {
 

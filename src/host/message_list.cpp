@@ -2,8 +2,8 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
+#include "files/native_files.h"
 #include "host/complaint.h"
-#include "machine/native_files.h"
 #include "siblings/ini_text.h"
 #include "store/message_file.h"
 

@@ -7,7 +7,7 @@
 #include "base/word_list.h"
 #include "game/game_builds.h"
 #include "host/new_profile.h"
-#include "machine/terminal.h"
+#include "terminal/terminal.h"
 
 namespace rotacasts::host {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "machine/native_files.h"
+#include "files/native_files.h"
 
 namespace rotacasts::host {
 

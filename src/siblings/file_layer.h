@@ -1,7 +1,7 @@
 // Where the components keep their files: on the machine or, in tests, elsewhere.
 #pragma once
 
-#include "machine/native_files.h"
+#include "files/native_files.h"
 
 namespace rotacasts::host {
 

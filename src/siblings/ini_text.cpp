@@ -4,7 +4,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
-#include "machine/native_files.h"
+#include "files/native_files.h"
 
 namespace rotacasts::host {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "base/conversions.h"
 #include "base/text.h"
+#include "files/native_files.h"
 #include "host/complaint.h"
-#include "machine/native_files.h"
 #include "plugin/descriptor.h"
 #include "siblings/file_layer.h"
 #include "siblings/ini_text.h"

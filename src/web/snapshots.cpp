@@ -6,7 +6,7 @@
 #include "base/text.h"
 #include "broadcast/placeholders.h"
 #include "broadcast/schedule.h"
-#include "machine/native_files.h"
+#include "files/native_files.h"
 #include "store/admin_log.h"
 #include "web/without_paths.h"
 

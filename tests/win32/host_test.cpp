@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <fstream>
 
+#include "com/unique_handle.h"
 #include "console/console.h"
 #include "console/win32/console_pipe.h"
 #include "machine/win32/program_starter.h"
 #include "machine/win32/service_manager.h"
-#include "machine/win32/unique_handle.h"
 #include "program/win32/frame_window.h"
 #include "program/win32/late_bound_plugin.h"
 #include "siblings/game_processes.h"

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 
+#include "com/unique_handle.h"
 #include "com/variant_conversion.h"
 #include "com/windows_api.h"
 #include "component/identities.h"
-#include "machine/win32/unique_handle.h"
 #include "support/component_test.h"
 
 namespace rotacasts {

@@ -5,8 +5,8 @@
 #include <ostream>
 #include <string>
 
+#include "com/unique_handle.h"
 #include "console/console_protocol.h"
-#include "machine/win32/unique_handle.h"
 
 namespace rotacasts::host {
 

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "machine/native_files.h"
+#include "files/native_files.h"
 
 namespace rotacasts::host {
 namespace {

@@ -5,10 +5,10 @@
 #include <functional>
 #include <memory>
 
+#include "com/unique_handle.h"
 #include "com/windows_api.h"
 #include "machine/turn_loop.h"
 #include "machine/win32/lock.h"
-#include "machine/win32/unique_handle.h"
 
 namespace rotacasts::host {
 

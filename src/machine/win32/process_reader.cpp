@@ -7,7 +7,7 @@
 
 // clang-format off
 #include "machine/win32/sockets.h"
-#include "machine/win32/unique_handle.h"
+#include "com/unique_handle.h"
 #include "com/com_support.h"
 #include <iphlpapi.h>
 #include <tlhelp32.h>

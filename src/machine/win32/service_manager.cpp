@@ -4,8 +4,8 @@
 
 #include "base/runtime_error.h"
 #include "com/com_support.h"
+#include "com/unique_handle.h"
 #include "machine/win32/program_end.h"
-#include "machine/win32/unique_handle.h"
 
 namespace rotacasts::host {
 namespace {

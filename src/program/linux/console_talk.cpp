@@ -7,7 +7,7 @@
 #include "console/completion.h"
 #include "console/console_client.h"
 #include "host/profile_settings.h"
-#include "machine/linux/console_lines.h"
+#include "terminal/linux/console_lines.h"
 
 namespace rotacasts::host {
 namespace {

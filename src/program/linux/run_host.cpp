@@ -9,11 +9,11 @@
 #include "console/console.h"
 #include "console/console_protocol.h"
 #include "console/console_server.h"
-#include "machine/linux/console_lines.h"
 #include "machine/linux/program_starter.h"
 #include "machine/linux/tcp.h"
 #include "program/headless_host.h"
 #include "program/redirection.h"
+#include "terminal/linux/console_lines.h"
 #include "web/web_site.h"
 
 namespace rotacasts::host {

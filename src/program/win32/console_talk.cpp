@@ -6,8 +6,8 @@
 #include "console/console_protocol.h"
 #include "console/plain_output.h"
 #include "console/win32/console_pipe.h"
-#include "machine/terminal.h"
-#include "machine/win32/console_input.h"
+#include "terminal/terminal.h"
+#include "terminal/win32/console_input.h"
 
 namespace rotacasts::host {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "base/conversions.h"
 #include "com/win32_platform.h"
+#include "files/native_files.h"
 #include "host/complaint.h"
-#include "machine/native_files.h"
 #include "plugin/remote_operations.h"
 #include "services/host_services.h"
 

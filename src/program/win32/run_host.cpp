@@ -3,13 +3,13 @@
 #include <iostream>
 
 #include "console/win32/console_pipe.h"
-#include "machine/win32/console_input.h"
-#include "machine/win32/console_output.h"
 #include "machine/win32/event_loop.h"
 #include "machine/win32/program_end.h"
 #include "machine/win32/program_starter.h"
 #include "program/headless_host.h"
 #include "program/redirection.h"
+#include "terminal/win32/console_input.h"
+#include "terminal/win32/console_output.h"
 
 namespace rotacasts::host {
 namespace {

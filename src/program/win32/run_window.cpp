@@ -5,11 +5,11 @@
 
 #include "console/console.h"
 #include "console/win32/console_pipe.h"
-#include "machine/win32/console_input.h"
 #include "machine/win32/program_end.h"
 #include "program/win32/frame_window.h"
 #include "program/win32/late_bound_plugin.h"
 #include "siblings/win32/sibling_objects.h"
+#include "terminal/win32/console_input.h"
 
 namespace rotacasts::host {
 namespace {

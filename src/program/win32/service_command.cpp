@@ -5,10 +5,10 @@
 #include <memory>
 
 #include "com/com_support.h"
-#include "machine/terminal.h"
 #include "machine/win32/event_log.h"
 #include "machine/win32/service_manager.h"
 #include "program/redirection.h"
+#include "terminal/terminal.h"
 
 namespace rotacasts::host {
 namespace {

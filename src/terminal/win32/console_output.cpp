@@ -1,13 +1,13 @@
-#include "machine/win32/console_output.h"
+#include "terminal/win32/console_output.h"
 
 #include <atomic>
 #include <cstdio>
 #include <utility>
 
 #include "com/com_support.h"
-#include "machine/unread_lines.h"
+#include "com/unique_handle.h"
 #include "machine/win32/lock.h"
-#include "machine/win32/unique_handle.h"
+#include "terminal/unread_lines.h"
 
 namespace rotacasts::host {
 namespace {
@@ -89,24 +89,11 @@ ConsoleOutput::~ConsoleOutput() {
   ::WaitForSingleObject(writer_->isIdle.Get(), kLongestEnd);
 }
 
-int ConsoleOutput::overflow(int character) {
-  if (character != EOF) text_ += static_cast<char>(character);
-  return 0;
-}
-
-std::streamsize ConsoleOutput::xsputn(const char* text, std::streamsize count) {
-  text_.append(text, static_cast<std::size_t>(count));
-  return count;
-}
-
-int ConsoleOutput::sync() {
+void ConsoleOutput::Flushed(std::string_view text) {
   const win32::Lock::Held held(writer_->lock);
-  if (text_.empty()) return 0;
-  if (!writer_->isBroken) writer_->lines.Add(text_);
-  text_.clear();
+  if (!writer_->isBroken) writer_->lines.Add(text);
   ::ResetEvent(writer_->isIdle.Get());
   ::SetEvent(writer_->hasMore.Get());
-  return 0;
 }
 
 }  // namespace rotacasts::host

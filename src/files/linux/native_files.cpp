@@ -1,12 +1,12 @@
-#include "machine/native_files.h"
+#include "files/native_files.h"
 
 #include <cerrno>
 
 #include "base/runtime_error.h"
 #include "base/text.h"
-#include "machine/linux/atomic_replace.h"
-#include "machine/linux/descriptor.h"
-#include "machine/linux/file_rights.h"
+#include "files/linux/atomic_replace.h"
+#include "files/linux/descriptor.h"
+#include "files/linux/file_rights.h"
 
 namespace rotacasts::host {
 namespace {

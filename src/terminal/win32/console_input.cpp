@@ -1,12 +1,12 @@
-#include "machine/win32/console_input.h"
+#include "terminal/win32/console_input.h"
 
 #include <algorithm>
 #include <memory>
 #include <string>
 
 #include "com/com_support.h"
-#include "machine/terminal.h"
-#include "machine/win32/unique_handle.h"
+#include "com/unique_handle.h"
+#include "terminal/terminal.h"
 
 namespace rotacasts::host {
 namespace {

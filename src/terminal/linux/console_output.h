@@ -2,12 +2,11 @@
 #pragma once
 
 #include <functional>
-#include <streambuf>
-#include <string>
 #include <string_view>
 
 #include "machine/linux/event_loop.h"
-#include "machine/unread_lines.h"
+#include "terminal/flushed_text.h"
+#include "terminal/unread_lines.h"
 
 namespace rotacasts::host {
 
@@ -16,7 +15,7 @@ namespace rotacasts::host {
 /// somebody reads again. Nothing is buffered after the reader has gone.
 ///
 /// Text is written when the stream is flushed. `loop` must outlive it.
-class ConsoleOutput final : public std::streambuf {
+class ConsoleOutput final : public FlushedText {
  public:
   explicit ConsoleOutput(EventLoop& loop);
   ~ConsoleOutput() override;
@@ -29,19 +28,14 @@ class ConsoleOutput final : public std::streambuf {
   /// Writes bytes without calling these functions; drops them if they do not fit.
   void Write(std::string_view bytes);
 
- protected:
-  int overflow(int character) override;
-  std::streamsize xsputn(const char* text, std::streamsize count) override;
-  int sync() override;
-
  private:
   ConsoleOutput(EventLoop& loop, int own);
+  void Flushed(std::string_view text) override;
   void WriteKept();
 
   EventLoop& loop_;
   const int descriptor_;
   const bool isOwn_;  // whether this object closes it
-  std::string text_;  // since the last flush
   UnreadLines kept_;
   bool isBroken_ = false;
 };

@@ -1,4 +1,4 @@
-#include "machine/linux/line_editor.h"
+#include "terminal/linux/line_editor.h"
 
 #include <histedit.h>
 #include <poll.h>

@@ -1,4 +1,4 @@
-#include "machine/linux/file_writers.h"
+#include "files/linux/file_writers.h"
 
 #include <algorithm>
 #include <cerrno>

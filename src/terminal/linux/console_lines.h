@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "machine/linux/console_input.h"
-#include "machine/linux/line_editor.h"
+#include "terminal/linux/console_input.h"
+#include "terminal/linux/line_editor.h"
 
 namespace rotacasts::host {
 

@@ -1,8 +1,8 @@
 // Replaces one file with another, and loses nothing that other programs save meanwhile.
 #pragma once
 
-#include "machine/linux/descriptor.h"
-#include "machine/native_files.h"
+#include "files/linux/descriptor.h"
+#include "files/native_files.h"
 
 namespace rotacasts::host {
 

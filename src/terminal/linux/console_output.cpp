@@ -1,4 +1,4 @@
-#include "machine/linux/console_output.h"
+#include "terminal/linux/console_output.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -44,24 +44,11 @@ ConsoleOutput::~ConsoleOutput() {
   if (isOwn_) ::close(descriptor_);
 }
 
-int ConsoleOutput::overflow(int character) {
-  if (character != EOF) text_ += static_cast<char>(character);
-  return 0;
-}
-
-std::streamsize ConsoleOutput::xsputn(const char* text, std::streamsize count) {
-  text_.append(text, static_cast<std::size_t>(count));
-  return count;
-}
-
-int ConsoleOutput::sync() {
-  if (text_.empty()) return 0;
+void ConsoleOutput::Flushed(std::string_view text) {
   if (onBefore) onBefore();
-  if (!isBroken_) kept_.Add(text_);
-  text_.clear();
+  if (!isBroken_) kept_.Add(text);
   if (onAfter) onAfter();
   WriteKept();
-  return 0;
 }
 
 void ConsoleOutput::Write(std::string_view bytes) {

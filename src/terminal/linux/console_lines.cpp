@@ -1,6 +1,6 @@
-#include "machine/linux/console_lines.h"
+#include "terminal/linux/console_lines.h"
 
-#include "machine/terminal.h"
+#include "terminal/terminal.h"
 
 namespace rotacasts::host {
 

@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-#include "machine/linux/descriptor.h"
+#include "files/linux/descriptor.h"
 
 namespace rotacasts::host {
 

@@ -1,4 +1,4 @@
-#include "machine/linux/console_input.h"
+#include "terminal/linux/console_input.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "machine/terminal.h"
+#include "terminal/terminal.h"
 
 namespace rotacasts::host {
 

@@ -1,8 +1,8 @@
-#include "machine/native_files.h"
+#include "files/native_files.h"
 
 #include "base/runtime_error.h"
 #include "com/com_support.h"
-#include "machine/win32/unique_handle.h"
+#include "com/unique_handle.h"
 
 #undef ReplaceFile  // a macro of the system headers
 

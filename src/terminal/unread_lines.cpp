@@ -1,4 +1,4 @@
-#include "machine/unread_lines.h"
+#include "terminal/unread_lines.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "machine/linux/descriptor.h"
+#include "files/linux/descriptor.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,11 +1,11 @@
-#include "machine/host_lock.h"
+#include "files/host_lock.h"
 
 #include <algorithm>
 
 #include "base/runtime_error.h"
 #include "com/com_support.h"
-#include "machine/native_files.h"
-#include "machine/win32/unique_handle.h"
+#include "com/unique_handle.h"
+#include "files/native_files.h"
 #include "services/host_folder.h"
 
 namespace rotacasts::host {

@@ -1,4 +1,4 @@
-#include "machine/file_exchange.h"
+#include "files/file_exchange.h"
 
 namespace rotacasts::host {
 

@@ -1,7 +1,7 @@
 // Owner, group, mode, access list and attributes of a file that takes another one's place.
 #pragma once
 
-#include "machine/linux/descriptor.h"
+#include "files/linux/descriptor.h"
 
 namespace rotacasts::host {
 

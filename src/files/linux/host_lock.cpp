@@ -1,4 +1,4 @@
-#include "machine/host_lock.h"
+#include "files/host_lock.h"
 
 #include <sys/file.h>
 
@@ -7,8 +7,8 @@
 #include <cstring>
 
 #include "base/runtime_error.h"
-#include "machine/linux/descriptor.h"
-#include "machine/native_files.h"
+#include "files/linux/descriptor.h"
+#include "files/native_files.h"
 #include "services/host_folder.h"
 
 namespace rotacasts::host {

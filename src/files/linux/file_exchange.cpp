@@ -1,12 +1,12 @@
-#include "machine/file_exchange.h"
+#include "files/file_exchange.h"
 
 #include <array>
 #include <cerrno>
 #include <cstdio>
 
-#include "machine/linux/beside_file.h"
-#include "machine/linux/descriptor.h"
-#include "machine/native_files.h"
+#include "files/linux/beside_file.h"
+#include "files/linux/descriptor.h"
+#include "files/native_files.h"
 
 namespace rotacasts::host {
 

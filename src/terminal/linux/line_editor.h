@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "machine/linux/console_output.h"
+#include "terminal/linux/console_output.h"
 
 // Of libedit.
 struct editline;

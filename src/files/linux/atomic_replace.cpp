@@ -1,4 +1,4 @@
-#include "machine/linux/atomic_replace.h"
+#include "files/linux/atomic_replace.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "base/runtime_error.h"
-#include "machine/linux/beside_file.h"
-#include "machine/linux/file_rights.h"
-#include "machine/linux/file_writers.h"
+#include "files/linux/beside_file.h"
+#include "files/linux/file_rights.h"
+#include "files/linux/file_writers.h"
 
 namespace rotacasts::host {
 namespace {

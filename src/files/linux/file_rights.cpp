@@ -1,4 +1,4 @@
-#include "machine/linux/file_rights.h"
+#include "files/linux/file_rights.h"
 
 #include <sys/xattr.h>
 

@@ -1,4 +1,4 @@
-#include "machine/terminal.h"
+#include "terminal/terminal.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "machine/linux/beside_file.h"
+#include "files/linux/beside_file.h"
 
 #include <algorithm>
 #include <array>
@@ -9,8 +9,8 @@
 #include <optional>
 
 #include "base/runtime_error.h"
-#include "machine/linux/descriptor.h"
-#include "machine/native_files.h"
+#include "files/linux/descriptor.h"
+#include "files/native_files.h"
 
 namespace rotacasts::host {
 namespace {
