@@ -4,6 +4,8 @@
 #include <limits>
 #include <utility>
 
+#include "siblings/plain_words.h"
+
 namespace rotacasts::host::web {
 namespace {
 
@@ -39,7 +41,7 @@ void Additions::AddPiece() {
                          list.administrator);
     list.added += count;
   } catch (...) {
-    return End(CurrentRuntimeError().description);
+    return End(PlainWords(CurrentRuntimeError()));
   }
   if (list.added == list.texts.size()) End({});
 }

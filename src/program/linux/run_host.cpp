@@ -13,6 +13,7 @@
 #include "machine/linux/tcp.h"
 #include "program/headless_host.h"
 #include "program/redirection.h"
+#include "siblings/plain_words.h"
 #include "terminal/linux/console_lines.h"
 #include "web/web_site.h"
 
@@ -43,7 +44,7 @@ class ServedPage {
       if (!error.Is(ErrorNumber::DeviceIoError)) throw;
       next_ = EventLoop::Clock::now() + kPageRetry;
       if (std::exchange(isTold_, true)) return;
-      out_ << error.description << ", or wait: it is tried again and again\n" << std::flush;
+      out_ << PlainWords(error) << ", or wait: it is tried again and again\n" << std::flush;
     }
   }
 
@@ -63,7 +64,7 @@ std::unique_ptr<ConsoleServer> ServeOtherConsoles(EventLoop& loop, ServerHost& h
   try {
     return std::make_unique<ConsoleServer>(loop, host);
   } catch (const RuntimeError& error) {
-    out << kNoOtherConsoles << error.description << "\n";
+    out << kNoOtherConsoles << PlainWords(error) << "\n";
     return nullptr;
   }
 }
