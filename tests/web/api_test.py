@@ -3,6 +3,7 @@
 import http.client
 import json
 import os
+import resource
 import socket
 import threading
 import time
@@ -260,6 +261,17 @@ class SigningIn(unittest.TestCase):
         self.assertEqual(self.host.sign_in("Anna", PASSWORD + "x" * 256, Cookie=known)[0], 422)
         time.sleep(wait + 0.1)
         self.assertEqual(self.host.sign_in("Anna")[0], 200)
+
+    def test_many_pages_of_an_address_leave_room_for_other_requests(self):
+        self.host.end()
+        self.host.prepare = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (120, 120))
+        self.host.start()  # with 18 connections for an address, 13 of them for pages
+        cookies = [self.host.sign_in(name)[1] for name in ("Anna", "Eve")]
+        pages = [self.host.follow(cookies[i % 2]) for i in range(14)]
+        self.assertEqual([answer.status for _, answer in pages], [200] * 13 + [503])
+        self.assertEqual(self.host.ask("GET", "/api/session", None, cookies[0])[0], 200)
+        for connection, _ in pages:
+            connection.close()
 
     def test_only_its_own_names_reach_the_host(self):
         self.host.end()

@@ -27,6 +27,12 @@ export function targets() {
 export const sentence = (words) =>
   words.charAt(0).toUpperCase() + words.slice(1) + (/[.!?…]$/.test(words) ? "" : ".");
 
+/** The page's words for what was done, and what the host adds to them, such as what it could not log. */
+export function withNotes(words, { done = "" }) {
+  const notes = done.split("\n").slice(1);
+  return notes.length ? sentence(`${words} – ${notes.join("; ")}`) : words;
+}
+
 /** Makes an element with attributes and children; strings become text, never markup. */
 export function el(tag, attributes = {}, ...children) {
   const element = document.createElement(tag);
@@ -104,6 +110,7 @@ export async function act(control, event, work) {
     given, a function that takes it back with a request. Several outcomes are shown as a list under
     `title`, one as `words(answer)`. Returns the indexes and answers of those that did it. */
 export async function askEach(indexes, { title, words, one, undo, step }) {
+  const told = (answer) => withNotes(words(answer), answer);
   const results = new Map();
   const waiting = [...indexes];
   const askNext = async () => {
@@ -120,9 +127,9 @@ export async function askEach(indexes, { title, words, one, undo, step }) {
   const isUndoable = parts.length > 0;
   if (indexes.length > 1) {
     showOutcomes(title, isUndoable, indexes.map((index) => (done.has(index)
-      ? [index, true, words(done.get(index))] : [index, false, results.get(index).words])));
+      ? [index, true, told(done.get(index))] : [index, false, results.get(index).words])));
   } else if (done.size) {
-    tell(words(done.get(indexes[0])), { isUndoable });
+    tell(told(done.get(indexes[0])), { isUndoable });
   } else {
     warn(results.get(indexes[0]).words);
   }
@@ -132,14 +139,14 @@ export async function askEach(indexes, { title, words, one, undo, step }) {
 /** Shows what came of an act on several servers, failures first. */
 function showOutcomes(title, isUndoable, outcomes) {
   const failed = outcomes.filter(([, isDone]) => !isDone).length;
-  const told = failed ? `${title}: ${outcomes.length - failed} did, ${failed} did not` : `${title}: all ${outcomes.length} did`;
-  setText($("outcomes-title"), told);
+  const heading = failed ? `${title}: ${outcomes.length - failed} did, ${failed} did not` : `${title}: all ${outcomes.length} did`;
+  setText($("outcomes-title"), heading);
   outcomes.sort((a, b) => a[1] - b[1]);
   $("outcome").replaceChildren(...outcomes.map(([index]) => el("li", { "data-index": index }, el("b"), " ", el("span"))));
   for (const outcome of outcomes) setOutcome(...outcome);
   $("outcomes").hidden = false;
   if (failed) $("outcomes").scrollIntoView({ block: "nearest" });
-  toast(told, { isBad: failed > 0, isUndoable, seconds: failed ? 12 : 6 });
+  toast(heading, { isBad: failed > 0, isUndoable, seconds: failed ? 12 : 6 });
 }
 
 /** Sets the outcome of one server in the list, also later if it is known only then. */

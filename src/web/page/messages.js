@@ -1,7 +1,7 @@
 // The messages of the server shown: their list, in which each is changed, moved and deleted where it
 // stands, and the field for new ones.
 import { $, act, ask, askEach, setOutcome, el, kAdd, may, nameOf, on, remember, request, sentence, setCurrent, setText,
-  state, targets, tell, warn } from "./host.js";
+  state, targets, tell, warn, withNotes } from "./host.js";
 
 const kSettle = 700; // ms after a row has moved in which a press on it may be meant for another
 const kWindowLetters = 60; // of a message, shown in the plugin's window
@@ -213,12 +213,12 @@ async function remove(row) {
   const position = place(row);
   const { text } = row.message;
   row.isDeleting = true;
-  const isDone = await ask("DELETE", path(index, "messages"), { position, text });
+  const answer = await ask("DELETE", path(index, "messages"), { position, text });
   await refreshMessages();
   row.isDeleting = false;
-  if (!isDone) return;
+  if (!answer) return;
   remember(`deleted ${quoted(text)}`, [[index, () => request("POST", path(index, "restored"), { position, text })]]);
-  tell(`Deleted: ${text}`, { isUndoable: true });
+  tell(withNotes(`Deleted: ${text}`, answer), { isUndoable: true });
 }
 
 /** Puts a message at a place. The page follows it, unless it was dragged. */
@@ -226,12 +226,12 @@ async function moveTo(row, to, anchor = row) {
   const index = state.chosen;
   const position = place(row);
   const { text } = row.message;
-  const isDone = await ask("POST", path(index, "places"), { position, text, to });
+  const answer = await ask("POST", path(index, "places"), { position, text, to });
   await refreshMessages(anchor);
-  if (!isDone) return;
+  if (!answer) return;
   remember(`moved ${quoted(text)}`, [[index, () => withMessage(index, text, to, (now) =>
     request("POST", path(index, "places"), { position: now, text, to: position }))]]);
-  tell(`Moved to place ${to + 1}: ${text}`, { isUndoable: true });
+  tell(withNotes(`Moved to place ${to + 1}: ${text}`, answer), { isUndoable: true });
 }
 
 async function change(row, newText) {
@@ -239,12 +239,12 @@ async function change(row, newText) {
   const position = place(row);
   const { text } = row.message;
   const put = (at, from, to) => request("PUT", path(index, "messages"), { position: at, text: from, newText: to });
-  const isDone = await ask("PUT", path(index, "messages"), { position, text, newText });
-  if (isDone) closeTool(row);
+  const answer = await ask("PUT", path(index, "messages"), { position, text, newText });
+  if (answer) closeTool(row);
   await refreshMessages(row);
-  if (!isDone) return;
+  if (!answer) return;
   remember(`changed ${quoted(text)}`, [[index, () => withMessage(index, newText, position, (now) => put(now, newText, text))]]);
-  tell(`Changed: ${newText}`, { isUndoable: true });
+  tell(withNotes(`Changed: ${newText}`, answer), { isUndoable: true });
 }
 
 /** Opens a form inside the row, in place of what it had. */
@@ -479,7 +479,7 @@ function say(event) {
   act($("compose"), event, async () => {
     const done = await send(state.chosen, held, {
       title: "Said once",
-      words: (answer) => sentence(answer.done),
+      words: ({ done }) => sentence(done.split("\n")[0]),
       one: (index) => request("POST", path(index, "say"), { text }),
     });
     for (const [index, answer] of done) {
@@ -496,7 +496,7 @@ async function awaitOutcome(index, number, text, isOneOfSeveral) {
     sent = (await request("GET", path(index, `sent?number=${number}`))).answer;
   } while (sent?.outcome === "under way");
   const isDone = sent?.outcome === "sent";
-  const words = isDone ? `Sent: ${text}` : `Not sent: ${sent?.reason || "the host does not know what became of it"}`;
+  const words = isDone ? `Sent: ${text}${sent.reason && ` (${sent.reason})`}` : `Not sent: ${sent?.reason || "the host does not know what became of it"}`;
   if (isOneOfSeveral) setOutcome(index, isDone, words);
   if (!isDone) warn(`${nameOf(index)}: ${words}`);
   else if (!isOneOfSeveral) tell(words);
@@ -512,7 +512,7 @@ function copyList(event) {
   }
   act($("copy"), event, () => askEach(to, {
     title: `Copied from ${nameOf(from)}`,
-    words: (answer) => sentence(answer.done),
+    words: ({ done }) => sentence(done.split("\n")[0]),
     one: async (index) => {
       const result = await request("POST", path(index, "copies"), { from });
       const now = result.answer?.added ? (await request("GET", path(index, "messages"))).answer : null;

@@ -464,8 +464,8 @@ function showLines(items, lines) {
 
 function showSent(sent) {
   $("nothing-sent").hidden = sent.length > 0;
-  showLines($("sent"), sent.map((one) => [one.time,
-    one.outcome === "sent" ? one.text : `${one.text} (${one.outcome === "failed" ? `not sent: ${one.reason}` : one.outcome})`,
+  const noteOn = ({ outcome, reason }) => (outcome === "failed" ? `not sent: ${reason}` : outcome === "sent" ? reason : outcome);
+  showLines($("sent"), sent.map((one) => [one.time, noteOn(one) ? `${one.text} (${noteOn(one)})` : one.text,
     one.outcome === "failed"]));
 }
 
