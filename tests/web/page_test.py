@@ -78,7 +78,8 @@ class Page(unittest.TestCase):
         for _ in range(3):
             self.assertTrue(self.host.server.prints("Maintenance", 5))
         page.sees("#outcome [data-index='6']", "Sent: Maintenance (warn said: slow)")
-        page.sees("#outcome [data-index='9'].failed", "Not sent: ")  # once that is known
+        page.sees("#outcome li:first-child.failed", "srv9 Not sent: ")  # once that is known
+        page.sees("#outcomes-title", "Said once: 5 did, 1 did not")
         self.assertEqual(page.acts, 3)
         page.sees("#profiles li", "srv9")  # stands first, because its texts fail
         page.wait(lambda: page.driver.title == "(2 in trouble) srv2 – Rotacasts", "both in the title")

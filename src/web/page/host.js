@@ -136,26 +136,34 @@ export async function askEach(indexes, { title, words, one, undo, step }) {
   return done;
 }
 
+let outcomesTitle = "";
+
 /** Shows what came of an act on several servers, failures first. */
 function showOutcomes(title, isUndoable, outcomes) {
-  const failed = outcomes.filter(([, isDone]) => !isDone).length;
-  const heading = failed ? `${title}: ${outcomes.length - failed} did, ${failed} did not` : `${title}: all ${outcomes.length} did`;
-  setText($("outcomes-title"), heading);
+  outcomesTitle = title;
   outcomes.sort((a, b) => a[1] - b[1]);
   $("outcome").replaceChildren(...outcomes.map(([index]) => el("li", { "data-index": index }, el("b"), " ", el("span"))));
-  for (const outcome of outcomes) setOutcome(...outcome);
+  for (const [index, isDone, words] of outcomes) setOutcome(outcomeOf(index), isDone, words);
   $("outcomes").hidden = false;
+  const failed = outcomes.filter(([, isDone]) => !isDone).length;
   if (failed) $("outcomes").scrollIntoView({ block: "nearest" });
-  toast(heading, { isBad: failed > 0, isUndoable, seconds: failed ? 12 : 6 });
+  toast($("outcomes-title").textContent, { isBad: failed > 0, isUndoable, seconds: failed ? 12 : 6 });
 }
 
-/** Sets the outcome of one server in the list, also later if it is known only then. */
-export function setOutcome(index, isDone, words) {
-  const item = $("outcome").querySelector(`[data-index="${index}"]`);
-  if (!item) return;
+/** The outcome of one server in the list, for setOutcome(). */
+export const outcomeOf = (index) => $("outcome").querySelector(`[data-index="${index}"]`);
+
+/** Sets an outcome, also later if it is known only then. Another act's list stays as it is. */
+export function setOutcome(item, isDone, words) {
+  if (!item?.isConnected) return;
+  const others = [...$("outcome").children];
   item.className = isDone ? "" : "failed";
-  setText(item.firstChild, `${isDone ? "✓" : "✗"} ${nameOf(index)}`);
+  setText(item.firstChild, `${isDone ? "✓" : "✗"} ${nameOf(Number(item.dataset.index))}`);
   setText(item.lastChild, words);
+  if (!isDone) $("outcome").insertBefore(item, others.find((one) => one !== item && one.className !== "failed") ?? null);
+  const failed = others.filter((one) => one.className === "failed").length;
+  setText($("outcomes-title"), failed ? `${outcomesTitle}: ${others.length - failed} did, ${failed} did not`
+    : `${outcomesTitle}: all ${others.length} did`);
 }
 
 // --- What came of it ---

@@ -1,6 +1,6 @@
 // The messages of the server shown: their list, in which each is changed, moved and deleted where it
 // stands, and the field for new ones.
-import { $, act, ask, askEach, setOutcome, el, kAdd, may, nameOf, on, remember, request, sentence, setCurrent, setText,
+import { $, act, ask, askEach, setOutcome, el, kAdd, may, nameOf, on, outcomeOf, remember, request, sentence, setCurrent, setText,
   state, targets, tell, warn, withNotes } from "./host.js";
 
 const kSettle = 700; // ms after a row has moved in which a press on it may be meant for another
@@ -18,6 +18,7 @@ const quoted = (text) => `“${text}”`;
 // --- Texts ---
 
 const letters = (text) => [...text].length;
+const counted = (count, thing) => `${count} ${thing}${count === 1 ? "" : "s"}`;
 const isWestern = (letter) => /[\x20-\x7e\xa0-\xff]/.test(letter) || kWesternSigns.includes(letter);
 
 /** The problem with a text; empty if there is none. */
@@ -405,7 +406,7 @@ export function showDraft() {
   const long = texts.find((text) => letters(text) > kWindowLetters);
   const isLive = texts.length === 1 && placeholders.includes(texts[0]);
   const to = targets().length;
-  setText($("count"), texts.length > 1 ? `${texts.length} messages` : texts.length ? `${letters(texts[0])} letters` : "");
+  setText($("count"), texts.length > 1 ? `${texts.length} messages` : texts.length ? counted(letters(texts[0]), "letter") : "");
   setText($("add"), `Add ${texts.length > 1 ? `${texts.length} messages ` : ""}to ${to > 1 ? `${to} lists` : "the list"}`);
   setText($("say"), to > 1 ? `Say once on ${to} servers` : "Say once, now");
   $("placeholders").value = isLive ? texts[0] : "";
@@ -483,13 +484,13 @@ function say(event) {
       one: (index) => request("POST", path(index, "say"), { text }),
     });
     for (const [index, answer] of done) {
-      if (answer.outcome === "under way") awaitOutcome(index, answer.number, text, done.size > 1);
+      if (answer.outcome === "under way") awaitOutcome(index, answer.number, text, done.size > 1 ? outcomeOf(index) : null);
     }
   });
 }
 
-/** Tells what became of a text once the host knows it. */
-async function awaitOutcome(index, number, text, isOneOfSeveral) {
+/** Tells what became of a text once the host knows it, at its outcome if it is one of several. */
+async function awaitOutcome(index, number, text, item) {
   let sent;
   do {
     await new Promise((resolve) => setTimeout(resolve, 1000));
@@ -497,9 +498,9 @@ async function awaitOutcome(index, number, text, isOneOfSeveral) {
   } while (sent?.outcome === "under way");
   const isDone = sent?.outcome === "sent";
   const words = isDone ? `Sent: ${text}${sent.reason && ` (${sent.reason})`}` : `Not sent: ${sent?.reason || "the host does not know what became of it"}`;
-  if (isOneOfSeveral) setOutcome(index, isDone, words);
+  setOutcome(item, isDone, words);
   if (!isDone) warn(`${nameOf(index)}: ${words}`);
-  else if (!isOneOfSeveral) tell(words);
+  else if (!item) tell(words);
 }
 
 function copyList(event) {
