@@ -4,10 +4,12 @@ import http.client
 import json
 import os
 import resource
+import signal
 import socket
 import threading
 import time
 import unittest
+from pathlib import Path
 
 from programs import message_file
 from support import ADD, CHANGE, PASSWORD, Document, Host
@@ -183,6 +185,7 @@ class Changes(unittest.TestCase):
             sockets[-1].sendall(lines[0].encode())
         heard = b""
         while b"event: elsewhere" not in heard:
+            self.assertLess(time.time() - begin, 60, "the page is still followed")
             self.assertTrue(piece := sockets[0].recv(10000), "the page is still followed")
             heard += piece
         for _ in range(98):  # more than the limit of one address; another address is still served
@@ -261,6 +264,27 @@ class SigningIn(unittest.TestCase):
         self.assertEqual(self.host.sign_in("Anna", PASSWORD + "x" * 256, Cookie=known)[0], 422)
         time.sleep(wait + 0.1)
         self.assertEqual(self.host.sign_in("Anna")[0], 200)
+
+    def test_a_password_that_nobody_could_check_is_no_failure(self):
+        children = Path(f"/proc/{self.host.program.id}/task/{self.host.program.id}/children")
+        answers = []
+        for _ in range(4):
+            attempt = threading.Thread(target=lambda: answers.append(self.host.sign_in("Anna", "wrong")[0]))
+            attempt.start()
+            while attempt.is_alive() and not (check := children.read_text()):
+                pass
+            if check:
+                os.kill(int(check.split()[0]), signal.SIGKILL)
+            attempt.join()
+        fillers = [threading.Thread(target=self.host.sign_in, args=("Eve",), kwargs={"X_Forwarded_For": f"10.0.0.{i}"})
+                   for i in range(14)]
+        for filler in fillers:
+            filler.start()
+        time.sleep(0.05)
+        answers += [self.host.sign_in("Anna")[0] for _ in range(4)]  # while as many wait as may
+        for filler in fillers:
+            filler.join()
+        self.assertEqual((answers, self.host.sign_in("Anna")[0]), ([503] * 8, 200))
 
     def test_many_pages_of_an_address_leave_room_for_other_requests(self):
         self.host.end()
