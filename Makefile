@@ -114,12 +114,10 @@ format: ## bring every source file into shape
 
 lint: ## check the shape and let clang-tidy read the code
 	@scripts/bootstrap build test bench lint
-	@scripts/quietly cmake --preset sanitized
 	@scripts/lint
 
 lint-changed: ## the same, where clang-tidy reads only what has changed since the commit SINCE
 	@scripts/bootstrap build test bench lint
-	@scripts/quietly cmake --preset sanitized
 	@scripts/lint $(SINCE)
 
 clean: ## remove what was built

@@ -20,8 +20,8 @@ namespace {
 using testing::TestFolder;
 
 /// Two copies of a file, one for each side, so that neither sees the other's changes.
-struct Arena {
-  explicit Arena(int messages) : messageCount(messages) {
+struct IniArena {
+  explicit IniArena(int messages) : messageCount(messages) {
     folder.Write("ours.ini", MessageFileOf(messages));
     folder.Write("theirs.ini", MessageFileOf(messages));
     ours = folder.File("ours.ini");
@@ -58,7 +58,7 @@ void Load(CSimpleIniA& ini, const std::string& file) {
 }
 
 void AddDuels(int messages, std::vector<Duel>& duels) {
-  const auto arena = std::make_shared<Arena>(messages);
+  const auto arena = std::make_shared<IniArena>(messages);
   const std::string size = ", " + std::to_string(messages) + " messages";
   duels.push_back({"INI: read the section" + size, "SimpleIni", "1.00",
                    [arena] {

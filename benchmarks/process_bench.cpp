@@ -174,7 +174,7 @@ class BareTick {
 };
 
 /// Everything that the duels use; kept until the program ends.
-struct Arena {
+struct ProcessArena {
   TestFolder folder;
   Server small{25};   // 33 slots
   Server large{250};  // 251 slots
@@ -182,7 +182,7 @@ struct Arena {
 
 /// The scan with read-ahead against single reads and against the least of reads, and without.
 void AddScanDuels(const std::string& slots, const Server& server,
-                  const std::shared_ptr<Arena>& arena, std::vector<Duel>& duels) {
+                  const std::shared_ptr<ProcessArena>& arena, std::vector<Duel>& duels) {
   const auto plugin = std::make_shared<Plugin>(server, arena->folder);
   const auto scan = [plugin, arena] {
     ScanPlayers({plugin->state.services, plugin->state.tables, 1}, kCommonLayout,
@@ -236,7 +236,7 @@ struct Crowd {
   host::HeadlessPlugin plugin{profiles, troubles, std::chrono::nanoseconds(1)};
 };
 
-Duel CrowdDuel(const std::shared_ptr<Arena>& arena) {
+Duel CrowdDuel(const std::shared_ptr<ProcessArena>& arena) {
   const auto crowd = std::make_shared<Crowd>(arena->small);
   const BareReader reader(arena->small.process.Id());
   return {"turn with 200 profiles due, a statistic each", "the bare reads of 200 scans", "1.00",
@@ -247,7 +247,7 @@ Duel CrowdDuel(const std::shared_ptr<Arena>& arena) {
 }
 
 /// A read that first looks again whether its process still receives at the Target port.
-Duel LookDuel(const std::shared_ptr<Arena>& arena) {
+Duel LookDuel(const std::shared_ptr<ProcessArena>& arena) {
   const auto processes = std::make_shared<host::GameProcesses>();
   const auto port = static_cast<std::uint16_t>(std::stoi(arena->small.port));
   const std::string name = std::filesystem::path(SIMULATOR_PROGRAM).filename().string();
@@ -274,7 +274,7 @@ Duel LookDuel(const std::shared_ptr<Arena>& arena) {
 }  // namespace
 
 std::vector<Duel> ProcessDuels() {
-  const auto arena = std::make_shared<Arena>();
+  const auto arena = std::make_shared<ProcessArena>();
   const std::string file = "profiles/srv1/settings/Rotacasts.ini";
   arena->folder.Write(file, ReplaceAll(MessageFileOf(10), "Interval=1", "Interval=30"));
   arena->folder.Write("settings/config.ini", "[Settings]\r\nReportErrors=0\r\n");

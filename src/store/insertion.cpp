@@ -6,12 +6,6 @@
 namespace rotacasts {
 namespace {
 
-bool HasDenseKeys(const MessageEntries& entries) {
-  std::size_t place = 0;
-  return std::ranges::all_of(entries,
-                             [&](const auto& entry) { return entry.key == KeyAt(place++); });
-}
-
 /// The section's texts after the insertion.
 std::vector<std::string> TextsWith(const MessageEntries& entries, std::size_t position,
                                    const std::vector<std::string>& texts) {

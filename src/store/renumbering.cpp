@@ -20,13 +20,6 @@ std::int32_t UnusedKey(const Keys& keys, std::int32_t first) {
   return first;
 }
 
-bool HasDenseKeys(const MessageEntries& entries) {
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (entries[i].key != KeyAt(i)) return false;
-  }
-  return true;
-}
-
 /// How many entries at the head of a section need no renumbering: they have the key of their
 /// position and a text that stays, and no later line has one of their keys.
 std::size_t CountInPlace(const MessageEntries& entries) {
@@ -147,6 +140,13 @@ void Write(MessageSection& section, SectionStep& step) {
 }
 
 }  // namespace
+
+bool HasDenseKeys(const MessageEntries& entries) {
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (entries[i].key != KeyAt(i)) return false;
+  }
+  return true;
+}
 
 std::string NextKey(const std::vector<std::string>& lines) {
   return std::to_string(NextKeyNumber(lines));

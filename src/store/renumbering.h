@@ -30,6 +30,9 @@ struct SectionSteps {
   std::vector<SectionStep> wayBack;
 };
 
+/// Whether the keys are 1 to n in their order, as the plugin itself numbers messages.
+bool HasDenseKeys(const MessageEntries& entries);
+
 /// The steps that renumber these entries, the whole section, in their order. Blank ones go.
 SectionSteps StepsToRenumber(MessageEntries entries);
 

@@ -41,6 +41,8 @@ std::string AddressOf(MHD_Connection* connection) {
   return ClientAddressOf(*info->client_addr);
 }
 
+}  // namespace
+
 class ReceivedRequest final : public Request {
  public:
   explicit ReceivedRequest(MHD_Connection* from) : connection(from) { address = AddressOf(from); }
@@ -67,8 +69,6 @@ class ReceivedRequest final : public Request {
     return value != nullptr ? value : "";
   }
 };
-
-}  // namespace
 
 class HttpServer::Conversation final : public Exchange,
                                        public std::enable_shared_from_this<Conversation> {

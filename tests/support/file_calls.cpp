@@ -19,7 +19,7 @@ namespace {
 std::function<int(const FileCall&)> hook;
 bool isInHook = false;
 
-std::string PathOf(int descriptor) {
+std::string OpenedPath(int descriptor) {
   std::error_code problem;
   return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), problem);
 }
@@ -70,24 +70,24 @@ int mkostemp(char* path, int flags) noexcept {
 }
 
 ssize_t read(int descriptor, void* bytes, size_t size) {
-  if (Fails([&] { return FileCall{"read", PathOf(descriptor)}; })) return -1;
+  if (Fails([&] { return FileCall{"read", OpenedPath(descriptor)}; })) return -1;
   return ::syscall(SYS_read, descriptor, bytes, size);
 }
 
 ssize_t write(int descriptor, const void* bytes, size_t size) {
   const auto describe = [&] {
-    return FileCall{"write", PathOf(descriptor), "", {static_cast<const char*>(bytes), size}};
+    return FileCall{"write", OpenedPath(descriptor), "", {static_cast<const char*>(bytes), size}};
   };
   return Fails(describe) ? -1 : ::syscall(SYS_write, descriptor, bytes, size);
 }
 
 int fsync(int descriptor) {
-  if (Fails([&] { return FileCall{"fsync", PathOf(descriptor)}; })) return -1;
+  if (Fails([&] { return FileCall{"fsync", OpenedPath(descriptor)}; })) return -1;
   return hook ? 0 : static_cast<int>(::syscall(SYS_fsync, descriptor));
 }
 
 int close(int descriptor) {
-  const bool fails = Fails([&] { return FileCall{"close", PathOf(descriptor)}; });
+  const bool fails = Fails([&] { return FileCall{"close", OpenedPath(descriptor)}; });
   const int problem = errno;
   const int result = static_cast<int>(::syscall(SYS_close, descriptor));
   if (fails) errno = problem;
@@ -95,7 +95,7 @@ int close(int descriptor) {
 }
 
 int fchmod(int descriptor, mode_t mode) noexcept {
-  if (Fails([&] { return FileCall{"fchmod", PathOf(descriptor)}; })) return -1;
+  if (Fails([&] { return FileCall{"fchmod", OpenedPath(descriptor)}; })) return -1;
   return static_cast<int>(::syscall(SYS_fchmod, descriptor, mode));
 }
 

@@ -157,12 +157,13 @@ class FailingObject final : public win32::CountedObject<IDispatch> {
                         UINT*) override {
     const auto& [result, code, scode, description, number, told] = row_;
     if (result != DISP_E_EXCEPTION) return result;
-    *exception = {.wCode = code,
-                  .bstrSource = Bstr("tvxZDL").Release(),
-                  .bstrDescription = Bstr(description).Release(),
-                  .bstrHelpFile = Bstr("C:\\zdl.chm").Release(),
-                  .dwHelpContext = 1234,
-                  .scode = scode};
+    *exception = {};
+    exception->wCode = code;
+    exception->bstrSource = Bstr("tvxZDL").Release();
+    exception->bstrDescription = Bstr(description).Release();
+    exception->bstrHelpFile = Bstr("C:\\zdl.chm").Release();
+    exception->dwHelpContext = 1234;
+    exception->scode = scode;
     return result;
   }
 

@@ -46,6 +46,11 @@ TEST_F(LifetimeTest, StaysWhileACallOfItsIsOnTheStack) {
   }
 }
 
+DWORD WINAPI Act(void* act) {
+  (*static_cast<std::function<void()>*>(act))();
+  return 0;
+}
+
 TEST_F(LifetimeTest, AWindowWhoseThreadHasEndedIsMadeAgain) {
   Show({"a"});
   Call("UnLoadInterface", {""});
@@ -60,11 +65,7 @@ TEST_F(LifetimeTest, AWindowWhoseThreadHasEndedIsMadeAgain) {
     EXPECT_EQ(answers.boxes, Texts{});
     ::CoUninitialize();
   };
-  const auto run = [](void* act) -> DWORD {
-    (*static_cast<std::function<void()>*>(act))();
-    return 0;
-  };
-  const win32::UniqueHandle thread(::CreateThread(nullptr, 0, run, &showOnTheScreen, 0, nullptr));
+  const win32::UniqueHandle thread(::CreateThread(nullptr, 0, Act, &showOnTheScreen, 0, nullptr));
   ASSERT_TRUE(PumpUntil([&] { return ::WaitForSingleObject(thread.Get(), 0) == WAIT_OBJECT_0; }));
   plugin.emplace(InstalledPlugin::Create());
   Load(2);

@@ -20,17 +20,17 @@ namespace {
 
 constexpr COLORREF kBlack = RGB(0, 0, 0);
 
-/// What a mouse message raises on the model.
-enum class Raises { Nothing, Press, Release, LostPress };
-/// Who captures the mouse at it, so that a release arrives wherever the pointer is: standard
-/// controls, which are those that Tab reaches, see to that themselves.
-enum class Captures { Nobody, OtherKinds };
-/// How far it goes on to the control's own procedure: not where the model's menu answers it.
-enum class GoesOn { Always, WithoutMenu };
-
 }  // namespace
 
 struct MouseRule {
+  /// What the message raises on the model.
+  enum class Raises { Nothing, Press, Release, LostPress };
+  /// Who captures the mouse at it, so that a release arrives wherever the pointer is: standard
+  /// controls, which are those that Tab reaches, see to that themselves.
+  enum class Captures { Nobody, OtherKinds };
+  /// How far it goes on to the control's own procedure: not where the model's menu answers it.
+  enum class GoesOn { Always, WithoutMenu };
+
   UINT message;
   std::int16_t button;
   Raises raises;
@@ -39,6 +39,10 @@ struct MouseRule {
 };
 
 namespace {
+
+using Raises = MouseRule::Raises;
+using Captures = MouseRule::Captures;
+using GoesOn = MouseRule::GoesOn;
 
 constexpr std::int16_t kNoButton = 0;
 constexpr MouseRule kMouseRules[] = {

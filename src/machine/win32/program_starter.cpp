@@ -11,7 +11,7 @@
 namespace rotacasts::host {
 namespace {
 
-constexpr DWORD kLook = 20;  // milliseconds between two looks at what a program writes
+constexpr DWORD kOutputLook = 20;  // milliseconds between two looks at what a program writes
 /// This much of a program's standard error is kept; the rest is read and dropped.
 constexpr std::size_t kMostWords = 400;
 /// How a program ends that is ended here.
@@ -162,7 +162,7 @@ void ProgramStarter::Child::ReadErrors() {
 
 void ProgramStarter::Child::Wait() {
   const ULONGLONG begin = ::GetTickCount64();
-  while (::WaitForSingleObject(process.Get(), kLook) == WAIT_TIMEOUT) {
+  while (::WaitForSingleObject(process.Get(), kOutputLook) == WAIT_TIMEOUT) {
     ReadErrors();
     isLate = ::GetTickCount64() - begin > static_cast<ULONGLONG>(timeLimit.count());
     if (!isLate) continue;

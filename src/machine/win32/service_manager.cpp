@@ -13,7 +13,7 @@ namespace {
 constexpr DWORD kRestartAfter = 5000;     // milliseconds
 constexpr DWORD kForgetFailures = 86400;  // seconds
 constexpr DWORD kLongestStop = 30000;     // milliseconds
-constexpr DWORD kLook = 50;               // milliseconds between two looks at its state
+constexpr DWORD kStateLook = 50;          // milliseconds between two looks at its state
 
 [[noreturn]] void Raise(DWORD problem, const std::wstring& name) {
   ErrorNumber number = ErrorNumber::DeviceIoError;
@@ -32,14 +32,14 @@ constexpr DWORD kLook = 50;               // milliseconds between two looks at i
 }
 
 /// An owner of a handle of the service manager.
-class Handle {
+class ServiceHandle {
  public:
-  explicit Handle(SC_HANDLE handle) : handle_(handle) {}
-  ~Handle() {
+  explicit ServiceHandle(SC_HANDLE handle) : handle_(handle) {}
+  ~ServiceHandle() {
     if (handle_ != nullptr) ::CloseServiceHandle(handle_);
   }
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
+  ServiceHandle(const ServiceHandle&) = delete;
+  ServiceHandle& operator=(const ServiceHandle&) = delete;
   SC_HANDLE Get() const { return handle_; }
   explicit operator bool() const { return handle_ != nullptr; }
 
@@ -53,8 +53,8 @@ struct Opened {
       : manager(::OpenSCManagerW(nullptr, nullptr, managerAccess)),
         service(manager ? ::OpenServiceW(manager.Get(), name.c_str(), access) : nullptr) {}
 
-  const Handle manager;
-  const Handle service;
+  const ServiceHandle manager;
+  const ServiceHandle service;
 };
 
 const wchar_t* OrNull(const std::wstring& text) {
@@ -139,7 +139,7 @@ void Service::Install(const Setup& setup) const {
     }
     return Describe(opened.service.Get(), setup);
   }
-  const Handle made(::CreateServiceW(
+  const ServiceHandle made(::CreateServiceW(
       opened.manager.Get(), name_.c_str(), setup.shownName.c_str(), SERVICE_ALL_ACCESS,
       SERVICE_WIN32_OWN_PROCESS, SERVICE_AUTO_START, SERVICE_ERROR_NORMAL, setup.command.c_str(),
       nullptr, nullptr, nullptr, OrNull(setup.account), OrNull(setup.password)));
@@ -172,9 +172,9 @@ void Service::Stop() const {
     if (problem == ERROR_SERVICE_NOT_ACTIVE) return;
     Raise(problem, name_);
   }
-  for (DWORD waited = 0; StateOf(opened.service.Get()) != SERVICE_STOPPED; waited += kLook) {
+  for (DWORD waited = 0; StateOf(opened.service.Get()) != SERVICE_STOPPED; waited += kStateLook) {
     if (waited >= kLongestStop) Raise(ERROR_SERVICE_REQUEST_TIMEOUT, name_);
-    ::Sleep(kLook);
+    ::Sleep(kStateLook);
   }
 }
 
