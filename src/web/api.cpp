@@ -30,8 +30,6 @@ std::size_t MostPagesOfAddress() {
   return std::max<std::size_t>(OwnDescriptorShares().ofOneAddress * 3 / 4, 1);
 }
 
-enum class Need { Nothing, Session, ChangeMessages, ChangeSettings };
-
 /// The client's address. A proxy on this machine is trusted to name its client, last of all.
 std::string ClientOf(const Request& request) {
   if (!IsLoopback(request.address)) return request.address;
@@ -65,6 +63,8 @@ bool IsJson(const Request& request) {
 }
 
 }  // namespace
+
+enum class Need { Nothing, Session, ChangeMessages, ChangeSettings };
 
 struct Api::Route {
   const char* method;

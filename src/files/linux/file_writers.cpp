@@ -39,12 +39,12 @@ bool MayWrite(const fs::path& description) {
 /// Whether one of the processes that this user may look into can write the file. A machine with
 /// very many of them is not looked through to the end, because the broadcasts wait.
 bool HasVisibleWriter(const Descriptor& file) {
-  constexpr std::clock_t kLongest = CLOCKS_PER_SEC / 50;  // of the processor's time
+  constexpr std::clock_t kLongestSearch = CLOCKS_PER_SEC / 50;  // of the processor's time
   const std::clock_t begin = std::clock();
   std::error_code problem;
   const fs::path name = fs::read_symlink("/proc/self/fd/" + std::to_string(file.Get()), problem);
   return AnyNumbered("/proc", [&](const fs::path& process) {
-    return std::clock() - begin < kLongest &&
+    return std::clock() - begin < kLongestSearch &&
            AnyNumbered(process / "fd", [&](const fs::path& open) {
              return fs::read_symlink(open, problem) == name &&
                     MayWrite(process / "fdinfo" / open.filename());
