@@ -103,7 +103,7 @@ docs: ## bring what the documents take from the code up to date
 	@scripts/made-table build/sanitized/docs/placeholder-table docs/help/placeholders.md
 	@scripts/made-table build/sanitized/docs/console-table docs/help/console.md
 
-pictures: demo-windows package ## take the pictures of the documents anew
+pictures: demo-windows package ## take the pictures of the documents again
 	@scripts/under-wine build/windows/tests/win32/keeper.exe scripts/setup-pictures \
 	  build/package/RotacastsSetup-*.exe build/demo-windows
 	@scripts/bootstrap browser

@@ -26,5 +26,7 @@ std::vector<Duel> ProcessDuels();
 std::vector<Duel> IniDuels();
 std::vector<Result> MeasureHostLoad();
 std::vector<Result> MeasureWeb();
+/// The longest turns of the event loop that changes of long lists take.
+std::vector<Result> MeasureTurns();
 
 }  // namespace rotacasts::bench

@@ -1,6 +1,6 @@
 // rotacasts-bench: measures everything against named opponents in the same run.
-//   --benchmark_filter=REGEX: only the pairs with matching names; the rest are named "host" and
-// "page"
+//   --benchmark_filter=REGEX: only the pairs with matching names; the rest are named "host",
+// "page" and "page turns"
 
 #include <benchmark/benchmark.h>
 
@@ -27,6 +27,10 @@ int main(int argc, char** argv) {
   if (isAsked("page")) {
     std::cerr << "asking a host with 200 profiles for its page's answers\n";
     for (Result& result : MeasureWeb()) results.push_back(std::move(result));
+  }
+  if (isAsked("page turns")) {
+    std::cerr << "changing lists of 1,500 messages that 100 pages show\n";
+    for (Result& result : MeasureTurns()) results.push_back(std::move(result));
   }
   PrintTable(results);
 }

@@ -40,6 +40,8 @@ constexpr int kRequestsARound = 100;
 constexpr std::chrono::seconds kWatched{60};  // contains a tick of every profile
 constexpr std::chrono::seconds kTicking{15};  // with one tick per second
 constexpr const char* kPath = "/api/profiles/7/messages";
+constexpr int kLongList = 1500;
+constexpr double kLongestTurn = 1e8;  // nanoseconds that a request may hold up everything else
 
 /// How long a process has kept a processor busy since it began, in nanoseconds.
 double ProcessorTime(std::int64_t process) {
@@ -85,6 +87,11 @@ class Client {
       whole = end + 4 + std::stoul(answer.substr(length + 16));
     }
     return answer;
+  }
+  /// Whether a part of an answer has arrived.
+  bool HasAnswer() const {
+    pollfd source{socket_, POLLIN, 0};
+    return ::poll(&source, 1, 0) > 0;
   }
   /// Reads and drops whatever arrives in this time.
   static void Drain(const std::vector<std::unique_ptr<Client>>& clients, Clock::duration time) {
@@ -210,12 +217,13 @@ class Arrivals : public ChatPort {
 /// A host with the page and a signed-in user.
 class PageHost {
  public:
-  explicit PageHost(const char* minute)
+  /// Each profile has a list of 20 messages, the first two of `first`.
+  explicit PageHost(const char* minute, int first = 20)
       : server_({SIMULATOR_PROGRAM, "--game-code", "JO", "--step", "86400000"}) {
     server_.ReadUntil("chat on");
     for (int i = 1; i <= kProfiles; ++i) {
       folder_.AddProfile(i, "JO", std::to_string(server_.Id()), std::to_string(arrivals.port),
-                         MessageFileOf(20, "Profile " + std::to_string(i)));
+                         MessageFileOf(i <= 2 ? first : 20, "Profile " + std::to_string(i)));
     }
     for (int person = 0; person < kPages / kPagesOfPerson; ++person) {
       ChildProcess admin({ROTACASTS_HOST_PROGRAM, "admin", "set", NameOf(person), "--host-folder",
@@ -234,6 +242,12 @@ class PageHost {
   std::string Get(const std::string& path, int person = 0) const {
     return "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nCookie: " +
            cookies_.at(static_cast<std::size_t>(person)) + "\r\n\r\n";
+  }
+  std::string Change(const char* method, const char* path, const std::string& body) const {
+    return std::string(method) + " " + path +
+           " HTTP/1.1\r\nHost: 127.0.0.1\r\nCookie: " + cookies_.at(0) +
+           "\r\nOrigin: http://127.0.0.1\r\nContent-Type: application/json" +
+           "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
   }
   std::int64_t Id() const { return host_->Id(); }
   double KiB() const {
@@ -281,11 +295,12 @@ double LoadWith(const PageHost& host, const std::vector<std::unique_ptr<Client>>
 
 using Pages = std::vector<std::unique_ptr<Client>>;
 
-Pages OpenPages(const PageHost& host) {
+Pages OpenPages(const PageHost& host, int profile = 7) {
   Pages pages;
   for (int i = 0; i < kPages; ++i) {
     pages.push_back(std::make_unique<Client>(host.port));
-    pages.back()->Send(host.Get("/api/events?profile=7", i / kPagesOfPerson));
+    pages.back()->Send(
+        host.Get("/api/events?profile=" + std::to_string(profile), i / kPagesOfPerson));
   }
   Client::Drain(pages, std::chrono::seconds(3));
   return pages;
@@ -325,7 +340,54 @@ std::pair<Latencies, Latencies> DelaysOfTicks() {
   return delays;
 }
 
+/// The longest that a request waited while another changed a long list that 100 pages show.
+double LongestTurn(const PageHost& host, const Pages& pages, const std::string& change) {
+  Client client(host.port);
+  Client other(host.port);
+  double longest = 0;
+  client.Send(change);
+  do {
+    const auto begin = Clock::now();
+    other.Send(host.Get("/api/session"));
+    other.Receive();
+    longest = std::max(longest, static_cast<double>((Clock::now() - begin).count()));
+  } while (!client.HasAnswer());
+  const std::string answer = client.Receive();
+  if (answer.find(" 200 ") > 20) throw std::runtime_error("refused: " + answer);
+  Client::Drain(pages, std::chrono::milliseconds(500));
+  return longest;
+}
+
 }  // namespace
+
+std::vector<Result> MeasureTurns() {
+  const PageHost host("60s", kLongList);
+  const Pages pages = OpenPages(host, 1);
+  std::string lines;
+  for (int i = 0; i < 1000; ++i) lines += (i == 0 ? "\"" : ",\"") + std::to_string(i) + '"';
+  const std::string first = "\"position\":0,\"text\":\"Profile 1 number 1 of the list\"";
+  const std::string last = "\"position\":1499,\"text\":\"Profile 1 number 1 of the list\"";
+  const struct {
+    const char* job;
+    const char* method;
+    const char* path;
+    std::string body;
+  } kJobs[] = {
+      {"place", "POST", "/api/profiles/1/places", "{" + first + ",\"to\":1499}"},
+      {"place back", "POST", "/api/profiles/1/places", "{" + last + ",\"to\":0}"},
+      {"delete", "DELETE", "/api/profiles/1/messages", "{" + first + "}"},
+      {"undo the delete", "POST", "/api/profiles/1/restored", "{" + first + "}"},
+      {"paste 1,000 lines", "POST", "/api/profiles/1/lists", "{\"texts\":[" + lines + "]}"},
+      {"copy 1,500 messages", "POST", "/api/profiles/1/copies", "{\"from\":2}"},
+  };
+  std::vector<Result> results;
+  for (const auto& job : kJobs) {
+    const double ours = LongestTurn(host, pages, host.Change(job.method, job.path, job.body));
+    results.push_back({std::string("page: longest turn, ") + job.job, FormatTime(ours), "the limit",
+                       FormatTime(kLongestTurn), "1.00", ours / kLongestTurn});
+  }
+  return results;
+}
 
 std::vector<Result> MeasureWeb() {
   auto [alone, beside] = DelaysOfTicks();

@@ -266,14 +266,16 @@ class EndToEnd(ProgramTest):
     def test_a_wrong_call_says_what_is_wrong(self):
         here, nowhere = ("--host-folder", self.folder), ("--host-folder", "/nowhere/at/all")
         for words, says, status in (
-                (("run", *nowhere), "make it, or name another folder", 2),
+                (("run", *nowhere), "make it, or name another one", 2),
                 (("run", *here), f"{self.folder}/profiles: No such file", 2),
                 (("run", *here), "has no usable profile", 2),
                 (("check", *nowhere), "/nowhere/at/all/profiles: No such file", 1),
-                (("run", *here, "--minute", "soon"), "--minute", 2),
+                (("run", "--host-folder", ""), "--host-folder is empty; name a folder", 2),
+                (("run", *here, "--minute", "soon"), "--minute takes a length of time", 2),
                 (("run", "--bogus"), 'rotacasts-host run: "--bogus" is not known here', 2),
                 (("fly",), 'rotacasts-host: "fly" is not known here', 2),
-                (("preview", *here, "--profile", "4"), "there is no profile 4", 1),
+                (("preview", *here, "--profile", "4"), "there is no profile 4; preview shows all", 1),
+                (("preview", *here, "--profile", "x"), "--profile = x is no whole number", 2),
                 (("check", "--help"), "Exit status: 0 done; 1 check has a warning", 0)):
             host = self.start(Program, HOST, *words)
             self.expect(host, says)

@@ -15,6 +15,7 @@
 #include "machine/process_reader.h"
 #include "services/host_folder.h"
 #include "siblings/file_layer.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -202,7 +203,7 @@ std::vector<std::string> ConvertHostFolder(const std::string& hostFolder) {
       if (copy.empty()) continue;
       lines.push_back(name + ": converted; as it was it is kept in " + NativePath(copy).string());
     } catch (const RuntimeError& error) {
-      lines.push_back(name + ": not converted: " + error.description);
+      lines.push_back(name + ": not converted: " + PlainWords(error));
     }
   }
   return lines;

@@ -9,6 +9,7 @@
 #include "base/word_list.h"
 #include "files/native_files.h"
 #include "siblings/file_layer.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -37,7 +38,7 @@ FileCheck::FileCheck(std::string path, std::vector<std::string>& warnings)
     }
   } catch (const RuntimeError& error) {
     isReadable_ = false;
-    Warn(1, error.description);
+    Warn(1, PlainWords(error));
   }
 }
 
@@ -49,7 +50,7 @@ void FileCheck::ReadUtf8(std::string bytes) {
   try {
     ToWindows1252(bytes);
   } catch (const RuntimeError& error) {
-    remedy = "; before it can be converted: " + error.description;
+    remedy = "; before it can be converted: " + PlainWords(error);
   }
   if (isMarked) ReadIni(path_);  // throws: a file with a mark cannot be used
   const auto first = std::find_if_not(bytes.begin(), bytes.end(), IsAscii);

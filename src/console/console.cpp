@@ -9,6 +9,7 @@
 #include "console/text_table.h"
 #include "files/native_files.h"
 #include "host/complaint.h"
+#include "siblings/plain_words.h"
 #include "terminal/terminal.h"
 
 namespace rotacasts::host {
@@ -167,7 +168,7 @@ const Console::Command Console::kCommands[] = {
        arguments.End();
        console.PrintReloaded();
      }},
-    {"remote PROFILE OPERATION [DATA]", "pass DATA as it stands; print the raw reply",
+    {"remote PROFILE OPERATION [DATA]", "pass DATA unchanged; print the raw reply",
      [](Console& console, Arguments& arguments) { console.PrintRemote(arguments); }},
     {"help", "this list", [](Console& console, Arguments&) { console.PrintHelp(); }},
     {"quit", "leave the console; at the host's own one this ends the host",
@@ -188,7 +189,7 @@ Console::Outcome Console::Execute(const std::string& line) {
     Run(std::string_view(line).substr(std::min(line.find_first_not_of(' '), line.size())));
     outcome = hasQuit_ ? Outcome::Quit : Outcome::Done;
   } catch (...) {
-    out_ << CurrentRuntimeError().description << "\n";
+    out_ << PlainWords(CurrentRuntimeError()) << "\n";
   }
   out_ << std::flush;
   return outcome;

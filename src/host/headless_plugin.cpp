@@ -4,10 +4,12 @@
 #include <utility>
 
 #include "broadcast/schedule.h"
+#include "files/native_files.h"
 #include "host/message_list.h"
 #include "plugin/remote_operations.h"
 #include "services/host_folder.h"
 #include "siblings/host_file_system.h"
+#include "siblings/plain_words.h"
 #include "store/list_commands.h"
 #include "ui/layout.h"
 
@@ -101,14 +103,19 @@ class HeadlessPlugin::Instance::Errors final : public ErrorReporter {
 
  protected:
   void TellOfNoReport(const RuntimeError& why) override {
-    instance_.Tell(instance_.Label() + ": no report was sent (" + std::to_string(why.number) +
-                   ": " + why.description + "); is ReportErrors in settings/config.ini 0 or 1?");
+    const bool isNoNumber = why.Is(ErrorNumber::TypeMismatch);
+    instance_.Tell(
+        instance_.Label() + ": no report was sent: " +
+        (isNoNumber
+             ? NativePath(HostFolder(instance_.profiles_.Folder()).Configuration()).string() +
+                   ": ReportErrors is no number; write 0 or 1"
+             : PlainWords(why)));
   }
 
  private:
   /// A value that is none of the plugin's kind stands in the message file, where a person wrote it.
   std::string Describe(const Failure& failure) const {
-    if (failure.error.number == static_cast<std::int32_t>(ErrorNumber::TypeMismatch)) {
+    if (failure.error.Is(ErrorNumber::TypeMismatch)) {
       const std::string problem = OptionProblem(instance_.MessageFile());
       if (!problem.empty()) return instance_.Label() + ": " + problem;
     }
@@ -180,7 +187,7 @@ HostedPlugin::Reply HeadlessPlugin::Instance::Answer(const std::function<std::st
   Reply reply;
   const Listening listening(problems_, reply);
   const IniFiles::Listener unstored(
-      files_, [this](const RuntimeError& error) { Tell(Label() + ": " + error.description); });
+      files_, [this](const RuntimeError& error) { Tell(Label() + ": " + PlainWords(error)); });
   if (files_.Run([&] { reply.text = operation(); })) {
     reply.text.clear();
     const std::vector<std::string> problems = reply.problems;

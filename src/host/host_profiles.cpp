@@ -9,6 +9,7 @@
 #include "services/profile_data.h"
 #include "services/profile_tables.h"
 #include "siblings/file_layer.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -16,10 +17,12 @@ namespace {
 /// Returns the folder. Errors: 76 if it is missing.
 const std::string& Existing(const std::string& folder) {
   if (!MachineFiles().FolderExists(folder)) {
-    throw RuntimeError(ErrorNumber::PathNotFound, folder + "; make it, or name another folder");
+    throw RuntimeError(ErrorNumber::PathNotFound,
+                       "there is no folder " + folder + "; make it, or name another one");
   }
   if (NativePath(folder).string() != folder) {  // a "\" in it would mean another folder
-    throw RuntimeError(ErrorNumber::PathNotFound, folder + "; a name with \"\\\" cannot be used");
+    throw RuntimeError(ErrorNumber::PathNotFound,
+                       "a folder whose name has a \"\\\" cannot be used: " + folder);
   }
   return folder;
 }
@@ -82,7 +85,7 @@ bool HostProfiles::MakeSettingsFolderOf(const ProfileSettings& profile) try {
   return true;
 } catch (const RuntimeError& error) {
   out_ << "skipped: " << profile.Label()
-       << ": its settings folder cannot be made: " << error.description;
+       << ": its settings folder cannot be made: " << PlainWords(error);
   if (error.number == static_cast<std::int32_t>(ErrorNumber::PermissionDenied)) {
     out_ << "; let the host's user write "
          << NativePath(HostFolder(folder_).Profile(profile.folder)).string();

@@ -80,8 +80,8 @@ void MakeRoot(const std::string& hostFolder) {
   std::error_code problem;
   std::filesystem::create_directory(NativePath(hostFolder), problem);
   if (problem) {
-    throw RuntimeError(ErrorNumber::PathNotFound, hostFolder + " (" + problem.message() +
-                                                      "); make it, or name another folder");
+    throw RuntimeError(ErrorNumber::PathNotFound, "the folder " + hostFolder + " cannot be made (" +
+                                                      problem.message() + "); name another one");
   }
 }
 

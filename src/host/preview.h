@@ -6,6 +6,7 @@
 
 #include "broadcast/live_texts.h"
 #include "host/host_profiles.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 
@@ -36,7 +37,7 @@ class Preview final : MemorySource, ErrorHandler {
  private:
   // What the readers read from, and where they report errors.
   MemoryComponent& Memory() const override { return *memory_; }
-  void ReportError(const Failure& failure) override { problem_ = failure.error.description; }
+  void ReportError(const Failure& failure) override { problem_ = PlainWords(failure.error); }
 
   void Describe(const ProfileSettings& profile);
 

@@ -13,6 +13,7 @@
 #include "services/host_folder.h"
 #include "siblings/file_layer.h"
 #include "siblings/ini_text.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -156,7 +157,7 @@ LoadedProfiles LoadProfiles(const std::string& hostFolder) {
                                                "; give it another one"});
       }
     } catch (const RuntimeError& error) {
-      loaded.problems.push_back({folder, error.description});
+      loaded.problems.push_back({folder, PlainWords(error)});
     }
   }
   for (auto& [index, profile] : byIndex) loaded.profiles.push_back(std::move(profile));

@@ -10,6 +10,7 @@
 #include "plugin/remote_operations.h"
 #include "services/host_folder.h"
 #include "services/profile_tables.h"
+#include "siblings/plain_words.h"
 #include "store/list_commands.h"
 
 namespace rotacasts::host {
@@ -18,7 +19,6 @@ namespace {
 /// The capacity of a UDP datagram over IPv4.
 constexpr std::size_t kLongestMessage = 65507;
 
-constexpr const char* kOneLine = "a message is one line of Windows-1252 letters";
 constexpr const char* kCannotBeWritten = "the file cannot be written";
 
 [[noreturn]] void RaiseUnchanged(const char* what, const HostedPlugin::Reply& reply,
@@ -45,9 +45,9 @@ std::string WhyNotStored(const std::string& text) try {
   if (ToWindows1252(text).find_first_of("\r\n") == std::string::npos) {
     return "its file cannot be read or written at this moment; try again";
   }
-  return kOneLine;
-} catch (const RuntimeError&) {  // another letter
-  return kOneLine;
+  return "a message is one line; remove the line break";
+} catch (const RuntimeError& error) {  // it names the letter
+  return PlainWords(error);
 }
 
 /// Where an added text stands now; empty if that is not known.
@@ -289,7 +289,7 @@ std::optional<MessageList> ServerHost::ListAfter(std::int32_t index,
                                                  HostedPlugin::Reply& reply) const try {
   return MessagesOf(index);
 } catch (const RuntimeError& error) {
-  reply.problems.push_back("the list cannot be read again: " + error.description);
+  reply.problems.push_back("the list cannot be read again: " + PlainWords(error));
   return std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 #include "broadcast/schedule.h"
 #include "host/message_list.h"
 #include "services/host_folder.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -54,7 +55,7 @@ ProfileStatus ReadStatus(const HostProfiles& profiles, const ProfileSettings& pr
     SetSettings(status, list);
     SetNextMessage(status, list);
   } catch (const RuntimeError& error) {
-    status.problem = error.description;
+    status.problem = PlainWords(error);
   }
   if (!status.isStopped && status.isSwitchedOn) {
     status.failing = chatFailure;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "siblings/game_processes.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -23,7 +24,7 @@ std::string Length(Troubles::Clock::duration length) {
 std::string DescribeError(const std::string& label, const RuntimeError& error,
                           const std::string& procedure) {
   if (IsServerError(error)) return error.description;  // it names the profile
-  std::string words = label + ": " + error.description;
+  std::string words = label + ": " + PlainWords(error);
   if (error.isGeneric)
     words += " (error " + std::to_string(error.number) + " in " + procedure + ")";
   return words;

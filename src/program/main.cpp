@@ -19,6 +19,7 @@
 #include "program/service_command.h"
 #include "program/web_commands.h"
 #include "services/host_folder.h"
+#include "siblings/plain_words.h"
 
 namespace {
 
@@ -92,13 +93,18 @@ int PrintPreviews(const HostOptions& options) {
   int status = profiles.PrintSkipped() ? 0 : 1;
   Preview preview(profiles);
   for (const std::int32_t index : Chosen(options, profiles)) {
+    if (!profiles.All().contains(index)) {
+      Out() << "there is no profile " << index << "; preview shows all of them without --profile\n";
+      status = 1;
+      continue;
+    }
     try {
       const ProfileSettings& profile = profiles.At(index);
       Out() << profile.Label() << ", " << profile.gameCode << "\n";
       const MessageList list(HostFolder(options.folder).MessageFile(profile.folder));
       if (!PrintMessageTable(Out(), preview, profile, list)) status = 1;
     } catch (const RuntimeError& error) {
-      Out() << error.description << "\n";
+      Out() << PlainWords(error) << "\n";
       status = 1;
     }
   }
@@ -122,6 +128,17 @@ constexpr const char* kExitStatus =
     "2 the call is wrong, or the host cannot work there; 3 another host works in the folder;\n"
     "4 something failed that may work next time, as when the memory ran out.";
 
+/// What is wrong with a call, in words of its own where CLI11's take knowledge of a parser.
+std::string WrongCall(const CLI::ParseError& error) {
+  const std::string words = error.what();
+  const std::string option = words.substr(0, words.find(':'));
+  if (words.starts_with("A subcommand")) return "a command is missing";
+  if (option == "--minute") return "--minute takes a length of time, such as 1s or 300ms";
+  if (error.get_name() == "ArgumentMismatch") return option + " needs a value behind it";
+  if (error.get_name() != "ConversionError") return words;
+  return words.substr(words.find("--")) + " is no whole number";
+}
+
 /// 2 for what fails until a person changes the call or the folder, 4 for anything else.
 int StatusOf(const RuntimeError& error) {
   for (const ErrorNumber lasting : {ErrorNumber::InvalidProcedureCall, ErrorNumber::FileNotFound,
@@ -135,7 +152,7 @@ int StatusOf(const RuntimeError& error) {
 /// The exit status of what `work` does, or of its error, which it prints.
 int Status(const std::function<int()>& work) try { return work(); } catch (...) {
   const RuntimeError error = CurrentRuntimeError();
-  Errors() << "rotacasts-host: " << error.description << "\n";
+  Errors() << "rotacasts-host: " << PlainWords(error) << "\n";
   return StatusOf(error);
 }
 
@@ -165,13 +182,14 @@ CommandLine::CommandLine() {
   app_.require_subcommand(1);
   const auto addFolder = [this](CLI::App& command) { AddFolder(command); };
   AddNewCommand(app_, options_, Out(), addFolder);
-  AddRun("run", "Start every profile and listen to the console", RunInConsole);
+  AddRun("run", "Post the messages of every profile, and take commands at the console",
+         RunInConsole);
   if (kRunInWindow != nullptr) {
     AddRun("window", "Do the same in a window, with the plugin's DLL", RunWindow);
   }
   Add("preview", "Print what every message would say at this moment", PrintPreviews)
       .add_option("--profile", options_.profiles, "only these profiles");
-  Add("check", "Look the whole folder over and warn of what would surprise", Check)
+  Add("check", "Check every profile and message file; say file, line and what to do", Check)
       .add_flag("--fix", options_.fix,
                 "first convert files saved as UTF-8, keeping a copy of each");
   AddServiceCommand(
@@ -193,7 +211,8 @@ CLI::App& CommandLine::Add(const char* name, const char* help, int (*command)(co
 void CommandLine::AddRun(const char* name, const char* help, int (*command)(const HostOptions&)) {
   const std::map<std::string, std::int64_t> units = {{"ms", 1}, {"s", 1000}, {"m", 60000}};
   CLI::App& run = Add(name, help, command);
-  run.add_option("--admin", options_.administrator, "who the console's changes are logged under")
+  run.add_option("--admin", options_.administrator,
+                 "the name under which the console's changes are logged")
       ->capture_default_str();
   run.add_flag("--shared-log", options_.sharedLog, "log changes for the whole host");
   run.add_option_function<std::int64_t>(
@@ -214,6 +233,7 @@ void CommandLine::AddFolder(CLI::App& command) {
       .add_option_function<std::string>(
           "--host-folder",
           [this](const std::string& folder) {
+            if (folder.empty()) throw CLI::ValidationError("--host-folder is empty; name a folder");
             const auto path = std::filesystem::absolute(PathOf(folder)).lexically_normal();
             options_.folder = (path.has_filename() ? path : path.parent_path()).string();
           },
@@ -222,7 +242,7 @@ void CommandLine::AddFolder(CLI::App& command) {
 }
 
 int CommandLine::Refuse(const CLI::ParseError& error) const {
-  std::string words = error.what();
+  std::string words = WrongCall(error);
   // CLI11 itself complains about missing arguments before it notices unknown ones.
   const std::vector<std::string> unknown = app_.remaining(true);
   const auto chosen = app_.get_subcommands();

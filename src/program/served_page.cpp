@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "machine/tcp.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -28,7 +29,7 @@ void ServedPage::Try() {
     if (!error.Is(ErrorNumber::DeviceIoError)) throw;
     next_ = EventLoop::Clock::now() + kPageRetry;
     if (std::exchange(isTold_, true)) return;
-    out_ << error.description << ", or wait: it is tried again and again\n" << std::flush;
+    out_ << PlainWords(error) << ", or wait: it is tried again and again\n" << std::flush;
   }
 }
 

@@ -40,7 +40,8 @@ std::string AskForPassword(std::ostream& out) {
 /// The administrators of a folder that is there. Errors: 76.
 Admins AdminsIn(const std::string& hostFolder) {
   if (MachineFiles().FolderExists(hostFolder)) return Admins(hostFolder);
-  throw RuntimeError(ErrorNumber::PathNotFound, hostFolder + "; name the host's folder");
+  throw RuntimeError(ErrorNumber::PathNotFound,
+                     "there is no folder " + hostFolder + "; name the host's folder");
 }
 
 std::string RightsInWords(const Admin& admin) {

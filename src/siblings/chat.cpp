@@ -5,6 +5,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "base/word_list.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -90,7 +91,7 @@ void Chat::Post(std::int32_t profile, std::int32_t port, const std::string& word
       }
       socket_.Send(static_cast<std::uint16_t>(port), text);
     } catch (const RuntimeError& error) {
-      Finish(profile, number, SentText::Outcome::Failed, error.description);
+      Finish(profile, number, SentText::Outcome::Failed, PlainWords(error));
       throw;
     }
     return Finish(profile, number, SentText::Outcome::Sent, "");
@@ -123,7 +124,7 @@ void Chat::StartFirst(std::int32_t profile) {
           StartFirst(profile);
         });
       } catch (const RuntimeError& error) {
-        Finish(profile, number, SentText::Outcome::Failed, error.description);
+        Finish(profile, number, SentText::Outcome::Failed, PlainWords(error));
       }
     } else {
       Finish(profile, number, SentText::Outcome::Failed, "Say was taken out of profile.ini");

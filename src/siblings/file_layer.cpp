@@ -34,9 +34,12 @@ void MachineFiles::CreateFolder(const std::string& path) {
   std::error_code problem;
   if (fs::create_directory(folder, problem)) return ShareAsParent(path);
   if (!problem) throw RuntimeError(ErrorNumber::FileAlreadyExists, folder.string());
+  if (problem == std::errc::file_exists) {
+    throw RuntimeError(ErrorNumber::FileAlreadyExists,
+                       folder.string() + " is a file; rename it, or remove it");
+  }
   const auto number = problem == std::errc::no_such_file_or_directory ? ErrorNumber::PathNotFound
-                      : problem == std::errc::file_exists        ? ErrorNumber::FileAlreadyExists
-                      : problem == std::errc::no_space_on_device ? ErrorNumber::DiskFull
+                      : problem == std::errc::no_space_on_device      ? ErrorNumber::DiskFull
                                                                  : ErrorNumber::PermissionDenied;
   throw RuntimeError(number, folder.string() + " (" + problem.message() + ")");
 }

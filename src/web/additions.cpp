@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <limits>
+#include <sstream>
 #include <utility>
+
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host::web {
 namespace {
@@ -35,11 +38,15 @@ void Additions::AddPiece() {
   const auto begin = list.texts.begin() + static_cast<std::ptrdiff_t>(list.added);
   const std::size_t count = std::min(kPiece, list.texts.size() - list.added);
   try {
-    host_.InsertMessages(list.profile, kEnd, {begin, begin + static_cast<std::ptrdiff_t>(count)},
-                         list.administrator);
+    std::istringstream words(host_.InsertMessages(
+        list.profile, kEnd, {begin, begin + static_cast<std::ptrdiff_t>(count)},
+        list.administrator));
+    std::string line;
+    std::getline(words, line);  // says how many were added
+    while (std::getline(words, line)) list.notes.insert(line);
     list.added += count;
   } catch (...) {
-    return End(CurrentRuntimeError().description);
+    return End(PlainWords(CurrentRuntimeError()));
   }
   if (list.added == list.texts.size()) End({});
 }
@@ -47,7 +54,7 @@ void Additions::AddPiece() {
 void Additions::End(const std::string& problem) {
   const List list = std::move(waiting_.front());
   waiting_.pop_front();
-  list.onEnd({list.added, problem});
+  list.onEnd({list.added, list.notes, problem});
 }
 
 }  // namespace rotacasts::host::web

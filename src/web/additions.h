@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,10 +22,12 @@ class Additions {
   /// second.
   static constexpr std::size_t kPiece = 50;
 
-  /// What became of a list: how many messages were added, and the error that ended it.
+  /// What became of a list: how many messages were added, what else there is to say about that, and
+  /// the error that ended it.
   struct Outcome {
     std::size_t added = 0;
-    std::string problem;  // empty without an error
+    std::set<std::string> notes;  // each begins with "but"
+    std::string problem;          // empty without an error
   };
   using OnEnd = std::function<void(const Outcome&)>;
 
@@ -43,6 +46,7 @@ class Additions {
     std::string administrator;
     OnEnd onEnd;
     std::size_t added = 0;
+    std::set<std::string> notes = {};
   };
   void AddPiece();
   void End(const std::string& problem);

@@ -8,6 +8,7 @@
 #include "broadcast/placeholders.h"
 #include "machine/descriptor_shares.h"
 #include "machine/tcp.h"
+#include "siblings/plain_words.h"
 #include "web/call.h"
 #include "web/page_files.h"
 #include "web/without_paths.h"
@@ -129,10 +130,10 @@ void Api::Handle(const std::shared_ptr<Exchange>& exchange) {
     exchange->Answer(refusal);
   } catch (const RuntimeError& error) {
     exchange->Answer(
-        Refusal{422, "refused", WithoutPaths(error.description, host_.Profiles().Folder())});
+        Refusal{422, "refused", WithoutPaths(PlainWords(error), host_.Profiles().Folder())});
   } catch (...) {
     exchange->Answer(Refusal{
-        500, "failed", WithoutPaths(CurrentRuntimeError().description, host_.Profiles().Folder())});
+        500, "failed", WithoutPaths(PlainWords(CurrentRuntimeError()), host_.Profiles().Folder())});
   }
 }
 
@@ -215,7 +216,7 @@ const std::vector<Admin>& Api::People() {
     people_ = admins_.All();
   } catch (const RuntimeError& error) {  // must not stop the broadcasts
     people_.clear();
-    trouble = error.description;
+    trouble = PlainWords(error);
   }
   if (trouble != trouble_ && !trouble.empty()) {
     out_ << "nobody can be signed in: " << trouble << "\n" << std::flush;

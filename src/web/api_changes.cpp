@@ -63,8 +63,10 @@ void Api::AddAll(Call& call, std::vector<std::string> texts) {
   }
   const std::weak_ptr<Exchange> waiting = call.exchange;
   const auto finish = [this, waiting, profile = call.profile](const Additions::Outcome& outcome) {
-    const json done = {{"done", "added " + Messages(outcome.added)}, {"added", outcome.added}};
-    Response response = Changed(profile, done);
+    std::string done = "added " + Messages(outcome.added);
+    for (const std::string& note : outcome.notes) done += "\n" + note;
+    done = WithoutFolder(done, host_.Profiles().Folder());
+    Response response = Changed(profile, {{"done", done}, {"added", outcome.added}});
     if (!outcome.problem.empty()) {
       const std::string words =
           outcome.added == 0 ? outcome.problem

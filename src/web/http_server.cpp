@@ -20,6 +20,7 @@ const Microhttpd& Mhd() {
 constexpr unsigned kQuietSeconds = 30;
 constexpr std::size_t kMemoryOfConnection = std::size_t{16} * 1024;
 constexpr std::size_t kMostBytesDropped = std::size_t{1024} * 1024;
+constexpr std::chrono::milliseconds kPumpTime{10};  // in one turn
 constexpr std::size_t kBlock = std::size_t{8} * 1024;
 
 /// Sent with every answer: only the page's own files may load, nobody may frame or store it.
@@ -285,13 +286,14 @@ std::uint16_t HttpServer::Port() const {
 
 void HttpServer::Run() {
   mustRun_ = false;
+  if (leftToPump_ > 0) PumpSome();
   Mhd().run(daemon_);
   CutOff();
   watch_->HasRun();
 }
 
 std::optional<Clock::time_point> HttpServer::NextRun() const {
-  if (mustRun_) return Clock::now();
+  if (mustRun_ || leftToPump_ > 0) return Clock::now();
   MHD_UNSIGNED_LONG_LONG milliseconds = 0;
   const auto ofWatch = watch_->Next();
   if (Mhd().get_timeout(daemon_, &milliseconds) != MHD_YES) return ofWatch;
@@ -313,9 +315,20 @@ void HttpServer::CutOff() {
 }
 
 void HttpServer::Pump() {
-  for (const auto& [handle, connection] : connections_) {
-    if (connection.sendsEvents) connection.conversation->WakeUp();
+  leftToPump_ = connections_.size();
+  PumpSome();
+}
+
+void HttpServer::PumpSome() {
+  const Clock::time_point end = Clock::now() + kPumpTime;
+  while (leftToPump_ > 0 && !connections_.empty() && Clock::now() < end) {
+    auto next = connections_.upper_bound(lastPumped_);
+    if (next == connections_.end()) next = connections_.begin();
+    lastPumped_ = next->first;
+    --leftToPump_;
+    if (next->second.sendsEvents) next->second.conversation->WakeUp();
   }
+  if (connections_.empty()) leftToPump_ = 0;
 }
 
 std::size_t HttpServer::EventSources() const {

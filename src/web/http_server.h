@@ -86,7 +86,8 @@ class HttpServer {
   HttpServer& operator=(const HttpServer&) = delete;
 
   std::uint16_t Port() const;
-  /// Asks every open event source for news.
+  /// Asks every open event source for news, some in this turn and the rest in the next ones,
+  /// because many pages can show long lists.
   void Pump();
   std::size_t EventSources() const;
 
@@ -101,6 +102,7 @@ class HttpServer {
 
   void Start(const std::string& address);
   void Run();
+  void PumpSome();
   std::optional<EventLoop::Clock::time_point> NextRun() const;
   /// Cuts off clients that take too long.
   void CutOff();
@@ -110,7 +112,9 @@ class HttpServer {
   const std::chrono::milliseconds longest_;
   std::map<MHD_Connection*, Connection> connections_;
   EventLoop::Clock::time_point nextCut_;
-  bool mustRun_ = false;  // a connection was resumed, which the library does not signal
+  MHD_Connection* lastPumped_ = nullptr;
+  std::size_t leftToPump_ = 0;  // connections that have not been asked since Pump() was called
+  bool mustRun_ = false;        // a connection was resumed, which the library does not signal
   MHD_Daemon* daemon_ = nullptr;
   std::optional<DaemonWatch> watch_;
 };

@@ -7,6 +7,7 @@
 #include "broadcast/placeholders.h"
 #include "broadcast/schedule.h"
 #include "files/native_files.h"
+#include "siblings/plain_words.h"
 #include "store/admin_log.h"
 #include "web/without_paths.h"
 
@@ -167,7 +168,7 @@ json Snapshots::List(const ProfileSettings& profile, Messages& known) {
       rows.push_back(std::move(row));
     }
   } catch (const RuntimeError& error) {
-    problem = WithoutPaths(error.description, host_.Profiles().Folder());
+    problem = WithoutPaths(PlainWords(error), host_.Profiles().Folder());
   }
   return {{"index", profile.index},
           {"messages", std::move(rows)},
@@ -198,7 +199,7 @@ json Snapshots::Log(std::int32_t index) const {
         ReadWholeFile(AdminLog::FileIn(host_.LogFolderOf(index), today)).value_or(""), kMostLines);
   } catch (const RuntimeError& error) {
     log["lines"] = json::array();
-    log["problem"] = WithoutPaths(error.description, host_.Profiles().Folder());
+    log["problem"] = WithoutPaths(PlainWords(error), host_.Profiles().Folder());
   }
   return log;
 }

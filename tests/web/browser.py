@@ -53,7 +53,8 @@ class Browser:
         return self.js("return document.querySelector(arguments[0])?.innerText", selector) or ""
 
     def sees(self, selector, text="", seconds=10):
-        self.wait(lambda: self.find(selector).is_displayed() and text in self.text(selector),
+        seen = "const e = document.querySelector(arguments[0]); return !!e?.checkVisibility() && e.innerText.includes(arguments[1])"
+        self.wait(lambda: self.js(seen, selector, text),
                   f"{text!r} in {selector}, which is {self.text(selector)!r}", seconds)
 
     def type(self, selector, text):
@@ -82,6 +83,15 @@ class Browser:
         self.acts += 2  # take and let go
         move = ActionChains(self.driver).click_and_hold(self.find(selector))
         move.move_to_element(self.find(to)).move_by_offset(0, -15).release().perform()
+
+    def drag_by_touch(self, selector, to):
+        """Drags with a finger to a little above the middle of another element."""
+        self.js("arguments[0].scrollIntoView({block: 'center'})", self.find(to))
+        (x, y), (_, end) = ([box["x"] + box["width"] / 2, box["y"] + box["height"] / 2] for box in (
+            self.js("return document.querySelector(arguments[0]).getBoundingClientRect()", one) for one in (selector, to)))
+        for kind, at in (("touchStart", y), ("touchMove", (y + end) / 2), ("touchMove", end - 15), ("touchEnd", None)):
+            points = [] if at is None else [{"x": x, "y": at}]
+            self.driver.execute_cdp_cmd("Input.dispatchTouchEvent", {"type": kind, "touchPoints": points})
 
     def sign_in(self, name, password):
         self.sees("#sign-in")

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include "base/runtime_error.h"
-#include "machine/linux/load_microhttpd.h"
 #include "machine/tcp.h"
 #include "web/http_server.h"
 #include "web/passwords.h"
@@ -122,15 +121,6 @@ TEST(SignInBrake, SlowsDownOneAddressMoreAndMore) {
   EXPECT_EQ(brake.WaitOf("other", now), 0s);
   brake.Attempted("other", "Anna", now + 15min);
   EXPECT_EQ(brake.WaitOf("one", now), 0s) << "a quarter of an hour is forgiven";
-}
-
-TEST(HttpServer, SaysWhichLibraryTheMachineLacks) {
-  try {
-    LoadMicrohttpd("libnone.so.1");
-    ADD_FAILURE() << "it has it";
-  } catch (const RuntimeError& error) {
-    EXPECT_NE(error.description.find("libnone.so.1"), std::string::npos) << error.description;
-  }
 }
 
 /// A client that sends a byte every 10 ms until it is cut off.

@@ -75,15 +75,20 @@ class Page(unittest.TestCase):
         page.click("#all-servers")
         page.keys("Maintenance")
         page.click("#say")
-        for _ in range(4):
+        for _ in range(3):
             self.assertTrue(self.host.server.prints("Maintenance", 5))
-        page.sees("#outcome [data-index='9'].failed", "Not sent: ")  # once that is known
+        page.sees("#outcome [data-index='6']", "Sent: Maintenance (warn said: slow)")
+        page.sees("#outcome li:first-child.failed", "srv9 Not sent: ")  # once that is known
+        page.sees("#outcomes-title", "Said once: 5 did, 1 did not")
         self.assertEqual(page.acts, 3)
         page.sees("#profiles li", "srv9")  # stands first, because its texts fail
         page.wait(lambda: page.driver.title == "(2 in trouble) srv2 – Rotacasts", "both in the title")
         page.click("#copy")
         page.sees("#outcomes", "Copied from srv2: all 5 did")
         self.assertEqual(self.host.messages(5), ["List 5", *ten, *texts])
+        page.keys(Keys.CONTROL + "z")
+        page.sees("#outcomes", "Undone: copied the list of srv2: all 5 did", 60)
+        self.assertEqual([self.host.messages(index) for index in (3, 5)], [["Three", *ten], ["List 5", *ten]])
 
     def test_no_press_is_done_twice_or_to_another_message(self):
         page, other = self.open(messages=["One", "Two", "Three", "Four", "Five"]), self.open()
@@ -174,6 +179,11 @@ class Page(unittest.TestCase):
         page.find("#switch").click()
         page.sees("#next", "Nothing is sent while this is switched off.")
         page.sees("#profiles", "switched off")
+        logs = f"{self.host.folder}/profiles/srv2/adminlogs"
+        os.rename(logs, logs + " of old")
+        open(logs, "w").close()  # so that nothing can be logged
+        page.row(3, "delete")
+        page.sees("#toast", f"Deleted: {markup} – but ")
         severe = [line for line in page.driver.get_log("browser") if "status of 401" not in line["message"]]
         self.assertEqual(severe, [])
 
@@ -213,6 +223,12 @@ class Page(unittest.TestCase):
     def test_a_lost_connection_comes_back_and_a_lost_session_says_so(self):
         page = self.open()
         page.lists(*LIST)
+        cookie = self.host.sign_in("Anna")[1]
+        for line, _ in [self.host.follow(cookie) for _ in range(16)]:  # as many as one person may follow
+            self.addCleanup(line.close)
+        page.sees("#banner", "open too often")
+        page.keys(Keys.SHIFT)
+        page.wait(lambda: not page.text("#banner"), "the page to follow again")
         page.driver.set_network_conditions(offline=True, latency=0, throughput=-1)
         page.sees("#banner", "connection to the host is lost")
         page.sees("#profile-state", "not known")
@@ -260,6 +276,8 @@ class Page(unittest.TestCase):
         self.assertEqual(page.js("return document.activeElement.dataset.kind"), "delete")
         keys(Keys.CONTROL + "z")
         page.wait(lambda: "By keyboard" in page.messages(), "the message that was put back")
+        page.drag_by_touch(row(5, "place"), row(4, "place"))
+        page.wait(lambda: page.messages()[3:] == ["By keyboard", "Next: {ShowNextMap}"], "the message that was dragged")
 
 
 if __name__ == "__main__":

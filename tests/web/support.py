@@ -30,13 +30,18 @@ class Host:
         self.nobody.bind(("127.0.0.1", 0))
         port = self.nobody.getsockname()[1]
         add_profile(self.folder, 3, "JO", "no-such-program", port, message_file(["Three"]))
-        for index in more:  # profiles of the same server; that of index 9 cannot post to it
-            target = f"{self.server.port}\nSay=/bin/false" if index == 9 else self.server.port
+        warning = self.folder + "/warn"
+        with open(warning, "w", opener=lambda *file: os.open(*file, 0o755)) as file:
+            file.write("#!/bin/sh\necho slow >&2\n")
+        say = {6: f"\nSay={warning}", 9: "\nSay=/bin/false"}  # sent with a warning; not sent
+        for index in more:  # profiles of the same server
+            target = f"{self.server.port}{say.get(index, '')}"
             add_profile(self.folder, index, "JO", self.server.id, target, message_file([f"List {index}"]))
         self.admin("set", "Anna")
         self.admin("set", "Eve", "--profiles", "2", "--rights", CHANGE)
         self.admin("set", "Ben", "--profiles", "3", "--rights", "")
         self.port = 0
+        self.prepare = None  # is called in the host's process before it starts
         self.start()
 
     def admin(self, *words, password=PASSWORD):
@@ -45,7 +50,7 @@ class Host:
 
     def start(self):
         self.program = Program(HOST, "run", "--host-folder", self.folder, "--web",
-                               f"127.0.0.1:{self.port}", *self.options)
+                               f"127.0.0.1:{self.port}", *self.options, prepare=self.prepare)
         self.url = self.program.prints("the page: ").split()[-1]
         self.port = int(self.url.rsplit(":", 1)[1].strip("/"))
 
@@ -113,11 +118,15 @@ class Host:
         isJson = answer.headers["Content-Type"] == "application/json"
         return answer.status, answer.headers, json.loads(text) if isJson and text else text
 
-    def events(self, cookie, profile=2):
-        """The events that arrive at once, by kind."""
+    def follow(self, cookie, profile=2):
+        """Opens a page's events; returns the connection and the answer that goes on."""
         connection = self.connect()
         connection.request("GET", f"/api/events?profile={profile}", None, {"Cookie": cookie})
-        answer, found = connection.getresponse(), {}
+        return connection, connection.getresponse()
+
+    def events(self, cookie, profile=2):
+        """The events that arrive at once, by kind."""
+        (connection, answer), found = self.follow(cookie, profile), {}
         while "ready" not in found:
             kind = answer.readline().decode().split(": ", 1)[1].strip()
             found.setdefault(kind, []).append(json.loads(answer.readline().decode()[6:]))

@@ -218,8 +218,7 @@ TEST_F(HostedPluginTest, WhatCannotBeStoredChangesNeitherFileNorWindowAndTheReas
   host.longs[0x00C87598] = 2;  // a game is running
   const std::string before = folder.Read(kFile);
   std::filesystem::permissions(folder.File(kFile), std::filesystem::perms::owner_read);
-  const std::string why = "Permission denied: " + folder.File(kFile) +
-                          " is read-only; make it writable and try again\n";
+  const std::string why = folder.File(kFile) + " is read-only; make it writable and try again\n";
   Console console(server, out);
   for (const auto& [line, says] : {std::pair("enable 4 1", "not switched: " + why),
                                    {"interval 4 0", "not changed: " + why},

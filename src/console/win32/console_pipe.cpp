@@ -9,6 +9,7 @@
 #include "base/runtime_error.h"
 #include "com/com_support.h"
 #include "host/complaint.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -186,7 +187,7 @@ void ServeOtherConsoles(const std::string& hostFolder, std::ostream& out,
                         std::function<ConsoleAnswer(const std::string&)> ask) try {
   ServeConsolePipe(hostFolder, std::move(ask));
 } catch (const RuntimeError& error) {
-  out << kNoOtherConsoles << error.description << "\n" << std::flush;
+  out << kNoOtherConsoles << PlainWords(error) << "\n" << std::flush;
 }
 
 PipeToConsole::PipeToConsole(const std::string& hostFolder, std::ostream& out)

@@ -23,7 +23,8 @@ void RaiseFileError(int problem, const std::filesystem::path& path) {
 
 void RefuseNoFile(const struct stat& status, const std::filesystem::path& path) {
   if (S_ISREG(status.st_mode)) return;
-  throw RuntimeError(ErrorNumber::PathFileAccessError, path.string() + " is no file");
+  throw RuntimeError(ErrorNumber::PathFileAccessError,
+                     path.string() + " is no file; put one there, or remove it");
 }
 
 struct stat Descriptor::Status(const std::filesystem::path& path) const {

@@ -12,6 +12,7 @@
 #include "program/headless_host.h"
 #include "program/redirection.h"
 #include "program/served_page.h"
+#include "siblings/plain_words.h"
 #include "terminal/linux/console_lines.h"
 
 namespace rotacasts::host {
@@ -25,7 +26,7 @@ std::unique_ptr<ConsoleServer> ServeOtherConsoles(EventLoop& loop, ServerHost& h
   try {
     return std::make_unique<ConsoleServer>(loop, host);
   } catch (const RuntimeError& error) {
-    out << kNoOtherConsoles << error.description << "\n";
+    out << kNoOtherConsoles << PlainWords(error) << "\n";
     return nullptr;
   }
 }

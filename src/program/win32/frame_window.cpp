@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "base/runtime_error.h"
+#include "siblings/plain_words.h"
 #include "ui/layout.h"
 
 namespace rotacasts::host {
@@ -190,7 +191,7 @@ void FrameWindow::HandleChoice() {
   try {
     onChoose(rows_[static_cast<std::size_t>(row)].profile);
   } catch (...) {
-    const std::wstring text = win32::ToWide(CurrentRuntimeError().description);
+    const std::wstring text = win32::ToWide(PlainWords(CurrentRuntimeError()));
     ::MessageBoxW(window_, text.c_str(), kTitle, MB_OK | MB_ICONWARNING);
   }
 }

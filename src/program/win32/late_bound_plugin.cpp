@@ -8,6 +8,7 @@
 #include "host/complaint.h"
 #include "plugin/remote_operations.h"
 #include "services/host_services.h"
+#include "siblings/plain_words.h"
 
 namespace rotacasts::host {
 namespace {
@@ -121,7 +122,7 @@ HostedPlugin::Reply LateBoundPlugin::Remote(const RemoteOperation& operation, st
                                             const HostValue& data, const HostValue& value) {
   Reply reply;
   const IniFiles::Listener unstored(files_, [&reply](const RuntimeError& error) {
-    if (reply.problems.empty()) reply.problems.push_back(error.description);
+    if (reply.problems.empty()) reply.problems.push_back(PlainWords(error));
   });
   Member member(object_, operation.name);
   const win32::ComVariant answer =

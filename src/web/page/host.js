@@ -27,6 +27,12 @@ export function targets() {
 export const sentence = (words) =>
   words.charAt(0).toUpperCase() + words.slice(1) + (/[.!?…]$/.test(words) ? "" : ".");
 
+/** The page's words for what was done, and what the host adds to them, such as what it could not log. */
+export function withNotes(words, { done = "" }) {
+  const notes = done.split("\n").slice(1);
+  return notes.length ? sentence(`${words} – ${notes.join("; ")}`) : words;
+}
+
 /** Makes an element with attributes and children; strings become text, never markup. */
 export function el(tag, attributes = {}, ...children) {
   const element = document.createElement(tag);
@@ -104,6 +110,7 @@ export async function act(control, event, work) {
     given, a function that takes it back with a request. Several outcomes are shown as a list under
     `title`, one as `words(answer)`. Returns the indexes and answers of those that did it. */
 export async function askEach(indexes, { title, words, one, undo, step }) {
+  const told = (answer) => withNotes(words(answer), answer);
   const results = new Map();
   const waiting = [...indexes];
   const askNext = async () => {
@@ -120,35 +127,43 @@ export async function askEach(indexes, { title, words, one, undo, step }) {
   const isUndoable = parts.length > 0;
   if (indexes.length > 1) {
     showOutcomes(title, isUndoable, indexes.map((index) => (done.has(index)
-      ? [index, true, words(done.get(index))] : [index, false, results.get(index).words])));
+      ? [index, true, told(done.get(index))] : [index, false, results.get(index).words])));
   } else if (done.size) {
-    tell(words(done.get(indexes[0])), { isUndoable });
+    tell(told(done.get(indexes[0])), { isUndoable });
   } else {
     warn(results.get(indexes[0]).words);
   }
   return done;
 }
 
+let outcomesTitle = "";
+
 /** Shows what came of an act on several servers, failures first. */
 function showOutcomes(title, isUndoable, outcomes) {
-  const failed = outcomes.filter(([, isDone]) => !isDone).length;
-  const told = failed ? `${title}: ${outcomes.length - failed} did, ${failed} did not` : `${title}: all ${outcomes.length} did`;
-  setText($("outcomes-title"), told);
+  outcomesTitle = title;
   outcomes.sort((a, b) => a[1] - b[1]);
   $("outcome").replaceChildren(...outcomes.map(([index]) => el("li", { "data-index": index }, el("b"), " ", el("span"))));
-  for (const outcome of outcomes) setOutcome(...outcome);
+  for (const [index, isDone, words] of outcomes) setOutcome(outcomeOf(index), isDone, words);
   $("outcomes").hidden = false;
+  const failed = outcomes.filter(([, isDone]) => !isDone).length;
   if (failed) $("outcomes").scrollIntoView({ block: "nearest" });
-  toast(told, { isBad: failed > 0, isUndoable, seconds: failed ? 12 : 6 });
+  toast($("outcomes-title").textContent, { isBad: failed > 0, isUndoable, seconds: failed ? 12 : 6 });
 }
 
-/** Sets the outcome of one server in the list, also later if it is known only then. */
-export function setOutcome(index, isDone, words) {
-  const item = $("outcome").querySelector(`[data-index="${index}"]`);
-  if (!item) return;
+/** The outcome of one server in the list, for setOutcome(). */
+export const outcomeOf = (index) => $("outcome").querySelector(`[data-index="${index}"]`);
+
+/** Sets an outcome, also later if it is known only then. Another act's list stays as it is. */
+export function setOutcome(item, isDone, words) {
+  if (!item?.isConnected) return;
+  const others = [...$("outcome").children];
   item.className = isDone ? "" : "failed";
-  setText(item.firstChild, `${isDone ? "✓" : "✗"} ${nameOf(index)}`);
+  setText(item.firstChild, `${isDone ? "✓" : "✗"} ${nameOf(Number(item.dataset.index))}`);
   setText(item.lastChild, words);
+  if (!isDone) $("outcome").insertBefore(item, others.find((one) => one !== item && one.className !== "failed") ?? null);
+  const failed = others.filter((one) => one.className === "failed").length;
+  setText($("outcomes-title"), failed ? `${outcomesTitle}: ${others.length - failed} did, ${failed} did not`
+    : `${outcomesTitle}: all ${others.length} did`);
 }
 
 // --- What came of it ---

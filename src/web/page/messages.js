@@ -1,7 +1,7 @@
 // The messages of the server shown: their list, in which each is changed, moved and deleted where it
 // stands, and the field for new ones.
-import { $, act, ask, askEach, setOutcome, el, kAdd, may, nameOf, on, remember, request, sentence, setCurrent, setText,
-  state, targets, tell, warn } from "./host.js";
+import { $, act, ask, askEach, setOutcome, el, kAdd, may, nameOf, on, outcomeOf, remember, request, sentence, setCurrent, setText,
+  state, targets, tell, warn, withNotes } from "./host.js";
 
 const kSettle = 700; // ms after a row has moved in which a press on it may be meant for another
 const kWindowLetters = 60; // of a message, shown in the plugin's window
@@ -18,6 +18,7 @@ const quoted = (text) => `“${text}”`;
 // --- Texts ---
 
 const letters = (text) => [...text].length;
+const counted = (count, thing) => `${count} ${thing}${count === 1 ? "" : "s"}`;
 const isWestern = (letter) => /[\x20-\x7e\xa0-\xff]/.test(letter) || kWesternSigns.includes(letter);
 
 /** The problem with a text; empty if there is none. */
@@ -213,12 +214,12 @@ async function remove(row) {
   const position = place(row);
   const { text } = row.message;
   row.isDeleting = true;
-  const isDone = await ask("DELETE", path(index, "messages"), { position, text });
+  const answer = await ask("DELETE", path(index, "messages"), { position, text });
   await refreshMessages();
   row.isDeleting = false;
-  if (!isDone) return;
+  if (!answer) return;
   remember(`deleted ${quoted(text)}`, [[index, () => request("POST", path(index, "restored"), { position, text })]]);
-  tell(`Deleted: ${text}`, { isUndoable: true });
+  tell(withNotes(`Deleted: ${text}`, answer), { isUndoable: true });
 }
 
 /** Puts a message at a place. The page follows it, unless it was dragged. */
@@ -226,12 +227,12 @@ async function moveTo(row, to, anchor = row) {
   const index = state.chosen;
   const position = place(row);
   const { text } = row.message;
-  const isDone = await ask("POST", path(index, "places"), { position, text, to });
+  const answer = await ask("POST", path(index, "places"), { position, text, to });
   await refreshMessages(anchor);
-  if (!isDone) return;
+  if (!answer) return;
   remember(`moved ${quoted(text)}`, [[index, () => withMessage(index, text, to, (now) =>
     request("POST", path(index, "places"), { position: now, text, to: position }))]]);
-  tell(`Moved to place ${to + 1}: ${text}`, { isUndoable: true });
+  tell(withNotes(`Moved to place ${to + 1}: ${text}`, answer), { isUndoable: true });
 }
 
 async function change(row, newText) {
@@ -239,12 +240,12 @@ async function change(row, newText) {
   const position = place(row);
   const { text } = row.message;
   const put = (at, from, to) => request("PUT", path(index, "messages"), { position: at, text: from, newText: to });
-  const isDone = await ask("PUT", path(index, "messages"), { position, text, newText });
-  if (isDone) closeTool(row);
+  const answer = await ask("PUT", path(index, "messages"), { position, text, newText });
+  if (answer) closeTool(row);
   await refreshMessages(row);
-  if (!isDone) return;
+  if (!answer) return;
   remember(`changed ${quoted(text)}`, [[index, () => withMessage(index, newText, position, (now) => put(now, newText, text))]]);
-  tell(`Changed: ${newText}`, { isUndoable: true });
+  tell(withNotes(`Changed: ${newText}`, answer), { isUndoable: true });
 }
 
 /** Opens a form inside the row, in place of what it had. */
@@ -405,7 +406,7 @@ export function showDraft() {
   const long = texts.find((text) => letters(text) > kWindowLetters);
   const isLive = texts.length === 1 && placeholders.includes(texts[0]);
   const to = targets().length;
-  setText($("count"), texts.length > 1 ? `${texts.length} messages` : texts.length ? `${letters(texts[0])} letters` : "");
+  setText($("count"), texts.length > 1 ? `${texts.length} messages` : texts.length ? counted(letters(texts[0]), "letter") : "");
   setText($("add"), `Add ${texts.length > 1 ? `${texts.length} messages ` : ""}to ${to > 1 ? `${to} lists` : "the list"}`);
   setText($("say"), to > 1 ? `Say once on ${to} servers` : "Say once, now");
   $("placeholders").value = isLive ? texts[0] : "";
@@ -479,27 +480,27 @@ function say(event) {
   act($("compose"), event, async () => {
     const done = await send(state.chosen, held, {
       title: "Said once",
-      words: (answer) => sentence(answer.done),
+      words: ({ done }) => sentence(done.split("\n")[0]),
       one: (index) => request("POST", path(index, "say"), { text }),
     });
     for (const [index, answer] of done) {
-      if (answer.outcome === "under way") awaitOutcome(index, answer.number, text, done.size > 1);
+      if (answer.outcome === "under way") awaitOutcome(index, answer.number, text, done.size > 1 ? outcomeOf(index) : null);
     }
   });
 }
 
-/** Tells what became of a text once the host knows it. */
-async function awaitOutcome(index, number, text, isOneOfSeveral) {
+/** Tells what became of a text once the host knows it, at its outcome if it is one of several. */
+async function awaitOutcome(index, number, text, item) {
   let sent;
   do {
     await new Promise((resolve) => setTimeout(resolve, 1000));
     sent = (await request("GET", path(index, `sent?number=${number}`))).answer;
   } while (sent?.outcome === "under way");
   const isDone = sent?.outcome === "sent";
-  const words = isDone ? `Sent: ${text}` : `Not sent: ${sent?.reason || "the host does not know what became of it"}`;
-  if (isOneOfSeveral) setOutcome(index, isDone, words);
+  const words = isDone ? `Sent: ${text}${sent.reason && ` (${sent.reason})`}` : `Not sent: ${sent?.reason || "the host does not know what became of it"}`;
+  setOutcome(item, isDone, words);
   if (!isDone) warn(`${nameOf(index)}: ${words}`);
-  else if (!isOneOfSeveral) tell(words);
+  else if (!item) tell(words);
 }
 
 function copyList(event) {
@@ -512,7 +513,7 @@ function copyList(event) {
   }
   act($("copy"), event, () => askEach(to, {
     title: `Copied from ${nameOf(from)}`,
-    words: (answer) => sentence(answer.done),
+    words: ({ done }) => sentence(done.split("\n")[0]),
     one: async (index) => {
       const result = await request("POST", path(index, "copies"), { from });
       const now = result.answer?.added ? (await request("GET", path(index, "messages"))).answer : null;

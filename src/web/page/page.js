@@ -182,8 +182,8 @@ setInterval(async () => { // the title of a hidden tab still counts the servers 
 function stateOf(row) {
   if (row.stopped) return ["stopped", "stopped"];
   if (row.failing) return ["failing", "failing"];
-  if (row.game === "unreachable") return ["unreachable", "unreachable"];
-  if (row.problem) return ["failing", "a problem"];
+  if (row.game === "unreachable" && row.on) return ["unreachable", "unreachable"];
+  if (row.problem && row.game !== "unreachable") return ["failing", "a problem"];
   if (!row.on) return ["off", "switched off"];
   if (row.messages === 0) return ["off", "no messages"];
   if (row.game === "idle") return ["waiting", "no game"];
@@ -193,7 +193,8 @@ function stateOf(row) {
 /** Why a server is in trouble; empty if it is not. */
 function troubleOf(row) {
   if (row.stopped || (!row.on && row.game === "unreachable")) return "";
-  return row.failing || row.problem || (row.game === "unreachable" ? "the game server cannot be reached" : "");
+  const why = row.problem.replace(/^profile \d+ \(.*?\): /, ""); // the heading says which
+  return (row.failing && `not sent: ${row.failing}`) || why || (row.game === "unreachable" ? "the game server cannot be reached" : "");
 }
 
 /** The servers as the list shows them: those in trouble first, and among them those that fail. */
@@ -309,6 +310,7 @@ function choose() {
 /** Shows nothing of a server until the host has sent it. */
 function emptyProfile() {
   state.targets.clear();
+  $("pick").open = false;
   clearTimeout(stepTimer);
   stepTimer = 0;
   forgetMessages();
@@ -338,7 +340,7 @@ function showProfile() {
   if (!row) return;
   setText($("profile-name"), row.folder);
   setText($("profile-state"), `${row.gameCode} · ${isLive ? stateOf(row)[1] : "not known"}`);
-  const trouble = row.failing ? `texts do not reach the players: ${row.failing}` : troubleOf(row);
+  const trouble = troubleOf(row);
   setText($("profile-problem"), trouble && sentence(trouble));
   if (!isSwitching) $("switch").checked = row.on;
   if (document.activeElement !== $("interval") && !stepTimer) $("interval").value = row.interval;
@@ -403,7 +405,7 @@ async function set(route, field, value, words) {
   const before = new Map(targets().map((index) => [index, field === "on" ? rows.get(index).on : rows.get(index).minutes]));
   const put = (index, to) => request("PUT", `/api/profiles/${index}/${route}`, { [field]: to });
   return askEach([...before.keys()], {
-    title: words,
+    title: words.replace(".", ""),
     words: () => words,
     one: (index) => put(index, value),
     step: words.toLowerCase().replace(".", ""),
@@ -464,8 +466,8 @@ function showLines(items, lines) {
 
 function showSent(sent) {
   $("nothing-sent").hidden = sent.length > 0;
-  showLines($("sent"), sent.map((one) => [one.time,
-    one.outcome === "sent" ? one.text : `${one.text} (${one.outcome === "failed" ? `not sent: ${one.reason}` : one.outcome})`,
+  const noteOn = ({ outcome, reason }) => (outcome === "failed" ? `not sent: ${reason}` : outcome === "sent" ? reason : outcome);
+  showLines($("sent"), sent.map((one) => [one.time, noteOn(one) ? `${one.text} (${noteOn(one)})` : one.text,
     one.outcome === "failed"]));
 }
 
