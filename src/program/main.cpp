@@ -130,7 +130,7 @@ constexpr const char* kExitStatus =
 
 /// What is wrong with a call, in words of its own where CLI11's take knowledge of a parser.
 std::string WrongCall(const CLI::ParseError& error) {
-  const std::string words = error.what();
+  std::string words = error.what();
   const std::string option = words.substr(0, words.find(':'));
   if (words.starts_with("A subcommand")) return "a command is missing";
   if (option == "--minute") return "--minute takes a length of time, such as 1s or 300ms";

@@ -21,7 +21,7 @@ using web::Admins;
 std::string AskForPassword(std::ostream& out) {
   HiddenInput input;
   if (input.IsTerminal()) out << "Password: " << std::flush;
-  const std::string password = input.Line();
+  std::string password = input.Line();
   if (input.IsTerminal()) {
     out << "\nOnce more: " << std::flush;
     const std::string again = input.Line();
