@@ -8,8 +8,11 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <fstream>
 
 #include "files/host_lock.h"
+#include "files/linux/beside_file.h"
+#include "files/native_files.h"
 #include "host/host_profiles.h"
 #include "support/host_files.h"
 
@@ -111,6 +114,33 @@ TEST_F(HostFilesTest, ARemovedLockLetsNoSecondHostInAndOneThatIsNoFileSaysWhatTo
   std::filesystem::create_directory(folder.File("host.lock"));
   const RuntimeError error = ThrownBy([&] { HostLock(folder.Path(), "noon"); });
   EXPECT_NE(error.description.find("remove it"), std::string::npos) << error.description;
+}
+
+TEST_F(HostFilesTest, AFileLeftBesideAnotherIsKeptUnlessItIsCertainlyTheOldListOrTheNew) {
+  struct Case {
+    bool isMovedAside;
+    const char* bytes;
+    const char* place;
+    bool isKept;
+  };
+  const std::string old = "old";
+  for (const auto& [isMovedAside, bytes, place, isKept] : {Case{false, "old", "new", false},
+                                                           {false, "new", "save", false},
+                                                           {false, "part of", "old", false},
+                                                           {false, "save", "new", true},
+                                                           {true, "old", "new", false},
+                                                           {true, "old", "save", true},
+                                                           {true, "save", "new", true}}) {
+    const std::filesystem::path settings = folder.File("left");
+    std::filesystem::remove_all(settings);
+    std::filesystem::create_directory(settings);
+    const std::string beside = BesideName::Template(settings / "list", "new", &old);
+    std::ofstream(isMovedAside ? BesideName::ForOld(beside) : beside) << bytes;
+    std::ofstream(settings / "list") << place;
+    EXPECT_EQ(TidyLeftovers(settings.string()), std::vector<std::string>());
+    const std::filesystem::directory_iterator left(settings);
+    EXPECT_EQ(std::distance(begin(left), end(left)), isKept ? 2 : 1) << bytes << ", " << place;
+  }
 }
 
 TEST_F(HostFilesTest, ALinkToWhatIsNoFileIsAnErrorAndNoWait) {

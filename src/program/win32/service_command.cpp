@@ -73,6 +73,17 @@ int RunInService(const std::function<int()>& run) {
   return status;
 }
 
+/// Runs the host as the service; for a person it only says what to type instead.
+std::function<void()> CalledBySystem(const HostOptions& options, std::ostream& out,
+                                     std::function<int()> run, std::function<bool(int)> isCrash) {
+  return [&options, &out, run = std::move(run), isCrash = std::move(isCrash)] {
+    const auto work = [&run] { return RunInService(run); };
+    if (!RunAsService(NameOf(options.folder), work, isCrash)) {
+      out << "the system starts this itself; type \"service start\"\n";
+    }
+  };
+}
+
 }  // namespace
 
 void AddServiceCommand(CLI::App& program, HostOptions& options, std::ostream& out,
@@ -107,14 +118,8 @@ void AddServiceCommand(CLI::App& program, HostOptions& options, std::ostream& ou
   });
   add("status", "Print whether the service runs",
       [&options, &out] { out << Service(NameOf(options.folder)).State() << "\n"; });
-  CLI::App* const called =
-      add("run", "What the system calls",
-          [&options, &out, run = std::move(run), isCrash = std::move(isCrash)] {
-            const auto work = [&run] { return RunInService(run); };
-            if (!RunAsService(NameOf(options.folder), work, isCrash)) {
-              out << "the system starts this itself; type \"service start\"\n";
-            }
-          });
+  CLI::App* const called = add("run", "What the system calls",
+                               CalledBySystem(options, out, std::move(run), std::move(isCrash)));
   called->group("");  // not shown
   AddPageOptions(*called, options);
 }
