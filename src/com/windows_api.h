@@ -9,3 +9,5 @@
 #include <ocidl.h>
 #include <olectl.h>
 // clang-format on
+
+#undef ReplaceFile  // a function of the host, which the macro would rename

@@ -14,7 +14,7 @@ namespace rotacasts::host {
 /// again after a crash. `addFolder` gives a command the option that sets options.folder. Everything
 /// passed by reference must outlive the parsing.
 void AddServiceCommand(CLI::App& program, HostOptions& options, std::ostream& out,
-                       const std::function<void(CLI::App&)>& addFolder, std::function<int()> run,
-                       std::function<bool(int)> isCrash);
+                       const std::function<void(CLI::App&)>& addFolder,
+                       const std::function<int()>& run, const std::function<bool(int)>& isCrash);
 
 }  // namespace rotacasts::host

@@ -9,8 +9,6 @@
 #include <sddl.h>
 // clang-format on
 
-#undef ReplaceFile  // a macro of the system headers
-
 namespace rotacasts::host {
 namespace {
 

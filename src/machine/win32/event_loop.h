@@ -11,8 +11,6 @@
 #include "machine/turn_loop.h"
 #include "machine/win32/lock.h"
 
-#undef ReplaceFile  // a macro of the system headers, and a function of the host
-
 namespace rotacasts::host {
 
 /// Work that other threads hand to the loop. Whoever has it may outlive the loop: then what is

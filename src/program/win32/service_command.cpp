@@ -75,8 +75,9 @@ int RunInService(const std::function<int()>& run) {
 
 /// Runs the host as the service; for a person it only says what to type instead.
 std::function<void()> CalledBySystem(const HostOptions& options, std::ostream& out,
-                                     std::function<int()> run, std::function<bool(int)> isCrash) {
-  return [&options, &out, run = std::move(run), isCrash = std::move(isCrash)] {
+                                     const std::function<int()>& run,
+                                     const std::function<bool(int)>& isCrash) {
+  return [&options, &out, run, isCrash] {
     const auto work = [&run] { return RunInService(run); };
     if (!RunAsService(NameOf(options.folder), work, isCrash)) {
       out << "the system starts this itself; type \"service start\"\n";
@@ -87,8 +88,8 @@ std::function<void()> CalledBySystem(const HostOptions& options, std::ostream& o
 }  // namespace
 
 void AddServiceCommand(CLI::App& program, HostOptions& options, std::ostream& out,
-                       const std::function<void(CLI::App&)>& addFolder, std::function<int()> run,
-                       std::function<bool(int)> isCrash) {
+                       const std::function<void(CLI::App&)>& addFolder,
+                       const std::function<int()>& run, const std::function<bool(int)>& isCrash) {
   CLI::App* const all =
       program.add_subcommand("service", "Run the host as a service, which starts with the machine");
   all->require_subcommand(1);
@@ -118,8 +119,8 @@ void AddServiceCommand(CLI::App& program, HostOptions& options, std::ostream& ou
   });
   add("status", "Print whether the service runs",
       [&options, &out] { out << Service(NameOf(options.folder)).State() << "\n"; });
-  CLI::App* const called = add("run", "What the system calls",
-                               CalledBySystem(options, out, std::move(run), std::move(isCrash)));
+  CLI::App* const called =
+      add("run", "What the system calls", CalledBySystem(options, out, run, isCrash));
   called->group("");  // not shown
   AddPageOptions(*called, options);
 }
